@@ -1,0 +1,21 @@
+// Operating-system layer: processes.
+#pragma once
+
+#include <string>
+
+namespace COS {
+
+class CosOsState
+{
+public:
+    // The number of a running process whose name (the file name of its program, as in
+    // /proc/PID/comm or the first word of /proc/PID/cmdline, proc(5)) is `name`; the lowest if
+    // there are several. Returns it, 1 or more; -1 if there is none. Any thread.
+    static int GetProcessPIDByName(const std::string &name);
+};
+
+// The scan of /proc itself, the same on every panel: what GetProcessPIDByName answers where the
+// process table is the real one. Same arguments, result and thread.
+int scanProcessTable(const std::string &name);
+
+} // namespace COS

@@ -1,0 +1,64 @@
+// Operating-system layer: thread pool and periodic tasks.
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace COS {
+
+// A pool of worker threads, one for the whole process. All functions: any thread.
+class CCosThreadPool
+{
+public:
+    // Starts `minThreads` threads at once; up to `maxThreads` run when work waits. `maxQueued` is
+    // the number of jobs that may wait for a thread.
+    // Returns 0; -1 if the pool already runs or the numbers make no sense (minThreads < 0,
+    // maxThreads < 1 or below minThreads, maxQueued < 1).
+    static int init(int minThreads, int maxThreads, int maxQueued);
+
+    // Hands `job` to a thread of the pool.
+    // Returns 0; -1 if the pool does not run; -2 if `maxQueued` jobs wait already.
+    static int submit(std::function<void()> job);
+
+    // Lets the waiting jobs finish, ends the threads and waits for them. Does nothing if the pool
+    // does not run. Not to be called from a job of the pool.
+    static void destory();
+};
+
+// Named periodic tasks, one service for the whole process. Tasks run on the service's own
+// threads, whose name (pthread_getname_np) is "timer". All functions: any thread, a running task
+// included, except where said otherwise.
+//
+// Tasks that are due together run one after the other, and a task never runs twice at the same
+// time. A task that takes longer than the tick delays only itself: another thread of the service
+// takes over the ticks, and the periods that the slow task missed are dropped.
+class CCosRateTimer
+{
+public:
+    // What a task returns is ignored; 0 by convention.
+    using Function = int (*)(void *argument);
+
+    // Starts the service. `tickMs` is its resolution in milliseconds: every period is rounded up
+    // to a whole number of ticks.
+    // Returns 0; -1 if it already runs, if tickMs < 1 or if the system gives no timer.
+    static int init(int tickMs);
+
+    // Calls `function(argument)` every `periodMs` milliseconds, the first time one period from
+    // now; `count` times, or for ever if it is -1. `name` is the key of the task. `mode` 0 runs
+    // the task on the service's threads, 1 hands each call to CCosThreadPool.
+    // Returns 0; -1 if the service does not run or an argument makes no sense (null function,
+    // empty name, periodMs < 1, count 0 or below -1, another mode); -2 if the name is in use.
+    static int addTimer(Function function, void *argument, const std::string &name, int periodMs,
+                        int count, int mode);
+
+    // Forgets the task: no call of it starts after the return. A call that is under way goes on
+    // and is not waited for, so that a task can remove itself and a caller cannot lock up.
+    // Returns 0; -1 if there is no task of that name.
+    static int removeTimer(const std::string &name);
+
+    // Forgets all tasks, waits for the calls that are under way and ends the service. Not to be
+    // called from a task. Does nothing if the service does not run.
+    static void destory();
+};
+
+} // namespace COS
