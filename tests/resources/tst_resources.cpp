@@ -1,7 +1,7 @@
 #include "resources/Resources.h"
 
 #include <QImage>
-#include <QMovie>
+#include <QImageReader>
 #include <QResource>
 #include <QSet>
 #include <QTest>
@@ -82,16 +82,14 @@ void TestResources::switchesAreTwiceAsWideAsHigh()
 
 void TestResources::animationNeverEnds()
 {
-    QMovie movie(IMAGES + QStringLiteral("loading_more.gif"));
-    QVERIFY2(movie.isValid(), qPrintable(movie.lastErrorString()));
-    QSet<qint64> looks;
-    for (int frame = 0; frame < movie.frameCount(); ++frame) {
-        QVERIFY(movie.jumpToFrame(frame));
-        QCOMPARE(movie.nextFrameDelay(), 80);
-        QCOMPARE(movie.currentImage().pixelColor(0, 0).alpha(), 0);
-        looks << movie.currentPixmap().toImage().pixel(movie.frameRect().width() / 2, 8);
+    QImageReader reader(IMAGES + QStringLiteral("loading_more.gif"));
+    QSet<QRgb> looks;
+    for (QImage frame = reader.read(); !frame.isNull(); frame = reader.read()) {
+        QCOMPARE(frame.pixelColor(0, 0).alpha(), 0);
+        QCOMPARE(reader.nextImageDelay(), 80);
+        looks << frame.pixel(frame.width() / 2, 10);
     }
-    QCOMPARE(movie.loopCount(), -1);
+    QCOMPARE(reader.loopCount(), -1);
     QCOMPARE(looks.size(), 12); // each frame shows another dot at the top
 }
 
