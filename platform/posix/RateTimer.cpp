@@ -31,12 +31,13 @@ RateTimer::RateTimer()
 int RateTimer::start(int tickMs)
 {
     const Lock lock(mutex_);
-    if (state_ != State::Down || tickMs < 1 || !leadTimer_.open() || !takeoverTimer_.open())
+    if (state_ != State::Down || tickMs < 1 || !takeoverTimer_.open())
         return -1;
     origin_ = std::chrono::steady_clock::now();
     tick_ = milliseconds(tickMs);
     grace_ = std::min<std::chrono::nanoseconds>(kGrace, tick_);
     isLed_ = false;
+    takeoverAt_.reset();
     if (!startStandby()) // finds no leader and leads
         return -1;
     state_ = State::Up;
@@ -76,7 +77,6 @@ void RateTimer::stop()
     changed_.wait(lock, [&] { return isOver() || state_ != State::Ending; });
     if (state_ != State::Ending) // another thread stopped it as well
         return;
-    leadTimer_.close();
     takeoverTimer_.close();
     state_ = State::Down;
     changed_.notify_all();
@@ -86,7 +86,7 @@ void RateTimer::end()
 {
     state_ = State::Ending;
     schedule_.clear();
-    leadTimer_.set(Moment{});
+    leadChanged_.notify_one();
     takeoverTimer_.set(Moment{});
 }
 
@@ -111,31 +111,38 @@ Moment RateTimer::timeOf(Tick tick) const
     return origin_ + tick * tick_;
 }
 
-// When the standby is to run what is due at `due`. A leader that is awake but has got no processor
-// yet is given its time again.
-Moment RateTimer::takeoverTime(Moment due) const
+// When the standby is to look after the leader. While it is in a task: once another one is due and
+// the grace is over. Else: when the task behind the one that it runs next would be late. A leader
+// that is awake but has got no processor yet is given its time again.
+std::optional<Moment> RateTimer::takeoverTime() const
 {
+    const std::optional<Tick> due = inTaskSince_ ? schedule_.nextDue() : schedule_.secondDue();
+    if (!due)
+        return std::nullopt;
     if (inTaskSince_)
-        return std::max(due, *inTaskSince_ + grace_);
-    return std::max<Moment>(due, std::chrono::steady_clock::now()) + grace_;
+        return std::max(timeOf(*due), *inTaskSince_ + grace_);
+    return std::max<Moment>(timeOf(*due), std::chrono::steady_clock::now()) + grace_;
 }
 
-// Sets both timers after any change of what is due.
+// After any change of what is due: moves both sleepers' moments, and wakes the leader only if its
+// own has moved.
 void RateTimer::arm()
 {
     if (state_ != State::Up)
         return;
-    if (const std::optional<Tick> due = schedule_.nextDue())
-        leadTimer_.set(timeOf(*due));
-    else
-        leadTimer_.clear();
     armTakeover();
+    if (schedule_.nextDue() != leaderWaitsFor_)
+        leadChanged_.notify_one();
 }
 
 void RateTimer::armTakeover()
 {
-    if (const std::optional<Tick> due = schedule_.nextDue())
-        takeoverTimer_.set(takeoverTime(timeOf(*due)));
+    const std::optional<Moment> moment = takeoverTime();
+    if (moment == takeoverAt_) // mostly so: a frequent task alone at its tick can delay nobody yet
+        return;
+    takeoverAt_ = moment;
+    if (moment)
+        takeoverTimer_.set(*moment);
     else
         takeoverTimer_.clear();
 }
@@ -166,8 +173,8 @@ void RateTimer::serve()
 // The leader is stuck in a task while another one waits.
 bool RateTimer::isLeaderLate() const
 {
-    const std::optional<Tick> due = schedule_.nextDue();
-    return due && inTaskSince_ && takeoverTime(timeOf(*due)) <= std::chrono::steady_clock::now();
+    const std::optional<Moment> moment = takeoverTime();
+    return inTaskSince_ && moment && *moment <= std::chrono::steady_clock::now();
 }
 
 // Stands by. True when this thread is to lead, false when the service ends.
@@ -193,12 +200,20 @@ void RateTimer::lead(Lock &lock)
             startStandby();
         runDue(lock, mine);
         arm();
-        if (state_ != State::Up || lead_ != mine)
+        if (lead_ != mine)
             return;
-        lock.unlock();
-        leadTimer_.wait();
-        lock.lock();
+        awaitDue(lock);
     }
+}
+
+// The leader's sleep. It ends early when something earlier, or the end, comes up.
+void RateTimer::awaitDue(Lock &lock)
+{
+    leaderWaitsFor_ = schedule_.nextDue();
+    if (state_ == State::Up && leaderWaitsFor_)
+        leadChanged_.wait_until(lock, timeOf(*leaderWaitsFor_));
+    else if (state_ == State::Up)
+        leadChanged_.wait(lock);
 }
 
 // --- Calls --------------------------------------------------------------------------------------

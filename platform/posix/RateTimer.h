@@ -41,6 +41,7 @@ private:
     void serve();
     bool awaitLead(Lock &lock);
     void lead(Lock &lock);
+    void awaitDue(Lock &lock);
 
     void runDue(Lock &lock, std::uint64_t lead);
     void runHere(Lock &lock, const Task &task, std::uint64_t lead);
@@ -49,7 +50,7 @@ private:
     void call(Lock &lock, const Task &task);
     void finish(const Task &task);
 
-    Moment takeoverTime(Moment due) const;
+    std::optional<Moment> takeoverTime() const;
     bool isLeaderLate() const;
     void arm();
     void armTakeover();
@@ -64,9 +65,11 @@ private:
     std::chrono::nanoseconds tick_{};
     std::chrono::nanoseconds grace_{}; // how long the leader may hold up other tasks
 
-    TimerFd leadTimer_;      // the leader sleeps on it
-    TimerFd takeoverTimer_;  // the standby sleeps on it
-    std::uint64_t lead_ = 0; // counts the takeovers: who took the last one leads
+    std::condition_variable leadChanged_; // the leader sleeps on it
+    std::optional<Tick> leaderWaitsFor_;
+    TimerFd takeoverTimer_;            // the standby sleeps on it
+    std::optional<Moment> takeoverAt_; // what it is set to
+    std::uint64_t lead_ = 0;           // counts the takeovers: who took the last one leads
     bool isLed_ = false;
     bool hasStandby_ = false;
     std::optional<Moment> inTaskSince_; // the leader

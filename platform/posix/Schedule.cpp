@@ -34,10 +34,24 @@ bool Schedule::remove(const std::string &name)
 
 std::optional<Tick> Schedule::nextDue() const
 {
-    std::optional<Tick> due;
+    return earliest().first;
+}
+
+std::optional<Tick> Schedule::secondDue() const
+{
+    return earliest().second;
+}
+
+std::pair<std::optional<Tick>, std::optional<Tick>> Schedule::earliest() const
+{
+    std::pair<std::optional<Tick>, std::optional<Tick>> due;
     for (const Task &task : tasks_) {
-        if (!isUnderWay(task.name) && (!due || task.next < *due))
-            due = task.next;
+        if (isUnderWay(task.name))
+            continue;
+        if (!due.first || task.next < *due.first)
+            due = {task.next, due.first};
+        else if (!due.second || task.next < *due.second)
+            due.second = task.next;
     }
     return due;
 }

@@ -6,7 +6,12 @@
 
 namespace COS {
 
-// A pool of worker threads, one for the whole process. All functions: any thread.
+// A pool of worker threads, one for the whole process. All functions: any thread. The threads'
+// name (pthread_getname_np) is "pool"; those above the minimum end when they have had no job for
+// some seconds. A job that throws ends the program (std::terminate).
+//
+// When the process exits without destory(), the jobs that wait are dropped, and those that run
+// have about one second to finish.
 class CCosThreadPool
 {
 public:
@@ -17,7 +22,8 @@ public:
     static int init(int minThreads, int maxThreads, int maxQueued);
 
     // Hands `job` to a thread of the pool.
-    // Returns 0; -1 if the pool does not run; -2 if `maxQueued` jobs wait already.
+    // Returns 0; -1 if the pool does not run, if `job` is empty or if the system gives not even one
+    // thread; -2 if `maxQueued` jobs wait already.
     static int submit(std::function<void()> job);
 
     // Lets the waiting jobs finish, ends the threads and waits for them. Does nothing if the pool
@@ -29,9 +35,15 @@ public:
 // threads, whose name (pthread_getname_np) is "timer". All functions: any thread, a running task
 // included, except where said otherwise.
 //
-// Tasks that are due together run one after the other, and a task never runs twice at the same
-// time. A task that takes longer than the tick delays only itself: another thread of the service
-// takes over the ticks, and the periods that the slow task missed are dropped.
+// Tasks that are due together run one after the other, in the order of their adding, and a task
+// never runs twice at the same time. A task that takes longer delays only itself: after a few
+// milliseconds (at most one tick) another thread of the service takes over what is due, and the
+// periods that the slow task missed are dropped. A task that throws ends the program
+// (std::terminate).
+//
+// When the process exits without destory(), no task is started any more, and those that run have
+// about one second to finish. That is done by atexit(3) at the first use of the service: a static
+// object that a task uses is made before that, or never destroyed.
 class CCosRateTimer
 {
 public:
@@ -43,9 +55,13 @@ public:
     // Returns 0; -1 if it already runs, if tickMs < 1 or if the system gives no timer.
     static int init(int tickMs);
 
-    // Calls `function(argument)` every `periodMs` milliseconds, the first time one period from
-    // now; `count` times, or for ever if it is -1. `name` is the key of the task. `mode` 0 runs
-    // the task on the service's threads, 1 hands each call to CCosThreadPool.
+    // Calls `function(argument)` every `periodMs` milliseconds, the first time at the first tick
+    // that is at least one period from now; `count` times, or for ever if it is -1. `name` is the
+    // key of the task. `mode` 0 runs the task on the service's threads, 1 hands each call to
+    // CCosThreadPool; a call that the pool does not take is dropped and not counted.
+    // The name is free again after removeTimer(), and as soon as the last of `count` calls has
+    // started. While a call of the former task is under way, the new one of that name waits for
+    // its end and drops the periods that it misses: two calls of one name never overlap.
     // Returns 0; -1 if the service does not run or an argument makes no sense (null function,
     // empty name, periodMs < 1, count 0 or below -1, another mode); -2 if the name is in use.
     static int addTimer(Function function, void *argument, const std::string &name, int periodMs,

@@ -29,11 +29,14 @@ public:
     // The panel's clock in seconds since 1970-01-01 00:00:00 UTC.
     static std::int64_t GetTimeStamp();
 
-    // `timeStamp` (as GetTimeStamp) in the process's time zone (TZ, tzset(3)).
+    // `timeStamp` (as GetTimeStamp) in the process's time zone, as TZ names it at this moment
+    // (tzset(3)). 1970-01-01 00:00:00 if the year cannot be represented. Nobody may change the
+    // environment meanwhile.
     static SYS_TIME_T TimeStampToZoneTime(std::int64_t timeStamp);
 
-    // The reverse; fields out of their range carry over, as mktime(3) does it. Returns -1 if the
-    // result cannot be represented.
+    // The reverse; fields out of their range carry over, as mktime(3) does it, and the zone's rules
+    // say whether summer time holds. Returns -1 if the result cannot be represented. Nobody may
+    // change the environment meanwhile.
     static std::int64_t TimeToTimeStamp(const SYS_TIME_T &time);
 
     // The panel's clock in the process's time zone. Returns 0; -1 on failure (time untouched).

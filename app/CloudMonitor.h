@@ -1,0 +1,55 @@
+// Works out whether the panel is online on each link and whether the cloud is connected.
+#pragma once
+
+#include "platform/net.h"
+
+#include <array>
+#include <atomic>
+#include <functional>
+#include <vector>
+
+// run() belongs to one thread, the rate timer's; the results may be read from any.
+class CloudMonitor
+{
+public:
+    // What the monitor reports, called on the thread of run().
+    struct Events
+    {
+        // A link, by its device type code 301 to 303, came online or went offline.
+        std::function<void(int type, bool online)> linkChanged;
+        // After every run: the result of loading the cloud configuration, the connection's status
+        // (1 connected; -1 with no link online).
+        std::function<void(int loadResult, int status)> checked;
+        // The cloud came up or went down.
+        std::function<void(bool up)> cloudChanged;
+    };
+
+    // The client must outlive the monitor.
+    CloudMonitor(const netT::CAsyncClient &client, Events events);
+
+    // One check over the network service's latest records. Blocks while a link is pinged.
+    void run(const std::vector<netT::stAllNetInfo_tag> &records);
+
+    // Result of loading the cloud configuration; -1 until it is loaded.
+    int loadResult() const { return m_nLoadResult; }
+    // The cloud's state as last reported.
+    bool isCloudUp() const { return m_bCloudUp; }
+
+private:
+    struct Link
+    {
+        int type;         // device type code
+        const char *kind; // as a record's sNetType names it
+        bool pinged;      // whether having an address is not enough
+        bool online;
+    };
+
+    bool checkLinks(const std::vector<netT::stAllNetInfo_tag> &records);
+    void checkCloud(bool anyOnline);
+
+    const netT::CAsyncClient &m_client;
+    Events m_events;
+    std::array<Link, 3> m_links;
+    std::atomic<int> m_nLoadResult{-1};
+    std::atomic<bool> m_bCloudUp{false};
+};

@@ -1,0 +1,296 @@
+#include "app/MainWin.h"
+
+#include "app/look/BoxHelpers.h"
+#include "app/look/DismissGuard.h"
+#include "app/look/FontStyle.h"
+#include "app/look/Screen.h"
+#include "app/look/StyleSheets.h"
+#include "app/look/WidgetLook.h"
+#include "app/PlatformCallbacks.h"
+#include "platform/board.h"
+#include "platform/cos_process.h"
+#include "platform/cos_thread.h"
+#include "platform/cos_time.h"
+#include "system/LanguageSettings.h"
+#include "ui_Qt_MainWin.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace {
+
+constexpr int TICK_MS = 50;
+constexpr int BUZZER_PERIOD_MS = 50;
+constexpr int CLOUD_PERIOD_MS = 2000;
+constexpr int REPEAT_FOR_EVER = -1;
+constexpr int START_BEEP_MS = 480;
+constexpr int BEFORE_REBOOT_MS = 500;
+constexpr unsigned int RECORDS_TIMEOUT_MS = 5000;
+
+constexpr int UPDATE_GROUP = 2;
+constexpr int LANGUAGE_TAB = 2;
+constexpr int TABS_ACROSS = 5; // tabs that fit side by side on the screen
+
+// Gives everything that was written its time to reach the disk.
+void settle()
+{
+    sync();
+    COS::CosTime::SleepCos(BEFORE_REBOOT_MS);
+}
+
+// The program never returns to a shell.
+[[noreturn]] void reboot(int hardware)
+{
+    my_reboot(hardware);
+    std::exit(0); // NOLINT(concurrency-mt-unsafe): what still runs is stopped by then or waited for
+}
+
+} // namespace
+
+MainWin::MainWin()
+    : ui(std::make_unique<Ui::Qt_MainWin>()),
+      m_cloudMonitor(m_cloudClient,
+                     {[this](int type, bool online) { emit sgl_NetChange(type, online); },
+                      [this](int load, int status) { emit sgl_Util(load, status, QString()); },
+                      [this](bool up) { emit sgl_Tarnicloud(up); }})
+{
+    std::puts("=====================start sysset");
+    startTasks();
+    m_pNotifyClient = std::make_unique<dsl::CNotifyClient>();
+    openScreen();
+    ui->setupUi(this);
+    m_groups = {{{ui->btn_Machine, ui->tab_Machine},
+                 {ui->btn_Net, ui->tab_Net},
+                 {ui->btn_UpData, ui->tab_UpData},
+                 {ui->btn_Sysset, ui->tab_System}}};
+    // The tabs of the widest group fill the page area exactly.
+    ui->stackedWidget->setFixedWidth(m_nScreenWidth / TABS_ACROSS * (TABS_ACROSS - 1));
+    setWindowFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    new DismissGuard(this, false);
+    initLanguage();
+    initLook();
+    registerHotPlug();
+}
+
+MainWin::~MainWin()
+{
+    COS::CCosRateTimer::destory();
+    COS::CCosThreadPool::destory();
+    m_pNotifyClient.reset();
+    settle();
+    reboot(1);
+}
+
+void MainWin::startTasks()
+{
+    COS::CCosThreadPool::init(1, 5, 20);
+    COS::CCosRateTimer::init(TICK_MS);
+    connect(this, &MainWin::sgl_Tarnicloud, this, &MainWin::slot_Tarnicloud);
+    COS::CCosRateTimer::addTimer(Buzzer_Thread, nullptr, "Buzzer_Thread", BUZZER_PERIOD_MS,
+                                 REPEAT_FOR_EVER, 0);
+    COS::CCosRateTimer::addTimer(CheckTarnicloud_Thread, this, "CheckTarnicloud_Thread",
+                                 CLOUD_PERIOD_MS, REPEAT_FOR_EVER, 0);
+}
+
+void MainWin::openScreen()
+{
+    PLATFORM::CPlatLcd::open();
+    int depth = 0;
+    PLATFORM::CPlatLcd::getResolution(m_nScreenWidth, m_nScreenHeight, depth);
+    Beep(START_BEEP_MS);
+    setFixedSize(m_nScreenWidth, m_nScreenHeight);
+}
+
+void MainWin::initLanguage()
+{
+    loadLanguageSettings();
+    m_nLanguage = g_nLanguge;
+    retranslate();
+    ui->wdg_Eth->retranslate();
+    ui->wdg_Language->retranslate(m_nLanguage);
+    if (!g_bChange)
+        ui->tab_System->removeTab(LANGUAGE_TAB);
+}
+
+void MainWin::initLook()
+{
+    ui->stackedWidget->setCurrentIndex(3);
+    ui->tab_Machine->setCurrentIndex(0);
+    ui->stackedWidget->setCurrentIndex(0);
+    m_strip.emplace(
+        StatusStrip::Labels{ui->lab_usb, ui->lab_Eth, ui->lab_wifi, ui->lab_4g, ui->lab_cloud});
+    highlightGroup(0);
+    applyStyle();
+    connect(this, qOverload<int, bool>(&MainWin::sgl_NetChange), this,
+            qOverload<int, bool>(&MainWin::slot_NetChange));
+    connect(this, qOverload<>(&MainWin::sgl_NetChange), this,
+            qOverload<>(&MainWin::slot_NetChange));
+    connect(ui->wdg_Language, &Language::sgl_LanguageChange, this, &MainWin::slot_LanguageChange);
+}
+
+void MainWin::registerHotPlug()
+{
+    qRegisterMetaType<std::string>("std::string");
+    connect(this, &MainWin::sgl_UDevInput, this, &MainWin::slot_UDevInput,
+            Qt::BlockingQueuedConnection);
+    connect(this, &MainWin::sgl_UDevOutput, this, &MainWin::slot_UDevOutput,
+            Qt::BlockingQueuedConnection);
+    PLATFORM::CPlatMedia::addDev(
+        {PLATFORM::DEV_ETH, PLATFORM::DEV_WIFI, PLATFORM::DEV_4G, PLATFORM::DEV_UDISK},
+        {OnUdiskAdd, OnUdiskRemove}, this);
+}
+
+void MainWin::checkNetworkService()
+{
+    if (COS::CosOsState::GetProcessPIDByName("netServer") < 0) {
+        runBox(BOX_INFORMATION, this, tr("netServer not run"));
+        return;
+    }
+    const int result =
+        netT::getAllNetInfoCallBack(getAllNetInfo, this, true, RECORDS_TIMEOUT_MS, true);
+    std::puts(result >= 0 ? "InitNetWork OK" : "InitNetWork Error");
+}
+
+void MainWin::openUpdate(const QString &word)
+{
+    disconnect(ui->tab_UpData, SIGNAL(currentChanged(int)), this, SLOT(slot_TabWidgetChange(int)));
+    const bool project = word.startsWith(QLatin1String("DownloadProject"));
+    if (project || word.startsWith(QLatin1String("DownloadImage"))) {
+        ui->stackedWidget->setCurrentIndex(UPDATE_GROUP);
+        ui->tab_UpData->setCurrentIndex(project ? 0 : 1);
+        highlightGroup(UPDATE_GROUP);
+    }
+    connect(ui->tab_UpData, SIGNAL(currentChanged(int)), this, SLOT(slot_TabWidgetChange(int)));
+}
+
+void MainWin::setNetRecords(const std::vector<netT::stAllNetInfo_tag> &records)
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_recordsMutex);
+        m_netRecords = records;
+    }
+    emit sgl_NetChange();
+}
+
+std::vector<netT::stAllNetInfo_tag> MainWin::netRecords() const
+{
+    const std::lock_guard<std::mutex> lock(m_recordsMutex);
+    return m_netRecords;
+}
+
+void MainWin::checkCloud()
+{
+    m_cloudMonitor.run(netRecords());
+}
+
+void MainWin::slot_ButtonPressed()
+{
+    if (sender() == ui->btn_Reboot) {
+        restart();
+        return;
+    }
+    for (int index = 0; index < static_cast<int>(m_groups.size()); ++index) {
+        if (sender() == m_groups[static_cast<std::size_t>(index)].button)
+            showGroup(index);
+    }
+}
+
+void MainWin::showGroup(int index)
+{
+    ui->stackedWidget->setCurrentIndex(index);
+    QTabWidget *tabs = m_groups[static_cast<std::size_t>(index)].tabs;
+    if (tabs->currentIndex() == 0)
+        keyClick();
+    else
+        tabs->setCurrentIndex(0); // clicks in slot_TabWidgetChange
+    highlightGroup(index);
+}
+
+void MainWin::highlightGroup(int index)
+{
+    m_nGroup = index;
+    for (int group = 0; group < static_cast<int>(m_groups.size()); ++group) {
+        setStyleOnce(m_groups[static_cast<std::size_t>(group)].button,
+                     navigationStyle(group == index));
+    }
+}
+
+void MainWin::slot_TabWidgetChange(int)
+{
+    keyClick();
+}
+
+void MainWin::slot_TabNetChange(int) {}
+
+void MainWin::slot_Tarnicloud(bool up)
+{
+    m_strip->setCloud(up);
+    std::printf("slot_Tarnicloud [%d][%d]\n", m_cloudMonitor.loadResult(),
+                m_cloudMonitor.isCloudUp() ? 1 : 0);
+}
+
+void MainWin::slot_UDevInput(int type, std::string)
+{
+    if (type == PLATFORM::DEV_UDISK)
+        m_strip->setUsb(true);
+}
+
+void MainWin::slot_UDevOutput(int type, std::string)
+{
+    if (type == PLATFORM::DEV_UDISK)
+        m_strip->setUsb(false);
+    else if (type == PLATFORM::DEV_WIFI)
+        slot_NetChange();
+}
+
+void MainWin::slot_NetChange(int type, bool online)
+{
+    m_strip->setLink(type, online);
+}
+
+void MainWin::slot_NetChange()
+{
+    for (const netT::stAllNetInfo_tag &record : netRecords()) {
+        std::printf("[%s][%s][%s]\n", record.sDevName.c_str(), record.sNetType.c_str(),
+                    record.sIpAddr.c_str());
+        if (record.sNetType == "ETH")
+            ui->wdg_Eth->setNetInfo(record);
+    }
+}
+
+void MainWin::slot_LanguageChange(int index)
+{
+    m_nLanguage = index == LANGUAGE_ENGLISH ? LANGUAGE_ENGLISH : LANGUAGE_CHINESE;
+    applyLanguage(m_nLanguage);
+    retranslate();
+    highlightGroup(m_nGroup);
+    applyStyle();
+    ui->wdg_Eth->retranslate();
+    ui->wdg_Language->retranslate(m_nLanguage);
+}
+
+void MainWin::retranslate()
+{
+    ui->retranslateUi(this);
+}
+
+void MainWin::applyStyle()
+{
+    setStyleOnce(this, windowStyle());
+    const QString tabs = tabStyle();
+    setStyleOnce(ui->tab_Machine, tabs);
+    setStyleOnce(ui->tab_Net, tabs);
+    setStyleOnce(ui->tab_UpData, tabs + updateStyle());
+    setStyleOnce(ui->tab_System, tabs);
+    setStyleOnce(ui->btn_Reboot, navigationStyle(false));
+}
+
+void MainWin::restart()
+{
+    keyClick();
+    if (runBox(BOX_QUESTION, this, tr("Are you sure you want to restart HMI?")) == 0)
+        return;
+    settle();
+    reboot(PLATFORM::CPlatCpu::enableReboot() != 0 ? 1 : 0);
+}

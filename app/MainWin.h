@@ -1,0 +1,103 @@
+// The settings window: frame, navigation, status strip, and what ties the pages together.
+#pragma once
+
+#include "app/CloudMonitor.h"
+#include "app/StatusStrip.h"
+#include "platform/net.h"
+#include "platform/services.h"
+
+#include <QDialog>
+
+#include <array>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+class QPushButton;
+class QTabWidget;
+
+namespace Ui {
+class Qt_MainWin;
+}
+
+// One for the life of the program. Its destruction restarts the panel and does not return. GUI
+// thread, but for the signals and what is marked otherwise.
+class MainWin : public QDialog
+{
+    Q_OBJECT
+
+public:
+    MainWin();
+    ~MainWin() override;
+
+    // Looks for the network service and starts the talk with it; tells the operator if it does
+    // not run. Once, after the window is shown.
+    void checkNetworkService();
+
+    // Opens the update group on the tab that `word` begins with ("DownloadProject",
+    // "DownloadImage"); any other word changes nothing.
+    void openUpdate(const QString &word);
+
+    // Takes the network service's records. Any thread.
+    void setNetRecords(const std::vector<netT::stAllNetInfo_tag> &records);
+
+    // One run of the online and cloud check. Rate timer's thread.
+    void checkCloud();
+
+signals:
+    void sgl_Tarnicloud(bool up);
+    void sgl_UDevInput(int type, std::string path);
+    void sgl_UDevOutput(int type, std::string path);
+    void sgl_NetChange(int type, bool online);
+    void sgl_NetChange();
+    void sgl_Util(int loadResult, int connectionStatus, QString text);
+
+public slots:
+    void slot_ButtonPressed();
+    void slot_TabWidgetChange(int index);
+    void slot_TabNetChange(int index);
+    void slot_Tarnicloud(bool up);
+    void slot_UDevInput(int type, std::string path);
+    void slot_UDevOutput(int type, std::string path);
+    void slot_NetChange(int type, bool online);
+    void slot_LanguageChange(int index);
+    void slot_NetChange();
+
+private:
+    // A navigation button and what it leads to.
+    struct Group
+    {
+        QPushButton *button;
+        QTabWidget *tabs;
+    };
+
+    void startTasks();
+    void openScreen();
+    void initLanguage();
+    void initLook();
+    void registerHotPlug();
+
+    void showGroup(int index);
+    void highlightGroup(int index);
+    void applyStyle();
+    void retranslate();
+    void restart();
+    std::vector<netT::stAllNetInfo_tag> netRecords() const;
+
+    std::unique_ptr<Ui::Qt_MainWin> ui;
+    std::array<Group, 4> m_groups{};
+    int m_nScreenWidth = 0;
+    int m_nScreenHeight = 0;
+    int m_nLanguage = 0;
+    int m_nGroup = 0;
+
+    mutable std::mutex m_recordsMutex;
+    std::vector<netT::stAllNetInfo_tag> m_netRecords;
+
+    netT::CAsyncClient m_cloudClient;
+    CloudMonitor m_cloudMonitor;
+    std::unique_ptr<dsl::CNotifyClient> m_pNotifyClient;
+    std::optional<StatusStrip> m_strip;
+};

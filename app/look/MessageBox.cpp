@@ -1,0 +1,63 @@
+#include "app/look/MessageBox.h"
+
+#include "app/look/Screen.h"
+#include "app/look/StyleSheets.h"
+#include "app/look/WidgetLook.h"
+#include "ui_MessageBox.h"
+
+namespace {
+
+const char *const ICONS[] = {"Question.png", "Information.png", "Warning.png", "Critical.png"};
+constexpr int ICON_COUNT = static_cast<int>(std::size(ICONS));
+
+} // namespace
+
+MessageBox::MessageBox(int type, QWidget *parent)
+    : QDialog(parent), ui(std::make_unique<Ui::MessageBox>())
+{
+    ui->setupUi(this);
+    setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    applyType(type);
+    const int touchHeight = screenSize().height() / 8;
+    ui->lab_Img->setFixedSize(touchHeight, touchHeight);
+    ui->btn_Ok->setMinimumHeight(touchHeight);
+    ui->btn_Cancel->setMinimumHeight(touchHeight);
+    setStyleSheet(messageBoxStyle());
+    connect(ui->btn_Ok, &QPushButton::clicked, this, &MessageBox::slot_BtnOkPressed);
+    connect(ui->btn_Cancel, &QPushButton::clicked, this, &MessageBox::slot_BtnCancelPressed);
+}
+
+MessageBox::~MessageBox() = default;
+
+void MessageBox::setText(const QString &text)
+{
+    ui->label->setText(text);
+}
+
+void MessageBox::applyType(int type)
+{
+    const bool question = type == BOX_QUESTION;
+    ui->lab_2->setVisible(question);
+    ui->btn_Cancel->setVisible(question);
+    if (!question) { // OK stands to the right
+        ui->buttonRow->setStretch(0, 8);
+        ui->buttonRow->setStretch(1, 3);
+        ui->buttonRow->setStretch(2, 1);
+    }
+    if (type >= 0 && type < ICON_COUNT) {
+        ui->lab_Img->setStyleSheet(QStringLiteral("border-image: url(%1);")
+                                       .arg(imagePath(QString::fromLatin1(ICONS[type]))));
+    }
+}
+
+void MessageBox::slot_BtnOkPressed()
+{
+    keyClick();
+    accept();
+}
+
+void MessageBox::slot_BtnCancelPressed()
+{
+    keyClick();
+    reject();
+}

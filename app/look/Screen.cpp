@@ -1,0 +1,55 @@
+#include "app/look/Screen.h"
+
+#include "platform/board.h"
+
+#include <QWidget>
+
+#include <algorithm>
+
+namespace {
+
+// The main window is the root of every dialog's chain of parents.
+const QWidget *rootOf(const QWidget *widget)
+{
+    while (widget->parentWidget() != nullptr)
+        widget = widget->parentWidget();
+    return widget;
+}
+
+QPoint screenOrigin(const QWidget *widget)
+{
+    const QWidget *root = rootOf(widget);
+    return root == widget ? QPoint(0, 0) : root->mapToGlobal(QPoint(0, 0));
+}
+
+} // namespace
+
+QSize screenSize()
+{
+    int width = 0;
+    int height = 0;
+    int depth = 0;
+    PLATFORM::CPlatLcd::getResolution(width, height, depth);
+    return {width, height};
+}
+
+QSize fractionOf(const QSize &size, double widthFactor, double heightFactor)
+{
+    return {static_cast<int>(size.width() * widthFactor),
+            static_cast<int>(size.height() * heightFactor)};
+}
+
+void placeOnScreen(QWidget *window, const QSize &size, const QPoint &corner)
+{
+    window->setFixedSize(size);
+    window->move(screenOrigin(window) + corner);
+}
+
+void placeOverPage(QWidget *window, const QSize &size, const QWidget *page, const QPoint &offset)
+{
+    const QPoint wanted = page->mapToGlobal(QPoint(0, 0)) - screenOrigin(window) + offset;
+    const QSize room = screenSize() - size;
+    placeOnScreen(window, size,
+                  {std::clamp(wanted.x(), 0, std::max(0, room.width())),
+                   std::clamp(wanted.y(), 0, std::max(0, room.height()))});
+}

@@ -1,0 +1,109 @@
+#include "app/look/StyleSheets.h"
+
+#include "app/look/FontStyle.h"
+#include "app/look/Screen.h"
+
+namespace {
+
+QString withFont(const QString &sheetTemplate)
+{
+    return QString(sheetTemplate).replace(QLatin1String("%1"), GetFontStyle());
+}
+
+QString buttonTemplate()
+{
+    return QStringLiteral("QPushButton{color:black;background-color:white;%1outline:none;"
+                          "border-radius:4px;border:2px solid #C4C4C3;}"
+                          "QPushButton:pressed{background-color:rgb(220, 220, 220);}"
+                          "QPushButton:disabled{color:#C4C4C3;}");
+}
+
+QString radioTemplate()
+{
+    return QStringLiteral("QRadioButton{outline: none;%1}"
+                          "QRadioButton::indicator{width:20px;height:20px;}"
+                          "QRadioButton::indicator:checked"
+                          "{image: url(:/SysSet_images/SysSet_images/radio_checked.png);}"
+                          "QRadioButton::indicator:unchecked"
+                          "{image: url(:/SysSet_images/SysSet_images/radio_unchecked.png);}");
+}
+
+} // namespace
+
+QString windowStyle()
+{
+    return withFont(
+        QStringLiteral("QLabel{color:black;%1border-radius:4px;}") + buttonTemplate() +
+        radioTemplate() +
+        QStringLiteral("#Qt_MainWin{background-color:white;}"
+                       "QFrame#wdg_Status{background-color:#F2F5F8;border-radius:4px;}"
+                       "QListWidget{color:black;%1background-color:white;outline:none;"
+                       "border:1px solid #C4C4C3;border-radius:4px;}"
+                       "QListWidget::item:selected{color:white;background-color:rgb(0 , 85 ,127);}"
+                       "QCheckBox{color:black;%1outline:none;}"));
+}
+
+QString tabStyle()
+{
+    const QSize screen = screenSize();
+    return QStringLiteral("QTabBar::tab {width:%1px;height:%2px;color: black;%3outline: none;"
+                          "background-color:#F2F5F8;border:0px;margin:0px;padding:0px;"
+                          "border-top-left-radius:4px;border-top-right-radius:4px;}"
+                          "QTabBar::tab:selected{color:white;background-color:rgb(0 , 85 ,127);}"
+                          "QTabWidget::pane{border:0px;border-top:2px solid rgb(0 , 85 ,127);"
+                          "background-color:white;}")
+        .arg(screen.width() / 5)
+        .arg(screen.height() / 12)
+        .arg(GetFontStyle());
+}
+
+QString updateStyle()
+{
+    return withFont(QStringLiteral(
+        "QProgressBar{color:black;%1border: none;text-align: center;background: rgb(210, 225, 240);"
+        "border-radius:4px;}"
+        "QProgressBar::chunk{background-color:rgb(0, 160, 230);border-radius:4px;}"));
+}
+
+QString navigationStyle(bool selected)
+{
+    return withFont(selected ? QStringLiteral("color: white; background-color:rgb(0   , 85  ,127); "
+                                              "%1;outline: none;border-radius: 4px;"
+                                              "border: 2px solid #C4C4C3;")
+                             : QStringLiteral("color: black; background-color:rgb(255 , 255 ,255); "
+                                              "%1;outline: none;border-radius: 4px;"
+                                              "border: 2px solid #C4C4C3;"));
+}
+
+QString messageBoxStyle()
+{
+    return withFont(QStringLiteral("QLabel{color:black;%1border-radius:4px;border:0px;}") +
+                    buttonTemplate() +
+                    QStringLiteral("#MessageBox{background-color:white;}"
+                                   "QFrame#frame{border:2px solid #8B9FBD;}"));
+}
+
+QString keyboardStyle(bool centred)
+{
+    return withFont(QStringLiteral("QLabel{color:black;%1border-radius:4px;}") + buttonTemplate() +
+                    QStringLiteral("#SoftKeyboard{background-color:white;}"
+                                   "QLineEdit{color:black;%1background:transparent;border:0px;"
+                                   "border-bottom:2px solid #C4C4C3;"
+                                   "selection-background-color:transparent;"
+                                   "selection-color:black;qproperty-alignment:")) +
+           (centred ? QStringLiteral("AlignHCenter;}") : QStringLiteral("AlignLeft;}"));
+}
+
+QString radioStyle()
+{
+    return withFont(radioTemplate());
+}
+
+QString addressStyle(bool underlined)
+{
+    return withFont(QStringLiteral("QLabel{color:black;%1}"
+                                   "QLineEdit{color:black;%1background:transparent;border:0px;") +
+                    (underlined ? QStringLiteral("border-bottom:2px solid;"
+                                                 "border-bottom-color: #C4C4C3;}")
+                                : QStringLiteral("}")));
+}

@@ -1,0 +1,21 @@
+// The one place of all style sheet templates, filled with the font of the screen and language.
+// GUI thread.
+#pragma once
+
+#include <QString>
+
+// The main window's own: what every page wears.
+QString windowStyle();
+// A tab widget's: tabs of a fifth of the screen's width and a twelfth of its height.
+QString tabStyle();
+// The update group's, behind its tab style: progress bars and file lists.
+QString updateStyle();
+// A navigation button's.
+QString navigationStyle(bool selected);
+QString messageBoxStyle();
+// The keyboard's: its entry line aligned left, or centred for numbers.
+QString keyboardStyle(bool centred);
+// Radio buttons with indicators of 20 by 20 pixels.
+QString radioStyle();
+// A block of address fields: underlined while they can be edited, bare while they only show.
+QString addressStyle(bool underlined);

@@ -1,0 +1,24 @@
+// Looks that are fixed to one widget and change with its state. GUI thread.
+#pragma once
+
+#include <QString>
+
+class QLabel;
+class QPushButton;
+class QWidget;
+
+// The key click that every press sounds first.
+void keyClick();
+
+// The path of an image of the program, "name" with its ending: "UsbInPut.png".
+QString imagePath(const QString &name);
+
+// Sets the widget's own style sheet only if it differs: a style sheet costs far more to set than
+// to compare.
+void setStyleOnce(QWidget *widget, const QString &styleSheet);
+
+// Shows an image on a label, scaled down to fit: "image: url(...);".
+void showIcon(QLabel *label, const QString &imageName);
+
+// The look of an on/off switch.
+void showSwitch(QPushButton *button, bool on);

@@ -1,0 +1,175 @@
+// Measures whole programs: start to first frame, memory after start, cost of idling. The panel
+// and its limit run in turn, so that what else the machine does meets both.
+
+#include "bench/Statistics.h"
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+constexpr int RUNS = 21;
+constexpr auto SETTLE = std::chrono::milliseconds(600);
+constexpr auto IDLE = std::chrono::seconds(20);
+
+constexpr double START_LIMIT = 1.8;
+constexpr double MEMORY_LIMIT = 1.5;
+constexpr double IDLE_CPU_LIMIT = 1.5;
+constexpr double WAKEUPS_PER_SECOND = 25;
+
+std::string folder; // of the programs
+
+// A program of this folder, running until the object goes.
+class Child
+{
+public:
+    // Returns when the program has painted its first frame, or at once if it paints none.
+    Child(const std::string &program, bool paints) : m_program(program)
+    {
+        int ends[2];
+        if (pipe(ends) != 0)
+            std::abort();
+        m_startMs = bench::timed([&] {
+            m_pid = fork();
+            if (m_pid == 0)
+                become(ends[1]);
+            close(ends[1]);
+            char byte = 0;
+            if (paints && read(ends[0], &byte, 1) != 1) {
+                std::fprintf(stderr, "%s ended before its first frame\n", program.c_str());
+                std::exit(1);
+            }
+        });
+        close(ends[0]);
+    }
+    Child(const Child &) = delete;
+    Child &operator=(const Child &) = delete;
+    ~Child()
+    {
+        kill(m_pid, SIGKILL);
+        waitpid(m_pid, nullptr, 0);
+    }
+
+    double startMs() const { return m_startMs; }
+
+    // Proportional set size in MiB, proc(5) smaps_rollup.
+    double memoryMiB() const
+    {
+        std::ifstream file("/proc/" + std::to_string(m_pid) + "/smaps_rollup");
+        for (std::string word; file >> word;) {
+            double kilobytes = 0;
+            if (word == "Pss:" && file >> kilobytes)
+                return kilobytes / 1024;
+        }
+        return 0;
+    }
+
+    struct Usage
+    {
+        double cpuMs = 0;
+        double wakeups = 0;
+    };
+
+    // Of all threads so far, proc(5) schedstat and status.
+    Usage usage() const
+    {
+        Usage sum;
+        const std::string tasks = "/proc/" + std::to_string(m_pid) + "/task";
+        for (const auto &task : std::filesystem::directory_iterator(tasks)) {
+            double nanoseconds = 0;
+            std::ifstream(task.path() / "schedstat") >> nanoseconds;
+            sum.cpuMs += nanoseconds / 1e6;
+            std::ifstream status(task.path() / "status");
+            for (std::string line; std::getline(status, line);) {
+                std::istringstream words(line);
+                std::string name;
+                double count = 0;
+                if (words >> name >> count && name == "voluntary_ctxt_switches:")
+                    sum.wakeups += count;
+            }
+        }
+        return sum;
+    }
+
+private:
+    [[noreturn]] void become(int readyFd) const
+    {
+        setenv("BENCH_READY_FD", std::to_string(readyFd).c_str(), 1);
+        const int quiet = open("/dev/null", O_WRONLY);
+        dup2(quiet, STDOUT_FILENO);
+        dup2(quiet, STDERR_FILENO);
+        const std::string path = folder + "/" + m_program;
+        execl(path.c_str(), path.c_str(), nullptr);
+        std::_Exit(1);
+    }
+
+    std::string m_program;
+    pid_t m_pid = -1;
+    double m_startMs = 0;
+};
+
+struct Samples
+{
+    std::vector<double> startMs;
+    std::vector<double> memoryMiB;
+
+    void take(const char *program)
+    {
+        const Child child(program, true);
+        startMs.push_back(child.startMs());
+        std::this_thread::sleep_for(SETTLE);
+        memoryMiB.push_back(child.memoryMiB());
+    }
+};
+
+bool measureStart()
+{
+    Samples panel;
+    Samples limit;
+    for (int run = 0; run < RUNS; ++run) {
+        panel.take("bench-panel");
+        limit.take("bench-empty-dialog");
+    }
+    bool kept = bench::report("start to first frame", bench::median(panel.startMs),
+                              bench::median(limit.startMs), "ms", START_LIMIT);
+    kept &= bench::report("memory after start", bench::median(panel.memoryMiB),
+                          bench::median(limit.memoryMiB), "MiB", MEMORY_LIMIT);
+    return kept;
+}
+
+bool measureIdle()
+{
+    const Child panel("bench-panel", true);
+    const Child limit("bench-bare-thread", false);
+    std::this_thread::sleep_for(std::chrono::seconds(3));
+    const Child::Usage panelBefore = panel.usage();
+    const Child::Usage limitBefore = limit.usage();
+    std::this_thread::sleep_for(IDLE);
+    const Child::Usage panelAfter = panel.usage();
+    const Child::Usage limitAfter = limit.usage();
+    bool kept = bench::report("idle for 20 s, processor time", panelAfter.cpuMs - panelBefore.cpuMs,
+                              limitAfter.cpuMs - limitBefore.cpuMs, "ms", IDLE_CPU_LIMIT);
+    const double seconds = std::chrono::duration<double>(IDLE).count();
+    kept &= bench::report("idle for 20 s, wake-ups a second",
+                          (panelAfter.wakeups - panelBefore.wakeups) / seconds, 1, "",
+                          WAKEUPS_PER_SECOND);
+    return kept;
+}
+
+} // namespace
+
+int main(int, char **argv)
+{
+    folder = std::filesystem::path(argv[0]).parent_path().string();
+    const bool start = measureStart();
+    const bool idle = measureIdle();
+    return start && idle ? 0 : 1;
+}

@@ -1,0 +1,143 @@
+#include "network/AddressEditor.h"
+
+#include "input/FieldKeyboard.h"
+
+#include <QCoreApplication>
+#include <QLineEdit>
+#include <QWidget>
+
+#include <algorithm>
+#include <cstdio>
+
+const AddressPolicy ETHERNET_POLICY = {
+    false, false, "startDhcp [%s] ok \n", "startDhcp [%s] error \n", nullptr, nullptr, true,
+};
+
+namespace {
+
+constexpr unsigned int TIMEOUT_MS = 5000;
+constexpr int LARGEST_OCTET = 255;
+
+OctetGroup groupOf(const QWidget *page, const char *baseName)
+{
+    OctetGroup::Fields fields{};
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        fields[i] =
+            page->findChild<QLineEdit *>(QString::fromLatin1(baseName) + QString::number(i + 1));
+        Q_ASSERT(fields[i] != nullptr);
+    }
+    return OctetGroup(fields);
+}
+
+// The stored text of each group, in the groups' order.
+std::array<std::string AddressTexts::*, 5> textMembers()
+{
+    return {&AddressTexts::sIpAddr, &AddressTexts::sSubnetMask, &AddressTexts::sGateway,
+            &AddressTexts::sPrefDns, &AddressTexts::sAlterDns};
+}
+
+} // namespace
+
+AddressEditor::AddressEditor(QWidget *page, const AddressPolicy &policy)
+    : m_pPage(page),
+      m_policy(policy),
+      m_groups{groupOf(page, "line_Ip"), groupOf(page, "line_Mask"), groupOf(page, "line_GateWay"),
+               groupOf(page, "line_Dns1_"), groupOf(page, "line_Dns2_")}
+{
+    for (OctetGroup &group : m_groups)
+        group.watch(page);
+}
+
+void AddressEditor::update(const AddressTexts &texts)
+{
+    const auto members = textMembers();
+    for (std::size_t i = 0; i < m_groups.size(); ++i) {
+        const std::string &received = texts.*members[i];
+        if (m_stored.*members[i] == received)
+            continue;
+        m_stored.*members[i] = received;
+        m_groups[i].fill(received);
+    }
+}
+
+void AddressEditor::setEditable(bool editable)
+{
+    m_bEditable = editable;
+    for (OctetGroup &group : m_groups)
+        group.setEnabled(editable);
+}
+
+void AddressEditor::startDhcp()
+{
+    const int result = netT::startDhcp(m_sDevice, m_policy.dhcpFlag, TIMEOUT_MS);
+    printDevice(result < 0 ? m_policy.startDhcpError : m_policy.startDhcpOk);
+}
+
+void AddressEditor::stopDhcp()
+{
+    const int result = netT::stopDhcp(m_sDevice, m_policy.dhcpFlag, TIMEOUT_MS);
+    printDevice(result < 0 ? m_policy.stopDhcpError : m_policy.stopDhcpOk);
+}
+
+QLineEdit *AddressEditor::fieldOf(QObject *object) const
+{
+    const bool isField =
+        std::any_of(m_groups.begin(), m_groups.end(),
+                    [object](const OctetGroup &group) { return group.contains(object); });
+    return isField ? static_cast<QLineEdit *>(object) : nullptr;
+}
+
+void AddressEditor::edit(QLineEdit *field)
+{
+    if (!editWithKeyboard(numberRequest(m_pPage, field, 0, LARGEST_OCTET)) || !m_bEditable)
+        return;
+    if (m_groups[PREF_DNS].contains(field) || m_groups[ALTER_DNS].contains(field))
+        applyDns();
+    else
+        applyAddress();
+}
+
+bool AddressEditor::areComplete(Group first, Group last) const
+{
+    return std::all_of(m_groups.begin() + first, m_groups.begin() + last + 1,
+                       [](const OctetGroup &group) { return group.isComplete(); });
+}
+
+void AddressEditor::applyAddress()
+{
+    if (!areComplete(IP, GATEWAY))
+        return;
+    m_stored.sIpAddr = m_groups[IP].join();
+    m_stored.sSubnetMask = m_groups[MASK].join();
+    m_stored.sGateway = m_groups[GATEWAY].join();
+    // A record that is let in here may change the stored texts, not what the operator typed.
+    const AddressTexts typed = m_stored;
+    QCoreApplication::processEvents();
+    const int result = netT::setIp(m_sDevice, typed.sIpAddr, typed.sSubnetMask, typed.sGateway,
+                                   m_policy.ipFlag, TIMEOUT_MS);
+    if (result == 0)
+        printDevice("setIp [%s] ok\n");
+    else if (!m_policy.printsRefusedAddress)
+        printDevice("setIp [%s] error\n");
+    else
+        std::printf("setIp [%s] error IP [%s] sub [%s] gate [%s]\n", m_sDevice.c_str(),
+                    typed.sIpAddr.c_str(), typed.sSubnetMask.c_str(), typed.sGateway.c_str());
+}
+
+void AddressEditor::applyDns()
+{
+    if (!areComplete(PREF_DNS, ALTER_DNS))
+        return;
+    m_stored.sPrefDns = m_groups[PREF_DNS].join();
+    m_stored.sAlterDns = m_groups[ALTER_DNS].join();
+    const AddressTexts typed = m_stored;
+    QCoreApplication::processEvents();
+    const int result = netT::setDns(m_sDevice, typed.sPrefDns, typed.sAlterDns, false, TIMEOUT_MS);
+    printDevice(result == 0 ? "setDns [%s] ok\n" : "setDns [%s] error\n");
+}
+
+void AddressEditor::printDevice(const char *format) const
+{
+    if (format != nullptr)
+        std::printf(format, m_sDevice.c_str());
+}

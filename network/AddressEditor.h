@@ -1,0 +1,73 @@
+// Addresses of one device in five octet groups: shows what records say, and sends what the
+// operator types as soon as the keyboard closes.
+#pragma once
+
+#include "network/NetRecord.h"
+#include "network/OctetGroup.h"
+
+#include <array>
+#include <string>
+
+class QLineEdit;
+class QWidget;
+
+// What differs between the devices whose addresses are edited.
+struct AddressPolicy
+{
+    bool dhcpFlag; // flag of startDhcp and stopDhcp
+    bool ipFlag;   // flag of setIp; setDns always takes false
+    // Lines on standard output, the device's name at "%s"; null prints nothing.
+    const char *startDhcpOk;
+    const char *startDhcpError;
+    const char *stopDhcpOk;
+    const char *stopDhcpError;
+    bool printsRefusedAddress; // a refused setIp is printed with the texts that were sent
+};
+
+extern const AddressPolicy ETHERNET_POLICY;
+
+// Works on the twenty line edits of a form named line_Ip1.., line_Mask1.., line_GateWay1..,
+// line_Dns1_1.. and line_Dns2_1... GUI thread; the network calls block it up to their time-out.
+class AddressEditor
+{
+public:
+    // The form of `page` must be built. The fields must outlive the editor.
+    AddressEditor(QWidget *page, const AddressPolicy &policy);
+
+    void setDevice(const std::string &device) { m_sDevice = device; }
+
+    // The texts last received or sent.
+    const AddressTexts &stored() const { return m_stored; }
+    // Fills each group whose text differs from the stored one; the others keep what they show.
+    void update(const AddressTexts &texts);
+    // Forgets the stored texts, so that the next update fills every group.
+    void forget() { m_stored = {}; }
+
+    // Whether the operator may edit; also enables or disables the fields.
+    void setEditable(bool editable);
+    bool isEditable() const { return m_bEditable; }
+
+    // Ask the service for DHCP, or to stop it.
+    void startDhcp();
+    void stopDhcp();
+
+    // The field that `object` is, null if it is none of the twenty.
+    QLineEdit *fieldOf(QObject *object) const;
+    // Opens the keyboard on `field`; a value that is accepted sends its group or groups.
+    void edit(QLineEdit *field);
+
+private:
+    enum Group { IP, MASK, GATEWAY, PREF_DNS, ALTER_DNS, GROUP_COUNT };
+
+    bool areComplete(Group first, Group last) const;
+    void applyAddress();
+    void applyDns();
+    void printDevice(const char *format) const;
+
+    QWidget *m_pPage;
+    const AddressPolicy &m_policy;
+    std::array<OctetGroup, GROUP_COUNT> m_groups;
+    std::string m_sDevice;
+    AddressTexts m_stored;
+    bool m_bEditable = false;
+};

@@ -1,0 +1,199 @@
+#include "network/NetEth.h"
+
+#include "app/look/Screen.h"
+#include "app/look/StyleSheets.h"
+#include "app/look/WidgetLook.h"
+#include "network/NetRecord.h"
+#include "ui_NetEth.h"
+
+#include <QMouseEvent>
+
+#include <cstdio>
+
+namespace {
+
+constexpr unsigned int TIMEOUT_MS = 5000;
+
+} // namespace
+
+NetEth::NetEth(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::NetEth>())
+{
+    ui->setupUi(this);
+    const int switchHeight = screenSize().height() / 12;
+    ui->btn_EthSwitch->setFixedSize(2 * switchHeight, switchHeight);
+    m_pending.emplace(ui->label_move, ui->label_null);
+    m_addresses.emplace(this, ETHERNET_POLICY);
+    setPresent(false);
+    setEthPage(false);
+    watchRadios(true);
+    showDhcpView();
+    connect(ui->btn_EthSwitch, &QPushButton::clicked, this, &NetEth::slot_ButtonPressed);
+}
+
+NetEth::~NetEth() = default;
+
+void NetEth::setNetInfo(const netT::stAllNetInfo_tag &record)
+{
+    printRecord(record, m_addresses->stored());
+    const bool present = netT::netIsExist(record.sDevName, false, TIMEOUT_MS) >= 0;
+    setPresent(present);
+    if (!present) {
+        std::printf("net [%s] Is not Exist!\n", record.sDevName.c_str());
+        return;
+    }
+    m_sDevName = record.sDevName;
+    m_addresses->setDevice(m_sDevName);
+
+    const bool on = isEnabled(record.sFunction);
+    if (on != m_bOn)
+        completeSwitch(on);
+    if (!on)
+        return;
+    showAddressing(record);
+    m_addresses->update(addressesOf(record));
+    if (m_sMac != record.sMacAddr) {
+        m_sMac = record.sMacAddr;
+        ui->lab_EthMac->setText(QString::fromStdString(m_sMac));
+    }
+}
+
+void NetEth::retranslate()
+{
+    ui->retranslateUi(this);
+    setPresent(m_bPresent);
+    setStyleOnce(ui->widget_EthIndetail, addressStyle(m_addresses->isEditable()));
+}
+
+bool NetEth::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::MouseButtonPress)
+        press(watched);
+    return QWidget::eventFilter(watched, event);
+}
+
+void NetEth::press(QObject *target)
+{
+    if (target == ui->radio_Static) {
+        keyClick();
+        m_addresses->stopDhcp();
+        showStaticView();
+    } else if (target == ui->radio_Dhcp) {
+        keyClick();
+        m_addresses->startDhcp();
+        showDhcpView();
+    } else if (QLineEdit *field = m_addresses->fieldOf(target)) {
+        // A disabled field still hands its presses to the filter.
+        if (m_addresses->isEditable() && field->isEnabled())
+            m_addresses->edit(field);
+    }
+}
+
+void NetEth::slot_ButtonPressed()
+{
+    keyClick();
+    ui->btn_EthSwitch->setEnabled(false);
+    m_bRequestPending = true;
+    m_pending->start();
+    ui->radio_Dhcp->setEnabled(false);
+    ui->radio_Static->setEnabled(false);
+    ui->widget_EthIndetail->setEnabled(false);
+    watchRadios(false);
+    if (m_bOn) {
+        const int result = netT::netDeviceDown(m_sDevName, false, TIMEOUT_MS);
+        std::printf(result < 0 ? "netDeviceDown [%s] Err\n" : "netDeviceDown [%s] ok\n",
+                    m_sDevName.c_str());
+    } else {
+        const int result = netT::netDeviceUp(m_sDevName, false, TIMEOUT_MS);
+        std::printf(result < 0 ? "netDeviceUp [%s] Err\n" : "netDeviceUp [%s] ok\n",
+                    m_sDevName.c_str());
+    }
+}
+
+void NetEth::setPresent(bool present)
+{
+    m_bPresent = present;
+    ui->lab_EthStatus->setText(present ? tr("Enable") : tr("Unplugged"));
+    // A request that no record has answered yet keeps the switch from being pressed again.
+    ui->btn_EthSwitch->setEnabled(present && !m_bRequestPending);
+}
+
+// The record that answers a switch press, or reports a switch made elsewhere.
+void NetEth::completeSwitch(bool on)
+{
+    setEthPage(on);
+    m_pending->stop();
+    ui->btn_EthSwitch->setEnabled(true);
+    m_bOn = on;
+    m_bRequestPending = false;
+    ui->radio_Dhcp->setEnabled(true);
+    ui->radio_Static->setEnabled(true);
+    ui->widget_EthIndetail->setEnabled(true);
+    watchRadios(true);
+}
+
+void NetEth::setEthPage(bool on)
+{
+    std::printf("NetEth setEthPage [%d]\n", on ? 1 : 0);
+    showSwitch(ui->btn_EthSwitch, on);
+    ui->radio_Dhcp->setVisible(on);
+    ui->radio_Static->setVisible(on);
+    ui->lab_EthStatus->setVisible(!on);
+    if (on) {
+        showBlock(!m_bDhcp);
+        return;
+    }
+    showBlock(false);
+    m_bOn = false;
+    m_bDhcp = true;
+    m_bRequestPending = false;
+    m_addresses->setEditable(false);
+    m_addresses->forget();
+    m_sMac.clear();
+}
+
+void NetEth::showAddressing(const netT::stAllNetInfo_tag &record)
+{
+    if (isEnabled(record.sDhcp)) {
+        if (!m_bDhcp)
+            showDhcpView();
+        showBlock(!record.sIpAddr.empty());
+    } else {
+        if (m_bDhcp)
+            showStaticView();
+        showBlock(true);
+    }
+}
+
+void NetEth::showDhcpView()
+{
+    m_bDhcp = true;
+    m_addresses->setEditable(false);
+    ui->radio_Dhcp->setChecked(true);
+    showBlock(false);
+    setStyleOnce(ui->widget_EthIndetail, addressStyle(false));
+}
+
+void NetEth::showStaticView()
+{
+    m_bDhcp = false;
+    showBlock(true);
+    ui->radio_Static->setChecked(true);
+    m_addresses->setEditable(true);
+    setStyleOnce(ui->widget_EthIndetail, addressStyle(true));
+}
+
+void NetEth::showBlock(bool visible)
+{
+    ui->widget_EthIndetail->setVisible(visible);
+    ui->lab_replacwidgetEth->setVisible(!visible);
+}
+
+void NetEth::watchRadios(bool watched)
+{
+    for (QRadioButton *radio : {ui->radio_Dhcp, ui->radio_Static}) {
+        if (watched)
+            radio->installEventFilter(this);
+        else
+            radio->removeEventFilter(this);
+    }
+}

@@ -1,0 +1,60 @@
+// The Ethernet page of the Network group.
+#pragma once
+
+#include "app/look/PendingMark.h"
+#include "network/AddressEditor.h"
+#include "platform/net.h"
+
+#include <QWidget>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace Ui {
+class NetEth;
+}
+
+// Shows the wired device as the network service's records describe it, and sends the service what
+// the operator asks for. There is no save button: a field is sent when its keyboard closes. The
+// device's state is never guessed; it changes on the page when a record says so. GUI thread.
+class NetEth : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit NetEth(QWidget *parent = nullptr);
+    ~NetEth() override;
+
+    // A new record of kind "ETH".
+    void setNetInfo(const netT::stAllNetInfo_tag &record);
+
+    // Says the page's texts and takes its styles again, after a language change.
+    void retranslate();
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private slots:
+    void slot_ButtonPressed();
+
+private:
+    void press(QObject *target);
+    void setPresent(bool present);
+    void completeSwitch(bool on);
+    void setEthPage(bool on);
+    void showAddressing(const netT::stAllNetInfo_tag &record);
+    void showDhcpView();
+    void showStaticView();
+    void showBlock(bool visible);
+    void watchRadios(bool watched);
+
+    std::unique_ptr<Ui::NetEth> ui;
+    std::optional<PendingMark> m_pending;
+    std::optional<AddressEditor> m_addresses;
+    std::string m_sDevName;
+    std::string m_sMac;
+    bool m_bPresent = false;
+    bool m_bOn = false;
+    bool m_bDhcp = true;
+    bool m_bRequestPending = false;
+};

@@ -1,0 +1,54 @@
+#include "network/OctetGroup.h"
+
+#include <QLineEdit>
+#include <QStringList>
+
+#include <algorithm>
+
+void OctetGroup::fill(const std::string &dotted)
+{
+    const QStringList octets = QString::fromStdString(dotted).split(QLatin1Char('.'));
+    if (octets.size() != static_cast<int>(m_fields.size())) {
+        clear();
+        return;
+    }
+    for (std::size_t i = 0; i < m_fields.size(); ++i)
+        m_fields[i]->setText(octets[static_cast<int>(i)]);
+}
+
+void OctetGroup::clear()
+{
+    for (QLineEdit *field : m_fields)
+        field->clear();
+}
+
+std::string OctetGroup::join() const
+{
+    QStringList octets;
+    for (const QLineEdit *field : m_fields)
+        octets.append(field->text());
+    return octets.join(QLatin1Char('.')).toStdString();
+}
+
+bool OctetGroup::isComplete() const
+{
+    return std::none_of(m_fields.begin(), m_fields.end(),
+                        [](const QLineEdit *field) { return field->text().isEmpty(); });
+}
+
+bool OctetGroup::contains(const QObject *object) const
+{
+    return std::find(m_fields.begin(), m_fields.end(), object) != m_fields.end();
+}
+
+void OctetGroup::setEnabled(bool enabled)
+{
+    for (QLineEdit *field : m_fields)
+        field->setEnabled(enabled);
+}
+
+void OctetGroup::watch(QObject *filter)
+{
+    for (QLineEdit *field : m_fields)
+        field->installEventFilter(filter);
+}

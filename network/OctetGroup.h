@@ -1,0 +1,36 @@
+// Four line edits that hold the octets of one dotted IPv4 text. GUI thread.
+#pragma once
+
+#include <QString>
+
+#include <array>
+#include <string>
+
+class QLineEdit;
+class QObject;
+
+class OctetGroup
+{
+public:
+    using Fields = std::array<QLineEdit *, 4>;
+
+    // The fields, first octet first; they must outlive the group.
+    explicit OctetGroup(const Fields &fields) : m_fields(fields) {}
+
+    // Puts the parts of `dotted` into the fields; clears them unless there are exactly four.
+    void fill(const std::string &dotted);
+    void clear();
+
+    // The four texts joined by dots.
+    std::string join() const;
+    // Whether no field is empty.
+    bool isComplete() const;
+    bool contains(const QObject *object) const;
+
+    void setEnabled(bool enabled);
+    // Lets `filter` see the events of all four fields.
+    void watch(QObject *filter);
+
+private:
+    Fields m_fields;
+};

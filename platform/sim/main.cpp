@@ -1,0 +1,26 @@
+// sysset-sim: the settings program on the simulated panel.
+
+#include "app/Program.h"
+#include "platform/sim/SimProgram.h"
+
+#include <QGuiApplication>
+
+namespace {
+
+void windowShown()
+{
+    // A touch panel has no pointer, a desktop does.
+    if (qEnvironmentVariableIntValue("SYSSET_POINTER") == 1)
+        QGuiApplication::restoreOverrideCursor();
+    sim::serveControl();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const int refused = sim::startFromEnvironment();
+    if (refused != 0)
+        return refused;
+    runProgram(argc, argv, windowShown);
+}

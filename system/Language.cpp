@@ -1,0 +1,42 @@
+#include "system/Language.h"
+
+#include "app/look/StyleSheets.h"
+#include "app/look/WidgetLook.h"
+#include "system/LanguageSettings.h"
+#include "ui_Language.h"
+
+Language::Language(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::Language>())
+{
+    ui->setupUi(this);
+}
+
+Language::~Language() = default;
+
+void Language::checkLanguage(int id)
+{
+    if (id == LANGUAGE_CHINESE)
+        ui->radio_1->setChecked(true);
+    else if (id == LANGUAGE_ENGLISH)
+        ui->radio_2->setChecked(true);
+}
+
+void Language::retranslate(int id)
+{
+    ui->retranslateUi(this);
+    setStyleOnce(this, radioStyle());
+    checkLanguage(id);
+}
+
+void Language::slot_ButtonPressed()
+{
+    keyClick();
+    const int id = sender() == ui->CHBtn ? LANGUAGE_CHINESE : LANGUAGE_ENGLISH;
+    checkLanguage(id);
+    emit sgl_LanguageChange(id);
+}
+
+void Language::slot_RadioPressed()
+{
+    keyClick();
+    emit sgl_LanguageChange(sender() == ui->radio_1 ? LANGUAGE_CHINESE : LANGUAGE_ENGLISH);
+}

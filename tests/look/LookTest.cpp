@@ -1,0 +1,151 @@
+#include "app/look/BoxHelpers.h"
+#include "app/look/FontStyle.h"
+#include "app/look/MessageBox.h"
+#include "app/look/Screen.h"
+#include "app/look/StyleSheets.h"
+#include "platform/sim/Panel.h"
+#include "resources/Resources.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QtTest>
+
+class LookTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { loadResources(); }
+    void fontFollowsWidthAndLanguage_data();
+    void fontFollowsWidthAndLanguage();
+    void tabsFollowTheScreen();
+    void boxShowsItsType_data();
+    void boxShowsItsType();
+    void boxAnswers_data();
+    void boxAnswers();
+    void boxShowsPlainText();
+    void dialogsStayOnTheScreen_data();
+    void dialogsStayOnTheScreen();
+};
+
+void LookTest::fontFollowsWidthAndLanguage_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("language");
+    QTest::addColumn<QString>("style");
+    const auto row = [](int width, const char *chinese, const char *latin) {
+        QTest::addRow("%d Chinese", width) << width << 0 << QString::fromLatin1(chinese);
+        QTest::addRow("%d English", width) << width << 1 << QString::fromLatin1(latin);
+        QTest::addRow("%d another", width) << width << 7 << QString::fromLatin1(latin);
+    };
+    row(320, "font: 75 12px simsun;", "font: 75 10px Calibri;");
+    row(479, "font: 75 12px simsun;", "font: 75 10px Calibri;");
+    row(480, "font: 75 14px simsun;", "font: 75 12px Calibri;");
+    row(799, "font: 75 14px simsun;", "font: 75 12px Calibri;");
+    row(800, "font: 75 20px simsun;", "font: 75 20px Calibri;");
+    row(1024, "font: 75 20px simsun;", "font: 75 20px Calibri;");
+    row(1025, "font: 75 36px simsun;", "font: 75 36px Calibri;");
+    row(1920, "font: 75 36px simsun;", "font: 75 36px Calibri;");
+}
+
+void LookTest::fontFollowsWidthAndLanguage()
+{
+    QFETCH(int, width);
+    QFETCH(int, language);
+    sim::panel().set("lcd.width", width);
+    g_nLanguge = language;
+    QTEST(GetFontStyle(), "style");
+}
+
+void LookTest::tabsFollowTheScreen()
+{
+    sim::panel().set("lcd.width", 1024);
+    sim::panel().set("lcd.height", 600);
+    g_nLanguge = 1;
+    QVERIFY(
+        tabStyle().startsWith(QStringLiteral("QTabBar::tab {width:204px;height:50px;color: black;"
+                                             "font: 75 20px Calibri;outline: none;")));
+}
+
+void LookTest::boxShowsItsType_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QString>("icon");
+    QTest::addColumn<bool>("cancel");
+    QTest::newRow("question") << 0 << QStringLiteral("/Question.png") << true;
+    QTest::newRow("information") << 1 << QStringLiteral("/Information.png") << false;
+    QTest::newRow("warning") << 2 << QStringLiteral("/Warning.png") << false;
+    QTest::newRow("critical") << 3 << QStringLiteral("/Critical.png") << false;
+    QTest::newRow("another") << 4 << QString() << false;
+    QTest::newRow("below the table") << -1 << QString() << false;
+}
+
+void LookTest::boxShowsItsType()
+{
+    QFETCH(int, type);
+    QFETCH(QString, icon);
+    MessageBox box(type, nullptr);
+    const QString style = box.findChild<QLabel *>(QStringLiteral("lab_Img"))->styleSheet();
+    QCOMPARE(style.isEmpty(), icon.isEmpty());
+    QVERIFY(style.contains(icon));
+    const auto *cancel = box.findChild<QPushButton *>(QStringLiteral("btn_Cancel"));
+    QTEST(!cancel->isHidden(), "cancel");
+}
+
+void LookTest::boxAnswers_data()
+{
+    QTest::addColumn<QString>("pressed");
+    QTest::addColumn<int>("answer");
+    QTest::newRow("OK") << QStringLiteral("btn_Ok") << 1;
+    QTest::newRow("Cancel") << QStringLiteral("btn_Cancel") << 0;
+}
+
+void LookTest::boxAnswers()
+{
+    QFETCH(QString, pressed);
+    MessageBox box(BOX_QUESTION, nullptr);
+    const auto clicks = sim::panel().get("buzzer.opens").get<int>();
+    QTimer::singleShot(0, &box, [&] { box.findChild<QPushButton *>(pressed)->click(); });
+    QTEST(box.exec(), "answer");
+    QCOMPARE(sim::panel().get("buzzer.opens").get<int>(), clicks + 1);
+}
+
+void LookTest::boxShowsPlainText()
+{
+    MessageBox box(BOX_INFORMATION, nullptr);
+    placeOnScreen(&box, {400, 200}, {0, 0});
+    const QString hostile = QStringLiteral("<b>%s</b> ").repeated(40);
+    box.setText(hostile);
+    box.show();
+    const auto *label = box.findChild<QLabel *>(QStringLiteral("label"));
+    QCOMPARE(label->textFormat(), Qt::PlainText);
+    QCOMPARE(box.size(), QSize(400, 200)); // wrapped, not widened
+    QVERIFY(box.rect().contains(QRect(label->mapTo(&box, QPoint(0, 0)), label->size())));
+}
+
+void LookTest::dialogsStayOnTheScreen_data()
+{
+    QTest::addColumn<QPoint>("offset");
+    QTest::addColumn<QPoint>("place");
+    QTest::newRow("inside") << QPoint(10, 20) << QPoint(110, 70);
+    QTest::newRow("beyond right and bottom") << QPoint(900, 500) << QPoint(624, 300);
+    QTest::newRow("beyond left and top") << QPoint(-500, -500) << QPoint(0, 0);
+}
+
+void LookTest::dialogsStayOnTheScreen()
+{
+    QFETCH(QPoint, offset);
+    sim::panel().set("lcd.width", 1024);
+    sim::panel().set("lcd.height", 600);
+    QWidget window;
+    window.setGeometry(30, 40, 1024, 600); // a desktop puts it anywhere
+    QWidget page(&window);
+    page.setGeometry(100, 50, 900, 500);
+    window.show();
+    QDialog dialog(&page);
+    placeOverPage(&dialog, {400, 300}, &page, offset);
+    QTEST(dialog.pos() - window.mapToGlobal(QPoint(0, 0)), "place");
+}
+
+QTEST_MAIN(LookTest)
+#include "LookTest.moc"

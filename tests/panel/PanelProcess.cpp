@@ -1,0 +1,128 @@
+#include "tests/panel/PanelProcess.h"
+
+#include <QElapsedTimer>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLocalSocket>
+#include <QtTest>
+
+namespace {
+
+constexpr int TIMEOUT_MS = 30000;
+
+} // namespace
+
+PanelProcess::PanelProcess()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("SYSSET_ROOT"), m_root.path());
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    m_process.setProcessEnvironment(environment);
+    m_process.setStandardOutputFile(m_root.path() + QStringLiteral("/stdout"));
+}
+
+PanelProcess::~PanelProcess()
+{
+    if (m_process.state() == QProcess::NotRunning)
+        return;
+    m_process.kill();
+    m_process.waitForFinished(TIMEOUT_MS);
+}
+
+void PanelProcess::setEnvironment(const QString &name, const QString &value)
+{
+    QProcessEnvironment environment = m_process.processEnvironment();
+    environment.insert(name, value);
+    m_process.setProcessEnvironment(environment);
+}
+
+bool PanelProcess::start(const QStringList &options)
+{
+    m_process.start(QStringLiteral(PANEL_PROGRAM), options);
+    m_errors.clear();
+    return wait(
+               [this] {
+                   m_process.waitForReadyRead(20);
+                   m_errors += m_process.readAllStandardError();
+                   return m_errors.contains("panel ready") ||
+                          m_process.state() == QProcess::NotRunning;
+               },
+               TIMEOUT_MS) &&
+           m_process.state() == QProcess::Running;
+}
+
+int PanelProcess::waitForEnd()
+{
+    if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(TIMEOUT_MS))
+        return -1;
+    m_errors += m_process.readAllStandardError();
+    if (m_process.exitCode() != 0 || m_process.exitStatus() != QProcess::NormalExit)
+        qWarning("%s", m_errors.constData());
+    return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+QByteArray PanelProcess::output() const
+{
+    QFile file(m_root.path() + QStringLiteral("/stdout"));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QJsonValue PanelProcess::ask(const QStringList &words)
+{
+    QLocalSocket socket;
+    socket.connectToServer(m_root.path() + QStringLiteral("/run/panel.sock"));
+    if (!socket.waitForConnected(TIMEOUT_MS)) {
+        m_sError = socket.errorString();
+        return QJsonValue::Undefined;
+    }
+    const QJsonObject request{{QStringLiteral("verb"), words.first()},
+                              {QStringLiteral("args"), QJsonArray::fromStringList(words.mid(1))}};
+    socket.write(QJsonDocument(request).toJson(QJsonDocument::Compact) + '\n');
+    QByteArray line;
+    while (!line.endsWith('\n') &&
+           (socket.bytesAvailable() > 0 || socket.waitForReadyRead(TIMEOUT_MS)))
+        line += socket.readAll();
+    const QJsonObject reply = QJsonDocument::fromJson(line).object();
+    m_sError = reply.value(QLatin1String("error")).toString();
+    if (!reply.value(QLatin1String("ok")).toBool())
+        return QJsonValue::Undefined;
+    const QJsonValue value = reply.value(QLatin1String("value"));
+    return value.isUndefined() ? QJsonValue(QJsonValue::Null) : value;
+}
+
+bool PanelProcess::set(const QString &path, const QByteArray &json)
+{
+    return !ask({QStringLiteral("set"), path, QString::fromUtf8(json)}).isUndefined();
+}
+
+bool PanelProcess::press(const QString &object, int index)
+{
+    QStringList words{QStringLiteral("ui"), QStringLiteral("press"), object};
+    if (index >= 0)
+        words << QString::number(index);
+    return !ask(words).isUndefined();
+}
+
+QJsonValue PanelProcess::widget(const QString &object, const QString &property)
+{
+    const QJsonArray found = ask({QStringLiteral("ui"), QStringLiteral("dump"), object}).toArray();
+    return found.isEmpty() ? QJsonValue(QJsonValue::Undefined)
+                           : found.first().toObject().value(property);
+}
+
+bool PanelProcess::isVisible(const QString &object)
+{
+    return widget(object, QStringLiteral("visible")).toBool();
+}
+
+bool PanelProcess::wait(const std::function<bool()> &condition, int timeoutMs)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.elapsed() > timeoutMs)
+            return false;
+        QTest::qSleep(20);
+    }
+    return true;
+}

@@ -1,0 +1,53 @@
+#include "platform/cos_process.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+#include <sys/wait.h>
+
+using COS::scanProcessTable;
+
+class ProcessTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void findsRunningPrograms_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::newRow("short") << QByteArray("zq server");
+        QTest::newRow("bracket") << QByteArray("zq) R (x");
+        QTest::newRow("15 bytes") << QByteArray("zq-345678901234");
+        QTest::newRow("longer than the kernel keeps") << QByteArray("zq-server-of-the-network");
+    }
+    // Found while it runs; neither before, nor as a zombie, nor by a part of its name.
+    void findsRunningPrograms()
+    {
+        QFETCH(QByteArray, name);
+        const QString program = folder_.filePath(QString::fromLatin1(name));
+        QVERIFY(QFile::copy(QStandardPaths::findExecutable(QStringLiteral("sleep")), program));
+        QCOMPARE(scanProcessTable(name.toStdString()), -1);
+        QProcess process;
+        process.start(program, {QStringLiteral("600")});
+        QVERIFY(process.waitForStarted());
+        const auto pid = static_cast<int>(process.processId());
+        QTRY_COMPARE(scanProcessTable(name.toStdString()), pid);
+        QCOMPARE(scanProcessTable(name.chopped(1).toStdString()), -1);
+        QCOMPARE(scanProcessTable(program.toStdString()), -1);
+        process.kill();
+        siginfo_t end{};
+        ::waitid(P_PID, static_cast<id_t>(pid), &end, WEXITED | WNOWAIT);
+        QCOMPARE(scanProcessTable(name.toStdString()), -1);
+        process.waitForFinished();
+    }
+
+    void emptyNameIsNobody() { QCOMPARE(scanProcessTable(std::string()), -1); }
+
+private:
+    QTemporaryDir folder_;
+};
+
+QTEST_GUILESS_MAIN(ProcessTest)
+#include "ProcessTest.moc"

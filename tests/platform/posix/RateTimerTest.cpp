@@ -1,0 +1,365 @@
+#include "Counter.h"
+#include "platform/cos_thread.h"
+#include "platform/cos_time.h"
+#include "platform/posix/Schedule.h"
+#include "Threads.h"
+
+#include <QProcess>
+#include <QtTest>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+
+using COS::CCosRateTimer;
+using COS::CCosThreadPool;
+
+namespace {
+
+constexpr int kTick = 5;
+
+int count(void *counter)
+{
+    static_cast<Counter *>(counter)->add();
+    return 0;
+}
+
+// A task that stays in its call until the test opens the gate.
+struct Slow
+{
+    Counter calls;
+    Counter gate;
+    std::atomic<int> inside{0};
+    std::atomic<bool> overlapped{false};
+
+    static int run(void *argument)
+    {
+        auto *slow = static_cast<Slow *>(argument);
+        slow->overlapped = slow->overlapped || ++slow->inside > 1;
+        slow->calls.add();
+        slow->gate.reaches(1);
+        --slow->inside;
+        return 0;
+    }
+};
+
+int addForEver(CCosRateTimer::Function function, void *argument, const char *name, int mode = 0)
+{
+    return CCosRateTimer::addTimer(function, argument, name, kTick, -1, mode);
+}
+
+// True once the service has gone on for some ticks.
+bool someTicksPass()
+{
+    static Counter ticks; // outlives the task
+    const int before = ticks.value();
+    return addForEver(count, &ticks, "ticks") == 0 && ticks.reaches(before + 5) &&
+           CCosRateTimer::removeTimer("ticks") == 0;
+}
+
+int finishSoon(void *started)
+{
+    count(started);
+    COS::CosTime::SleepCos(100);
+    std::puts("finished");
+    std::fflush(stdout);
+    return 0;
+}
+
+int neverFinish(void *started)
+{
+    count(started);
+    for (;;)
+        COS::CosTime::SleepCos(1000);
+}
+
+int exitItself(void *)
+{
+    std::exit(0); // NOLINT(concurrency-mt-unsafe): that is the case
+}
+
+// The child of endsWithTheProcess(): exits while a task runs.
+[[noreturn]] void exitDuring(const QByteArray &task)
+{
+    static Counter started;
+    CCosRateTimer::init(kTick);
+    addForEver(task == "stuck"    ? neverFinish
+               : task == "inside" ? exitItself
+                                  : finishSoon,
+               &started, "task");
+    started.reaches(task == "inside" ? 2 : 1);
+    std::exit(0); // NOLINT(concurrency-mt-unsafe): only this thread gets here
+}
+
+} // namespace
+
+class RateTimerTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        QCOMPARE(CCosThreadPool::init(1, 2, 10), 0);
+        QCOMPARE(CCosRateTimer::init(kTick), 0);
+    }
+    void cleanup()
+    {
+        CCosRateTimer::destory();
+        CCosThreadPool::destory();
+        QTRY_COMPARE(threadsNamed("timer"), 0);
+    }
+
+    void refusesBadArguments_data()
+    {
+        QTest::addColumn<bool>("hasFunction");
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<int>("period");
+        QTest::addColumn<int>("times");
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<int>("result");
+        QTest::newRow("no function") << false << QByteArray("a") << 5 << -1 << 0 << -1;
+        QTest::newRow("no name") << true << QByteArray() << 5 << -1 << 0 << -1;
+        QTest::newRow("no period") << true << QByteArray("a") << 0 << -1 << 0 << -1;
+        QTest::newRow("no call") << true << QByteArray("a") << 5 << 0 << 0 << -1;
+        QTest::newRow("count below -1") << true << QByteArray("a") << 5 << -2 << 0 << -1;
+        QTest::newRow("unknown mode") << true << QByteArray("a") << 5 << -1 << 2 << -1;
+        QTest::newRow("name in use") << true << QByteArray("used") << 5 << -1 << 0 << -2;
+        QTest::newRow("longest period") << true << QByteArray("a") << INT_MAX << INT_MAX << 1 << 0;
+    }
+    void refusesBadArguments()
+    {
+        QFETCH(bool, hasFunction);
+        QFETCH(QByteArray, name);
+        QFETCH(int, period);
+        QFETCH(int, times);
+        QFETCH(int, mode);
+        Counter calls;
+        addForEver(count, &calls, "used");
+        QTEST(CCosRateTimer::addTimer(hasFunction ? count : nullptr, &calls, name.toStdString(),
+                                      period, times, mode),
+              "result");
+        CCosRateTimer::destory();
+    }
+
+    void runsOnlyBetweenInitAndDestory()
+    {
+        QCOMPARE(CCosRateTimer::init(kTick), -1);
+        CCosRateTimer::destory();
+        Counter calls;
+        QCOMPARE(addForEver(count, &calls, "a"), -1);
+        QCOMPARE(CCosRateTimer::removeTimer("a"), -1);
+        QCOMPARE(CCosRateTimer::init(0), -1);
+        for (int round = 1; round <= 20; ++round) {
+            QCOMPARE(CCosRateTimer::init(kTick), 0);
+            QCOMPARE(addForEver(count, &calls, "a"), 0);
+            QVERIFY(calls.reaches(round));
+            CCosRateTimer::destory();
+        }
+    }
+
+    // What has been missed is dropped, and late calls do not shift those that follow.
+    void keepsItsGrid()
+    {
+        posix::Schedule schedule;
+        posix::Task task;
+        task.name = "task";
+        task.period = task.next = 4;
+        QVERIFY(schedule.add(task));
+        const std::pair<posix::Tick, posix::Tick> calls[] = {{4, 4}, {10, 11}, {12, 17}, {20, 20}};
+        for (const auto &[start, end] : calls) {
+            QVERIFY(!schedule.claim(*schedule.nextDue() - 1));
+            QVERIFY(schedule.claim(start));
+            schedule.finish("task", end);
+            QCOMPARE(*schedule.nextDue(), (end / 4 + 1) * 4);
+        }
+    }
+
+    void endsAfterItsCount_data() { modes(); }
+    void endsAfterItsCount()
+    {
+        QFETCH(int, mode);
+        Counter calls;
+        QCOMPARE(CCosRateTimer::addTimer(count, &calls, "a", kTick, 3, mode), 0);
+        QVERIFY(calls.reaches(3));
+        QVERIFY(someTicksPass());
+        QCOMPARE(calls.value(), 3);
+        QCOMPARE(CCosRateTimer::removeTimer("a"), -1);
+        CCosRateTimer::destory();
+    }
+
+    void changesTasksFromATask()
+    {
+        struct Tasks
+        {
+            Counter self, other, added;
+        } tasks;
+        const auto change = [](void *argument) {
+            auto *all = static_cast<Tasks *>(argument);
+            CCosRateTimer::removeTimer("self");
+            CCosRateTimer::removeTimer("other");
+            addForEver(count, &all->added, "added");
+            return count(&all->self);
+        };
+        QCOMPARE(addForEver(change, &tasks, "self"), 0);
+        QCOMPARE(CCosRateTimer::addTimer(count, &tasks.other, "other", 60000, -1, 0), 0);
+        QVERIFY(tasks.added.reaches(5));
+        QCOMPARE(tasks.self.value(), 1);
+        QCOMPARE(CCosRateTimer::removeTimer("other"), -1);
+        CCosRateTimer::destory();
+    }
+
+    void slowTaskDelaysOnlyItself_data()
+    {
+        QTest::addColumn<int>("slowTasks");
+        QTest::addColumn<int>("slowTicks");
+        QTest::newRow("due together") << 1 << 1;
+        QTest::newRow("due later") << 1 << 3;
+        QTest::newRow("several stuck") << 4 << 1;
+    }
+    void slowTaskDelaysOnlyItself()
+    {
+        QFETCH(int, slowTasks);
+        QFETCH(int, slowTicks);
+        std::vector<std::unique_ptr<Slow>> slow;
+        for (int i = 0; i < slowTasks; ++i) {
+            slow.push_back(std::make_unique<Slow>());
+            CCosRateTimer::addTimer(Slow::run, slow.back().get(), "slow" + std::to_string(i),
+                                    slowTicks * kTick, -1, 0);
+        }
+        Counter calls;
+        addForEver(count, &calls, "quick");
+        for (const auto &task : slow)
+            QVERIFY(task->calls.reaches(1));
+        QVERIFY(calls.reaches(calls.value() + 5));
+        QVERIFY(threadsNamed("timer") <= slowTasks + 2);
+        for (const auto &task : slow) {
+            QCOMPARE(task->calls.value(), 1);
+            task->gate.add();
+            QVERIFY(task->calls.reaches(3));
+            QVERIFY(!task->overlapped);
+        }
+        CCosRateTimer::destory();
+    }
+
+    void callsOfOneNameNeverOverlap_data() { modes(); }
+    void callsOfOneNameNeverOverlap()
+    {
+        QFETCH(int, mode);
+        Slow old;
+        Counter renewed;
+        addForEver(Slow::run, &old, "a", mode);
+        QVERIFY(old.calls.reaches(1));
+        QCOMPARE(CCosRateTimer::removeTimer("a"), 0);
+        QCOMPARE(addForEver(count, &renewed, "a", mode), 0);
+        QVERIFY(someTicksPass());
+        QCOMPARE(renewed.value(), 0);
+        old.gate.add();
+        QVERIFY(renewed.reaches(3));
+        QCOMPARE(old.calls.value(), 1);
+        CCosRateTimer::destory();
+    }
+
+    void removedTaskDoesNotStartInThePool()
+    {
+        Slow first;
+        Slow second;
+        Counter calls;
+        addForEver(Slow::run, &first, "first", 1);
+        addForEver(Slow::run, &second, "second", 1);
+        QVERIFY(first.calls.reaches(1) && second.calls.reaches(1)); // all threads of the pool
+        addForEver(count, &calls, "waiting", 1);
+        QVERIFY(someTicksPass());
+        QCOMPARE(CCosRateTimer::removeTimer("waiting"), 0);
+        first.gate.add();
+        second.gate.add();
+        CCosRateTimer::destory();
+        CCosThreadPool::destory();
+        QCOMPARE(calls.value(), 0);
+    }
+
+    void destoryWaitsForCalls_data() { modes(); }
+    void destoryWaitsForCalls()
+    {
+        QFETCH(int, mode);
+        Slow slow;
+        addForEver(Slow::run, &slow, "slow", mode);
+        QVERIFY(slow.calls.reaches(1));
+        std::thread opener([&] {
+            while (CCosRateTimer::removeTimer("slow") == 0 ||
+                   addForEver(Slow::run, &slow, "x") != -1)
+                CCosRateTimer::removeTimer("x"); // until destory() has begun
+            slow.gate.add();
+        });
+        CCosRateTimer::destory();
+        QCOMPARE(slow.gate.value(), 1);
+        QCOMPARE(slow.inside.load(), 0);
+        opener.join();
+    }
+
+    // A tick at which something is due costs one wake-up of one thread, any other tick none.
+    void wakesOncePerDueTick_data()
+    {
+        QTest::addColumn<int>("period");
+        QTest::newRow("every tick") << 50;
+        QTest::newRow("not within the test") << 60000;
+    }
+    void wakesOncePerDueTick()
+    {
+        QFETCH(int, period);
+        CCosRateTimer::destory();
+        QTRY_COMPARE(threadsNamed("timer"), 0);
+        QCOMPARE(CCosRateTimer::init(50), 0);
+        Counter calls;
+        CCosRateTimer::addTimer(count, &calls, "a", period, -1, 0);
+        CCosRateTimer::addTimer(count, &calls, "b", period * 4, -1, 0);
+        QTRY_COMPARE(threadsNamed("timer"), 2);
+        int before = 0;
+        int after = 0;
+        threadsNamed("timer", &before);
+        QTest::qWait(1500);
+        threadsNamed("timer", &after);
+        // A busy machine may add some, but not one a tick, of which there have been 30.
+        QVERIFY2(after - before <= calls.value() + 10, qPrintable(QString::number(after - before)));
+        CCosRateTimer::destory();
+    }
+
+    void endsWithTheProcess_data()
+    {
+        QTest::addColumn<QByteArray>("output");
+        QTest::newRow("soon") << QByteArray("finished\n");
+        QTest::newRow("stuck") << QByteArray();
+        QTest::newRow("inside") << QByteArray();
+    }
+    void endsWithTheProcess()
+    {
+        QProcess child;
+        child.start(
+            QCoreApplication::applicationFilePath(),
+            {QStringLiteral("--exit-during"), QString::fromLatin1(QTest::currentDataTag())});
+        QVERIFY(child.waitForFinished(60000));
+        QCOMPARE(child.readAllStandardError(), QByteArray());
+        QCOMPARE(child.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(child.exitCode(), 0);
+        QTEST(child.readAllStandardOutput(), "output");
+    }
+
+private:
+    static void modes()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::newRow("on the service's threads") << 0;
+        QTest::newRow("in the pool") << 1;
+    }
+};
+
+int main(int argc, char *argv[])
+{
+    if (argc == 3 && QByteArray(argv[1]) == "--exit-during")
+        exitDuring(argv[2]);
+    QCoreApplication app(argc, argv);
+    RateTimerTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "RateTimerTest.moc"

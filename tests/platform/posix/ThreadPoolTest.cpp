@@ -1,0 +1,110 @@
+#include "Counter.h"
+#include "platform/cos_thread.h"
+#include "Threads.h"
+
+#include <QtTest>
+
+using COS::CCosThreadPool;
+
+class ThreadPoolTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { CCosThreadPool::destory(); }
+
+    void refusesSenselessNumbers_data() { numbers(); }
+    void refusesSenselessNumbers()
+    {
+        QFETCH(int, minimum);
+        QFETCH(int, maximum);
+        QFETCH(int, queued);
+        QTEST(CCosThreadPool::init(minimum, maximum, queued), "result");
+        QCOMPARE(CCosThreadPool::submit(nullptr), -1);
+    }
+
+    void runsOnlyBetweenInitAndDestory()
+    {
+        QCOMPARE(CCosThreadPool::submit([] {}), -1);
+        QCOMPARE(CCosThreadPool::init(1, 1, 1), 0);
+        QCOMPARE(CCosThreadPool::init(1, 1, 1), -1);
+        CCosThreadPool::destory();
+        QCOMPARE(CCosThreadPool::submit([] {}), -1);
+    }
+
+    void boundsThreadsAndQueue_data() { numbers(); }
+    void boundsThreadsAndQueue()
+    {
+        QFETCH(int, minimum);
+        QFETCH(int, maximum);
+        QFETCH(int, queued);
+        if (CCosThreadPool::init(minimum, maximum, queued) != 0)
+            return;
+        Counter running;
+        Counter gate;
+        int accepted = 0;
+        while (CCosThreadPool::submit([&] {
+                   running.add();
+                   gate.reaches(1);
+               }) == 0)
+            ++accepted;
+        QCOMPARE(accepted, maximum + queued);
+        QVERIFY(running.reaches(maximum));
+        QCOMPARE(threadsNamed("pool"), maximum);
+        QCOMPARE(running.value(), maximum);
+        gate.add();
+        CCosThreadPool::destory(); // lets the waiting ones finish
+        QCOMPARE(running.value(), accepted);
+        QTRY_COMPARE(threadsNamed("pool"), 0);
+    }
+
+    void takesJobsFromItsJobs()
+    {
+        QCOMPARE(CCosThreadPool::init(1, 1, 1), 0);
+        Counter done;
+        std::function<void()> again = [&] {
+            if (done.value() < 100)
+                CCosThreadPool::submit(again);
+            done.add();
+        };
+        QCOMPARE(CCosThreadPool::submit(again), 0);
+        QVERIFY(done.reaches(101));
+        CCosThreadPool::destory();
+    }
+
+    void extraThreadsEndWhenIdle()
+    {
+        QCOMPARE(CCosThreadPool::init(1, 4, 1), 0);
+        Counter running;
+        for (int i = 1; i <= 4; ++i) {
+            CCosThreadPool::submit([&] {
+                running.add();
+                running.reaches(4);
+            });
+        }
+        QVERIFY(running.reaches(4));
+        QTRY_COMPARE_WITH_TIMEOUT(threadsNamed("pool"), 1, 60000);
+        QCOMPARE(CCosThreadPool::submit([&] { running.add(); }), 0);
+        QVERIFY(running.reaches(5));
+        CCosThreadPool::destory();
+    }
+
+private:
+    static void numbers()
+    {
+        QTest::addColumn<int>("minimum");
+        QTest::addColumn<int>("maximum");
+        QTest::addColumn<int>("queued");
+        QTest::addColumn<int>("result");
+        QTest::newRow("as the program asks") << 1 << 5 << 20 << 0;
+        QTest::newRow("on demand only") << 0 << 2 << 1 << 0;
+        QTest::newRow("fixed") << 3 << 3 << 2 << 0;
+        QTest::newRow("minimum below 0") << -1 << 1 << 1 << -1;
+        QTest::newRow("no thread") << 0 << 0 << 1 << -1;
+        QTest::newRow("maximum below minimum") << 3 << 2 << 1 << -1;
+        QTest::newRow("no queue") << 1 << 1 << 0 << -1;
+    }
+};
+
+QTEST_GUILESS_MAIN(ThreadPoolTest)
+#include "ThreadPoolTest.moc"
