@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+#include <QThread>
+
+namespace sim {
+
+class ControlListener;
+
+// The panel's control socket: one request and one reply a line, each a JSON object. It lives in a
+// thread of its own, so that it answers while the GUI thread is busy; only what concerns widgets
+// goes to the GUI thread, and gets an error if that does not answer within ten seconds.
+// Requests of one connection are answered in their order; a line longer than one MiB ends the
+// connection with an error.
+// All functions: the GUI thread.
+class ControlServer
+{
+public:
+    ControlServer() = default;
+    ~ControlServer() { stop(); }
+    ControlServer(const ControlServer &) = delete;
+    ControlServer &operator=(const ControlServer &) = delete;
+
+    // Listens at `socketPath` (a socket that an ended program left there is replaced), open to
+    // this user only. Returns false on failure, see errorString().
+    bool start(const QString &socketPath);
+    QString errorString() const { return errorString_; }
+
+    // Ends the connections and the thread. Does nothing if the server does not run.
+    void stop();
+
+private:
+    QThread thread_;
+    ControlListener *listener_ = nullptr;
+    QString errorString_;
+};
+
+// Serves the panel's control socket to the end of the program and says "panel ready" on standard
+// error. To be called once, when the window is shown. Returns false, the reason being on standard
+// error, if the socket cannot be opened.
+bool serveControl();
+
+} // namespace sim

@@ -1,0 +1,127 @@
+#include "platform/sim/Start.h"
+
+#include "platform/sim/Panel.h"
+#include "platform/sim/Root.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <regex>
+#include <sys/file.h>
+#include <system_error>
+
+namespace sim {
+namespace {
+
+constexpr int cannotRun = 1;
+constexpr int badEnvironment = 2;
+constexpr std::chrono::milliseconds exitPatience(500);
+
+struct Unusable : std::runtime_error
+{
+    using std::runtime_error::runtime_error;
+};
+
+std::string lastError()
+{
+    return std::error_code(errno, std::generic_category()).message();
+}
+
+std::string scenarioFile(const std::string &name)
+{
+    if (name.find('/') != std::string::npos)
+        return name;
+    const std::string folder = environment("SYSSET_SCENARIO_DIR");
+    return (folder.empty() ? SYSSET_SCENARIO_DIR : folder) + "/" + name + ".json";
+}
+
+// SYSSET_LCD=800x480
+void setScreen(const std::string &size)
+{
+    std::smatch parts;
+    if (!std::regex_match(size, parts, std::regex("([1-9][0-9]{1,3})x([1-9][0-9]{1,3})")))
+        throw BadRequest("SYSSET_LCD must be WIDTHxHEIGHT, like 800x480, not " + size);
+    panel().set("lcd", {{"width", std::stoi(parts[1])}, {"height", std::stoi(parts[2])}});
+}
+
+void applyEnvironment()
+{
+    const std::string scenario = environment("SYSSET_SCENARIO");
+    panel().apply(loadScenario(scenario.empty() ? "full" : scenario));
+    const std::string size = environment("SYSSET_LCD");
+    if (!size.empty())
+        setScreen(size);
+}
+
+// Makes the folders, and holds the lock to the end of the process.
+void takeRoot()
+{
+    namespace fs = std::filesystem;
+    std::error_code error;
+    fs::create_directories(runFolder(), error);
+    if (!error)
+        fs::permissions(runFolder(), fs::perms::owner_all, error);
+    if (error)
+        throw Unusable("cannot make " + runFolder() + ": " + error.message());
+    const int lock = open((runFolder() + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (lock == -1)
+        throw Unusable("cannot make " + runFolder() + "/lock: " + lastError());
+    if (flock(lock, LOCK_EX | LOCK_NB) == -1)
+        throw Unusable("another program runs the simulated panel in " + panelRoot());
+}
+
+void leaveState()
+{
+    panel().stop(exitPatience);
+    const std::string file = runFolder() + "/last.json";
+    std::ofstream(file + ".new") << panel().get("").dump(2, ' ', false,
+                                                         Json::error_handler_t::replace)
+                                 << '\n';
+    std::rename((file + ".new").c_str(), file.c_str());
+}
+
+int refuse(int status, const char *reason)
+{
+    std::cerr << "sysset-sim: " << reason << std::endl;
+    return status;
+}
+
+} // namespace
+
+Json loadScenario(const std::string &name)
+{
+    const std::string file = scenarioFile(name);
+    std::ifstream stream(file);
+    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    if (!stream)
+        throw BadRequest("cannot read the scenario " + file);
+    try {
+        return parseJson(text);
+    } catch (const BadRequest &error) {
+        throw BadRequest("the scenario " + file + ": " + error.what());
+    }
+}
+
+int startFromEnvironment()
+{
+    const std::string root = panelRoot();
+    setenv("SYSSET_ROOT", root.c_str(), 1); // NOLINT(concurrency-mt-unsafe): the only thread yet
+    try {
+        applyEnvironment();
+        takeRoot();
+    } catch (const BadRequest &error) {
+        return refuse(badEnvironment, error.what());
+    } catch (const Unusable &error) {
+        return refuse(cannotRun, error.what());
+    }
+    std::atexit(leaveState);
+    return 0;
+}
+
+} // namespace sim

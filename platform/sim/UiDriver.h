@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/sim/Requests.h"
+
+namespace sim {
+
+// Whether the request is one for the GUI thread: `ui` and `quit`.
+bool isUiRequest(const Request &request);
+
+// Does it: tells what the windows show, or puts the events of a finger into the queue, to be
+// handled when this returns. Throws BadRequest. GUI thread.
+Json runUiRequest(const Request &request);
+
+} // namespace sim

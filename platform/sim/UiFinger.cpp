@@ -1,0 +1,165 @@
+// What a finger does: presses and drags, put into the queue of the window as the window system
+// would put them.
+#include "platform/sim/UiWidgets.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QComboBox>
+#include <QMouseEvent>
+#include <QSlider>
+#include <QStyle>
+#include <QStyleOptionSlider>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QWindow>
+
+#include <cstdlib>
+
+namespace sim {
+namespace {
+
+[[noreturn]] void noSuchRow(const QWidget *widget, int row)
+{
+    throw BadRequest(widget->objectName().toStdString() + " has no row " + std::to_string(row));
+}
+
+// `position` is in the widget's coordinates. Sent to the native window, the event takes Qt's own
+// way to the widget, past dialogs and pop-ups; posted past the window system, two presses in
+// quick succession stay two presses.
+void post(QWidget *widget, QEvent::Type type, const QPoint &position)
+{
+    QWidget *window = widget->window();
+    const QPoint local = widget->mapTo(window, position);
+    const bool moves = type == QEvent::MouseMove;
+    const bool down = type != QEvent::MouseButtonRelease;
+    QCoreApplication::postEvent(window->windowHandle(),
+                                new QMouseEvent(type, local, local, window->mapToGlobal(local),
+                                                moves ? Qt::NoButton : Qt::LeftButton,
+                                                down ? Qt::LeftButton : Qt::NoButton,
+                                                Qt::NoModifier));
+}
+
+void tap(QWidget *widget, const QPoint &position)
+{
+    post(widget, QEvent::MouseButtonPress, position);
+    post(widget, QEvent::MouseButtonRelease, position);
+}
+
+void tapRow(QAbstractItemView *view, const QWidget *owner, int row)
+{
+    const QModelIndex index = view->model()->index(row, 0, view->rootIndex());
+    if (!index.isValid())
+        noSuchRow(owner, row);
+    view->scrollTo(index);
+    tap(view->viewport(), (view->visualRect(index) & view->viewport()->rect()).center());
+}
+
+void tapTab(const QTabWidget *tabs, int tab)
+{
+    QTabBar *bar = tabs->tabBar();
+    if (tab >= tabs->count())
+        noSuchRow(tabs, tab);
+    tap(bar, (bar->tabRect(tab) & bar->rect()).center());
+}
+
+void tapChoice(QComboBox *box, int row)
+{
+    if (row >= box->count())
+        noSuchRow(box, row);
+    box->showPopup();
+    tapRow(box->view(), box, row);
+}
+
+// A slider's handle and the way that it has, in pixels.
+class Handle
+{
+public:
+    explicit Handle(const QSlider *slider)
+    {
+        // A pointer to the protected member may be taken through a derived class.
+        struct Access : QSlider
+        {
+            using QSlider::initStyleOption;
+        };
+        (slider->*(&Access::initStyleOption))(&option_);
+        const QStyle *style = slider->style();
+        groove_ =
+            style->subControlRect(QStyle::CC_Slider, &option_, QStyle::SC_SliderGroove, slider);
+        handle_ =
+            style->subControlRect(QStyle::CC_Slider, &option_, QStyle::SC_SliderHandle, slider);
+    }
+
+    QPoint centre() const { return handle_.center(); }
+
+    // Where the handle's centre must be for the value nearest to `value`.
+    QPoint centreFor(int value) const
+    {
+        int best = 0;
+        for (int way = 0; way <= wayLength(); ++way)
+            if (std::abs(valueAt(way) - value) < std::abs(valueAt(best) - value))
+                best = way;
+        const QPoint offset = handle_.center() - handle_.topLeft();
+        return isHorizontal() ? QPoint(groove_.x() + best + offset.x(), handle_.center().y())
+                              : QPoint(handle_.center().x(), groove_.y() + best + offset.y());
+    }
+
+private:
+    bool isHorizontal() const { return option_.orientation == Qt::Horizontal; }
+    int wayLength() const
+    {
+        return isHorizontal() ? groove_.width() - handle_.width()
+                              : groove_.height() - handle_.height();
+    }
+    int valueAt(int way) const
+    {
+        return QStyle::sliderValueFromPosition(option_.minimum, option_.maximum, way, wayLength(),
+                                               option_.upsideDown);
+    }
+
+    QStyleOptionSlider option_;
+    QRect groove_;
+    QRect handle_;
+};
+
+} // namespace
+
+bool hasRows(const QWidget *widget)
+{
+    return qobject_cast<const QAbstractItemView *>(widget) ||
+           qobject_cast<const QTabWidget *>(widget) || qobject_cast<const QComboBox *>(widget);
+}
+
+void pressWidget(QWidget *widget, int row)
+{
+    auto *view = qobject_cast<QAbstractItemView *>(widget);
+    auto *box = qobject_cast<QComboBox *>(widget);
+    const auto *tabs = qobject_cast<const QTabWidget *>(widget);
+    if (row >= 0 && view)
+        tapRow(view, widget, row);
+    else if (row >= 0 && box)
+        tapChoice(box, row);
+    else if (row >= 0 && tabs)
+        tapTab(tabs, row);
+    else
+        tap(widget, widget->rect().center());
+}
+
+void dragSlider(QWidget *widget, int value)
+{
+    const auto *slider = qobject_cast<const QSlider *>(widget);
+    const std::string name = widget->objectName().toStdString();
+    if (slider == nullptr)
+        throw BadRequest(name + " is no slider");
+    if (value < slider->minimum() || value > slider->maximum())
+        throw BadRequest(name + " goes from " + std::to_string(slider->minimum()) + " to " +
+                         std::to_string(slider->maximum()));
+    const Handle handle(slider);
+    const QPoint from = handle.centre();
+    const QPoint to = handle.centreFor(value);
+    post(widget, QEvent::MouseButtonPress, from);
+    post(widget, QEvent::MouseMove, (from + to) / 2);
+    post(widget, QEvent::MouseMove, to);
+    post(widget, QEvent::MouseButtonRelease, to);
+}
+
+} // namespace sim

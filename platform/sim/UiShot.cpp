@@ -1,0 +1,61 @@
+#include "platform/sim/Panel.h"
+#include "platform/sim/UiWidgets.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QPixmap>
+#include <QSaveFile>
+
+#include <algorithm>
+
+namespace sim {
+namespace {
+
+// How far above the main window a window lies: dialogs by the depth of their parents, pop-ups
+// above all.
+int stackingOrder(const QWidget *window)
+{
+    int depth = window->windowType() == Qt::Popup ? 1000 : 0;
+    for (const QWidget *parent = window->parentWidget(); parent; parent = parent->parentWidget())
+        depth += parent->isWindow() ? 1 : 0;
+    return depth;
+}
+
+QVector<QWidget *> shownWindows()
+{
+    QVector<QWidget *> windows;
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (window->isVisible() && window->windowType() != Qt::ToolTip)
+            windows.append(window);
+    const QWidget *main = mainWindow();
+    const auto order = [main](const QWidget *window) {
+        return window == main ? -1 : stackingOrder(window);
+    };
+    std::stable_sort(windows.begin(), windows.end(),
+                     [&](const QWidget *a, const QWidget *b) { return order(a) < order(b); });
+    return windows;
+}
+
+QSize screenSize()
+{
+    const Json lcd = panel().get("lcd");
+    return {lcd["width"].get<int>(), lcd["height"].get<int>()};
+}
+
+} // namespace
+
+void shootScreen(const QString &path)
+{
+    QPixmap screen(screenSize());
+    screen.fill(Qt::black);
+    QPainter painter(&screen);
+    for (QWidget *window : shownWindows())
+        painter.drawPixmap(screenRect(window).topLeft(), window->grab());
+    painter.end();
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || !screen.save(&file, "PNG") || !file.commit())
+        throw BadRequest("cannot write " + path.toStdString() + ": " +
+                         file.errorString().toStdString());
+}
+
+} // namespace sim

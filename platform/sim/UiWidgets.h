@@ -1,0 +1,48 @@
+// The program's windows, seen from outside. All functions: GUI thread.
+#pragma once
+
+#include "platform/sim/StateTree.h"
+
+#include <QRect>
+#include <QString>
+#include <QVector>
+#include <QWidget>
+
+namespace sim {
+
+// The program's main window: the largest window without a parent, visible ones first; its origin
+// is the screen's. Throws BadRequest if there is no window at all.
+QWidget *mainWindow();
+
+// All widgets without a parent, the main window first.
+QVector<QWidget *> rootWidgets();
+
+// All widgets of that object name in the order of the tree.
+QVector<QWidget *> widgetsNamed(const QString &name);
+
+// Why a finger cannot press the widget now ("is not visible"), empty if it can.
+QString obstacle(const QWidget *widget);
+
+// Where the widget is on the panel's screen.
+QRect screenRect(const QWidget *widget);
+
+// The widget and all in it as the dump shows them.
+Json dumpWidget(const QWidget *widget);
+
+// What the screen shows, dialogs and pop-ups included, into the PNG file `path`, whole or not at
+// all. Throws BadRequest if it cannot be written.
+void shootScreen(const QString &path);
+
+// Puts a press and a release at the centre of `row` of `widget` into the queue: of a list or combo
+// box that row, of a tab widget that tab; a negative `row` is the widget itself. Throws BadRequest
+// if there is no such row.
+void pressWidget(QWidget *widget, int row);
+
+// Whether the widget's rows are pressed one by one.
+bool hasRows(const QWidget *widget);
+
+// Puts a drag of the slider's handle to `value` into the queue. Throws BadRequest if it is no
+// slider or has no such value.
+void dragSlider(QWidget *widget, int value);
+
+} // namespace sim
