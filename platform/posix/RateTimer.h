@@ -1,0 +1,76 @@
+// The service behind CCosRateTimer.
+//
+// One thread leads: it sleeps until the next tick at which a task is due and runs the tasks
+// itself, so that a tick costs one wake-up and no hand-over. A second thread stands by. It sleeps
+// until the moment at which the leader would be late, and that moment moves on, without waking
+// it, each time the leader has finished. If the leader is stuck in a task when another one is due,
+// the standby takes the lead, runs what is due and starts a new standby; the former leader ends
+// when it comes back from its task. So there are never more threads than tasks that run, and two.
+#pragma once
+
+#include "platform/posix/Schedule.h"
+#include "platform/posix/TimerFd.h"
+
+#include <condition_variable>
+#include <mutex>
+
+namespace posix {
+
+class RateTimer
+{
+public:
+    // Never destroyed: its threads may outlive main().
+    static RateTimer &instance();
+
+    // As in CCosRateTimer.
+    int start(int tickMs);
+    int add(Task task, int periodMs);
+    int remove(const std::string &name);
+    void stop();
+
+private:
+    using Lock = std::unique_lock<std::mutex>;
+    enum class State { Down, Up, Ending };
+
+    RateTimer();
+
+    Tick tickAt(Moment moment) const;
+    Moment timeOf(Tick tick) const;
+
+    bool startStandby();
+    void serve();
+    bool awaitLead(Lock &lock);
+    void lead(Lock &lock);
+
+    void runDue(Lock &lock, std::uint64_t lead);
+    void runHere(Lock &lock, const Task &task, std::uint64_t lead);
+    void handToPool(const Task &task);
+    void runInPool(const Task &task);
+    void call(Lock &lock, const Task &task);
+    void finish(const Task &task);
+
+    Moment takeoverTime(Moment due) const;
+    bool isLeaderLate() const;
+    void arm();
+    void armTakeover();
+    void end();
+    void stopAtExit();
+
+    std::mutex mutex_;                // guards everything below; a task's body runs without it
+    std::condition_variable changed_; // a call or a thread has ended
+    State state_ = State::Down;
+    Schedule schedule_;
+    Moment origin_{}; // tick 0
+    std::chrono::nanoseconds tick_{};
+    std::chrono::nanoseconds grace_{}; // how long the leader may hold up other tasks
+
+    TimerFd leadTimer_;      // the leader sleeps on it
+    TimerFd takeoverTimer_;  // the standby sleeps on it
+    std::uint64_t lead_ = 0; // counts the takeovers: who took the last one leads
+    bool isLed_ = false;
+    bool hasStandby_ = false;
+    std::optional<Moment> inTaskSince_; // the leader
+    int threads_ = 0;
+};
+
+} // namespace posix

@@ -1,0 +1,183 @@
+#include "platform/cos_file.h"
+
+#include "platform/posix/FileDescriptor.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fnmatch.h>
+#include <sys/stat.h>
+
+namespace COS {
+namespace {
+
+using posix::FileDescriptor;
+
+constexpr std::size_t kCopyBlock = 65536;
+
+enum CopyError { kUnreadable = -1, kNoDirectory = -2, kUnwritable = -3 };
+
+bool isDirectory(const std::string &path)
+{
+    struct stat info
+    {
+    };
+    return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+// The directory that `path` stands in; its slash stays, so that "/file" gives the root.
+std::string directoryOf(const std::string &path)
+{
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
+}
+
+ssize_t readSome(int fd, std::vector<char> &block)
+{
+    ssize_t size = 0;
+    do {
+        size = ::read(fd, block.data(), block.size());
+    } while (size < 0 && errno == EINTR);
+    return size;
+}
+
+bool writeAll(int fd, const char *data, ssize_t size)
+{
+    while (size > 0) {
+        const ssize_t written = ::write(fd, data, static_cast<std::size_t>(size));
+        if (written < 0 && errno != EINTR)
+            return false;
+        data += std::max<ssize_t>(written, 0);
+        size -= std::max<ssize_t>(written, 0);
+    }
+    return true;
+}
+
+int copyBytes(int from, int to)
+{
+    std::vector<char> block(kCopyBlock);
+    ssize_t size = 0;
+    while ((size = readSome(from, block)) > 0) {
+        if (!writeAll(to, block.data(), size))
+            return kUnwritable;
+    }
+    return size == 0 ? 0 : kUnreadable;
+}
+
+// A file beside its destination that is gone again unless it has been moved there. Its name is
+// short, whatever the destination's is: a name has 255 bytes at most.
+class TemporaryFile
+{
+public:
+    explicit TemporaryFile(const std::string &directory)
+        : path_(directory + ".copy-XXXXXX"), fd_(::mkostemp(path_.data(), O_CLOEXEC))
+    {
+    }
+    TemporaryFile(const TemporaryFile &) = delete;
+    TemporaryFile &operator=(const TemporaryFile &) = delete;
+    ~TemporaryFile()
+    {
+        if (fd_.isOpen() && !moved_)
+            ::unlink(path_.c_str());
+    }
+
+    bool isOpen() const { return fd_.isOpen(); }
+    int fd() const { return fd_.get(); }
+
+    // rename(2) replaces the destination in one step; synced before it, so that a power failure
+    // never leaves the new name on old or missing bytes.
+    bool moveTo(const std::string &destination, mode_t mode)
+    {
+        moved_ = ::fchmod(fd(), mode) == 0 && ::fsync(fd()) == 0 &&
+                 ::rename(path_.c_str(), destination.c_str()) == 0;
+        return moved_;
+    }
+
+private:
+    std::string path_;
+    FileDescriptor fd_;
+    bool moved_ = false;
+};
+
+// The file is in place already: a directory that cannot be synced is no failure of the copy.
+void syncDirectory(const std::string &directory)
+{
+    const FileDescriptor fd(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (fd.isOpen())
+        ::fsync(fd.get());
+}
+
+int writeWhole(int from, mode_t mode, const std::string &to)
+{
+    const std::string directory = directoryOf(to);
+    TemporaryFile copy(directory);
+    if (!copy.isOpen())
+        return kUnwritable;
+    if (const int result = copyBytes(from, copy.fd()); result != 0)
+        return result;
+    if (!copy.moveTo(to, mode))
+        return kUnwritable;
+    syncDirectory(directory);
+    return 0;
+}
+
+} // namespace
+
+bool CosFile::ExistFile(const std::string &path)
+{
+    struct stat info
+    {
+    };
+    return ::stat(path.c_str(), &info) == 0;
+}
+
+int CosFile::CopyWithMakeDir(const std::string &from, const std::string &to)
+{
+    // Not to hang on a pipe that nobody writes to.
+    const FileDescriptor source(::open(from.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat info
+    {
+    };
+    if (!source.isOpen() || ::fstat(source.get(), &info) != 0 || !S_ISREG(info.st_mode))
+        return kUnreadable;
+    if (CosDir::MakeDir(directoryOf(to)) != 0)
+        return kNoDirectory;
+    return writeWhole(source.get(), (info.st_mode & ACCESSPERMS) | S_IRUSR | S_IWUSR, to);
+}
+
+int CosDir::ListDir(const std::string &directory, const std::string &pattern,
+                    std::vector<std::string> &names)
+{
+    names.clear();
+    std::error_code error;
+    std::filesystem::directory_iterator entry(directory, error);
+    for (; entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        std::string name = entry->path().filename().native();
+        if (::fnmatch(pattern.c_str(), name.c_str(), 0) == 0)
+            names.push_back(std::move(name));
+    }
+    if (error) {
+        names.clear();
+        return -1;
+    }
+    std::sort(names.begin(), names.end());
+    return static_cast<int>(names.size());
+}
+
+int CosDir::MakeDir(const std::string &path)
+{
+    std::size_t end = 0;
+    while (end < path.size()) {
+        end = std::min(path.find('/', end + 1), path.size());
+        const std::string part = path.substr(0, end);
+        // Asked only after the failure: another process may make it at the same time.
+        if (::mkdir(part.c_str(), 0755) != 0 && !isDirectory(part))
+            return -1;
+    }
+    return path.empty() ? -1 : 0;
+}
+
+} // namespace COS

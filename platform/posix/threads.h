@@ -1,0 +1,18 @@
+// Threads of the services, and their end with the process.
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+namespace posix {
+
+// How long the end of the process waits for a service's calls that are under way.
+constexpr std::chrono::seconds kPatienceAtExit{1};
+
+// Runs `body` on a thread of its own that shows as `name` (15 bytes at most, see
+// pthread_setname_np(3)). Nobody joins it: `body` tells its owner that it is done, and the owner
+// is never destroyed. An exception out of `body` ends the program (std::terminate).
+// Returns false if the system gives no thread. Any thread.
+bool startThread(const char *name, std::function<void()> body);
+
+} // namespace posix
