@@ -1,0 +1,115 @@
+#include "platform/sim/CallLog.h"
+
+#include "platform/sim/Operations.h"
+
+#include <cstring>
+#include <pthread.h>
+#include <unistd.h>
+#include <utility>
+
+namespace sim {
+namespace {
+
+void checkOperation(const std::string &op)
+{
+    if (!isOperation(op))
+        throw BadRequest("no such operation: " + op);
+}
+
+const char *nameOfThread()
+{
+    if (getpid() == gettid())
+        return "gui";
+    char name[16] = {};
+    pthread_getname_np(pthread_self(), name, sizeof name);
+    for (const char *known : {"timer", "media", "net"})
+        if (std::strcmp(name, known) == 0)
+            return known;
+    return "worker";
+}
+
+} // namespace
+
+void CallLog::add(const char *op, Json args, std::int64_t result, const char *thread)
+{
+    if (calls_ == limit)
+        dropOldest();
+    ++calls_;
+    if (!entries_.empty()) {
+        Entry &last = entries_.back();
+        if (last.op == op && last.result == result && last.thread == thread && last.args == args) {
+            ++last.count;
+            return;
+        }
+    }
+    entries_.push_back({op, std::move(args), result, thread, 1});
+}
+
+void CallLog::dropOldest()
+{
+    --calls_;
+    if (--entries_.front().count == 0)
+        entries_.pop_front();
+}
+
+void CallLog::clear()
+{
+    entries_.clear();
+    calls_ = 0;
+}
+
+Json CallLog::toJson() const
+{
+    Json calls = Json::array();
+    for (const Entry &entry : entries_) {
+        const Json call = {{"op", entry.op},
+                           {"args", entry.args.is_null() ? Json::array() : entry.args},
+                           {"result", entry.result},
+                           {"thread", entry.thread}};
+        calls.insert(calls.end(), entry.count, call);
+    }
+    return calls;
+}
+
+void Injections::fail(const std::string &op, int code, int count)
+{
+    checkOperation(op);
+    if (count == 0 || count < -1)
+        throw BadRequest("fail: COUNT must be 1 or more");
+    failures_[op] = {code, count};
+}
+
+void Injections::delay(const std::string &op, int ms)
+{
+    checkOperation(op);
+    if (ms < 0)
+        throw BadRequest("delay: MS must be 0 or more");
+    delays_[op] = ms;
+}
+
+Injections::Order Injections::next(const char *op)
+{
+    if (failures_.empty() && delays_.empty())
+        return {};
+    const auto delay = delays_.find(op);
+    return {nextResult(op), delay == delays_.end() ? 0 : delay->second};
+}
+
+std::optional<int> Injections::nextResult(const char *op)
+{
+    const auto failure = failures_.find(op);
+    if (failure == failures_.end())
+        return std::nullopt;
+    const int code = failure->second.code;
+    if (failure->second.left > 0 && --failure->second.left == 0)
+        failures_.erase(failure);
+    return code;
+}
+
+const char *callingThread()
+{
+    thread_local const char *const name = nameOfThread();
+    return name;
+}
+
+} // namespace sim

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/board.h"
+#include "platform/sim/ServiceThread.h"
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+// Hot-plug events. The callbacks come from its one thread, "media", which they may block.
+class MediaService
+{
+public:
+    // Registers, and reports what is plugged in already, as far as it is of one of `types`.
+    // The panel is locked.
+    void addDev(const std::vector<PLATFORM::DEV_TYPE_T> &types,
+                const PLATFORM::MediaCallbacks &callbacks, void *context);
+    void forgetRegistrations();
+
+    // A device of type code `type` is plugged in or pulled out; told to every registration,
+    // whatever types it asked for: what to make of it is the program's business. The panel is not
+    // locked.
+    void insert(int type, const std::string &mountPath);
+    void remove(int type, const std::string &mountPath);
+
+    // As ServiceThread's. The panel is not locked.
+    bool forget(std::chrono::milliseconds patience) { return thread_.forget(patience); }
+    bool stop(std::chrono::milliseconds patience) { return thread_.stop(patience); }
+
+private:
+    struct Listener
+    {
+        PLATFORM::MediaCallbacks callbacks;
+        void *context;
+    };
+
+    void unplug(int type, const std::string &mountPath);
+    void post(const Listener &listener, const PLATFORM::tagDEV_INFO_T &info, bool added);
+
+    ServiceThread thread_{"media"};
+    std::vector<Listener> listeners_;
+    std::vector<PLATFORM::tagDEV_INFO_T> plugged_;
+};
+
+} // namespace sim

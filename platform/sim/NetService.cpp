@@ -1,0 +1,264 @@
+#include "platform/sim/NetService.h"
+
+#include "platform/sim/NetDevices.h"
+#include "platform/sim/Panel.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace std::chrono_literals;
+
+namespace sim {
+namespace {
+
+constexpr auto recordDelay = 50ms;
+constexpr auto switchDelay = 100ms; // and the record after it
+constexpr auto leaseDelay = 300ms;
+constexpr auto joinDelay = 400ms;
+
+bool serviceRuns(const Json &state)
+{
+    return state.at("net").at("server").get<bool>();
+}
+
+// A test that sets one of two places that say the same sees it in the other.
+void keepTogether(const Json &before, Json &state, const char *one, const char *other)
+{
+    const Json::json_pointer first(one);
+    const Json::json_pointer second(other);
+    if (before.at(first) != state.at(first))
+        state[second] = state.at(first);
+    else if (before.at(second) != state.at(second))
+        state[first] = state.at(second);
+}
+
+const Json *accessPoint(const Json &state, const std::string &ssid)
+{
+    const Json &aps = state.at("wifi").at("aps");
+    const auto found = std::find_if(aps.begin(), aps.end(),
+                                    [&](const Json &ap) { return text(ap, "ssid") == ssid; });
+    return found == aps.end() ? nullptr : &*found;
+}
+
+// Joins the configured network, if it is in range and open or the password is right.
+void finishJoining(Json &state)
+{
+    Json &wifi = state["wifi"];
+    const std::string &ssid = text(wifi["user"], "ssid");
+    const Json *ap = accessPoint(state, ssid);
+    const bool open = ap != nullptr && ap->at("security").get<int>() < 2;
+    const auto password = wifi["passwords"].find(ssid);
+    const bool right = password != wifi["passwords"].end() && *password == wifi["user"]["password"];
+    const bool joined = ap != nullptr && (open || right);
+    wifi["state"] = int(joined ? netT::WIFI_CONNECTED : netT::WIFI_FAILED);
+    if (joined)
+        wifi["signal"] = ap->at("level");
+}
+
+} // namespace
+
+void NetService::later(std::chrono::milliseconds delay, std::function<void(Json &)> action)
+{
+    thread_.post(delay, [action = std::move(action)] { panel().locked(action); });
+}
+
+bool NetService::forget(std::chrono::milliseconds patience)
+{
+    return thread_.forget(patience);
+}
+
+void NetService::forgetRegistrations()
+{
+    recordListeners_.clear();
+    atListeners_.clear();
+    recordsPosted_ = false;
+}
+
+// --- Records -----------------------------------------------------------------------------------
+
+void NetService::registerRecords(netT::AllNetInfoCallback callback, void *context, bool repeat)
+{
+    recordListeners_.push_back({callback, context, repeat, true});
+    postRecords();
+}
+
+void NetService::recordsSoon()
+{
+    for (RecordListener &listener : recordListeners_)
+        listener.due = true;
+    postRecords();
+}
+
+void NetService::postRecords()
+{
+    if (!std::exchange(recordsPosted_, true))
+        thread_.post(recordDelay, [this] { deliverRecords(); });
+}
+
+std::vector<NetService::RecordListener> NetService::takeDueListeners()
+{
+    std::vector<RecordListener> due;
+    for (RecordListener &listener : recordListeners_)
+        if (std::exchange(listener.due, false))
+            due.push_back(listener);
+    const auto once = [](const RecordListener &listener) {
+        return !listener.repeat && !listener.due;
+    };
+    recordListeners_.erase(std::remove_if(recordListeners_.begin(), recordListeners_.end(), once),
+                           recordListeners_.end());
+    return due;
+}
+
+void NetService::deliverRecords()
+{
+    std::vector<netT::stAllNetInfo_tag> records;
+    const auto due = panel().locked([&](const Json &state) {
+        recordsPosted_ = false;
+        for (const Json &device : state["net"]["devices"])
+            records.push_back(toRecord(device));
+        return serviceRuns(state) ? takeDueListeners() : std::vector<RecordListener>();
+    });
+    for (const RecordListener &listener : due) {
+        auto copy = records;
+        listener.callback(copy, listener.context);
+    }
+}
+
+// --- Modem -------------------------------------------------------------------------------------
+
+void NetService::registerAt(netT::AtInfoCallback callback, void *context)
+{
+    atListeners_.push_back({callback, context, true});
+    thread_.post(recordDelay, [this] { deliverAt(); });
+}
+
+void NetService::atSoon()
+{
+    for (AtListener &listener : atListeners_)
+        listener.due = true;
+    thread_.post(recordDelay, [this] { deliverAt(); });
+}
+
+void NetService::deliverAt()
+{
+    netT::tag_atCollect info;
+    std::vector<AtListener> due;
+    panel().locked([&](Json &state) {
+        if (!serviceRuns(state) || presentDevice(state, "4G") == nullptr)
+            return;
+        info = toAtInfo(state["modem"]["at"]);
+        for (AtListener &listener : atListeners_)
+            if (std::exchange(listener.due, false))
+                due.push_back(listener);
+    });
+    for (const AtListener &listener : due) {
+        auto copy = info;
+        listener.callback(copy, listener.context);
+    }
+}
+
+netT::tag_atCollect toAtInfo(const Json &at)
+{
+    netT::tag_atCollect info;
+    at.at("texts").get_to(info.texts);
+    at.at("numbers").get_to(info.numbers);
+    info.last = text(at, "last");
+    return info;
+}
+
+// --- Devices -----------------------------------------------------------------------------------
+
+void NetService::refresh(Json &state, Json &device)
+{
+    const bool working = works(state, device);
+    device["bNetNormal"] = working ? 1 : 0;
+    if (!isOn(device) || (usesDhcp(device) && !working))
+        dropAddress(device);
+    else if (usesDhcp(device))
+        leaseSoon(text(device, "sDevName"));
+    else
+        takeStatic(state, device);
+    recordsSoon();
+}
+
+void NetService::leaseSoon(const std::string &name)
+{
+    later(leaseDelay, [this, name](Json &state) {
+        Json *device = findDevice(state, name);
+        if (device == nullptr || !usesDhcp(*device) || !works(state, *device))
+            return;
+        takeLease(state, *device);
+        recordsSoon();
+    });
+}
+
+void NetService::switchSoon(const std::string &name, bool on)
+{
+    later(switchDelay, [this, name, on](Json &state) {
+        Json *device = findDevice(state, name);
+        if (device == nullptr)
+            return;
+        if (isOn(*device) && !usesDhcp(*device))
+            keepAsStatic(state, *device);
+        (*device)["sFunction"] = on ? "enable" : "disable";
+        state["net"]["up"][name] = on;
+        const bool wifi = text(*device, "sNetType") == "WIFI";
+        if (wifi)
+            state["wifi"]["state"] = int(on ? netT::WIFI_IDLE : netT::WIFI_DISABLED);
+        if (wifi && on && !text(state["wifi"]["user"], "ssid").empty())
+            joinWifi(state, *device);
+        refresh(state, *device);
+    });
+}
+
+void NetService::joinWifi(Json &state, Json &device)
+{
+    state["wifi"]["state"] = int(netT::WIFI_CONNECTING);
+    refresh(state, device);
+    later(joinDelay, [this, name = text(device, "sDevName"), join = ++joins_](Json &later) {
+        Json *wifi = findDevice(later, name);
+        const bool current = join == joins_ && later["wifi"]["state"] == int(netT::WIFI_CONNECTING);
+        if (!current || wifi == nullptr)
+            return;
+        finishJoining(later);
+        refresh(later, *wifi);
+    });
+}
+
+// --- Changes from outside ----------------------------------------------------------------------
+
+void NetService::stateChanged(const Json &before, Json &state)
+{
+    for (Json &device : state["net"]["devices"])
+        deviceChanged(before, state, device);
+    modemChanged(before, state);
+    if (before["net"] != state["net"])
+        recordsSoon();
+}
+
+void NetService::deviceChanged(const Json &before, Json &state, Json &device)
+{
+    const std::string &name = text(device, "sDevName");
+    const Json *old = findDevice(before, name);
+    if (old == nullptr)
+        return;
+    if (isOn(*old) != isOn(device) && before["net"]["up"] == state["net"]["up"])
+        state["net"]["up"][name] = isOn(device);
+    if (hasLink(before, *old) != hasLink(state, device))
+        refresh(state, device);
+    const Json none;
+    if (before["net"]["lease"].value(name, none) != state["net"]["lease"].value(name, none))
+        leaseSoon(name);
+}
+
+void NetService::modemChanged(const Json &before, Json &state)
+{
+    keepTogether(before, state, "/modem/csq", "/modem/at/numbers/0");
+    keepTogether(before, state, "/modem/ccid", "/modem/at/texts/0");
+    Json old = before;
+    const bool came = !presentDevice(old, "4G") && presentDevice(state, "4G");
+    if (came || before["modem"]["at"] != state["modem"]["at"])
+        atSoon();
+}
+
+} // namespace sim

@@ -1,0 +1,102 @@
+#include "platform/sim/Operations.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace sim {
+namespace {
+
+constexpr const char *operations[] = {
+    "Beep",
+    "CBB.request",
+    "COS.GetProcessPIDByName",
+    "COS.GetSysLocalTime",
+    "COS.GetTimeStamp",
+    "COS.SetSysLocalTime",
+    "KVCORE.GetHMIType",
+    "KVCORE.GetMac",
+    "KVCORE.GetProduct",
+    "KVCORE.GetSN",
+    "KVCORE.enableRemote",
+    "KVCORE.getDeviceId",
+    "PLATFORM.CPlatBoard.getKVxxx",
+    "PLATFORM.CPlatBuzzer.getEnable",
+    "PLATFORM.CPlatBuzzer.init",
+    "PLATFORM.CPlatBuzzer.open",
+    "PLATFORM.CPlatBuzzer.runBeep",
+    "PLATFORM.CPlatBuzzer.setBeepTime",
+    "PLATFORM.CPlatBuzzer.setEnable",
+    "PLATFORM.CPlatBuzzer.setPwmType",
+    "PLATFORM.CPlatCpu.enableReboot",
+    "PLATFORM.CPlatCpu.getCpuId",
+    "PLATFORM.CPlatLcd.getResolution",
+    "PLATFORM.CPlatLcd.open",
+    "PLATFORM.CPlatLcd.setBrightness",
+    "PLATFORM.CPlatMedia.addDev",
+    "backstage.AddrRead",
+    "backstage.AddrWrite",
+    "backstage.AllowSetTime",
+    "cbl.md5String",
+    "dsl.CNotifyClient.connect",
+    "dsl.CNotifyClient.disconnect",
+    "my_reboot",
+    "netT.CAsyncClient.getConnectedStatus",
+    "netT.CAsyncClient.start",
+    "netT.checkEthCableLink",
+    "netT.connectwifi",
+    "netT.get4gAtInfoCallBackup",
+    "netT.get4gDialUpMode",
+    "netT.getAPList",
+    "netT.getAllNetInfoCallBack",
+    "netT.getApn",
+    "netT.getCCID",
+    "netT.getConnectInfo",
+    "netT.getCsqSignal",
+    "netT.getDevPriority",
+    "netT.getDns",
+    "netT.getIp",
+    "netT.getNetServerAddr",
+    "netT.getSignal",
+    "netT.getStatus",
+    "netT.isNetDeviceDhcp",
+    "netT.isNetUp",
+    "netT.loadCloudXML",
+    "netT.netDeviceDown",
+    "netT.netDeviceUp",
+    "netT.netIsExist",
+    "netT.netTping",
+    "netT.setApn",
+    "netT.setConnectInfo",
+    "netT.setDevPriority",
+    "netT.setDns",
+    "netT.setIp",
+    "netT.startDhcp",
+    "netT.stopDhcp",
+    "plc.CheckPassword",
+    "plc.CheckVer",
+    "plc.Close",
+    "plc.Commu",
+    "plc.DownLoadCamTable",
+    "plc.DownLoadExtension",
+    "plc.DownLoadMask",
+    "plc.DownLoadMemory",
+    "plc.DownLoadPara",
+    "plc.DownLoadPro",
+    "plc.Open",
+    "plc.ReadPlc5VDownLoadInfo",
+    "plc.ReadPlcVer",
+    "plc.SetUpLoadPasswd",
+    "plc.StartPLC",
+    "plc.StopPLC",
+    "plc.isHasPassword",
+    "remountPartion",
+};
+
+} // namespace
+
+bool isOperation(const std::string &name)
+{
+    return std::find(std::begin(operations), std::end(operations), name) != std::end(operations);
+}
+
+} // namespace sim

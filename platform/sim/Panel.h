@@ -1,0 +1,109 @@
+// The simulated panel: one in the process, behind every function of platform/include.
+#pragma once
+
+#include "platform/sim/CallLog.h"
+#include "platform/sim/MediaService.h"
+#include "platform/sim/NetService.h"
+#include "platform/sim/StateTree.h"
+
+#include <chrono>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace sim {
+
+// All functions: any thread. One mutex guards the state tree, the call log and the orders; no
+// callback of the program is called and nobody sleeps while it is held.
+class Panel
+{
+public:
+    Panel();
+
+    // --- for tests and the control socket; requests that make no sense throw BadRequest ---
+
+    Json get(const std::string &path);
+    // Changes the state, with what follows from it on a panel: a changed network device brings a
+    // record, a pulled cable takes an address by DHCP with it.
+    void set(const std::string &path, const Json &value);
+    // Lays a scenario over the state: any part of the tree, "fail" and "delay" beside it.
+    void apply(const Json &scenario);
+    // As set() and apply(), for the next calls of a platform operation; see Injections.
+    void fail(const std::string &op, int code, int count = -1);
+    void delay(const std::string &op, int ms);
+    void clearFailures();
+    void clearDelays();
+    // See CallLog.
+    Json calls();
+    void clearCalls();
+
+    // Back to the built-in defaults: no orders, no calls, no callback registered. A callback that
+    // is under way is waited for, but at most two seconds, since it may wait for the caller.
+    void reset();
+    // Ends the services' threads, as reset() waits for them.
+    void stop(std::chrono::milliseconds patience);
+
+    NetService &net() { return net_; }
+    MediaService &media() { return media_; }
+
+    // --- for the simulated functions ---
+
+    // Calls `action(state)` with the panel locked.
+    template <typename Action>
+    auto locked(Action &&action)
+    {
+        const std::lock_guard lock(mutex_);
+        return action(state_);
+    }
+
+    // One platform call: takes the delay and the answer that are ordered for `op`, else asks
+    // `body(state)` for the answer, and logs it. `args` are the in-arguments; null if none.
+    template <typename Body>
+    auto call(const char *op, Json args, Body &&body)
+    {
+        std::unique_lock lock(mutex_);
+        const Injections::Order order = injections_.next(op);
+        sleep(lock, order.delayMs);
+        return answer(op, std::move(args), order, body);
+    }
+
+    // The same for a call that waits at most `timeoutMs` and then answers `timeoutResult`.
+    template <typename Body>
+    int callWithin(const char *op, Json args, unsigned int timeoutMs, int timeoutResult,
+                   Body &&body)
+    {
+        std::unique_lock lock(mutex_);
+        Injections::Order order = injections_.next(op);
+        if (order.delayMs > 0 && static_cast<unsigned int>(order.delayMs) > timeoutMs)
+            order = {timeoutResult, static_cast<int>(timeoutMs)};
+        sleep(lock, order.delayMs);
+        return answer(op, std::move(args), order, body);
+    }
+
+private:
+    template <typename Body>
+    auto answer(const char *op, Json args, const Injections::Order &order, Body &body)
+    {
+        using Result = decltype(body(state_));
+        const Result result = order.result ? Result(*order.result) : body(state_);
+        log_.add(op, std::move(args), static_cast<std::int64_t>(result), callingThread());
+        return result;
+    }
+
+    static void sleep(std::unique_lock<std::mutex> &lock, int ms);
+
+    std::mutex mutex_;
+    Json state_;
+    CallLog log_;
+    Injections injections_;
+    NetService net_;
+    MediaService media_;
+};
+
+// The panel of this process, made at the first call and never destroyed, because platform threads
+// may call until the very end.
+Panel &panel();
+
+} // namespace sim

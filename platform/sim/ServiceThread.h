@@ -1,0 +1,51 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace sim {
+
+// A thread that does one action after the other, each at its time, and sleeps without waking in
+// between. It starts with the first action. All functions: any thread.
+class ServiceThread
+{
+public:
+    // `name` is what pthread_getname_np says, at most 15 bytes.
+    explicit ServiceThread(std::string name) : name_(std::move(name)) {}
+    ~ServiceThread() { stop(std::chrono::seconds(5)); }
+    ServiceThread(const ServiceThread &) = delete;
+    ServiceThread &operator=(const ServiceThread &) = delete;
+
+    // Does `action` when `delay` has passed; actions of the same moment in the order of the calls.
+    // After stop() nothing is done any more.
+    void post(std::chrono::milliseconds delay, std::function<void()> action);
+
+    // Drops what waits and lets the action under way end, but no longer than `patience`: it may
+    // wait for the caller. Returns false if it still runs. Not to be called from an action.
+    bool forget(std::chrono::milliseconds patience);
+
+    // The same, and ends the thread. One that does not end in time is left to the end of the
+    // process; it then outlives this object, which must not be destroyed.
+    bool stop(std::chrono::milliseconds patience);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void run();
+    void waitForWork(std::unique_lock<std::mutex> &lock);
+
+    const std::string name_;
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::multimap<Clock::time_point, std::function<void()>> actions_;
+    std::thread thread_;
+    bool busy_ = false;
+    bool stopping_ = false;
+};
+
+} // namespace sim

@@ -1,0 +1,56 @@
+// netT, the client of the remote-access cloud.
+#include "platform/net.h"
+#include "platform/sim/Panel.h"
+
+using sim::Json;
+using sim::panel;
+
+namespace {
+
+constexpr int notStarted = -1;
+
+Json toJson(const netT::CloudConfig &config)
+{
+    return {{"sUrl", config.sUrl},
+            {"sCertUrl", config.sCertUrl},
+            {"sNtpUrl", config.sNtpUrl},
+            {"nPort", config.nPort},
+            {"nCertPort", config.nCertPort},
+            {"sDeviceId", config.sDeviceId},
+            {"sSalt", config.sSalt},
+            {"sRequestTopic", config.sRequestTopic},
+            {"sResponseTopic", config.sResponseTopic}};
+}
+
+} // namespace
+
+namespace netT {
+
+CAsyncClient::CAsyncClient()
+{
+    panel().locked([](Json &state) { state["cloud"]["started"] = false; });
+}
+
+// What was started stays to be seen in the state that the program leaves behind.
+CAsyncClient::~CAsyncClient() = default;
+
+// No message ever arrives on the simulated cloud's topics, so the handler is not kept.
+int CAsyncClient::start(const CloudConfig &config, MessageHandler /*handler*/, void * /*context*/)
+{
+    const Json wanted = toJson(config);
+    return panel().call("netT.CAsyncClient.start", Json::array({wanted}), [&](Json &state) {
+        state["cloud"]["started"] = true;
+        state["cloud"]["config"] = wanted;
+        return 0;
+    });
+}
+
+int CAsyncClient::getConnectedStatus() const
+{
+    return panel().call("netT.CAsyncClient.getConnectedStatus", Json(), [](Json &state) {
+        const Json &cloud = state["cloud"];
+        return cloud["started"].get<bool>() ? cloud["status"].get<int>() : notStarted;
+    });
+}
+
+} // namespace netT

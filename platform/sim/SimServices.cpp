@@ -1,0 +1,52 @@
+// The small services: notify client, digest, process lookup.
+#include "platform/cos_process.h"
+#include "platform/services.h"
+#include "platform/sim/Panel.h"
+
+#include <QCryptographicHash>
+
+#include <unistd.h>
+
+using sim::Json;
+using sim::panel;
+
+namespace dsl {
+
+CNotifyClient::CNotifyClient()
+{
+    panel().call("dsl.CNotifyClient.connect", Json(), [](Json &) { return 0; });
+}
+
+CNotifyClient::~CNotifyClient()
+{
+    panel().call("dsl.CNotifyClient.disconnect", Json(), [](Json &) { return 0; });
+}
+
+} // namespace dsl
+
+namespace cbl {
+
+int md5String(const std::string &input, std::string &output)
+{
+    return panel().call("cbl.md5String", Json::array({input}), [&](Json &) {
+        const auto bytes = QByteArray::fromStdString(input);
+        output = QCryptographicHash::hash(bytes, QCryptographicHash::Md5).toHex().toStdString();
+        return 0;
+    });
+}
+
+} // namespace cbl
+
+namespace COS {
+
+// The simulated network service lives in this process.
+int CosOsState::GetProcessPIDByName(const std::string &name)
+{
+    return panel().call("COS.GetProcessPIDByName", Json::array({name}), [&](Json &state) {
+        if (name != "netServer")
+            return scanProcessTable(name);
+        return state["net"]["server"].get<bool>() ? static_cast<int>(getpid()) : -1;
+    });
+}
+
+} // namespace COS
