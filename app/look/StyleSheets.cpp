@@ -92,6 +92,11 @@ QString keyboardStyle(bool centred)
 {
     return withFont(QStringLiteral("QLabel{color:black;%1border-radius:4px;}") + buttonTemplate() +
                     QStringLiteral("#SoftKeyboard{background-color:white;}"
+                                   "QWidget#widget_2{background-color: rgb(139, 159, 189);}"
+                                   "QPushButton#btn_close{background-color:transparent;"
+                                   "border:0px solid #C4C4C3;"
+                                   "image:url(:/SysSet_images/SysSet_images/Critical.png);}"
+                                   "QPushButton#btn_close:disabled{image:none;}"
                                    "QLineEdit{color:black;%1background:transparent;border:0px;"
                                    "border-bottom:2px solid #C4C4C3;"
                                    "selection-background-color:transparent;"
