@@ -2,7 +2,8 @@
 
 #include "app/Program.h"
 #include "bench/FirstFrame.h"
-#include "platform/sim/SimProgram.h"
+#include "platform/sim/ControlServer.h"
+#include "platform/sim/Start.h"
 
 int main(int argc, char **argv)
 {

@@ -5,13 +5,14 @@
 #include "app/MainWin.h"
 #include "bench/Statistics.h"
 #include "input/SoftKeyboard.h"
-#include "platform/sim/SimProgram.h"
+#include "platform/sim/Start.h"
 #include "resources/Resources.h"
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
+#include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
 
