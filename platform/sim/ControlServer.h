@@ -35,9 +35,4 @@ private:
     QString errorString_;
 };
 
-// Serves the panel's control socket to the end of the program and says "panel ready" on standard
-// error. To be called once, when the window is shown. Returns false, the reason being on standard
-// error, if the socket cannot be opened.
-bool serveControl();
-
 } // namespace sim

@@ -1,7 +1,9 @@
-#include "platform/sim/Start.h"
+#include "platform/sim/SimProgram.h"
 
+#include "platform/sim/ControlServer.h"
 #include "platform/sim/Panel.h"
 #include "platform/sim/Root.h"
+#include "platform/sim/Scenario.h"
 
 #include <cerrno>
 #include <chrono>
@@ -11,7 +13,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <regex>
 #include <sys/file.h>
 #include <system_error>
@@ -31,14 +32,6 @@ struct Unusable : std::runtime_error
 std::string lastError()
 {
     return std::error_code(errno, std::generic_category()).message();
-}
-
-std::string scenarioFile(const std::string &name)
-{
-    if (name.find('/') != std::string::npos)
-        return name;
-    const std::string folder = environment("SYSSET_SCENARIO_DIR");
-    return (folder.empty() ? SYSSET_SCENARIO_DIR : folder) + "/" + name + ".json";
 }
 
 // SYSSET_LCD=800x480
@@ -92,21 +85,13 @@ int refuse(int status, const char *reason)
     return status;
 }
 
-} // namespace
-
-Json loadScenario(const std::string &name)
+ControlServer &programServer()
 {
-    const std::string file = scenarioFile(name);
-    std::ifstream stream(file);
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream)
-        throw BadRequest("cannot read the scenario " + file);
-    try {
-        return parseJson(text);
-    } catch (const BadRequest &error) {
-        throw BadRequest("the scenario " + file + ": " + error.what());
-    }
+    static ControlServer &server = *new ControlServer;
+    return server;
 }
+
+} // namespace
 
 int startFromEnvironment()
 {
@@ -122,6 +107,19 @@ int startFromEnvironment()
     }
     std::atexit(leaveState);
     return 0;
+}
+
+bool serveControl()
+{
+    ControlServer &server = programServer();
+    if (!server.start(QString::fromStdString(socketPath()))) {
+        std::cerr << "sysset-sim: cannot listen at " << socketPath() << ": "
+                  << server.errorString().toStdString() << std::endl;
+        return false;
+    }
+    std::atexit([] { programServer().stop(); });
+    std::cerr << "panel ready" << std::endl;
+    return true;
 }
 
 } // namespace sim
