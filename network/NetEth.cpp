@@ -44,7 +44,7 @@ void NetEth::setNetInfo(const netT::stAllNetInfo_tag &record)
     m_sDevName = record.sDevName;
     m_addresses->setDevice(m_sDevName);
 
-    const bool on = isEnabled(record.sFunction);
+    const bool on = saysEnable(record.sFunction);
     if (on != m_bOn)
         completeSwitch(on);
     if (!on)
@@ -153,7 +153,7 @@ void NetEth::setEthPage(bool on)
 
 void NetEth::showAddressing(const netT::stAllNetInfo_tag &record)
 {
-    if (isEnabled(record.sDhcp)) {
+    if (saysEnable(record.sDhcp)) {
         if (!m_bDhcp)
             showDhcpView();
         showBlock(!record.sIpAddr.empty());

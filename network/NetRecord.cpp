@@ -16,7 +16,7 @@ AddressTexts addressesOf(const netT::stAllNetInfo_tag &record)
     return {record.sIpAddr, record.sSubnetMask, record.sGateway, record.sPrefDns, record.sAlterDns};
 }
 
-bool isEnabled(const std::string &text)
+bool saysEnable(const std::string &text)
 {
     return text == "enable";
 }

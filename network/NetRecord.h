@@ -18,7 +18,7 @@ struct AddressTexts
 AddressTexts addressesOf(const netT::stAllNetInfo_tag &record);
 
 // "enable" in a record's sFunction or sDhcp.
-bool isEnabled(const std::string &text);
+bool saysEnable(const std::string &text);
 
 // Prints a record on standard output, a line a field, its addresses beside the page's `current`.
 void printRecord(const netT::stAllNetInfo_tag &record, const AddressTexts &current);

@@ -2,7 +2,7 @@
 """Renders the drawings of resources/artwork: a picture as PNG, the waiting mark as GIF.
 
 render-artwork.py icon DRAWING PNG --height PIXELS [--variant CLASS...]
-render-artwork.py animation DRAWING GIF --height PIXELS
+render-artwork.py animation DRAWING GIF --height PIXELS [--variant CLASS...]
 
 A variant is a list of classes for the drawing's root, told apart by the style sheet of
 family.svg, which stands beside the drawing.
@@ -61,7 +61,7 @@ def icon(arguments):
 
 
 def animation(arguments):
-    svg = compose(arguments.drawing)
+    svg = compose(arguments.drawing, arguments.variant)
     first, *others = (on_white(turned(svg, 360 * frame // FRAMES, arguments.height))
                       for frame in range(FRAMES))
     first.save(arguments.output, save_all=True, append_images=others, duration=FRAME_MS,

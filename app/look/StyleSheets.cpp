@@ -3,7 +3,11 @@
 #include "app/look/FontStyle.h"
 #include "app/look/Screen.h"
 
+#include <algorithm>
+
 namespace {
+
+constexpr int RADIO_SIDE = 20; // pixels
 
 QString withFont(const QString &sheetTemplate)
 {
@@ -18,14 +22,15 @@ QString buttonTemplate()
                           "QPushButton:disabled{color:#C4C4C3;}");
 }
 
-QString radioTemplate()
+QString radioTemplate(int indicatorSide)
 {
     return QStringLiteral("QRadioButton{outline: none;%1}"
-                          "QRadioButton::indicator{width:20px;height:20px;}"
+                          "QRadioButton::indicator{width:%2px;height:%2px;}"
                           "QRadioButton::indicator:checked"
                           "{image: url(:/SysSet_images/SysSet_images/radio_checked.png);}"
                           "QRadioButton::indicator:unchecked"
-                          "{image: url(:/SysSet_images/SysSet_images/radio_unchecked.png);}");
+                          "{image: url(:/SysSet_images/SysSet_images/radio_unchecked.png);}")
+        .replace(QLatin1String("%2"), QString::number(indicatorSide));
 }
 
 } // namespace
@@ -34,7 +39,7 @@ QString windowStyle()
 {
     return withFont(
         QStringLiteral("QLabel{color:black;%1border-radius:4px;}") + buttonTemplate() +
-        radioTemplate() +
+        radioTemplate(std::max(RADIO_SIDE, fontPixelSize())) +
         QStringLiteral("#Qt_MainWin{background-color:white;}"
                        "QFrame#wdg_Status{background-color:#F2F5F8;border-radius:4px;}"
                        "QListWidget{color:black;%1background-color:white;outline:none;"
@@ -87,6 +92,11 @@ QString keyboardStyle(bool centred)
 {
     return withFont(QStringLiteral("QLabel{color:black;%1border-radius:4px;}") + buttonTemplate() +
                     QStringLiteral("#SoftKeyboard{background-color:white;}"
+                                   "QWidget#widget_2{background-color: rgb(139, 159, 189);}"
+                                   "QPushButton#btn_close{background-color:transparent;"
+                                   "border:0px solid #C4C4C3;"
+                                   "image:url(:/SysSet_images/SysSet_images/Critical.png);}"
+                                   "QPushButton#btn_close:disabled{image:none;}"
                                    "QLineEdit{color:black;%1background:transparent;border:0px;"
                                    "border-bottom:2px solid #C4C4C3;"
                                    "selection-background-color:transparent;"
@@ -96,7 +106,7 @@ QString keyboardStyle(bool centred)
 
 QString radioStyle()
 {
-    return withFont(radioTemplate());
+    return withFont(radioTemplate(RADIO_SIDE));
 }
 
 QString addressStyle(bool underlined)

@@ -81,13 +81,13 @@ int exitItself(void *)
 // The child of endsWithTheProcess(): exits while a task runs.
 [[noreturn]] void exitDuring(const QByteArray &task)
 {
-    static Counter started;
+    static auto *started = new Counter; // never destroyed: tasks may still use it
     CCosRateTimer::init(kTick);
     addForEver(task == "stuck"    ? neverFinish
                : task == "inside" ? exitItself
                                   : finishSoon,
-               &started, "task");
-    started.reaches(task == "inside" ? 2 : 1);
+               started, "task");
+    started->reaches(task == "inside" ? 2 : 1);
     std::exit(0); // NOLINT(concurrency-mt-unsafe): only this thread gets here
 }
 

@@ -5,6 +5,8 @@
 #include <climits>
 #include <cstdint>
 
+Q_DECLARE_METATYPE(COS::SYS_TIME_T)
+
 using COS::CosTime;
 using COS::SYS_TIME_T;
 
@@ -87,6 +89,5 @@ private slots:
     }
 };
 
-Q_DECLARE_METATYPE(COS::SYS_TIME_T)
 QTEST_GUILESS_MAIN(TimeTest)
 #include "TimeTest.moc"

@@ -1,0 +1,339 @@
+#include "input/SoftKeyboard.h"
+
+#include "app/look/BoxHelpers.h"
+#include "app/look/DismissGuard.h"
+#include "app/look/Screen.h"
+#include "app/look/StyleSheets.h"
+#include "app/look/WidgetLook.h"
+#include "platform/cos_time.h"
+#include "ui_SoftKeyboard.h"
+
+#include <QPainter>
+
+namespace {
+
+constexpr int DEBOUNCE_MS = 150;
+
+enum Page { PAGE_LETTERS = 0, PAGE_SYMBOLS = 1, PAGE_NUMBERS = 2 };
+
+constexpr int EYE_AS_IT_IS = -1;
+
+struct ModeLook
+{
+    bool prompt;
+    bool eye;
+    bool range;
+    Page page;
+    QLineEdit::EchoMode echo;
+    int eyeClosed;
+};
+
+constexpr ModeLook MODE_LOOKS[] = {
+    {true, true, false, PAGE_LETTERS, QLineEdit::PasswordEchoOnEdit, 1},
+    {false, false, true, PAGE_NUMBERS, QLineEdit::Normal, 0},
+    {false, false, false, PAGE_LETTERS, QLineEdit::Normal, EYE_AS_IT_IS},
+    {false, true, false, PAGE_LETTERS, QLineEdit::PasswordEchoOnEdit, 1},
+};
+constexpr int MODE_COUNT = static_cast<int>(std::size(MODE_LOOKS));
+
+// A finger that trembles presses twice. The last press taken is remembered across all keyboards;
+// the first press of the process is measured against itself, and so is never taken.
+bool isPressTaken()
+{
+    const std::int64_t now = COS::CosTime::GetTickCountCos();
+    static std::int64_t lastTaken = now;
+    if (now - lastTaken < DEBOUNCE_MS)
+        return false;
+    lastTaken = now;
+    return true;
+}
+
+} // namespace
+
+SoftKeyboard::SoftKeyboard(QWidget *parent, const QString &text)
+    : QDialog(parent), ui(std::make_unique<Ui::SoftKeyboard>()), m_text(text), m_initialText(text)
+{
+    ui->setupUi(this);
+    setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    setModal(true);
+    ui->lab_Min->hide();
+    ui->lab_Max->hide();
+    connectKeys();
+    tableActions();
+    fitToScreen();
+    showText();
+    setStyleSheet(keyboardStyle(false));
+}
+
+SoftKeyboard::~SoftKeyboard() = default;
+
+void SoftKeyboard::connectKeys()
+{
+    for (QPushButton *key : findChildren<QPushButton *>())
+        connect(key, &QPushButton::clicked, this, &SoftKeyboard::slot_Btnclicked);
+}
+
+void SoftKeyboard::tableActions()
+{
+    m_actions = {
+        {ui->btn_c_enter, &SoftKeyboard::enter},
+        {ui->btn_s_enter, &SoftKeyboard::enter},
+        {ui->btn_n_enter, &SoftKeyboard::enter},
+        {ui->btn_c_del, &SoftKeyboard::removeLast},
+        {ui->btn_s_del, &SoftKeyboard::removeLast},
+        {ui->btn_n_delete, &SoftKeyboard::removeLast},
+        {ui->btn_close, &SoftKeyboard::closeUnchanged},
+        {ui->btn_c_char, &SoftKeyboard::showSymbols},
+        {ui->btn_n_char, &SoftKeyboard::showSymbols},
+        {ui->btn_n_abc, &SoftKeyboard::showLetters},
+        {ui->btn_s_abc, &SoftKeyboard::showLetters},
+        {ui->btn_s_123, &SoftKeyboard::showNumbers},
+        {ui->btn_c_123, &SoftKeyboard::showNumbers},
+        {ui->btn_s_space, &SoftKeyboard::addSpace},
+        {ui->btn_c_space, &SoftKeyboard::addSpace},
+        {ui->btn_15, &SoftKeyboard::addAmpersand},
+        {ui->btn_Eye, &SoftKeyboard::toggleEye},
+        {ui->btn_c_Shift, &SoftKeyboard::toggleShift},
+    };
+}
+
+void SoftKeyboard::fitToScreen()
+{
+    const int gap = screenSize().height() / 120;
+    for (QLayout *part : findChildren<QLayout *>())
+        part->setSpacing(gap);
+    const int frame = 3 + gap; // the shadow's three pixels stay free
+    layout()->setContentsMargins(frame, frame, frame, frame);
+}
+
+void SoftKeyboard::setRange(int min, int max)
+{
+    m_nMinValue = min;
+    m_nMaxValue = max;
+    ui->lab_Min->setText(QStringLiteral("MIN:%1").arg(min));
+    ui->lab_Max->setText(QStringLiteral("Max:%1").arg(max));
+}
+
+void SoftKeyboard::setMaxLength(int length)
+{
+    m_nMaxLength = length;
+}
+
+void SoftKeyboard::setPassword(const QString &password)
+{
+    m_password = password;
+    ui->btn_close->setStyleSheet(QStringLiteral("border: 0px solid #C4C4C3;"));
+    ui->btn_close->setEnabled(false);
+    new DismissGuard(this, true); // owned by the keyboard
+}
+
+void SoftKeyboard::setMode(int mode)
+{
+    if (mode < 0 || mode >= MODE_COUNT)
+        return;
+    const ModeLook &look = MODE_LOOKS[mode];
+    m_nMode = mode;
+    if (look.eyeClosed != EYE_AS_IT_IS)
+        m_nEyeClosed = look.eyeClosed;
+    if (look.eye)
+        showEye();
+    ui->lab_Passwd->setVisible(look.prompt);
+    ui->btn_Eye->setVisible(look.eye);
+    ui->lab_Min->setVisible(look.range);
+    ui->lab_Max->setVisible(look.range);
+    ui->stackedWidget->setCurrentIndex(look.page);
+    ui->btn_n_abc->setDisabled(mode == KB_MODE_NUMBER);
+    ui->btn_n_char->setDisabled(mode == KB_MODE_NUMBER);
+    ui->line_Text->setEchoMode(look.echo);
+    setStyleOnce(this, keyboardStyle(mode == KB_MODE_NUMBER));
+    show();
+    ui->btn_close->setFixedWidth(ui->btn_close->height());
+    exec();
+}
+
+int SoftKeyboard::getText(QString &out) const
+{
+    if (m_nAccepted == 0)
+        return -1;
+    out = m_text;
+    return 0;
+}
+
+void SoftKeyboard::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QColor(0, 0, 0, 100));
+    for (int i = 2; i >= 0; --i)
+        painter.drawRoundedRect(i, i, width() - 2 * i, height() - 2 * i, 2.0, 2.0);
+}
+
+void SoftKeyboard::slot_Btnclicked()
+{
+    if (!isPressTaken())
+        return;
+    keyClick();
+    const Action action = m_actions.value(sender(), &SoftKeyboard::addCharacter);
+    (this->*action)();
+}
+
+void SoftKeyboard::showText()
+{
+    ui->line_Text->setText(m_text);
+}
+
+void SoftKeyboard::showEye()
+{
+    const QString image =
+        m_nEyeClosed == 1 ? QStringLiteral("eyeHide.png") : QStringLiteral("eyeShow.png");
+    setStyleOnce(ui->btn_Eye, QStringLiteral("image: url(%1);").arg(imagePath(image)));
+}
+
+void SoftKeyboard::enter()
+{
+    switch (m_nMode) {
+    case KB_MODE_PASSWORD:
+        return enterPassword();
+    case KB_MODE_NUMBER:
+        return enterNumber();
+    case KB_MODE_TEXT:
+        return enterText();
+    default:
+        return enterHiddenText();
+    }
+}
+
+void SoftKeyboard::enterPassword()
+{
+    if (!m_password)
+        return;
+    if (ui->line_Text->text() == *m_password)
+        hide();
+    else
+        runBox(BOX_CRITICAL, this, tr("Password error!"));
+}
+
+void SoftKeyboard::enterNumber()
+{
+    if (isOutOfRange())
+        return;
+    if (ui->line_Text->text() == m_initialText) {
+        hide();
+        return;
+    }
+    // Only the number pad's Enter makes "05" a 5.
+    finish(sender() == ui->btn_n_enter ? QString::number(m_text.toInt()) : m_text);
+}
+
+// A number too long for an int is too great, rather than the 0 that toInt() makes of it.
+bool SoftKeyboard::isOutOfRange() const
+{
+    const double value = m_text.toDouble();
+    return m_text.isEmpty() || value > m_nMaxValue || value < m_nMinValue;
+}
+
+void SoftKeyboard::finish(const QString &text)
+{
+    emit Sgl_InputText(text);
+    m_nAccepted = 1;
+    hide();
+}
+
+void SoftKeyboard::enterText()
+{
+    emit Sgl_InputText(ui->line_Text->text());
+    hide();
+}
+
+void SoftKeyboard::enterHiddenText()
+{
+    const QString text = ui->line_Text->text();
+    emit Sgl_InputText(text);
+    m_nAccepted = text == m_initialText ? 0 : 1;
+    hide();
+}
+
+void SoftKeyboard::removeLast()
+{
+    if (m_text.isEmpty())
+        return;
+    m_text.chop(std::as_const(m_text).back().isLowSurrogate() ? 2 : 1);
+    showText();
+}
+
+void SoftKeyboard::closeUnchanged()
+{
+    m_nAccepted = 0;
+    hide();
+}
+
+void SoftKeyboard::showLetters()
+{
+    ui->stackedWidget->setCurrentIndex(PAGE_LETTERS);
+}
+
+void SoftKeyboard::showSymbols()
+{
+    ui->stackedWidget->setCurrentIndex(PAGE_SYMBOLS);
+}
+
+void SoftKeyboard::showNumbers()
+{
+    ui->stackedWidget->setCurrentIndex(PAGE_NUMBERS);
+}
+
+void SoftKeyboard::addSpace()
+{
+    appendWithinLength(QStringLiteral(" "));
+}
+
+// The key's label is "&&", a button's way to show one.
+void SoftKeyboard::addAmpersand()
+{
+    appendWithinLength(QStringLiteral("&"));
+}
+
+void SoftKeyboard::toggleEye()
+{
+    m_nEyeClosed = m_nEyeClosed == 1 ? 0 : 1;
+    ui->line_Text->setEchoMode(m_nEyeClosed == 1 ? QLineEdit::PasswordEchoOnEdit
+                                                 : QLineEdit::Normal);
+    showEye();
+}
+
+// The key's label names the state that it switches to.
+void SoftKeyboard::toggleShift()
+{
+    const bool upper = ui->btn_c_Shift->text() == QLatin1String("CAP");
+    ui->btn_c_Shift->setText(upper ? QStringLiteral("cas") : QStringLiteral("CAP"));
+    for (QPushButton *key : ui->page->findChildren<QPushButton *>()) {
+        const QString label = key->text();
+        if (label.size() == 1)
+            key->setText(upper ? label.toUpper() : label.toLower());
+    }
+}
+
+void SoftKeyboard::addCharacter()
+{
+    const QString label = static_cast<QPushButton *>(sender())->text();
+    if (m_bFirstKeyClears)
+        m_text.clear();
+    m_bFirstKeyClears = false;
+    if (m_nEyeClosed == 1) { // the eye alone decides, whatever the mode
+        appendWithinLength(label);
+        return;
+    }
+    const QString zero = QStringLiteral("0");
+    const bool secondZero = m_nMode == KB_MODE_NUMBER && m_text == zero && label == zero;
+    if (!secondZero)
+        m_text += label;
+    showText();
+}
+
+void SoftKeyboard::appendWithinLength(const QString &added)
+{
+    if (m_nMaxLength <= m_text.size())
+        return;
+    m_text += added;
+    showText();
+}
