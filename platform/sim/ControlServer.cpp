@@ -2,6 +2,8 @@
 
 #include "platform/sim/ControlListener.h"
 
+#include <future>
+
 namespace sim {
 namespace {
 
@@ -13,19 +15,19 @@ constexpr unsigned long stopPatienceMs = 2000;
 bool ControlServer::start(const QString &socketPath)
 {
     stop();
-    listener_ = new ControlListener;
+    listener_ = new ControlListener(guiPatience_);
     listener_->moveToThread(&thread_);
     QObject::connect(&thread_, &QThread::finished, listener_, &QObject::deleteLater);
     thread_.setObjectName(QStringLiteral("control"));
     thread_.start();
-    bool listening = false;
-    QMetaObject::invokeMethod(
-        listener_,
-        [&] {
-            listening = listener_->listen(socketPath);
-            errorString_ = listening ? QString() : listener_->errorString();
-        },
-        Qt::BlockingQueuedConnection);
+    std::promise<bool> listens;
+    const auto listen = [&] {
+        const bool done = listener_->listen(socketPath);
+        errorString_ = done ? QString() : listener_->errorString();
+        listens.set_value(done);
+    };
+    QMetaObject::invokeMethod(listener_, listen, Qt::QueuedConnection);
+    const bool listening = listens.get_future().get();
     if (!listening)
         stop();
     return listening;

@@ -2,6 +2,7 @@
 
 #include "platform/sim/ControlServer.h"
 #include "platform/sim/Panel.h"
+#include "platform/sim/Requests.h"
 #include "platform/sim/Root.h"
 #include "platform/sim/Scenario.h"
 
@@ -13,7 +14,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <regex>
 #include <sys/file.h>
 #include <system_error>
 
@@ -37,10 +37,11 @@ std::string lastError()
 // SYSSET_LCD=800x480
 void setScreen(const std::string &size)
 {
-    std::smatch parts;
-    if (!std::regex_match(size, parts, std::regex("([1-9][0-9]{1,3})x([1-9][0-9]{1,3})")))
+    const auto cross = size.find('x');
+    if (cross == std::string::npos)
         throw BadRequest("SYSSET_LCD must be WIDTHxHEIGHT, like 800x480, not " + size);
-    panel().set("lcd", {{"width", std::stoi(parts[1])}, {"height", std::stoi(parts[2])}});
+    panel().set("lcd", {{"width", parseNumber(size.substr(0, cross), "SYSSET_LCD: the width")},
+                        {"height", parseNumber(size.substr(cross + 1), "SYSSET_LCD: the height")}});
 }
 
 void applyEnvironment()

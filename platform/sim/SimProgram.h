@@ -1,9 +1,5 @@
-// Starting the panel as the environment says, and what it leaves behind at the program's end.
+// What a program on the simulated panel does around its own work.
 #pragma once
-
-#include "platform/sim/StateTree.h"
-
-#include <string>
 
 namespace sim {
 
