@@ -2,8 +2,7 @@
 
 #include "app/Program.h"
 #include "bench/FirstFrame.h"
-#include "platform/sim/ControlServer.h"
-#include "platform/sim/Start.h"
+#include "platform/sim/SimProgram.h"
 
 int main(int argc, char **argv)
 {

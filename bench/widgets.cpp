@@ -5,7 +5,7 @@
 #include "app/MainWin.h"
 #include "bench/Statistics.h"
 #include "input/SoftKeyboard.h"
-#include "platform/sim/Start.h"
+#include "platform/sim/SimProgram.h"
 #include "resources/Resources.h"
 
 #include <QAbstractButton>
@@ -16,6 +16,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -111,7 +112,7 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (event->type() == QEvent::Paint) {
+        if (watched == m_dialog && event->type() == QEvent::Paint) {
             qApp->removeEventFilter(this);
             QTimer::singleShot(0, m_dialog, &QDialog::hide);
         }
@@ -164,5 +165,6 @@ int main(int argc, char **argv)
     drain();
     const bool language = measureLanguage(*window);
     const bool keyboard = measureKeyboard(*window);
+    std::fflush(stdout);
     std::_Exit(language && keyboard ? 0 : 1);
 }

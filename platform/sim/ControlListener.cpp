@@ -6,16 +6,12 @@
 #include <QPointer>
 #include <QTimer>
 
-#include <chrono>
 #include <utility>
-
-using namespace std::chrono_literals;
 
 namespace sim {
 namespace {
 
 constexpr qint64 longestLine = 1024 * 1024;
-constexpr auto guiPatience = 10s;
 
 // What `work` comes to, as a reply.
 std::string replyOf(const std::function<Json()> &work)
@@ -40,11 +36,12 @@ bool ControlListener::listen(const QString &socketPath)
 void ControlListener::acceptClients()
 {
     while (QLocalSocket *socket = server_->nextPendingConnection())
-        new ControlClient(socket, this);
+        new ControlClient(socket, guiPatience_, this);
 }
 
-ControlClient::ControlClient(QLocalSocket *socket, QObject *parent)
-    : QObject(parent), socket_(socket)
+ControlClient::ControlClient(QLocalSocket *socket, std::chrono::milliseconds guiPatience,
+                             QObject *parent)
+    : QObject(parent), guiPatience_(guiPatience), socket_(socket)
 {
     socket_->setParent(this);
     socket_->setReadBufferSize(longestLine + 1);
@@ -87,7 +84,7 @@ void ControlClient::askGui(std::function<Json()> work)
     errand_ = std::make_shared<Errand>();
     const auto errand = errand_;
     const auto finish = [this, errand](const std::string &reply) { finishErrand(errand, reply); };
-    QTimer::singleShot(guiPatience, this,
+    QTimer::singleShot(guiPatience_, this,
                        [finish] { finish(errorReply("the panel does not answer")); });
     // The GUI thread may answer when this connection is gone: then the answer goes nowhere.
     const auto inGui = [work = std::move(work), errand, finish, self = QPointer<QObject>(this),

@@ -8,6 +8,7 @@
 #include <QObject>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -19,12 +20,14 @@ class ControlListener : public QObject
     Q_OBJECT
 
 public:
+    explicit ControlListener(std::chrono::milliseconds guiPatience) : guiPatience_(guiPatience) {}
     bool listen(const QString &socketPath);
     QString errorString() const { return server_->errorString(); }
 
 private:
     void acceptClients();
 
+    const std::chrono::milliseconds guiPatience_;
     QLocalServer *server_ = new QLocalServer(this);
 };
 
@@ -34,7 +37,7 @@ class ControlClient : public QObject
     Q_OBJECT
 
 public:
-    ControlClient(QLocalSocket *socket, QObject *parent);
+    ControlClient(QLocalSocket *socket, std::chrono::milliseconds guiPatience, QObject *parent);
     ~ControlClient() override;
 
 private:
@@ -50,6 +53,7 @@ private:
     void finishErrand(const std::shared_ptr<Errand> &errand, const std::string &reply);
     void send(const std::string &reply);
 
+    const std::chrono::milliseconds guiPatience_;
     QLocalSocket *socket_;
     std::shared_ptr<Errand> errand_;
 };

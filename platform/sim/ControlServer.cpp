@@ -1,10 +1,8 @@
 #include "platform/sim/ControlServer.h"
 
 #include "platform/sim/ControlListener.h"
-#include "platform/sim/Root.h"
 
-#include <cstdlib>
-#include <iostream>
+#include <future>
 
 namespace sim {
 namespace {
@@ -12,30 +10,24 @@ namespace {
 // The thread never waits for the GUI thread, so it ends at once unless the machine is overloaded.
 constexpr unsigned long stopPatienceMs = 2000;
 
-ControlServer &programServer()
-{
-    static ControlServer &server = *new ControlServer;
-    return server;
-}
-
 } // namespace
 
 bool ControlServer::start(const QString &socketPath)
 {
     stop();
-    listener_ = new ControlListener;
+    listener_ = new ControlListener(guiPatience_);
     listener_->moveToThread(&thread_);
     QObject::connect(&thread_, &QThread::finished, listener_, &QObject::deleteLater);
     thread_.setObjectName(QStringLiteral("control"));
     thread_.start();
-    bool listening = false;
-    QMetaObject::invokeMethod(
-        listener_,
-        [&] {
-            listening = listener_->listen(socketPath);
-            errorString_ = listening ? QString() : listener_->errorString();
-        },
-        Qt::BlockingQueuedConnection);
+    std::promise<bool> listens;
+    const auto listen = [&] {
+        const bool done = listener_->listen(socketPath);
+        errorString_ = done ? QString() : listener_->errorString();
+        listens.set_value(done);
+    };
+    QMetaObject::invokeMethod(listener_, listen, Qt::QueuedConnection);
+    const bool listening = listens.get_future().get();
     if (!listening)
         stop();
     return listening;
@@ -48,19 +40,6 @@ void ControlServer::stop()
     thread_.quit();
     thread_.wait(stopPatienceMs);
     listener_ = nullptr;
-}
-
-bool serveControl()
-{
-    ControlServer &server = programServer();
-    if (!server.start(QString::fromStdString(socketPath()))) {
-        std::cerr << "sysset-sim: cannot listen at " << socketPath() << ": "
-                  << server.errorString().toStdString() << std::endl;
-        return false;
-    }
-    std::atexit([] { programServer().stop(); });
-    std::cerr << "panel ready" << std::endl;
-    return true;
 }
 
 } // namespace sim

@@ -3,20 +3,26 @@
 #include <QString>
 #include <QThread>
 
+#include <chrono>
+
 namespace sim {
 
 class ControlListener;
 
 // The panel's control socket: one request and one reply a line, each a JSON object. It lives in a
 // thread of its own, so that it answers while the GUI thread is busy; only what concerns widgets
-// goes to the GUI thread, and gets an error if that does not answer within ten seconds.
+// goes to the GUI thread, and gets an error if that does not answer in time.
 // Requests of one connection are answered in their order; a line longer than one MiB ends the
 // connection with an error.
 // All functions: the GUI thread.
 class ControlServer
 {
 public:
-    ControlServer() = default;
+    // `guiPatience` is how long the GUI thread may take.
+    explicit ControlServer(std::chrono::milliseconds guiPatience = std::chrono::seconds(10))
+        : guiPatience_(guiPatience)
+    {
+    }
     ~ControlServer() { stop(); }
     ControlServer(const ControlServer &) = delete;
     ControlServer &operator=(const ControlServer &) = delete;
@@ -30,14 +36,10 @@ public:
     void stop();
 
 private:
+    const std::chrono::milliseconds guiPatience_;
     QThread thread_;
     ControlListener *listener_ = nullptr;
     QString errorString_;
 };
-
-// Serves the panel's control socket to the end of the program and says "panel ready" on standard
-// error. To be called once, when the window is shown. Returns false, the reason being on standard
-// error, if the socket cannot be opened.
-bool serveControl();
 
 } // namespace sim

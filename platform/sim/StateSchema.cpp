@@ -10,7 +10,7 @@ constexpr const char *schemaText = R"({
 "machine": {"hmiType": "text?", "sn": "text?", "mac": "text?", "deviceId": "text?",
             "product": "text?", "remote": "0..1?", "cpuId": "text?", "boardModel": "text?",
             "hardwareReset": "0..1"},
-"lcd": {"width": "1..8192", "height": "1..8192", "brightness": "1..100"},
+"lcd": {"width": "16..8192", "height": "16..8192", "brightness": "1..100"},
 "buzzer": {"enabled": "0..1", "tone": "1..5", "time": "0..1000", "opens": "0..2147483647",
            "waiting": "0..2147483647", "beeps": ["0..2147483647"]},
 "words": {"#": "0..65535?"},

@@ -1,8 +1,7 @@
 // sysset-sim: the settings program on the simulated panel.
 
 #include "app/Program.h"
-#include "platform/sim/ControlServer.h"
-#include "platform/sim/Start.h"
+#include "platform/sim/SimProgram.h"
 
 #include <QGuiApplication>
 

@@ -1,7 +1,10 @@
-#include "platform/sim/Start.h"
+#include "platform/sim/SimProgram.h"
 
+#include "platform/sim/ControlServer.h"
 #include "platform/sim/Panel.h"
+#include "platform/sim/Requests.h"
 #include "platform/sim/Root.h"
+#include "platform/sim/Scenario.h"
 
 #include <cerrno>
 #include <chrono>
@@ -11,8 +14,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
-#include <regex>
 #include <sys/file.h>
 #include <system_error>
 
@@ -33,21 +34,14 @@ std::string lastError()
     return std::error_code(errno, std::generic_category()).message();
 }
 
-std::string scenarioFile(const std::string &name)
-{
-    if (name.find('/') != std::string::npos)
-        return name;
-    const std::string folder = environment("SYSSET_SCENARIO_DIR");
-    return (folder.empty() ? SYSSET_SCENARIO_DIR : folder) + "/" + name + ".json";
-}
-
 // SYSSET_LCD=800x480
 void setScreen(const std::string &size)
 {
-    std::smatch parts;
-    if (!std::regex_match(size, parts, std::regex("([1-9][0-9]{1,3})x([1-9][0-9]{1,3})")))
+    const auto cross = size.find('x');
+    if (cross == std::string::npos)
         throw BadRequest("SYSSET_LCD must be WIDTHxHEIGHT, like 800x480, not " + size);
-    panel().set("lcd", {{"width", std::stoi(parts[1])}, {"height", std::stoi(parts[2])}});
+    panel().set("lcd", {{"width", parseNumber(size.substr(0, cross), "SYSSET_LCD: the width")},
+                        {"height", parseNumber(size.substr(cross + 1), "SYSSET_LCD: the height")}});
 }
 
 void applyEnvironment()
@@ -92,21 +86,13 @@ int refuse(int status, const char *reason)
     return status;
 }
 
-} // namespace
-
-Json loadScenario(const std::string &name)
+ControlServer &programServer()
 {
-    const std::string file = scenarioFile(name);
-    std::ifstream stream(file);
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream)
-        throw BadRequest("cannot read the scenario " + file);
-    try {
-        return parseJson(text);
-    } catch (const BadRequest &error) {
-        throw BadRequest("the scenario " + file + ": " + error.what());
-    }
+    static ControlServer &server = *new ControlServer;
+    return server;
 }
+
+} // namespace
 
 int startFromEnvironment()
 {
@@ -122,6 +108,19 @@ int startFromEnvironment()
     }
     std::atexit(leaveState);
     return 0;
+}
+
+bool serveControl()
+{
+    ControlServer &server = programServer();
+    if (!server.start(QString::fromStdString(socketPath()))) {
+        std::cerr << "sysset-sim: cannot listen at " << socketPath() << ": "
+                  << server.errorString().toStdString() << std::endl;
+        return false;
+    }
+    std::atexit([] { programServer().stop(); });
+    std::cerr << "panel ready" << std::endl;
+    return true;
 }
 
 } // namespace sim

@@ -1,15 +1,7 @@
-// Starting the panel as the environment says, and what it leaves behind at the program's end.
+// What a program on the simulated panel does around its own work.
 #pragma once
 
-#include "platform/sim/StateTree.h"
-
-#include <string>
-
 namespace sim {
-
-// The scenario of that name: a file of the scenarios' folder by its bare name ("bare"), or any
-// file if there is a slash in it. Throws BadRequest if it cannot be read or is no JSON.
-Json loadScenario(const std::string &name);
 
 // Prepares the panel: its root folder (SYSSET_ROOT, set if it is not), the lock that keeps a
 // second program off it, the screen (SYSSET_LCD) and the scenario (SYSSET_SCENARIO). From then on
@@ -18,5 +10,10 @@ Json loadScenario(const std::string &name);
 // Returns 0; else the status to exit with, the reason being on standard error: 1 if the root
 // cannot be used or another program uses it, 2 if a variable makes no sense.
 int startFromEnvironment();
+
+// Serves the panel's control socket to the end of the program and says "panel ready" on standard
+// error. To be called once, on the GUI thread, when the window is shown. Returns false, the reason
+// being on standard error, if the socket cannot be opened.
+bool serveControl();
 
 } // namespace sim

@@ -1,0 +1,35 @@
+#include "platform/sim/Scenario.h"
+
+#include "platform/sim/Root.h"
+
+#include <fstream>
+#include <iterator>
+
+namespace sim {
+namespace {
+
+std::string scenarioFile(const std::string &name)
+{
+    if (name.find('/') != std::string::npos)
+        return name;
+    const std::string folder = environment("SYSSET_SCENARIO_DIR");
+    return (folder.empty() ? SYSSET_SCENARIO_DIR : folder) + "/" + name + ".json";
+}
+
+} // namespace
+
+Json loadScenario(const std::string &name)
+{
+    const std::string file = scenarioFile(name);
+    std::ifstream stream(file);
+    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    if (!stream)
+        throw BadRequest("cannot read the scenario " + file);
+    try {
+        return parseJson(text);
+    } catch (const BadRequest &error) {
+        throw BadRequest("the scenario " + file + ": " + error.what());
+    }
+}
+
+} // namespace sim
