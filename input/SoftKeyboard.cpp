@@ -149,17 +149,13 @@ void SoftKeyboard::setMode(int mode)
     ui->btn_n_char->setDisabled(mode == KB_MODE_NUMBER);
     ui->line_Text->setEchoMode(look.echo);
     if (mode == KB_MODE_NUMBER)
-        setCentredStyle();
+        setStyleSheet(keyboardStyle(true));
     show();
+    // Until a dialog is shown, Qt goes on using the first sheet that it had parsed for it.
+    if (mode == KB_MODE_NUMBER)
+        ui->line_Text->setAlignment(Qt::AlignHCenter);
     ui->btn_close->setFixedWidth(ui->btn_close->height());
     exec();
-}
-
-// Qt keeps using the sheet that a dialog not yet shown had before, unless that is taken off first.
-void SoftKeyboard::setCentredStyle()
-{
-    setStyleSheet(QString());
-    setStyleSheet(keyboardStyle(true));
 }
 
 int SoftKeyboard::getText(QString &out) const

@@ -65,7 +65,6 @@ private:
     void connectKeys();
     void tableActions();
     void fitToScreen();
-    void setCentredStyle();
     void showText();
     void showEye();
 
