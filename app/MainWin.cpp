@@ -7,12 +7,16 @@
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "app/PlatformCallbacks.h"
+#include "network/NetEth.h"
 #include "platform/board.h"
 #include "platform/cos_process.h"
 #include "platform/cos_thread.h"
 #include "platform/cos_time.h"
+#include "system/Language.h"
 #include "system/LanguageSettings.h"
 #include "ui_Qt_MainWin.h"
+
+#include <QVBoxLayout>
 
 #include <cstdio>
 #include <cstdlib>
@@ -37,6 +41,18 @@ void settle()
 {
     sync();
     COS::CosTime::SleepCos(BEFORE_REBOOT_MS);
+}
+
+// Puts a page into its tab. The form's tabs are empty at first, because a tab widget shows, and so
+// polishes, the first page that it is given, long before anyone sees it.
+template <typename Page>
+Page *addPage(QWidget *tab)
+{
+    auto *layout = new QVBoxLayout(tab);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto *page = new Page(tab);
+    layout->addWidget(page);
+    return page;
 }
 
 // The program never returns to a shell.
@@ -64,6 +80,8 @@ MainWin::MainWin()
                  {ui->btn_Net, ui->tab_Net},
                  {ui->btn_UpData, ui->tab_UpData},
                  {ui->btn_Sysset, ui->tab_System}}};
+    m_pNetEth = addPage<NetEth>(ui->wdg_Eth);
+    m_pLanguage = addPage<Language>(ui->wdg_Language);
     // The tabs of the widest group fill the page area exactly.
     ui->stackedWidget->setFixedWidth(m_nScreenWidth / TABS_ACROSS * (TABS_ACROSS - 1));
     setWindowFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
@@ -107,8 +125,8 @@ void MainWin::initLanguage()
     loadLanguageSettings();
     m_nLanguage = g_nLanguge;
     retranslate();
-    ui->wdg_Eth->retranslate();
-    ui->wdg_Language->retranslate(m_nLanguage);
+    m_pNetEth->retranslate();
+    m_pLanguage->retranslate(m_nLanguage);
     if (!g_bChange)
         ui->tab_System->removeTab(LANGUAGE_TAB);
 }
@@ -126,7 +144,7 @@ void MainWin::initLook()
             qOverload<int, bool>(&MainWin::slot_NetChange));
     connect(this, qOverload<>(&MainWin::sgl_NetChange), this,
             qOverload<>(&MainWin::slot_NetChange));
-    connect(ui->wdg_Language, &Language::sgl_LanguageChange, this, &MainWin::slot_LanguageChange);
+    connect(m_pLanguage, &Language::sgl_LanguageChange, this, &MainWin::slot_LanguageChange);
 }
 
 void MainWin::registerHotPlug()
@@ -255,7 +273,7 @@ void MainWin::slot_NetChange()
         std::printf("[%s][%s][%s]\n", record.sDevName.c_str(), record.sNetType.c_str(),
                     record.sIpAddr.c_str());
         if (record.sNetType == "ETH")
-            ui->wdg_Eth->setNetInfo(record);
+            m_pNetEth->setNetInfo(record);
     }
 }
 
@@ -266,8 +284,8 @@ void MainWin::slot_LanguageChange(int index)
     retranslate();
     highlightGroup(m_nGroup);
     applyStyle();
-    ui->wdg_Eth->retranslate();
-    ui->wdg_Language->retranslate(m_nLanguage);
+    m_pNetEth->retranslate();
+    m_pLanguage->retranslate(m_nLanguage);
 }
 
 void MainWin::retranslate()

@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+class Language;
+class NetEth;
 class QPushButton;
 class QTabWidget;
 
@@ -87,6 +89,8 @@ private:
     std::vector<netT::stAllNetInfo_tag> netRecords() const;
 
     std::unique_ptr<Ui::Qt_MainWin> ui;
+    NetEth *m_pNetEth = nullptr;
+    Language *m_pLanguage = nullptr;
     std::array<Group, 4> m_groups{};
     int m_nScreenWidth = 0;
     int m_nScreenHeight = 0;

@@ -12,9 +12,11 @@
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
+#include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -110,7 +112,7 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (event->type() == QEvent::Paint) {
+        if (watched == m_dialog && event->type() == QEvent::Paint) {
             qApp->removeEventFilter(this);
             QTimer::singleShot(0, m_dialog, &QDialog::hide);
         }
@@ -163,5 +165,6 @@ int main(int argc, char **argv)
     drain();
     const bool language = measureLanguage(*window);
     const bool keyboard = measureKeyboard(*window);
+    std::fflush(stdout);
     std::_Exit(language && keyboard ? 0 : 1);
 }

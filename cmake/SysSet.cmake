@@ -28,9 +28,15 @@ if(SYSSET_SANITIZE)
 endif()
 
 # One static library a folder: sysset_library(NAME SOURCES file... LINKS target...)
+# With OBJECTS all of it goes into every program that links it: for what stands behind the
+# platform's headers, which the other libraries call without naming it.
 function(sysset_library name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
-  add_library(${name} STATIC ${arg_SOURCES})
+  cmake_parse_arguments(arg "OBJECTS" "" "SOURCES;LINKS" ${ARGN})
+  if(arg_OBJECTS)
+    add_library(${name} OBJECT ${arg_SOURCES})
+  else()
+    add_library(${name} STATIC ${arg_SOURCES})
+  endif()
   target_link_libraries(${name} PUBLIC sysset_options ${arg_LINKS})
 endfunction()
 

@@ -38,8 +38,10 @@ int RateTimer::start(int tickMs)
     grace_ = std::min<std::chrono::nanoseconds>(kGrace, tick_);
     isLed_ = false;
     takeoverAt_.reset();
-    if (!startStandby()) // finds no leader and leads
+    if (!startStandby()) { // finds no leader and leads
+        takeoverTimer_.close();
         return -1;
+    }
     state_ = State::Up;
     return 0;
 }

@@ -2,10 +2,10 @@
 //
 // One thread leads: it sleeps until the next tick at which a task is due and runs the tasks
 // itself, so that a tick costs one wake-up and no hand-over. A second thread stands by. It sleeps
-// until the moment at which the leader would be late, and that moment moves on, without waking
-// it, each time the leader has finished. If the leader is stuck in a task when another one is due,
-// the standby takes the lead, runs what is due and starts a new standby; the former leader ends
-// when it comes back from its task. So there are never more threads than tasks that run, and two.
+// until the moment at which a stuck leader would begin to delay another task, and that moment
+// moves on without waking it. If the leader is stuck then, the standby takes the lead, starts a
+// new standby and runs what is due; the former leader ends when it comes back from its task. So
+// there are never more threads than tasks that run, and two.
 #pragma once
 
 #include "platform/posix/Schedule.h"

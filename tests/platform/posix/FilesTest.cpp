@@ -152,9 +152,9 @@ private slots:
     void severalMakeTheSameDirectory()
     {
         std::atomic<int> failures{0};
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([&] {
+        std::array<std::thread, 4> threads;
+        for (std::thread &thread : threads) {
+            thread = std::thread([&] {
                 for (int n = 0; n < 50; ++n)
                     failures += CosDir::MakeDir(at("race" + QByteArray::number(n) + "/a/b")) != 0;
             });
