@@ -7,7 +7,7 @@
 namespace sim {
 namespace {
 
-constexpr qint64 longestLine = 1024 * 1024;
+constexpr qint64 longestLine = 1 << 20;
 
 std::string uiReply(const Request &request)
 {
