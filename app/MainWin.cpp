@@ -16,8 +16,6 @@
 #include "system/LanguageSettings.h"
 #include "ui_Qt_MainWin.h"
 
-#include <QVBoxLayout>
-
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
@@ -41,18 +39,6 @@ void settle()
 {
     sync();
     COS::CosTime::SleepCos(BEFORE_REBOOT_MS);
-}
-
-// Puts a page into its tab. The form's tabs are empty at first, because a tab widget shows, and so
-// polishes, the first page that it is given, long before anyone sees it.
-template <typename Page>
-Page *addPage(QWidget *tab)
-{
-    auto *layout = new QVBoxLayout(tab);
-    layout->setContentsMargins(0, 0, 0, 0);
-    auto *page = new Page(tab);
-    layout->addWidget(page);
-    return page;
 }
 
 // The program never returns to a shell.
@@ -80,8 +66,8 @@ MainWin::MainWin()
                  {ui->btn_Net, ui->tab_Net},
                  {ui->btn_UpData, ui->tab_UpData},
                  {ui->btn_Sysset, ui->tab_System}}};
-    m_pNetEth = addPage<NetEth>(ui->wdg_Eth);
-    m_pLanguage = addPage<Language>(ui->wdg_Language);
+    m_pNetEth = ui->wdg_Eth->setPage<NetEth>();
+    m_pLanguage = ui->wdg_Language->setPage<Language>();
     // The tabs of the widest group fill the page area exactly.
     ui->stackedWidget->setFixedWidth(m_nScreenWidth / TABS_ACROSS * (TABS_ACROSS - 1));
     setWindowFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);

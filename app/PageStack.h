@@ -1,8 +1,10 @@
-// Containers of pages that take the room they are given.
+// Containers of pages that leave alone what nobody sees yet.
 #pragma once
 
 #include <QStackedWidget>
 #include <QTabWidget>
+
+#include <memory>
 
 // Both containers ask every page, hidden ones too, for the size that it would like, which lays out
 // the whole program before its first frame. Here the screen decides, so nobody asks.
@@ -21,4 +23,28 @@ public:
     using QTabWidget::QTabWidget;
     QSize sizeHint() const override { return {0, 0}; }
     QSize minimumSizeHint() const override { return {0, 0}; }
+};
+
+// A tab whose page stays outside the window until it is first seen: showing a window polishes
+// everything in it, hidden or not, and a style sheet set on it goes through everything again.
+class PageTab : public QWidget
+{
+public:
+    using QWidget::QWidget;
+
+    // Makes the page, which the tab owns. Once.
+    template <typename Page>
+    Page *setPage()
+    {
+        auto page = std::make_unique<Page>();
+        Page *made = page.get();
+        m_page = std::move(page);
+        return made;
+    }
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private:
+    std::unique_ptr<QWidget> m_page; // until it is in the window
 };

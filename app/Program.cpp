@@ -50,6 +50,7 @@ void runProgram(int argc, char **argv, const std::function<void()> &shown)
     QApplication application(argc, argv);
     loadResources();
     substituteFonts();
+    QApplication::setFont(panelFont());
     QApplication::setOverrideCursor(Qt::BlankCursor);
     try {
         runWindow(argc, argv, shown);

@@ -14,7 +14,10 @@ set(SYSSET_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= ta
 add_library(sysset_options INTERFACE)
 target_include_directories(sysset_options INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(sysset_options INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+    $<$<CONFIG:Release>:-ffunction-sections> $<$<CONFIG:Release>:-fdata-sections>)
+target_link_options(sysset_options INTERFACE
+    $<$<CONFIG:Release>:-Wl,--gc-sections> $<$<CONFIG:Release>:-Wl,-O1>)
 target_compile_definitions(sysset_options INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING
     QT_DEPRECATED_WARNINGS)

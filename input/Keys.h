@@ -21,8 +21,10 @@ protected:
     // none, and for seventy of them that is a quarter of the keyboard's construction.
     bool event(QEvent *event) override
     {
-        return event->type() == QEvent::StyleChange ? QAbstractButton::event(event)
-                                                    : QPushButton::event(event);
+        if (event->type() != QEvent::StyleChange)
+            return QPushButton::event(event);
+        changeEvent(event);
+        return true;
     }
 };
 
@@ -36,10 +38,11 @@ public:
     QSize minimumSizeHint() const override { return {0, 0}; }
 
     // A stack shows its first page as soon as it has one, which would style all keys of the page
-    // before the keyboard's own style is there. Not being hidden, it comes with its parent.
+    // before the keyboard's own style is there. Not being hidden, the page comes with the stack.
     void setVisible(bool visible) override
     {
-        if (!visible || isHidden())
+        const bool comesWithStack = !isHidden() && !parentWidget()->isVisible();
+        if (!visible || !comesWithStack)
             QWidget::setVisible(visible);
     }
 };

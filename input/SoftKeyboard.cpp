@@ -69,8 +69,11 @@ SoftKeyboard::~SoftKeyboard() = default;
 
 void SoftKeyboard::connectKeys()
 {
-    for (QPushButton *key : findChildren<QPushButton *>())
+    const int iconSide = screenSize().height() / 20;
+    for (QPushButton *key : findChildren<QPushButton *>()) {
+        key->setIconSize({iconSide, iconSide});
         connect(key, &QPushButton::clicked, this, &SoftKeyboard::slot_Btnclicked);
+    }
 }
 
 void SoftKeyboard::tableActions()
@@ -145,10 +148,18 @@ void SoftKeyboard::setMode(int mode)
     ui->btn_n_abc->setDisabled(mode == KB_MODE_NUMBER);
     ui->btn_n_char->setDisabled(mode == KB_MODE_NUMBER);
     ui->line_Text->setEchoMode(look.echo);
-    setStyleOnce(this, keyboardStyle(mode == KB_MODE_NUMBER));
+    if (mode == KB_MODE_NUMBER)
+        setCentredStyle();
     show();
     ui->btn_close->setFixedWidth(ui->btn_close->height());
     exec();
+}
+
+// Qt keeps using the sheet that a dialog not yet shown had before, unless that is taken off first.
+void SoftKeyboard::setCentredStyle()
+{
+    setStyleSheet(QString());
+    setStyleSheet(keyboardStyle(true));
 }
 
 int SoftKeyboard::getText(QString &out) const

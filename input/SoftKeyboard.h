@@ -65,6 +65,7 @@ private:
     void connectKeys();
     void tableActions();
     void fitToScreen();
+    void setCentredStyle();
     void showText();
     void showEye();
 

@@ -38,6 +38,14 @@ int fontPixelSize()
     return g_nLanguge == 0 ? fontStep().chinesePixels : fontStep().latinPixels;
 }
 
+QFont panelFont()
+{
+    QFont font(QStringLiteral("simsun"));
+    font.setPixelSize(fontPixelSize());
+    font.setHintingPreference(QFont::PreferNoHinting);
+    return font;
+}
+
 QString GetFontStyle()
 {
     return QStringLiteral("font: 75 %1px %2;")

@@ -3,6 +3,7 @@
 
 #include <QString>
 
+class QFont;
 class QTranslator;
 
 // The language of the program: 0 Simplified Chinese, 1 English.
@@ -24,3 +25,7 @@ int fontPixelSize();
 
 // Names the fonts that stand in for simsun and Calibri on a system without them.
 void substituteFonts();
+
+// The font of what no style sheet has reached yet. It is one that the program needs anyway, so that
+// the system's own is never loaded.
+QFont panelFont();

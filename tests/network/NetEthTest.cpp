@@ -294,7 +294,7 @@ void NetEthTest::appliesWhatWasTyped()
     QFETCH(QString, operation);
     QFETCH(QString, sent);
     m_page->setNetInfo(STATIC_ON);
-    typeOnKeyboard(keys);
+    typeOnKeyboard(keys + QLatin1Char('\n'));
     press(qPrintable(field));
     QCOMPARE(QString::fromStdString(lastCall(qPrintable(operation))), sent);
 }
@@ -304,7 +304,7 @@ void NetEthTest::sendsNothingForAnEmptyOctet()
     Record noMask = STATIC_ON;
     noMask.sSubnetMask.clear();
     m_page->setNetInfo(noMask);
-    typeOnKeyboard(QStringLiteral("77"));
+    typeOnKeyboard(QStringLiteral("77\n"));
     press("line_Ip4");
     QCOMPARE(field("line_Ip4"), QStringLiteral("77"));
     QCOMPARE(lastCall("netT.setIp"), std::string());
@@ -314,7 +314,7 @@ void NetEthTest::refusedAddressIsRewrittenByTheNextRecord()
 {
     m_page->setNetInfo(STATIC_ON);
     sim::panel().fail("netT.setIp", -1);
-    typeOnKeyboard(QStringLiteral("77"));
+    typeOnKeyboard(QStringLiteral("77\n"));
     press("line_Ip4");
     QCOMPARE(octets("line_Ip"), QStringLiteral("192|168|1|77"));
     m_page->setNetInfo(STATIC_ON);
