@@ -2,22 +2,17 @@
 
 #include "platform/sim/UiDriver.h"
 
-#include <QCoreApplication>
-#include <QPointer>
 #include <QTimer>
-
-#include <utility>
 
 namespace sim {
 namespace {
 
-constexpr qint64 longestLine = 1024 * 1024;
+constexpr qint64 longestLine = 1 << 20;
 
-// What `work` comes to, as a reply.
-std::string replyOf(const std::function<Json()> &work)
+std::string uiReply(const Request &request)
 {
     try {
-        return okReply(work());
+        return okReply(runUiRequest(request));
     } catch (const std::exception &error) {
         return errorReply(error.what());
     }
@@ -36,12 +31,11 @@ bool ControlListener::listen(const QString &socketPath)
 void ControlListener::acceptClients()
 {
     while (QLocalSocket *socket = server_->nextPendingConnection())
-        new ControlClient(socket, guiPatience_, this);
+        new ControlClient(socket, access_, this);
 }
 
-ControlClient::ControlClient(QLocalSocket *socket, std::chrono::milliseconds guiPatience,
-                             QObject *parent)
-    : QObject(parent), guiPatience_(guiPatience), socket_(socket)
+ControlClient::ControlClient(QLocalSocket *socket, const GuiAccess &access, QObject *parent)
+    : QObject(parent), access_(access), socket_(socket)
 {
     socket_->setParent(this);
     socket_->setReadBufferSize(longestLine + 1);
@@ -53,7 +47,7 @@ ControlClient::ControlClient(QLocalSocket *socket, std::chrono::milliseconds gui
 ControlClient::~ControlClient()
 {
     if (errand_)
-        errand_->open = false;
+        *errand_ = false;
 }
 
 void ControlClient::readRequests()
@@ -71,7 +65,7 @@ void ControlClient::serve(const QByteArray &line)
     try {
         const Request request = parseRequest(line.toStdString());
         if (isUiRequest(request))
-            askGui([request] { return runUiRequest(request); });
+            askGui(request);
         else
             send(okReply(runRequest(request)));
     } catch (const BadRequest &error) {
@@ -79,34 +73,25 @@ void ControlClient::serve(const QByteArray &line)
     }
 }
 
-void ControlClient::askGui(std::function<Json()> work)
+void ControlClient::askGui(const Request &request)
 {
-    errand_ = std::make_shared<Errand>();
-    const auto errand = errand_;
-    const auto finish = [this, errand](const std::string &reply) { finishErrand(errand, reply); };
-    QTimer::singleShot(guiPatience_, this,
-                       [finish] { finish(errorReply("the panel does not answer")); });
-    // The GUI thread may answer when this connection is gone: then the answer goes nowhere.
-    const auto inGui = [work = std::move(work), errand, finish, self = QPointer<QObject>(this),
-                        listener = QPointer<QObject>(parent())] {
-        if (!errand->open || !listener)
-            return;
-        const std::string reply = replyOf(work);
-        QMetaObject::invokeMethod(
-            listener,
-            [finish, self, reply] {
-                if (self)
-                    finish(reply);
-            },
-            Qt::QueuedConnection);
+    errand_ = std::make_shared<std::atomic<bool>>(true);
+    // Both in the control thread; an errand that is still open has its connection still.
+    const auto finish = [this, errand = errand_](const std::string &reply) {
+        if (errand->exchange(false))
+            finishErrand(reply);
     };
-    QMetaObject::invokeMethod(QCoreApplication::instance(), inGui, Qt::QueuedConnection);
+    QTimer::singleShot(access_.patience, this,
+                       [finish] { finish(errorReply("the panel does not answer")); });
+    access_.gui->post([request, finish, errand = errand_, control = access_.control] {
+        if (!*errand)
+            return;
+        control->post([finish, reply = uiReply(request)] { finish(reply); });
+    });
 }
 
-void ControlClient::finishErrand(const std::shared_ptr<Errand> &errand, const std::string &reply)
+void ControlClient::finishErrand(const std::string &reply)
 {
-    if (!errand->open.exchange(false))
-        return;
     errand_.reset();
     send(reply);
     readRequests();

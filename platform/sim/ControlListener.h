@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/sim/Mailbox.h"
 #include "platform/sim/Requests.h"
 
 #include <QByteArray>
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QObject>
 
 #include <atomic>
 #include <chrono>
@@ -14,20 +14,31 @@
 
 namespace sim {
 
+// What a connection needs to have something done on the GUI thread.
+struct GuiAccess
+{
+    Mailbox *gui;     // lives in the GUI thread, longer than the connection
+    Mailbox *control; // lives in the control thread, longer than work for the GUI thread
+    std::chrono::milliseconds patience;
+};
+
 // The listening socket; lives in the control thread.
-class ControlListener : public QObject
+class ControlListener : public Mailbox
 {
     Q_OBJECT
 
 public:
-    explicit ControlListener(std::chrono::milliseconds guiPatience) : guiPatience_(guiPatience) {}
+    ControlListener(Mailbox &gui, std::chrono::milliseconds guiPatience)
+        : access_{&gui, this, guiPatience}
+    {
+    }
     bool listen(const QString &socketPath);
     QString errorString() const { return server_->errorString(); }
 
 private:
     void acceptClients();
 
-    const std::chrono::milliseconds guiPatience_;
+    const GuiAccess access_;
     QLocalServer *server_ = new QLocalServer(this);
 };
 
@@ -37,25 +48,22 @@ class ControlClient : public QObject
     Q_OBJECT
 
 public:
-    ControlClient(QLocalSocket *socket, std::chrono::milliseconds guiPatience, QObject *parent);
+    ControlClient(QLocalSocket *socket, const GuiAccess &access, QObject *parent);
     ~ControlClient() override;
 
 private:
-    // Work for the GUI thread that has not been answered yet.
-    struct Errand
-    {
-        std::atomic<bool> open{true};
-    };
+    // Work for the GUI thread; open until it is answered or given up.
+    using Errand = std::shared_ptr<std::atomic<bool>>;
 
     void readRequests();
     void serve(const QByteArray &line);
-    void askGui(std::function<Json()> work);
-    void finishErrand(const std::shared_ptr<Errand> &errand, const std::string &reply);
+    void askGui(const Request &request);
+    void finishErrand(const std::string &reply);
     void send(const std::string &reply);
 
-    const std::chrono::milliseconds guiPatience_;
+    const GuiAccess access_;
     QLocalSocket *socket_;
-    std::shared_ptr<Errand> errand_;
+    Errand errand_;
 };
 
 } // namespace sim

@@ -12,21 +12,28 @@ constexpr unsigned long stopPatienceMs = 2000;
 
 } // namespace
 
+ControlServer::ControlServer(std::chrono::milliseconds guiPatience) : guiPatience_(guiPatience) {}
+
+ControlServer::~ControlServer()
+{
+    stop();
+}
+
 bool ControlServer::start(const QString &socketPath)
 {
     stop();
-    listener_ = new ControlListener(guiPatience_);
+    gui_ = std::make_unique<Mailbox>();
+    listener_ = new ControlListener(*gui_, guiPatience_);
     listener_->moveToThread(&thread_);
     QObject::connect(&thread_, &QThread::finished, listener_, &QObject::deleteLater);
     thread_.setObjectName(QStringLiteral("control"));
     thread_.start();
     std::promise<bool> listens;
-    const auto listen = [&] {
+    listener_->post([&] {
         const bool done = listener_->listen(socketPath);
         errorString_ = done ? QString() : listener_->errorString();
         listens.set_value(done);
-    };
-    QMetaObject::invokeMethod(listener_, listen, Qt::QueuedConnection);
+    });
     const bool listening = listens.get_future().get();
     if (!listening)
         stop();
@@ -38,7 +45,9 @@ void ControlServer::stop()
     if (listener_ == nullptr)
         return;
     thread_.quit();
-    thread_.wait(stopPatienceMs);
+    if (!thread_.wait(stopPatienceMs))
+        static_cast<void>(gui_.release()); // the thread may still use it
+    gui_.reset();
     listener_ = nullptr;
 }
 

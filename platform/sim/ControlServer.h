@@ -4,10 +4,12 @@
 #include <QThread>
 
 #include <chrono>
+#include <memory>
 
 namespace sim {
 
 class ControlListener;
+class Mailbox;
 
 // The panel's control socket: one request and one reply a line, each a JSON object. It lives in a
 // thread of its own, so that it answers while the GUI thread is busy; only what concerns widgets
@@ -19,11 +21,8 @@ class ControlServer
 {
 public:
     // `guiPatience` is how long the GUI thread may take.
-    explicit ControlServer(std::chrono::milliseconds guiPatience = std::chrono::seconds(10))
-        : guiPatience_(guiPatience)
-    {
-    }
-    ~ControlServer() { stop(); }
+    explicit ControlServer(std::chrono::milliseconds guiPatience = std::chrono::seconds(10));
+    ~ControlServer();
     ControlServer(const ControlServer &) = delete;
     ControlServer &operator=(const ControlServer &) = delete;
 
@@ -38,6 +37,7 @@ public:
 private:
     const std::chrono::milliseconds guiPatience_;
     QThread thread_;
+    std::unique_ptr<Mailbox> gui_;
     ControlListener *listener_ = nullptr;
     QString errorString_;
 };

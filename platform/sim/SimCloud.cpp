@@ -7,8 +7,6 @@ using sim::panel;
 
 namespace {
 
-constexpr int notStarted = -1;
-
 Json toJson(const netT::CloudConfig &config)
 {
     return {{"sUrl", config.sUrl},
@@ -32,7 +30,7 @@ CAsyncClient::CAsyncClient()
 }
 
 // What was started stays to be seen in the state that the program leaves behind.
-CAsyncClient::~CAsyncClient() = default;
+CAsyncClient::~CAsyncClient() = default; // NOLINT(performance-trivially-destructible)
 
 // No message ever arrives on the simulated cloud's topics, so the handler is not kept.
 int CAsyncClient::start(const CloudConfig &config, MessageHandler /*handler*/, void * /*context*/)
@@ -47,10 +45,8 @@ int CAsyncClient::start(const CloudConfig &config, MessageHandler /*handler*/, v
 
 int CAsyncClient::getConnectedStatus() const
 {
-    return panel().call("netT.CAsyncClient.getConnectedStatus", Json(), [](Json &state) {
-        const Json &cloud = state["cloud"];
-        return cloud["started"].get<bool>() ? cloud["status"].get<int>() : notStarted;
-    });
+    return panel().call("netT.CAsyncClient.getConnectedStatus", Json(),
+                        [](Json &state) { return state["cloud"]["status"].get<int>(); });
 }
 
 } // namespace netT

@@ -143,7 +143,7 @@ private:
     std::string takeSegment()
     {
         const auto dot = rest_.find('.');
-        const std::string segment = rest_.substr(0, dot);
+        std::string segment = rest_.substr(0, dot);
         if (segment.empty() || dot + 1 == rest_.size())
             noSuchPath(path_);
         rest_ = dot == std::string::npos ? std::string() : rest_.substr(dot + 1);
@@ -200,7 +200,7 @@ private:
     std::string takeKey()
     {
         for (auto dot = rest_.find('.'); dot != std::string::npos; dot = rest_.find('.', dot + 1)) {
-            const std::string key = rest_.substr(0, dot);
+            std::string key = rest_.substr(0, dot);
             if (node->contains(key) && dot + 1 < rest_.size()) {
                 rest_ = rest_.substr(dot + 1);
                 return key;
