@@ -268,7 +268,7 @@ void RateTimer::call(Lock &lock, const Task &task)
 void RateTimer::finish(const Task &task)
 {
     schedule_.finish(task.name, tickAt(std::chrono::steady_clock::now()));
-    if (schedule_.isQuiet())
+    if (state_ == State::Ending && schedule_.isQuiet()) // nobody else waits for a call's end
         changed_.notify_all();
 }
 

@@ -12,6 +12,10 @@ constexpr int failed = -1;
 constexpr std::size_t keptBeeps = 1000;
 constexpr int bitsPerPixel = 32;
 
+// Whether a click may wait, so that the buzzer's task, twenty times a second, need not look it up.
+// Touched with the panel locked.
+bool clickWaits = false;
+
 void add(Json &number, int change)
 {
     number = number.get<int>() + change;
@@ -90,8 +94,10 @@ int CPlatBuzzer::open()
     return panel().call("PLATFORM.CPlatBuzzer.open", Json(), [](Json &state) {
         Json &buzzer = state["buzzer"];
         add(buzzer["opens"], 1);
-        if (buzzer["enabled"] == 1)
+        if (buzzer["enabled"] == 1) {
             add(buzzer["waiting"], 1);
+            clickWaits = true;
+        }
         return 0;
     });
 }
@@ -133,7 +139,10 @@ int CPlatBuzzer::setPwmType(unsigned short tone)
 int CPlatBuzzer::runBeep()
 {
     return panel().call("PLATFORM.CPlatBuzzer.runBeep", Json(), [](Json &state) {
+        if (!clickWaits)
+            return 0;
         Json &waiting = state["buzzer"]["waiting"];
+        clickWaits = waiting > 1;
         if (waiting == 0)
             return 0;
         add(waiting, -1);

@@ -7,6 +7,9 @@ using sim::panel;
 
 namespace {
 
+constexpr int notStarted = -1;
+constexpr int connected = 1;
+
 Json toJson(const netT::CloudConfig &config)
 {
     return {{"sUrl", config.sUrl},
@@ -37,8 +40,11 @@ int CAsyncClient::start(const CloudConfig &config, MessageHandler /*handler*/, v
 {
     const Json wanted = toJson(config);
     return panel().call("netT.CAsyncClient.start", Json::array({wanted}), [&](Json &state) {
-        state["cloud"]["started"] = true;
-        state["cloud"]["config"] = wanted;
+        Json &cloud = state["cloud"];
+        cloud["started"] = true;
+        cloud["config"] = wanted;
+        if (cloud["status"] == notStarted) // a stage that was set before holds
+            cloud["status"] = connected;
         return 0;
     });
 }

@@ -104,7 +104,7 @@ constexpr const char *defaultsText = R"({
          "numbers": [22, 1, 0, 0, 0], "last": ""},
   "apn": {"name": "", "auth": "none", "user": "", "password": "", "mode": "disable"},
   "csq": 22, "ccid": "89860012345678901234", "dialUp": 1},
-"cloud": {"load": null, "status": 1, "text": "", "started": false,
+"cloud": {"load": null, "status": -1, "text": "", "started": false,
           "config": {"sUrl": "", "sCertUrl": "", "sNtpUrl": "", "nPort": 0, "nCertPort": 0,
                      "sDeviceId": "", "sSalt": "", "sRequestTopic": "", "sResponseTopic": ""}},
 "update": {"model": "KV070T", "error": null, "steps": [10, 30, 50, 70, 90, 100], "result": 0,

@@ -218,6 +218,8 @@ void PanelTest::stripFollowsEvents()
         });
     };
     QVERIFY(shows("lab_Eth", "EthInPut.png"));
+    QVERIFY(shows("lab_cloud", "clouderr.png"));
+    QVERIFY(panel.set(text("cloud.status"), "1"));
     QVERIFY(shows("lab_cloud", "cloudok.png"));
     QVERIFY(!panel.ask({text("usb"), text("insert"), text("/no/such/path")}).isUndefined());
     QVERIFY(shows("lab_usb", "UsbInPut.png"));
@@ -229,6 +231,8 @@ void PanelTest::stripFollowsEvents()
     QVERIFY(shows("lab_Eth", "EthOutPut.png"));
     QVERIFY(shows("lab_wifi", "WifiOutPut.png"));
     QVERIFY(shows("lab_4g", "4gInPut.png")); // is not pinged
+    QVERIFY(panel.set(text("net.devices.2.sFunction"), "\"disable\""));
+    QVERIFY(shows("lab_cloud", "clouderr.png")); // whatever the client says
 }
 
 void PanelTest::survivesBadRecords()
