@@ -32,8 +32,10 @@ CAsyncClient::CAsyncClient()
     panel().locked([](Json &state) { state["cloud"]["started"] = false; });
 }
 
-// What was started stays to be seen in the state that the program leaves behind.
-CAsyncClient::~CAsyncClient() = default; // NOLINT(performance-trivially-destructible)
+CAsyncClient::~CAsyncClient()
+{
+    // What was started stays to be seen in the state that the program leaves behind.
+}
 
 // No message ever arrives on the simulated cloud's topics, so the handler is not kept.
 int CAsyncClient::start(const CloudConfig &config, MessageHandler /*handler*/, void * /*context*/)
