@@ -12,9 +12,9 @@
 
 namespace {
 
-constexpr int patienceMs = 30000;
+constexpr int PATIENCE_MS = 30000;
 
-constexpr const char *help =
+constexpr const char *HELP =
     R"(panelctl VERB ARG... sends one request to the running panel:
   get [PATH]                          the state at a dotted path, such as net.devices.0.sIpAddr
   set PATH JSON                       changes the state
@@ -70,12 +70,12 @@ QByteArray ask(const QByteArray &line)
     QLocalSocket socket;
     const std::string path = sim::socketPath();
     socket.connectToServer(QString::fromStdString(path));
-    if (!socket.waitForConnected(patienceMs))
+    if (!socket.waitForConnected(PATIENCE_MS))
         throw Failure("no panel answers at " + path + ": " + socket.errorString().toStdString());
     socket.write(line);
     QByteArray reply;
     while (!reply.endsWith('\n')) {
-        if (!socket.waitForReadyRead(patienceMs))
+        if (!socket.waitForReadyRead(PATIENCE_MS))
             throw Failure("the panel sends no reply: " + socket.errorString().toStdString());
         reply += socket.readAll();
     }
@@ -97,7 +97,7 @@ int main(int argc, char **argv)
     const QCoreApplication app(argc, argv);
     const QStringList words = QCoreApplication::arguments().mid(1);
     if (words.isEmpty() || words[0] == QLatin1String("help")) {
-        (words.isEmpty() ? std::cerr : std::cout) << help;
+        (words.isEmpty() ? std::cerr : std::cout) << HELP;
         return words.isEmpty() ? 1 : 0;
     }
     try {

@@ -10,11 +10,11 @@ class FileDescriptor
 {
 public:
     // Takes over `fd`, as open(2) returns it: -1 is no file.
-    explicit FileDescriptor(int fd = -1) : fd_(fd) {}
-    FileDescriptor(FileDescriptor &&other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+    explicit FileDescriptor(int fd = -1) : m_fd(fd) {}
+    FileDescriptor(FileDescriptor &&other) noexcept : m_fd(std::exchange(other.m_fd, -1)) {}
     FileDescriptor &operator=(FileDescriptor &&other) noexcept
     {
-        std::swap(fd_, other.fd_);
+        std::swap(m_fd, other.m_fd);
         return *this;
     }
     FileDescriptor(const FileDescriptor &) = delete;
@@ -22,14 +22,14 @@ public:
     ~FileDescriptor()
     {
         if (isOpen())
-            ::close(fd_);
+            ::close(m_fd);
     }
 
-    bool isOpen() const { return fd_ >= 0; }
-    int get() const { return fd_; }
+    bool isOpen() const { return m_fd >= 0; }
+    int get() const { return m_fd; }
 
 private:
-    int fd_;
+    int m_fd;
 };
 
 } // namespace posix

@@ -11,7 +11,7 @@ namespace {
 using std::chrono::milliseconds;
 
 // Long enough for the short tasks that are due together, short enough that nobody notices.
-constexpr milliseconds kGrace{3};
+constexpr milliseconds GRACE{3};
 
 } // namespace
 
@@ -30,31 +30,31 @@ RateTimer::RateTimer()
 
 int RateTimer::start(int tickMs)
 {
-    const Lock lock(mutex_);
-    if (state_ != State::Down || tickMs < 1 || !takeoverTimer_.open())
+    const Lock lock(m_mutex);
+    if (m_state != State::Down || tickMs < 1 || !m_takeoverTimer.open())
         return -1;
-    origin_ = std::chrono::steady_clock::now();
-    tick_ = milliseconds(tickMs);
-    grace_ = std::min<std::chrono::nanoseconds>(kGrace, tick_);
-    isLed_ = false;
-    takeoverAt_.reset();
+    m_origin = std::chrono::steady_clock::now();
+    m_tick = milliseconds(tickMs);
+    m_grace = std::min<std::chrono::nanoseconds>(GRACE, m_tick);
+    m_isLed = false;
+    m_takeoverAt.reset();
     if (!startStandby()) { // finds no leader and leads
-        takeoverTimer_.close();
+        m_takeoverTimer.close();
         return -1;
     }
-    state_ = State::Up;
+    m_state = State::Up;
     return 0;
 }
 
 int RateTimer::add(Task task, int periodMs)
 {
-    const Lock lock(mutex_);
-    if (state_ != State::Up)
+    const Lock lock(m_mutex);
+    if (m_state != State::Up)
         return -1;
     const Moment now = std::chrono::steady_clock::now();
-    task.period = (milliseconds(periodMs) + tick_ - milliseconds(1)) / tick_;
-    task.next = tickAt(now + tick_ - std::chrono::nanoseconds(1)) + task.period;
-    if (!schedule_.add(std::move(task)))
+    task.period = (milliseconds(periodMs) + m_tick - milliseconds(1)) / m_tick;
+    task.next = tickAt(now + m_tick - std::chrono::nanoseconds(1)) + task.period;
+    if (!m_schedule.add(std::move(task)))
         return -2;
     arm();
     return 0;
@@ -62,8 +62,8 @@ int RateTimer::add(Task task, int periodMs)
 
 int RateTimer::remove(const std::string &name)
 {
-    const Lock lock(mutex_);
-    if (!schedule_.remove(name))
+    const Lock lock(m_mutex);
+    if (!m_schedule.remove(name))
         return -1;
     arm();
     return 0;
@@ -71,46 +71,46 @@ int RateTimer::remove(const std::string &name)
 
 void RateTimer::stop()
 {
-    Lock lock(mutex_);
-    if (state_ == State::Down)
+    Lock lock(m_mutex);
+    if (m_state == State::Down)
         return;
     end();
-    const auto isOver = [this] { return threads_ == 0 && schedule_.isQuiet(); };
-    changed_.wait(lock, [&] { return isOver() || state_ != State::Ending; });
-    if (state_ != State::Ending) // another thread stopped it as well
+    const auto isOver = [this] { return m_threads == 0 && m_schedule.isQuiet(); };
+    m_changed.wait(lock, [&] { return isOver() || m_state != State::Ending; });
+    if (m_state != State::Ending) // another thread stopped it as well
         return;
-    takeoverTimer_.close();
-    state_ = State::Down;
-    changed_.notify_all();
+    m_takeoverTimer.close();
+    m_state = State::Down;
+    m_changed.notify_all();
 }
 
 void RateTimer::end()
 {
-    state_ = State::Ending;
-    schedule_.clear();
-    leadChanged_.notify_one();
-    takeoverTimer_.set(Moment{});
+    m_state = State::Ending;
+    m_schedule.clear();
+    m_leadChanged.notify_one();
+    m_takeoverTimer.set(Moment{});
 }
 
 void RateTimer::stopAtExit()
 {
-    Lock lock(mutex_);
-    if (state_ != State::Up)
+    Lock lock(m_mutex);
+    if (m_state != State::Up)
         return;
     end();
-    changed_.wait_for(lock, kPatienceAtExit, [this] { return schedule_.isQuiet(); });
+    m_changed.wait_for(lock, PATIENCE_AT_EXIT, [this] { return m_schedule.isQuiet(); });
 }
 
 // --- Time ---------------------------------------------------------------------------------------
 
 Tick RateTimer::tickAt(Moment moment) const
 {
-    return (moment - origin_) / tick_;
+    return (moment - m_origin) / m_tick;
 }
 
 Moment RateTimer::timeOf(Tick tick) const
 {
-    return origin_ + tick * tick_;
+    return m_origin + tick * m_tick;
 }
 
 // When the standby is to look after the leader. While it is in a task: once another one is due and
@@ -118,91 +118,91 @@ Moment RateTimer::timeOf(Tick tick) const
 // that is awake but has got no processor yet is given its time again.
 std::optional<Moment> RateTimer::takeoverTime() const
 {
-    const std::optional<Tick> due = inTaskSince_ ? schedule_.nextDue() : schedule_.secondDue();
+    const std::optional<Tick> due = m_inTaskSince ? m_schedule.nextDue() : m_schedule.secondDue();
     if (!due)
         return std::nullopt;
-    if (inTaskSince_)
-        return std::max(timeOf(*due), *inTaskSince_ + grace_);
-    return std::max<Moment>(timeOf(*due), std::chrono::steady_clock::now()) + grace_;
+    if (m_inTaskSince)
+        return std::max(timeOf(*due), *m_inTaskSince + m_grace);
+    return std::max<Moment>(timeOf(*due), std::chrono::steady_clock::now()) + m_grace;
 }
 
 // After any change of what is due: moves both sleepers' moments, and wakes the leader only if its
 // own has moved.
 void RateTimer::arm()
 {
-    if (state_ != State::Up)
+    if (m_state != State::Up)
         return;
     armTakeover();
-    if (schedule_.nextDue() != leaderWaitsFor_)
-        leadChanged_.notify_one();
+    if (m_schedule.nextDue() != m_leaderWaitsFor)
+        m_leadChanged.notify_one();
 }
 
 void RateTimer::armTakeover()
 {
     const std::optional<Moment> moment = takeoverTime();
-    if (moment == takeoverAt_) // mostly so: a frequent task alone at its tick can delay nobody yet
+    if (moment == m_takeoverAt) // mostly so: a frequent task alone at its tick can delay nobody yet
         return;
-    takeoverAt_ = moment;
+    m_takeoverAt = moment;
     if (moment)
-        takeoverTimer_.set(*moment);
+        m_takeoverTimer.set(*moment);
     else
-        takeoverTimer_.clear();
+        m_takeoverTimer.clear();
 }
 
 // --- Threads ------------------------------------------------------------------------------------
 
 bool RateTimer::startStandby()
 {
-    hasStandby_ = startThread("timer", [this] { serve(); });
-    threads_ += hasStandby_ ? 1 : 0;
-    return hasStandby_;
+    m_hasStandby = startThread("timer", [this] { serve(); });
+    m_threads += m_hasStandby ? 1 : 0;
+    return m_hasStandby;
 }
 
 // A thread's life. It starts as the standby, and comes back from its lead when it has lost it.
 void RateTimer::serve()
 {
-    Lock lock(mutex_);
+    Lock lock(m_mutex);
     while (awaitLead(lock)) {
         lead(lock);
-        if (hasStandby_)
+        if (m_hasStandby)
             break;
-        hasStandby_ = true;
+        m_hasStandby = true;
     }
-    --threads_;
-    changed_.notify_all();
+    --m_threads;
+    m_changed.notify_all();
 }
 
 // The leader is stuck in a task while another one waits.
 bool RateTimer::isLeaderLate() const
 {
     const std::optional<Moment> moment = takeoverTime();
-    return inTaskSince_ && moment && *moment <= std::chrono::steady_clock::now();
+    return m_inTaskSince && moment && *moment <= std::chrono::steady_clock::now();
 }
 
 // Stands by. True when this thread is to lead, false when the service ends.
 bool RateTimer::awaitLead(Lock &lock)
 {
-    while (state_ == State::Up && isLed_ && !isLeaderLate()) {
+    while (m_state == State::Up && m_isLed && !isLeaderLate()) {
         armTakeover();
         lock.unlock();
-        takeoverTimer_.wait();
+        m_takeoverTimer.wait();
         lock.lock();
     }
-    return state_ == State::Up;
+    return m_state == State::Up;
 }
 
 void RateTimer::lead(Lock &lock)
 {
-    const std::uint64_t mine = ++lead_;
-    isLed_ = true;
-    hasStandby_ = false;
-    inTaskSince_.reset();
-    while (state_ == State::Up) {
-        if (!hasStandby_) // each time again, should the system have given no thread
+    const std::uint64_t mine = ++m_lead;
+    m_isLed = true;
+    m_hasStandby = false;
+    m_inTaskSince.reset();
+    while (m_state == State::Up) {
+        if (!m_hasStandby) // each time again, should the system have given no thread
             startStandby();
         runDue(lock, mine);
         arm();
-        if (lead_ != mine)
+        if (m_lead != mine)
             return;
         awaitDue(lock);
     }
@@ -211,20 +211,20 @@ void RateTimer::lead(Lock &lock)
 // The leader's sleep. It ends early when something earlier, or the end, comes up.
 void RateTimer::awaitDue(Lock &lock)
 {
-    leaderWaitsFor_ = schedule_.nextDue();
-    if (state_ == State::Up && leaderWaitsFor_)
-        leadChanged_.wait_until(lock, timeOf(*leaderWaitsFor_));
-    else if (state_ == State::Up)
-        leadChanged_.wait(lock);
+    m_leaderWaitsFor = m_schedule.nextDue();
+    if (m_state == State::Up && m_leaderWaitsFor)
+        m_leadChanged.wait_until(lock, timeOf(*m_leaderWaitsFor));
+    else if (m_state == State::Up)
+        m_leadChanged.wait(lock);
 }
 
 // --- Calls --------------------------------------------------------------------------------------
 
 void RateTimer::runDue(Lock &lock, std::uint64_t lead)
 {
-    while (state_ == State::Up && lead_ == lead) {
+    while (m_state == State::Up && m_lead == lead) {
         const Tick now = tickAt(std::chrono::steady_clock::now());
-        const std::optional<Task> task = schedule_.claim(now);
+        const std::optional<Task> task = m_schedule.claim(now);
         if (!task)
             return;
         if (task->mode == 1)
@@ -236,10 +236,10 @@ void RateTimer::runDue(Lock &lock, std::uint64_t lead)
 
 void RateTimer::runHere(Lock &lock, const Task &task, std::uint64_t lead)
 {
-    inTaskSince_ = std::chrono::steady_clock::now();
+    m_inTaskSince = std::chrono::steady_clock::now();
     call(lock, task);
-    if (lead_ == lead)
-        inTaskSince_.reset();
+    if (m_lead == lead)
+        m_inTaskSince.reset();
 }
 
 void RateTimer::handToPool(const Task &task)
@@ -250,14 +250,14 @@ void RateTimer::handToPool(const Task &task)
 
 void RateTimer::runInPool(const Task &task)
 {
-    Lock lock(mutex_);
+    Lock lock(m_mutex);
     call(lock, task);
     arm();
 }
 
 void RateTimer::call(Lock &lock, const Task &task)
 {
-    if (schedule_.begin(task)) {
+    if (m_schedule.begin(task)) {
         lock.unlock();
         task.function(task.argument);
         lock.lock();
@@ -267,9 +267,9 @@ void RateTimer::call(Lock &lock, const Task &task)
 
 void RateTimer::finish(const Task &task)
 {
-    schedule_.finish(task.name, tickAt(std::chrono::steady_clock::now()));
-    if (state_ == State::Ending && schedule_.isQuiet()) // nobody else waits for a call's end
-        changed_.notify_all();
+    m_schedule.finish(task.name, tickAt(std::chrono::steady_clock::now()));
+    if (m_state == State::Ending && m_schedule.isQuiet()) // nobody else waits for a call's end
+        m_changed.notify_all();
 }
 
 } // namespace posix

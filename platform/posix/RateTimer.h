@@ -57,23 +57,23 @@ private:
     void end();
     void stopAtExit();
 
-    std::mutex mutex_;                // guards everything below; a task's body runs without it
-    std::condition_variable changed_; // a call or a thread has ended
-    State state_ = State::Down;
-    Schedule schedule_;
-    Moment origin_{}; // tick 0
-    std::chrono::nanoseconds tick_{};
-    std::chrono::nanoseconds grace_{}; // how long the leader may hold up other tasks
+    std::mutex m_mutex;                // guards everything below; a task's body runs without it
+    std::condition_variable m_changed; // a call or a thread has ended
+    State m_state = State::Down;
+    Schedule m_schedule;
+    Moment m_origin{}; // tick 0
+    std::chrono::nanoseconds m_tick{};
+    std::chrono::nanoseconds m_grace{}; // how long the leader may hold up other tasks
 
-    std::condition_variable leadChanged_; // the leader sleeps on it
-    std::optional<Tick> leaderWaitsFor_;
-    TimerFd takeoverTimer_;            // the standby sleeps on it
-    std::optional<Moment> takeoverAt_; // what it is set to
-    std::uint64_t lead_ = 0;           // counts the takeovers: who took the last one leads
-    bool isLed_ = false;
-    bool hasStandby_ = false;
-    std::optional<Moment> inTaskSince_; // the leader
-    int threads_ = 0;
+    std::condition_variable m_leadChanged; // the leader sleeps on it
+    std::optional<Tick> m_leaderWaitsFor;
+    TimerFd m_takeoverTimer;            // the standby sleeps on it
+    std::optional<Moment> m_takeoverAt; // what it is set to
+    std::uint64_t m_lead = 0;           // counts the takeovers: who took the last one leads
+    bool m_isLed = false;
+    bool m_hasStandby = false;
+    std::optional<Moment> m_inTaskSince; // the leader
+    int m_threads = 0;
 };
 
 } // namespace posix

@@ -16,19 +16,19 @@ void skipPast(Task &task, Tick now)
 
 bool Schedule::add(Task task)
 {
-    if (find(task.name) != tasks_.end())
+    if (find(task.name) != m_tasks.end())
         return false;
-    task.id = ++lastId_;
-    tasks_.push_back(std::move(task));
+    task.id = ++m_lastId;
+    m_tasks.push_back(std::move(task));
     return true;
 }
 
 bool Schedule::remove(const std::string &name)
 {
     const auto task = find(name);
-    if (task == tasks_.end())
+    if (task == m_tasks.end())
         return false;
-    tasks_.erase(task);
+    m_tasks.erase(task);
     return true;
 }
 
@@ -45,7 +45,7 @@ std::optional<Tick> Schedule::secondDue() const
 std::pair<std::optional<Tick>, std::optional<Tick>> Schedule::earliest() const
 {
     std::pair<std::optional<Tick>, std::optional<Tick>> due;
-    for (const Task &task : tasks_) {
+    for (const Task &task : m_tasks) {
         if (isUnderWay(task.name))
             continue;
         if (!due.first || task.next < *due.first)
@@ -61,41 +61,41 @@ std::optional<Task> Schedule::claim(Tick now)
     const std::optional<Tick> due = nextDue();
     if (!due || *due > now)
         return std::nullopt;
-    const auto task = std::find_if(tasks_.begin(), tasks_.end(), [&](const Task &candidate) {
+    const auto task = std::find_if(m_tasks.begin(), m_tasks.end(), [&](const Task &candidate) {
         return candidate.next == *due && !isUnderWay(candidate.name);
     });
     skipPast(*task, now);
-    underWay_.push_back(task->name);
+    m_underWay.push_back(task->name);
     return *task;
 }
 
 bool Schedule::begin(const Task &claimed)
 {
     const auto task = find(claimed.name);
-    if (task == tasks_.end() || task->id != claimed.id)
+    if (task == m_tasks.end() || task->id != claimed.id)
         return false;
     if (task->left > 0 && --task->left == 0)
-        tasks_.erase(task);
+        m_tasks.erase(task);
     return true;
 }
 
 void Schedule::finish(const std::string &name, Tick now)
 {
-    underWay_.erase(std::find(underWay_.begin(), underWay_.end(), name));
+    m_underWay.erase(std::find(m_underWay.begin(), m_underWay.end(), name));
     const auto task = find(name);
-    if (task != tasks_.end())
+    if (task != m_tasks.end())
         skipPast(*task, now);
 }
 
 std::vector<Task>::iterator Schedule::find(const std::string &name)
 {
-    return std::find_if(tasks_.begin(), tasks_.end(),
+    return std::find_if(m_tasks.begin(), m_tasks.end(),
                         [&](const Task &task) { return task.name == name; });
 }
 
 bool Schedule::isUnderWay(const std::string &name) const
 {
-    return std::find(underWay_.begin(), underWay_.end(), name) != underWay_.end();
+    return std::find(m_underWay.begin(), m_underWay.end(), name) != m_underWay.end();
 }
 
 } // namespace posix

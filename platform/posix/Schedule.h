@@ -32,7 +32,7 @@ public:
     bool add(Task task);
     // False if there is no task of that name.
     bool remove(const std::string &name);
-    void clear() { tasks_.clear(); }
+    void clear() { m_tasks.clear(); }
 
     // The next tick at which a task is due that may be called then, perhaps a past one.
     std::optional<Tick> nextDue() const;
@@ -49,16 +49,16 @@ public:
     void finish(const std::string &name, Tick now);
 
     // True if no call is under way.
-    bool isQuiet() const { return underWay_.empty(); }
+    bool isQuiet() const { return m_underWay.empty(); }
 
 private:
     std::vector<Task>::iterator find(const std::string &name);
     std::pair<std::optional<Tick>, std::optional<Tick>> earliest() const;
     bool isUnderWay(const std::string &name) const;
 
-    std::vector<Task> tasks_; // in the order of their adding
-    std::vector<std::string> underWay_;
-    std::uint64_t lastId_ = 0;
+    std::vector<Task> m_tasks; // in the order of their adding
+    std::vector<std::string> m_underWay;
+    std::uint64_t m_lastId = 0;
 };
 
 } // namespace posix

@@ -9,7 +9,7 @@
 namespace {
 
 // How long a thread above the minimum waits for another job before it ends.
-constexpr std::chrono::seconds kIdleTime{5};
+constexpr std::chrono::seconds IDLE_TIME{5};
 
 class ThreadPool
 {
@@ -41,119 +41,119 @@ private:
     void end();
     void stopAtExit();
 
-    std::mutex mutex_; // guards everything below
-    std::condition_variable work_;
-    std::condition_variable changed_; // a job or a thread has ended
-    State state_ = State::Down;
-    std::deque<std::function<void()>> jobs_;
-    std::size_t minThreads_ = 0;
-    std::size_t maxThreads_ = 0;
-    std::size_t maxQueued_ = 0;
-    std::size_t threads_ = 0;
-    std::size_t busy_ = 0; // threads that run a job
+    std::mutex m_mutex; // guards everything below
+    std::condition_variable m_work;
+    std::condition_variable m_changed; // a job or a thread has ended
+    State m_state = State::Down;
+    std::deque<std::function<void()>> m_jobs;
+    std::size_t m_minThreads = 0;
+    std::size_t m_maxThreads = 0;
+    std::size_t m_maxQueued = 0;
+    std::size_t m_threads = 0;
+    std::size_t m_busy = 0; // threads that run a job
 };
 
 int ThreadPool::start(int minThreads, int maxThreads, int maxQueued)
 {
-    const Lock lock(mutex_);
-    if (state_ != State::Down || minThreads < 0 || maxThreads < 1 || maxThreads < minThreads ||
+    const Lock lock(m_mutex);
+    if (m_state != State::Down || minThreads < 0 || maxThreads < 1 || maxThreads < minThreads ||
         maxQueued < 1)
         return -1;
-    minThreads_ = static_cast<std::size_t>(minThreads);
-    maxThreads_ = static_cast<std::size_t>(maxThreads);
-    maxQueued_ = static_cast<std::size_t>(maxQueued);
-    state_ = State::Up;
-    while (threads_ < minThreads_ && addThread())
+    m_minThreads = static_cast<std::size_t>(minThreads);
+    m_maxThreads = static_cast<std::size_t>(maxThreads);
+    m_maxQueued = static_cast<std::size_t>(maxQueued);
+    m_state = State::Up;
+    while (m_threads < m_minThreads && addThread())
         continue;
     return 0;
 }
 
 int ThreadPool::submit(std::function<void()> job)
 {
-    const Lock lock(mutex_);
-    if (state_ != State::Up || !job)
+    const Lock lock(m_mutex);
+    if (m_state != State::Up || !job)
         return -1;
     // A job in the queue that an idle thread is about to take does not wait.
-    const auto mustWait = [this] { return jobs_.size() >= threads_ - busy_; };
-    if (mustWait() && threads_ < maxThreads_)
+    const auto mustWait = [this] { return m_jobs.size() >= m_threads - m_busy; };
+    if (mustWait() && m_threads < m_maxThreads)
         addThread();
-    if (threads_ == 0)
+    if (m_threads == 0)
         return -1;
-    if (mustWait() && jobs_.size() - (threads_ - busy_) >= maxQueued_)
+    if (mustWait() && m_jobs.size() - (m_threads - m_busy) >= m_maxQueued)
         return -2;
-    jobs_.push_back(std::move(job));
-    work_.notify_one();
+    m_jobs.push_back(std::move(job));
+    m_work.notify_one();
     return 0;
 }
 
 void ThreadPool::stop()
 {
-    Lock lock(mutex_);
-    if (state_ == State::Down)
+    Lock lock(m_mutex);
+    if (m_state == State::Down)
         return;
     end();
-    changed_.wait(lock, [this] { return threads_ == 0 || state_ != State::Ending; });
-    if (state_ == State::Ending)
-        state_ = State::Down;
+    m_changed.wait(lock, [this] { return m_threads == 0 || m_state != State::Ending; });
+    if (m_state == State::Ending)
+        m_state = State::Down;
 }
 
 bool ThreadPool::addThread()
 {
     const bool started = posix::startThread("pool", [this] { work(); });
-    threads_ += started ? 1 : 0;
+    m_threads += started ? 1 : 0;
     return started;
 }
 
 void ThreadPool::work()
 {
-    Lock lock(mutex_);
+    Lock lock(m_mutex);
     while (awaitJob(lock))
         runJob(lock);
-    --threads_;
-    changed_.notify_all();
+    --m_threads;
+    m_changed.notify_all();
 }
 
 // False when the thread is to end.
 bool ThreadPool::awaitJob(Lock &lock)
 {
-    const auto isCalled = [this] { return !jobs_.empty() || state_ != State::Up; };
+    const auto isCalled = [this] { return !m_jobs.empty() || m_state != State::Up; };
     while (!isCalled()) {
-        if (threads_ <= minThreads_)
-            work_.wait(lock);
-        else if (!work_.wait_for(lock, kIdleTime, isCalled) && threads_ > minThreads_)
+        if (m_threads <= m_minThreads)
+            m_work.wait(lock);
+        else if (!m_work.wait_for(lock, IDLE_TIME, isCalled) && m_threads > m_minThreads)
             return false;
     }
-    return !jobs_.empty();
+    return !m_jobs.empty();
 }
 
 void ThreadPool::runJob(Lock &lock)
 {
-    std::function<void()> job = std::move(jobs_.front());
-    jobs_.pop_front();
-    ++busy_;
+    std::function<void()> job = std::move(m_jobs.front());
+    m_jobs.pop_front();
+    ++m_busy;
     lock.unlock();
     job();
     job = nullptr; // what it holds may be destroyed by code that uses the pool
     lock.lock();
-    --busy_;
-    changed_.notify_all();
+    --m_busy;
+    m_changed.notify_all();
 }
 
 void ThreadPool::end()
 {
-    state_ = State::Ending;
-    work_.notify_all();
+    m_state = State::Ending;
+    m_work.notify_all();
 }
 
 void ThreadPool::stopAtExit()
 {
     std::deque<std::function<void()>> dropped;
-    Lock lock(mutex_);
-    if (state_ != State::Up)
+    Lock lock(m_mutex);
+    if (m_state != State::Up)
         return;
-    dropped.swap(jobs_);
+    dropped.swap(m_jobs);
     end();
-    changed_.wait_for(lock, posix::kPatienceAtExit, [this] { return busy_ == 0; });
+    m_changed.wait_for(lock, posix::PATIENCE_AT_EXIT, [this] { return m_busy == 0; });
     lock.unlock(); // before `dropped` runs destructors of others
 }
 

@@ -8,13 +8,13 @@
 namespace posix {
 namespace {
 
-constexpr std::int64_t kNsPerSecond = 1000000000;
+constexpr std::int64_t NS_PER_SECOND = 1000000000;
 
 void arm(int fd, std::int64_t nanoseconds)
 {
     itimerspec spec{};
-    spec.it_value.tv_sec = static_cast<time_t>(nanoseconds / kNsPerSecond);
-    spec.it_value.tv_nsec = static_cast<long>(nanoseconds % kNsPerSecond);
+    spec.it_value.tv_sec = static_cast<time_t>(nanoseconds / NS_PER_SECOND);
+    spec.it_value.tv_nsec = static_cast<long>(nanoseconds % NS_PER_SECOND);
     ::timerfd_settime(fd, TFD_TIMER_ABSTIME, &spec, nullptr);
 }
 
@@ -22,30 +22,30 @@ void arm(int fd, std::int64_t nanoseconds)
 
 bool TimerFd::open()
 {
-    fd_ = FileDescriptor(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC));
-    return fd_.isOpen();
+    m_fd = FileDescriptor(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC));
+    return m_fd.isOpen();
 }
 
 void TimerFd::close()
 {
-    const FileDescriptor closing = std::move(fd_);
+    const FileDescriptor closing = std::move(m_fd);
 }
 
 void TimerFd::set(Moment moment)
 {
     // 0 would disarm the timer.
-    arm(fd_.get(), std::max<std::int64_t>(moment.time_since_epoch().count(), 1));
+    arm(m_fd.get(), std::max<std::int64_t>(moment.time_since_epoch().count(), 1));
 }
 
 void TimerFd::clear()
 {
-    arm(fd_.get(), 0);
+    arm(m_fd.get(), 0);
 }
 
 void TimerFd::wait() const
 {
     std::uint64_t expirations = 0;
-    while (::read(fd_.get(), &expirations, sizeof expirations) < 0 && errno == EINTR)
+    while (::read(m_fd.get(), &expirations, sizeof expirations) < 0 && errno == EINTR)
         continue;
 }
 

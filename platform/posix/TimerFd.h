@@ -27,7 +27,7 @@ public:
     void wait() const;
 
 private:
-    FileDescriptor fd_;
+    FileDescriptor m_fd;
 };
 
 } // namespace posix

@@ -16,9 +16,9 @@ namespace {
 
 using posix::FileDescriptor;
 
-constexpr std::size_t kCopyBlock = 65536;
+constexpr std::size_t COPY_BLOCK = 65536;
 
-enum CopyError { kUnreadable = -1, kNoDirectory = -2, kUnwritable = -3 };
+enum CopyError { UNREADABLE = -1, NO_DIRECTORY = -2, UNWRITABLE = -3 };
 
 bool isDirectory(const std::string &path)
 {
@@ -58,13 +58,13 @@ bool writeAll(int fd, const char *data, ssize_t size)
 
 int copyBytes(int from, int to)
 {
-    std::vector<char> block(kCopyBlock);
+    std::vector<char> block(COPY_BLOCK);
     ssize_t size = 0;
     while ((size = readSome(from, block)) > 0) {
         if (!writeAll(to, block.data(), size))
-            return kUnwritable;
+            return UNWRITABLE;
     }
-    return size == 0 ? 0 : kUnreadable;
+    return size == 0 ? 0 : UNREADABLE;
 }
 
 // A file beside its destination that is gone again unless it has been moved there. Its name is
@@ -73,33 +73,33 @@ class TemporaryFile
 {
 public:
     explicit TemporaryFile(const std::string &directory)
-        : path_(directory + ".copy-XXXXXX"), fd_(::mkostemp(path_.data(), O_CLOEXEC))
+        : m_path(directory + ".copy-XXXXXX"), m_fd(::mkostemp(m_path.data(), O_CLOEXEC))
     {
     }
     TemporaryFile(const TemporaryFile &) = delete;
     TemporaryFile &operator=(const TemporaryFile &) = delete;
     ~TemporaryFile()
     {
-        if (fd_.isOpen() && !moved_)
-            ::unlink(path_.c_str());
+        if (m_fd.isOpen() && !m_moved)
+            ::unlink(m_path.c_str());
     }
 
-    bool isOpen() const { return fd_.isOpen(); }
-    int fd() const { return fd_.get(); }
+    bool isOpen() const { return m_fd.isOpen(); }
+    int fd() const { return m_fd.get(); }
 
     // rename(2) replaces the destination in one step; synced before it, so that a power failure
     // never leaves the new name on old or missing bytes.
     bool moveTo(const std::string &destination, mode_t mode)
     {
-        moved_ = ::fchmod(fd(), mode) == 0 && ::fsync(fd()) == 0 &&
-                 ::rename(path_.c_str(), destination.c_str()) == 0;
-        return moved_;
+        m_moved = ::fchmod(fd(), mode) == 0 && ::fsync(fd()) == 0 &&
+                  ::rename(m_path.c_str(), destination.c_str()) == 0;
+        return m_moved;
     }
 
 private:
-    std::string path_;
-    FileDescriptor fd_;
-    bool moved_ = false;
+    std::string m_path;
+    FileDescriptor m_fd;
+    bool m_moved = false;
 };
 
 // The file is in place already: a directory that cannot be synced is no failure of the copy.
@@ -115,11 +115,11 @@ int writeWhole(int from, mode_t mode, const std::string &to)
     const std::string directory = directoryOf(to);
     TemporaryFile copy(directory);
     if (!copy.isOpen())
-        return kUnwritable;
+        return UNWRITABLE;
     if (const int result = copyBytes(from, copy.fd()); result != 0)
         return result;
     if (!copy.moveTo(to, mode))
-        return kUnwritable;
+        return UNWRITABLE;
     syncDirectory(directory);
     return 0;
 }
@@ -142,9 +142,9 @@ int CosFile::CopyWithMakeDir(const std::string &from, const std::string &to)
     {
     };
     if (!source.isOpen() || ::fstat(source.get(), &info) != 0 || !S_ISREG(info.st_mode))
-        return kUnreadable;
+        return UNREADABLE;
     if (CosDir::MakeDir(directoryOf(to)) != 0)
-        return kNoDirectory;
+        return NO_DIRECTORY;
     return writeWhole(source.get(), (info.st_mode & ACCESSPERMS) | S_IRUSR | S_IWUSR, to);
 }
 

@@ -7,8 +7,8 @@
 namespace COS {
 namespace {
 
-constexpr std::int64_t kMsPerSecond = 1000;
-constexpr long kNsPerMs = 1000000;
+constexpr std::int64_t MS_PER_SECOND = 1000;
+constexpr long NS_PER_MS = 1000000;
 
 bool fitsInt(std::int64_t value)
 {
@@ -21,7 +21,7 @@ std::int64_t CosTime::GetTickCountCos()
 {
     timespec now{};
     ::clock_gettime(CLOCK_MONOTONIC, &now);
-    return std::int64_t{now.tv_sec} * kMsPerSecond + now.tv_nsec / kNsPerMs;
+    return std::int64_t{now.tv_sec} * MS_PER_SECOND + now.tv_nsec / NS_PER_MS;
 }
 
 void CosTime::SleepCos(int ms)
@@ -29,8 +29,8 @@ void CosTime::SleepCos(int ms)
     if (ms <= 0)
         return;
     timespec rest{};
-    rest.tv_sec = ms / kMsPerSecond;
-    rest.tv_nsec = ms % kMsPerSecond * kNsPerMs;
+    rest.tv_sec = ms / MS_PER_SECOND;
+    rest.tv_nsec = ms % MS_PER_SECOND * NS_PER_MS;
     while (::clock_nanosleep(CLOCK_MONOTONIC, 0, &rest, &rest) == EINTR)
         continue;
 }

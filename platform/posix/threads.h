@@ -7,7 +7,7 @@
 namespace posix {
 
 // How long the end of the process waits for a service's calls that are under way.
-constexpr std::chrono::seconds kPatienceAtExit{1};
+constexpr std::chrono::seconds PATIENCE_AT_EXIT{1};
 
 // Runs `body` on a thread of its own that shows as `name` (15 bytes at most, see
 // pthread_setname_np(3)). Nobody joins it: `body` tells its owner that it is done, and the owner

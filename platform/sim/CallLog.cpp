@@ -32,36 +32,36 @@ const char *nameOfThread()
 
 void CallLog::add(const char *op, Json args, std::int64_t result, const char *thread)
 {
-    if (calls_ == limit)
+    if (m_calls == limit)
         dropOldest();
-    ++calls_;
-    if (!entries_.empty()) {
-        Entry &last = entries_.back();
+    ++m_calls;
+    if (!m_entries.empty()) {
+        Entry &last = m_entries.back();
         if (last.op == op && last.result == result && last.thread == thread && last.args == args) {
             ++last.count;
             return;
         }
     }
-    entries_.push_back({op, std::move(args), result, thread, 1});
+    m_entries.push_back({op, std::move(args), result, thread, 1});
 }
 
 void CallLog::dropOldest()
 {
-    --calls_;
-    if (--entries_.front().count == 0)
-        entries_.pop_front();
+    --m_calls;
+    if (--m_entries.front().count == 0)
+        m_entries.pop_front();
 }
 
 void CallLog::clear()
 {
-    entries_.clear();
-    calls_ = 0;
+    m_entries.clear();
+    m_calls = 0;
 }
 
 Json CallLog::toJson() const
 {
     Json calls = Json::array();
-    for (const Entry &entry : entries_) {
+    for (const Entry &entry : m_entries) {
         const Json call = {{"op", entry.op},
                            {"args", entry.args.is_null() ? Json::array() : entry.args},
                            {"result", entry.result},
@@ -76,7 +76,7 @@ void Injections::fail(const std::string &op, int code, int count)
     checkOperation(op);
     if (count == 0 || count < -1)
         throw BadRequest("fail: COUNT must be 1 or more");
-    failures_[op] = {code, count};
+    m_failures[op] = {code, count};
 }
 
 void Injections::delay(const std::string &op, int ms)
@@ -84,25 +84,25 @@ void Injections::delay(const std::string &op, int ms)
     checkOperation(op);
     if (ms < 0)
         throw BadRequest("delay: MS must be 0 or more");
-    delays_[op] = ms;
+    m_delays[op] = ms;
 }
 
 Injections::Order Injections::next(const char *op)
 {
-    if (failures_.empty() && delays_.empty())
+    if (m_failures.empty() && m_delays.empty())
         return {};
-    const auto delay = delays_.find(op);
-    return {nextResult(op), delay == delays_.end() ? 0 : delay->second};
+    const auto delay = m_delays.find(op);
+    return {nextResult(op), delay == m_delays.end() ? 0 : delay->second};
 }
 
 std::optional<int> Injections::nextResult(const char *op)
 {
-    const auto failure = failures_.find(op);
-    if (failure == failures_.end())
+    const auto failure = m_failures.find(op);
+    if (failure == m_failures.end())
         return std::nullopt;
     const int code = failure->second.code;
     if (failure->second.left > 0 && --failure->second.left == 0)
-        failures_.erase(failure);
+        m_failures.erase(failure);
     return code;
 }
 

@@ -36,8 +36,8 @@ private:
 
     void dropOldest();
 
-    std::deque<Entry> entries_;
-    std::uint64_t calls_ = 0;
+    std::deque<Entry> m_entries;
+    std::uint64_t m_calls = 0;
 };
 
 // The answers and delays that a test or a person has ordered, by operation.
@@ -55,8 +55,8 @@ public:
     void fail(const std::string &op, int code, int count);
     // Every call of `op` takes `ms`. Throws BadRequest for an unknown operation or a negative time.
     void delay(const std::string &op, int ms);
-    void clearFailures() { failures_.clear(); }
-    void clearDelays() { delays_.clear(); }
+    void clearFailures() { m_failures.clear(); }
+    void clearDelays() { m_delays.clear(); }
 
     // What is ordered for the call of `op` that is about to be made; counts it.
     Order next(const char *op);
@@ -70,8 +70,8 @@ private:
 
     std::optional<int> nextResult(const char *op);
 
-    std::map<std::string, Failure, std::less<>> failures_;
-    std::map<std::string, int, std::less<>> delays_;
+    std::map<std::string, Failure, std::less<>> m_failures;
+    std::map<std::string, int, std::less<>> m_delays;
 };
 
 // The calling thread's name in the log: "gui" for the process's first thread, "timer", "media" or

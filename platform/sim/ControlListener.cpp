@@ -7,7 +7,7 @@
 namespace sim {
 namespace {
 
-constexpr qint64 longestLine = 1 << 20;
+constexpr qint64 LONGEST_LINE = 1 << 20;
 
 std::string uiReply(const Request &request)
 {
@@ -22,42 +22,42 @@ std::string uiReply(const Request &request)
 
 bool ControlListener::listen(const QString &socketPath)
 {
-    connect(server_, &QLocalServer::newConnection, this, &ControlListener::acceptClients);
-    server_->setSocketOptions(QLocalServer::UserAccessOption);
+    connect(m_server, &QLocalServer::newConnection, this, &ControlListener::acceptClients);
+    m_server->setSocketOptions(QLocalServer::UserAccessOption);
     QLocalServer::removeServer(socketPath);
-    return server_->listen(socketPath);
+    return m_server->listen(socketPath);
 }
 
 void ControlListener::acceptClients()
 {
-    while (QLocalSocket *socket = server_->nextPendingConnection())
-        new ControlClient(socket, access_, this);
+    while (QLocalSocket *socket = m_server->nextPendingConnection())
+        new ControlClient(socket, m_access, this);
 }
 
 ControlClient::ControlClient(QLocalSocket *socket, const GuiAccess &access, QObject *parent)
-    : QObject(parent), access_(access), socket_(socket)
+    : QObject(parent), m_access(access), m_socket(socket)
 {
-    socket_->setParent(this);
-    socket_->setReadBufferSize(longestLine + 1);
-    connect(socket_, &QLocalSocket::readyRead, this, &ControlClient::readRequests);
-    connect(socket_, &QLocalSocket::disconnected, this, &QObject::deleteLater);
+    m_socket->setParent(this);
+    m_socket->setReadBufferSize(LONGEST_LINE + 1);
+    connect(m_socket, &QLocalSocket::readyRead, this, &ControlClient::readRequests);
+    connect(m_socket, &QLocalSocket::disconnected, this, &QObject::deleteLater);
     readRequests();
 }
 
 ControlClient::~ControlClient()
 {
-    if (errand_)
-        *errand_ = false;
+    if (m_errand)
+        *m_errand = false;
 }
 
 void ControlClient::readRequests()
 {
-    while (!errand_ && socket_->canReadLine())
-        serve(socket_->readLine());
-    if (errand_ || socket_->canReadLine() || socket_->bytesAvailable() <= longestLine)
+    while (!m_errand && m_socket->canReadLine())
+        serve(m_socket->readLine());
+    if (m_errand || m_socket->canReadLine() || m_socket->bytesAvailable() <= LONGEST_LINE)
         return;
     send(errorReply("the line is too long"));
-    socket_->disconnectFromServer();
+    m_socket->disconnectFromServer();
 }
 
 void ControlClient::serve(const QByteArray &line)
@@ -75,15 +75,15 @@ void ControlClient::serve(const QByteArray &line)
 
 void ControlClient::askGui(const Request &request)
 {
-    errand_ = std::make_shared<std::atomic<bool>>(true);
+    m_errand = std::make_shared<std::atomic<bool>>(true);
     // Both in the control thread; an errand that is still open has its connection still.
-    const auto finish = [this, errand = errand_](const std::string &reply) {
+    const auto finish = [this, errand = m_errand](const std::string &reply) {
         if (errand->exchange(false))
             finishErrand(reply);
     };
-    QTimer::singleShot(access_.patience, this,
+    QTimer::singleShot(m_access.patience, this,
                        [finish] { finish(errorReply("the panel does not answer")); });
-    access_.gui->post([request, finish, errand = errand_, control = access_.control] {
+    m_access.gui->post([request, finish, errand = m_errand, control = m_access.control] {
         if (!*errand)
             return;
         control->post([finish, reply = uiReply(request)] { finish(reply); });
@@ -92,15 +92,15 @@ void ControlClient::askGui(const Request &request)
 
 void ControlClient::finishErrand(const std::string &reply)
 {
-    errand_.reset();
+    m_errand.reset();
     send(reply);
     readRequests();
 }
 
 void ControlClient::send(const std::string &reply)
 {
-    socket_->write(reply.data(), static_cast<qint64>(reply.size()));
-    socket_->flush();
+    m_socket->write(reply.data(), static_cast<qint64>(reply.size()));
+    m_socket->flush();
 }
 
 } // namespace sim

@@ -29,17 +29,17 @@ class ControlListener : public Mailbox
 
 public:
     ControlListener(Mailbox &gui, std::chrono::milliseconds guiPatience)
-        : access_{&gui, this, guiPatience}
+        : m_access{&gui, this, guiPatience}
     {
     }
     bool listen(const QString &socketPath);
-    QString errorString() const { return server_->errorString(); }
+    QString errorString() const { return m_server->errorString(); }
 
 private:
     void acceptClients();
 
-    const GuiAccess access_;
-    QLocalServer *server_ = new QLocalServer(this);
+    const GuiAccess m_access;
+    QLocalServer *m_server = new QLocalServer(this);
 };
 
 // One connection; deletes itself when it ends. Lives in the control thread.
@@ -61,9 +61,9 @@ private:
     void finishErrand(const std::string &reply);
     void send(const std::string &reply);
 
-    const GuiAccess access_;
-    QLocalSocket *socket_;
-    Errand errand_;
+    const GuiAccess m_access;
+    QLocalSocket *m_socket;
+    Errand m_errand;
 };
 
 } // namespace sim

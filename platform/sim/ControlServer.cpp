@@ -8,11 +8,11 @@ namespace sim {
 namespace {
 
 // The thread never waits for the GUI thread, so it ends at once unless the machine is overloaded.
-constexpr unsigned long stopPatienceMs = 2000;
+constexpr unsigned long STOP_PATIENCE_MS = 2000;
 
 } // namespace
 
-ControlServer::ControlServer(std::chrono::milliseconds guiPatience) : guiPatience_(guiPatience) {}
+ControlServer::ControlServer(std::chrono::milliseconds guiPatience) : m_guiPatience(guiPatience) {}
 
 ControlServer::~ControlServer()
 {
@@ -22,16 +22,16 @@ ControlServer::~ControlServer()
 bool ControlServer::start(const QString &socketPath)
 {
     stop();
-    gui_ = std::make_unique<Mailbox>();
-    listener_ = new ControlListener(*gui_, guiPatience_);
-    listener_->moveToThread(&thread_);
-    QObject::connect(&thread_, &QThread::finished, listener_, &QObject::deleteLater);
-    thread_.setObjectName(QStringLiteral("control"));
-    thread_.start();
+    m_gui = std::make_unique<Mailbox>();
+    m_listener = new ControlListener(*m_gui, m_guiPatience);
+    m_listener->moveToThread(&m_thread);
+    QObject::connect(&m_thread, &QThread::finished, m_listener, &QObject::deleteLater);
+    m_thread.setObjectName(QStringLiteral("control"));
+    m_thread.start();
     std::promise<bool> listens;
-    listener_->post([&] {
-        const bool done = listener_->listen(socketPath);
-        errorString_ = done ? QString() : listener_->errorString();
+    m_listener->post([&] {
+        const bool done = m_listener->listen(socketPath);
+        m_errorString = done ? QString() : m_listener->errorString();
         listens.set_value(done);
     });
     const bool listening = listens.get_future().get();
@@ -42,13 +42,13 @@ bool ControlServer::start(const QString &socketPath)
 
 void ControlServer::stop()
 {
-    if (listener_ == nullptr)
+    if (m_listener == nullptr)
         return;
-    thread_.quit();
-    if (!thread_.wait(stopPatienceMs))
-        static_cast<void>(gui_.release()); // the thread may still use it
-    gui_.reset();
-    listener_ = nullptr;
+    m_thread.quit();
+    if (!m_thread.wait(STOP_PATIENCE_MS))
+        static_cast<void>(m_gui.release()); // the thread may still use it
+    m_gui.reset();
+    m_listener = nullptr;
 }
 
 } // namespace sim

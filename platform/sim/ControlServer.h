@@ -29,17 +29,17 @@ public:
     // Listens at `socketPath` (a socket that an ended program left there is replaced), open to
     // this user only. Returns false on failure, see errorString().
     bool start(const QString &socketPath);
-    QString errorString() const { return errorString_; }
+    QString errorString() const { return m_errorString; }
 
     // Ends the connections and the thread. Does nothing if the server does not run.
     void stop();
 
 private:
-    const std::chrono::milliseconds guiPatience_;
-    QThread thread_;
-    std::unique_ptr<Mailbox> gui_;
-    ControlListener *listener_ = nullptr;
-    QString errorString_;
+    const std::chrono::milliseconds m_guiPatience;
+    QThread m_thread;
+    std::unique_ptr<Mailbox> m_gui;
+    ControlListener *m_listener = nullptr;
+    QString m_errorString;
 };
 
 } // namespace sim

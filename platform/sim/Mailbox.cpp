@@ -6,14 +6,14 @@ namespace sim {
 
 Mailbox::~Mailbox()
 {
-    const std::lock_guard lock(mutex_); // sees what other threads did last
-    works_.clear();
+    const std::lock_guard lock(m_mutex); // sees what other threads did last
+    m_works.clear();
 }
 
 void Mailbox::post(std::function<void()> work)
 {
-    const std::lock_guard lock(mutex_);
-    works_.push_back(std::move(work));
+    const std::lock_guard lock(m_mutex);
+    m_works.push_back(std::move(work));
     QMetaObject::invokeMethod(this, "run", Qt::QueuedConnection);
 }
 
@@ -25,9 +25,9 @@ void Mailbox::run()
 
 std::function<void()> Mailbox::take()
 {
-    const std::lock_guard lock(mutex_);
-    auto work = std::move(works_.front());
-    works_.pop_front();
+    const std::lock_guard lock(m_mutex);
+    auto work = std::move(m_works.front());
+    m_works.pop_front();
     return work;
 }
 

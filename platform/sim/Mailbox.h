@@ -25,8 +25,8 @@ private:
     Q_INVOKABLE void run();
     std::function<void()> take();
 
-    std::mutex mutex_;
-    std::deque<std::function<void()>> works_;
+    std::mutex m_mutex;
+    std::deque<std::function<void()>> m_works;
 };
 
 } // namespace sim

@@ -11,25 +11,25 @@ namespace sim {
 void MediaService::addDev(const std::vector<PLATFORM::DEV_TYPE_T> &types,
                           const PLATFORM::MediaCallbacks &callbacks, void *context)
 {
-    listeners_.push_back({callbacks, context});
-    for (const PLATFORM::tagDEV_INFO_T &info : plugged_)
+    m_listeners.push_back({callbacks, context});
+    for (const PLATFORM::tagDEV_INFO_T &info : m_plugged)
         if (std::find(types.begin(), types.end(), info.nType) != types.end())
-            post(listeners_.back(), info, true);
+            post(m_listeners.back(), info, true);
 }
 
 void MediaService::forgetRegistrations()
 {
-    listeners_.clear();
-    plugged_.clear();
+    m_listeners.clear();
+    m_plugged.clear();
 }
 
 void MediaService::insert(int type, const std::string &mountPath)
 {
     panel().locked([&](const Json &) {
         unplug(type, mountPath);
-        plugged_.push_back({type, mountPath});
-        for (const Listener &listener : listeners_)
-            post(listener, plugged_.back(), true);
+        m_plugged.push_back({type, mountPath});
+        for (const Listener &listener : m_listeners)
+            post(listener, m_plugged.back(), true);
     });
 }
 
@@ -37,7 +37,7 @@ void MediaService::remove(int type, const std::string &mountPath)
 {
     panel().locked([&](const Json &) {
         unplug(type, mountPath);
-        for (const Listener &listener : listeners_)
+        for (const Listener &listener : m_listeners)
             post(listener, {type, mountPath}, false);
     });
 }
@@ -47,15 +47,15 @@ void MediaService::unplug(int type, const std::string &mountPath)
     const auto same = [&](const PLATFORM::tagDEV_INFO_T &info) {
         return info.nType == type && info.sMountPath == mountPath;
     };
-    plugged_.erase(std::remove_if(plugged_.begin(), plugged_.end(), same), plugged_.end());
+    m_plugged.erase(std::remove_if(m_plugged.begin(), m_plugged.end(), same), m_plugged.end());
 }
 
 void MediaService::post(const Listener &listener, const PLATFORM::tagDEV_INFO_T &info, bool added)
 {
     const auto callback = added ? listener.callbacks.added : listener.callbacks.removed;
     if (callback != nullptr)
-        thread_.post(0ms,
-                     [callback, info, context = listener.context] { callback(info, context); });
+        m_thread.post(0ms,
+                      [callback, info, context = listener.context] { callback(info, context); });
 }
 
 } // namespace sim

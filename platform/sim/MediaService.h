@@ -26,8 +26,8 @@ public:
     void remove(int type, const std::string &mountPath);
 
     // As ServiceThread's. The panel is not locked.
-    bool forget(std::chrono::milliseconds patience) { return thread_.forget(patience); }
-    bool stop(std::chrono::milliseconds patience) { return thread_.stop(patience); }
+    bool forget(std::chrono::milliseconds patience) { return m_thread.forget(patience); }
+    bool stop(std::chrono::milliseconds patience) { return m_thread.stop(patience); }
 
 private:
     struct Listener
@@ -39,9 +39,9 @@ private:
     void unplug(int type, const std::string &mountPath);
     void post(const Listener &listener, const PLATFORM::tagDEV_INFO_T &info, bool added);
 
-    ServiceThread thread_{"media"};
-    std::vector<Listener> listeners_;
-    std::vector<PLATFORM::tagDEV_INFO_T> plugged_;
+    ServiceThread m_thread{"media"};
+    std::vector<Listener> m_listeners;
+    std::vector<PLATFORM::tagDEV_INFO_T> m_plugged;
 };
 
 } // namespace sim

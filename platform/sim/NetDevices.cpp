@@ -5,9 +5,9 @@
 namespace sim {
 namespace {
 
-constexpr const char *addressFields[] = {"sIpAddr", "sSubnetMask", "sGateway", "sPrefDns",
-                                         "sAlterDns"};
-constexpr const char *dnsFields[] = {"sPrefDns", "sAlterDns"};
+constexpr const char *ADDRESS_FIELDS[] = {"sIpAddr", "sSubnetMask", "sGateway", "sPrefDns",
+                                          "sAlterDns"};
+constexpr const char *DNS_FIELDS[] = {"sPrefDns", "sAlterDns"};
 
 // One search for both kinds of constness.
 template <typename State>
@@ -79,7 +79,7 @@ void takeLease(Json &state, Json &device)
     const Json &byHand = staticAddress(state, device);
     if (text(byHand, "sPrefDns").empty() && text(byHand, "sAlterDns").empty())
         return;
-    for (const char *field : dnsFields)
+    for (const char *field : DNS_FIELDS)
         device[field] = byHand[field];
 }
 
@@ -89,21 +89,21 @@ void takeStatic(const Json &state, Json &device)
     const auto address = statics.find(text(device, "sDevName"));
     if (address == statics.end())
         return;
-    for (const char *field : addressFields)
+    for (const char *field : ADDRESS_FIELDS)
         if (!text(*address, field).empty())
             device[field] = (*address)[field];
 }
 
 void dropAddress(Json &device)
 {
-    for (const char *field : addressFields)
+    for (const char *field : ADDRESS_FIELDS)
         device[field] = "";
 }
 
 void keepAsStatic(Json &state, const Json &device)
 {
     Json &address = staticAddress(state, device);
-    for (const char *field : addressFields)
+    for (const char *field : ADDRESS_FIELDS)
         address[field] = device[field];
 }
 
@@ -111,7 +111,7 @@ Json &staticAddress(Json &state, const Json &device)
 {
     Json &address = state["net"]["statics"][text(device, "sDevName")];
     if (address.is_null())
-        for (const char *field : addressFields)
+        for (const char *field : ADDRESS_FIELDS)
             address[field] = "";
     return address;
 }

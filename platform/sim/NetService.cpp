@@ -11,10 +11,10 @@ using namespace std::chrono_literals;
 namespace sim {
 namespace {
 
-constexpr auto recordDelay = 50ms;
-constexpr auto switchDelay = 100ms; // and the record after it
-constexpr auto leaseDelay = 300ms;
-constexpr auto joinDelay = 400ms;
+constexpr auto RECORD_DELAY = 50ms;
+constexpr auto SWITCH_DELAY = 100ms; // and the record after it
+constexpr auto LEASE_DELAY = 300ms;
+constexpr auto JOIN_DELAY = 400ms;
 
 bool serviceRuns(const Json &state)
 {
@@ -59,53 +59,54 @@ void finishJoining(Json &state)
 
 void NetService::later(std::chrono::milliseconds delay, std::function<void(Json &)> action)
 {
-    thread_.post(delay, [action = std::move(action)] { panel().locked(action); });
+    m_thread.post(delay, [action = std::move(action)] { panel().locked(action); });
 }
 
 bool NetService::forget(std::chrono::milliseconds patience)
 {
-    return thread_.forget(patience);
+    return m_thread.forget(patience);
 }
 
 void NetService::forgetRegistrations()
 {
-    recordListeners_.clear();
-    atListeners_.clear();
-    recordsPosted_ = false;
+    m_recordListeners.clear();
+    m_atListeners.clear();
+    m_recordsPosted = false;
 }
 
 // --- Records -----------------------------------------------------------------------------------
 
 void NetService::registerRecords(netT::AllNetInfoCallback callback, void *context, bool repeat)
 {
-    recordListeners_.push_back({callback, context, repeat, true});
+    m_recordListeners.push_back({callback, context, repeat, true});
     postRecords();
 }
 
 void NetService::recordsSoon()
 {
-    for (RecordListener &listener : recordListeners_)
+    for (RecordListener &listener : m_recordListeners)
         listener.due = true;
     postRecords();
 }
 
 void NetService::postRecords()
 {
-    if (!std::exchange(recordsPosted_, true))
-        thread_.post(recordDelay, [this] { deliverRecords(); });
+    if (!std::exchange(m_recordsPosted, true))
+        m_thread.post(RECORD_DELAY, [this] { deliverRecords(); });
 }
 
 std::vector<NetService::RecordListener> NetService::takeDueListeners()
 {
     std::vector<RecordListener> due;
-    for (RecordListener &listener : recordListeners_)
+    for (RecordListener &listener : m_recordListeners)
         if (std::exchange(listener.due, false))
             due.push_back(listener);
     const auto once = [](const RecordListener &listener) {
         return !listener.repeat && !listener.due;
     };
-    recordListeners_.erase(std::remove_if(recordListeners_.begin(), recordListeners_.end(), once),
-                           recordListeners_.end());
+    m_recordListeners.erase(
+        std::remove_if(m_recordListeners.begin(), m_recordListeners.end(), once),
+        m_recordListeners.end());
     return due;
 }
 
@@ -113,7 +114,7 @@ void NetService::deliverRecords()
 {
     std::vector<netT::stAllNetInfo_tag> records;
     const auto due = panel().locked([&](const Json &state) {
-        recordsPosted_ = false;
+        m_recordsPosted = false;
         for (const Json &device : state["net"]["devices"])
             records.push_back(toRecord(device));
         return serviceRuns(state) ? takeDueListeners() : std::vector<RecordListener>();
@@ -128,15 +129,15 @@ void NetService::deliverRecords()
 
 void NetService::registerAt(netT::AtInfoCallback callback, void *context)
 {
-    atListeners_.push_back({callback, context, true});
-    thread_.post(recordDelay, [this] { deliverAt(); });
+    m_atListeners.push_back({callback, context, true});
+    m_thread.post(RECORD_DELAY, [this] { deliverAt(); });
 }
 
 void NetService::atSoon()
 {
-    for (AtListener &listener : atListeners_)
+    for (AtListener &listener : m_atListeners)
         listener.due = true;
-    thread_.post(recordDelay, [this] { deliverAt(); });
+    m_thread.post(RECORD_DELAY, [this] { deliverAt(); });
 }
 
 void NetService::deliverAt()
@@ -147,7 +148,7 @@ void NetService::deliverAt()
         if (!serviceRuns(state) || presentDevice(state, "4G") == nullptr)
             return;
         info = toAtInfo(state["modem"]["at"]);
-        for (AtListener &listener : atListeners_)
+        for (AtListener &listener : m_atListeners)
             if (std::exchange(listener.due, false))
                 due.push_back(listener);
     });
@@ -183,7 +184,7 @@ void NetService::refresh(Json &state, Json &device)
 
 void NetService::leaseSoon(const std::string &name)
 {
-    later(leaseDelay, [this, name](Json &state) {
+    later(LEASE_DELAY, [this, name](Json &state) {
         Json *device = findDevice(state, name);
         if (device == nullptr || !usesDhcp(*device) || !works(state, *device))
             return;
@@ -194,7 +195,7 @@ void NetService::leaseSoon(const std::string &name)
 
 void NetService::switchSoon(const std::string &name, bool on)
 {
-    later(switchDelay, [this, name, on](Json &state) {
+    later(SWITCH_DELAY, [this, name, on](Json &state) {
         Json *device = findDevice(state, name);
         if (device == nullptr)
             return;
@@ -215,9 +216,10 @@ void NetService::joinWifi(Json &state, Json &device)
 {
     state["wifi"]["state"] = int(netT::WIFI_CONNECTING);
     refresh(state, device);
-    later(joinDelay, [this, name = text(device, "sDevName"), join = ++joins_](Json &later) {
+    later(JOIN_DELAY, [this, name = text(device, "sDevName"), join = ++m_joins](Json &later) {
         Json *wifi = findDevice(later, name);
-        const bool current = join == joins_ && later["wifi"]["state"] == int(netT::WIFI_CONNECTING);
+        const bool current =
+            join == m_joins && later["wifi"]["state"] == int(netT::WIFI_CONNECTING);
         if (!current || wifi == nullptr)
             return;
         finishJoining(later);

@@ -35,7 +35,7 @@ public:
 
     // As ServiceThread's. The panel is not locked.
     bool forget(std::chrono::milliseconds patience);
-    bool stop(std::chrono::milliseconds patience) { return thread_.stop(patience); }
+    bool stop(std::chrono::milliseconds patience) { return m_thread.stop(patience); }
 
 private:
     struct RecordListener
@@ -62,11 +62,11 @@ private:
     std::vector<RecordListener> takeDueListeners();
     void deliverAt();
 
-    ServiceThread thread_{"net"};
-    std::vector<RecordListener> recordListeners_;
-    std::vector<AtListener> atListeners_;
-    bool recordsPosted_ = false;
-    int joins_ = 0;
+    ServiceThread m_thread{"net"};
+    std::vector<RecordListener> m_recordListeners;
+    std::vector<AtListener> m_atListeners;
+    bool m_recordsPosted = false;
+    int m_joins = 0;
 };
 
 // A record as get4gAtInfoCallBackup delivers it.

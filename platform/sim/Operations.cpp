@@ -6,7 +6,7 @@
 namespace sim {
 namespace {
 
-constexpr const char *operations[] = {
+constexpr const char *OPERATIONS[] = {
     "Beep",
     "CBB.request",
     "COS.GetProcessPIDByName",
@@ -96,7 +96,7 @@ constexpr const char *operations[] = {
 
 bool isOperation(const std::string &name)
 {
-    return std::find(std::begin(operations), std::end(operations), name) != std::end(operations);
+    return std::find(std::begin(OPERATIONS), std::end(OPERATIONS), name) != std::end(OPERATIONS);
 }
 
 } // namespace sim

@@ -43,20 +43,20 @@ Injections ordersOf(const Json &scenario)
 
 } // namespace
 
-Panel::Panel() : state_(defaultState()) {}
+Panel::Panel() : m_state(defaultState()) {}
 
 Json Panel::get(const std::string &path)
 {
-    const std::lock_guard lock(mutex_);
-    return valueAt(state_, path);
+    const std::lock_guard lock(m_mutex);
+    return valueAt(m_state, path);
 }
 
 void Panel::set(const std::string &path, const Json &value)
 {
-    const std::lock_guard lock(mutex_);
-    const Json before = state_;
-    change(state_, path, value);
-    net_.stateChanged(before, state_);
+    const std::lock_guard lock(m_mutex);
+    const Json before = m_state;
+    change(m_state, path, value);
+    m_net.stateChanged(before, m_state);
 }
 
 void Panel::apply(const Json &scenario)
@@ -67,65 +67,65 @@ void Panel::apply(const Json &scenario)
     Json part = scenario;
     part.erase("fail");
     part.erase("delay");
-    const std::lock_guard lock(mutex_);
-    const Json before = state_;
-    overlay(state_, part);
-    injections_ = orders;
-    net_.stateChanged(before, state_);
+    const std::lock_guard lock(m_mutex);
+    const Json before = m_state;
+    overlay(m_state, part);
+    m_injections = orders;
+    m_net.stateChanged(before, m_state);
 }
 
 void Panel::fail(const std::string &op, int code, int count)
 {
-    const std::lock_guard lock(mutex_);
-    injections_.fail(op, code, count);
+    const std::lock_guard lock(m_mutex);
+    m_injections.fail(op, code, count);
 }
 
 void Panel::delay(const std::string &op, int ms)
 {
-    const std::lock_guard lock(mutex_);
-    injections_.delay(op, ms);
+    const std::lock_guard lock(m_mutex);
+    m_injections.delay(op, ms);
 }
 
 void Panel::clearFailures()
 {
-    const std::lock_guard lock(mutex_);
-    injections_.clearFailures();
+    const std::lock_guard lock(m_mutex);
+    m_injections.clearFailures();
 }
 
 void Panel::clearDelays()
 {
-    const std::lock_guard lock(mutex_);
-    injections_.clearDelays();
+    const std::lock_guard lock(m_mutex);
+    m_injections.clearDelays();
 }
 
 Json Panel::calls()
 {
-    const std::lock_guard lock(mutex_);
-    return log_.toJson();
+    const std::lock_guard lock(m_mutex);
+    return m_log.toJson();
 }
 
 void Panel::clearCalls()
 {
-    const std::lock_guard lock(mutex_);
-    log_.clear();
+    const std::lock_guard lock(m_mutex);
+    m_log.clear();
 }
 
 void Panel::reset()
 {
-    net_.forget(resetPatience);
-    media_.forget(resetPatience);
-    const std::lock_guard lock(mutex_);
-    net_.forgetRegistrations();
-    media_.forgetRegistrations();
-    state_ = defaultState();
-    log_.clear();
-    injections_ = Injections();
+    m_net.forget(resetPatience);
+    m_media.forget(resetPatience);
+    const std::lock_guard lock(m_mutex);
+    m_net.forgetRegistrations();
+    m_media.forgetRegistrations();
+    m_state = defaultState();
+    m_log.clear();
+    m_injections = Injections();
 }
 
 void Panel::stop(std::chrono::milliseconds patience)
 {
-    net_.stop(patience);
-    media_.stop(patience);
+    m_net.stop(patience);
+    m_media.stop(patience);
 }
 
 void Panel::sleep(std::unique_lock<std::mutex> &lock, int ms)

@@ -45,8 +45,8 @@ public:
     // Ends the services' threads, as reset() waits for them.
     void stop(std::chrono::milliseconds patience);
 
-    NetService &net() { return net_; }
-    MediaService &media() { return media_; }
+    NetService &net() { return m_net; }
+    MediaService &media() { return m_media; }
 
     // --- for the simulated functions ---
 
@@ -54,8 +54,8 @@ public:
     template <typename Action>
     auto locked(Action &&action)
     {
-        const std::lock_guard lock(mutex_);
-        return action(state_);
+        const std::lock_guard lock(m_mutex);
+        return action(m_state);
     }
 
     // One platform call: takes the delay and the answer that are ordered for `op`, else asks
@@ -63,8 +63,8 @@ public:
     template <typename Body>
     auto call(const char *op, Json args, Body &&body)
     {
-        std::unique_lock lock(mutex_);
-        const Injections::Order order = injections_.next(op);
+        std::unique_lock lock(m_mutex);
+        const Injections::Order order = m_injections.next(op);
         sleep(lock, order.delayMs);
         return answer(op, std::move(args), order, body);
     }
@@ -74,8 +74,8 @@ public:
     int callWithin(const char *op, Json args, unsigned int timeoutMs, int timeoutResult,
                    Body &&body)
     {
-        std::unique_lock lock(mutex_);
-        Injections::Order order = injections_.next(op);
+        std::unique_lock lock(m_mutex);
+        Injections::Order order = m_injections.next(op);
         if (order.delayMs > 0 && static_cast<unsigned int>(order.delayMs) > timeoutMs)
             order = {timeoutResult, static_cast<int>(timeoutMs)};
         sleep(lock, order.delayMs);
@@ -86,20 +86,20 @@ private:
     template <typename Body>
     auto answer(const char *op, Json args, const Injections::Order &order, Body &body)
     {
-        using Result = decltype(body(state_));
-        const Result result = order.result ? Result(*order.result) : body(state_);
-        log_.add(op, std::move(args), static_cast<std::int64_t>(result), callingThread());
+        using Result = decltype(body(m_state));
+        const Result result = order.result ? Result(*order.result) : body(m_state);
+        m_log.add(op, std::move(args), static_cast<std::int64_t>(result), callingThread());
         return result;
     }
 
     static void sleep(std::unique_lock<std::mutex> &lock, int ms);
 
-    std::mutex mutex_;
-    Json state_;
-    CallLog log_;
-    Injections injections_;
-    NetService net_;
-    MediaService media_;
+    std::mutex m_mutex;
+    Json m_state;
+    CallLog m_log;
+    Injections m_injections;
+    NetService m_net;
+    MediaService m_media;
 };
 
 // The panel of this process, made at the first call and never destroyed, because platform threads

@@ -90,7 +90,7 @@ struct Verb
     Json (*run)(const Args &args);
 };
 
-constexpr Verb verbs[] = {{"get", 0, 1, get},         {"set", 2, 2, set},   {"usb", 2, 2, usb},
+constexpr Verb VERBS[] = {{"get", 0, 1, get},         {"set", 2, 2, set},   {"usb", 2, 2, usb},
                           {"hotplug", 3, 3, hotplug}, {"fail", 1, 3, fail}, {"delay", 1, 2, delay},
                           {"calls", 0, 1, calls}};
 
@@ -110,7 +110,7 @@ Request parseRequest(const std::string &line)
 
 Json runRequest(const Request &request)
 {
-    for (const Verb &verb : verbs) {
+    for (const Verb &verb : VERBS) {
         if (request.verb != verb.name)
             continue;
         if (request.args.size() < verb.least || request.args.size() > verb.most)

@@ -7,32 +7,32 @@ namespace sim {
 
 void ServiceThread::post(std::chrono::milliseconds delay, std::function<void()> action)
 {
-    const std::lock_guard lock(mutex_);
-    if (stopping_)
+    const std::lock_guard lock(m_mutex);
+    if (m_stopping)
         return;
-    actions_.emplace(Clock::now() + delay, std::move(action));
-    if (!thread_.joinable())
-        thread_ = std::thread([this] { run(); });
-    changed_.notify_all();
+    m_actions.emplace(Clock::now() + delay, std::move(action));
+    if (!m_thread.joinable())
+        m_thread = std::thread([this] { run(); });
+    m_changed.notify_all();
 }
 
 bool ServiceThread::forget(std::chrono::milliseconds patience)
 {
-    std::unique_lock lock(mutex_);
-    actions_.clear();
-    return changed_.wait_for(lock, patience, [this] { return !busy_; });
+    std::unique_lock lock(m_mutex);
+    m_actions.clear();
+    return m_changed.wait_for(lock, patience, [this] { return !m_busy; });
 }
 
 bool ServiceThread::stop(std::chrono::milliseconds patience)
 {
-    std::unique_lock lock(mutex_);
-    stopping_ = true;
-    actions_.clear();
-    changed_.notify_all();
-    if (!thread_.joinable())
+    std::unique_lock lock(m_mutex);
+    m_stopping = true;
+    m_actions.clear();
+    m_changed.notify_all();
+    if (!m_thread.joinable())
         return true;
-    const bool idle = changed_.wait_for(lock, patience, [this] { return !busy_; });
-    std::thread thread = std::move(thread_);
+    const bool idle = m_changed.wait_for(lock, patience, [this] { return !m_busy; });
+    std::thread thread = std::move(m_thread);
     lock.unlock();
     if (idle)
         thread.join();
@@ -43,29 +43,29 @@ bool ServiceThread::stop(std::chrono::milliseconds patience)
 
 void ServiceThread::run()
 {
-    pthread_setname_np(pthread_self(), name_.c_str());
-    std::unique_lock lock(mutex_);
-    while (!stopping_) {
-        if (actions_.empty() || actions_.begin()->first > Clock::now()) {
+    pthread_setname_np(pthread_self(), m_name.c_str());
+    std::unique_lock lock(m_mutex);
+    while (!m_stopping) {
+        if (m_actions.empty() || m_actions.begin()->first > Clock::now()) {
             waitForWork(lock);
             continue;
         }
-        const auto action = std::move(actions_.extract(actions_.begin()).mapped());
-        busy_ = true;
+        const auto action = std::move(m_actions.extract(m_actions.begin()).mapped());
+        m_busy = true;
         lock.unlock();
         action();
         lock.lock();
-        busy_ = false;
-        changed_.notify_all();
+        m_busy = false;
+        m_changed.notify_all();
     }
 }
 
 void ServiceThread::waitForWork(std::unique_lock<std::mutex> &lock)
 {
-    if (actions_.empty())
-        changed_.wait(lock);
+    if (m_actions.empty())
+        m_changed.wait(lock);
     else
-        changed_.wait_until(lock, Clock::time_point(actions_.begin()->first));
+        m_changed.wait_until(lock, Clock::time_point(m_actions.begin()->first));
 }
 
 } // namespace sim

@@ -16,7 +16,7 @@ class ServiceThread
 {
 public:
     // `name` is what pthread_getname_np says, at most 15 bytes.
-    explicit ServiceThread(std::string name) : name_(std::move(name)) {}
+    explicit ServiceThread(std::string name) : m_name(std::move(name)) {}
     ~ServiceThread() { stop(std::chrono::seconds(5)); }
     ServiceThread(const ServiceThread &) = delete;
     ServiceThread &operator=(const ServiceThread &) = delete;
@@ -39,13 +39,13 @@ private:
     void run();
     void waitForWork(std::unique_lock<std::mutex> &lock);
 
-    const std::string name_;
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::multimap<Clock::time_point, std::function<void()>> actions_;
-    std::thread thread_;
-    bool busy_ = false;
-    bool stopping_ = false;
+    const std::string m_name;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::multimap<Clock::time_point, std::function<void()>> m_actions;
+    std::thread m_thread;
+    bool m_busy = false;
+    bool m_stopping = false;
 };
 
 } // namespace sim

@@ -8,9 +8,9 @@ using sim::panel;
 
 namespace {
 
-constexpr int failed = -1;
-constexpr std::size_t keptBeeps = 1000;
-constexpr int bitsPerPixel = 32;
+constexpr int FAILED = -1;
+constexpr std::size_t KEPT_BEEPS = 1000;
+constexpr int BITS_PER_PIXEL = 32;
 
 // Whether a click may wait, so that the buzzer's task, twenty times a second, need not look it up.
 // Touched with the panel locked.
@@ -25,7 +25,7 @@ void playTone(Json &state, const Json &milliseconds)
 {
     Json &beeps = state["buzzer"]["beeps"];
     beeps.push_back(milliseconds);
-    if (beeps.size() > keptBeeps)
+    if (beeps.size() > KEPT_BEEPS)
         beeps.erase(beeps.begin());
 }
 
@@ -42,7 +42,7 @@ int setBuzzer(const char *op, const char *field, int value, bool valid)
 {
     return panel().call(op, Json::array({value}), [&](Json &state) {
         if (!valid)
-            return failed;
+            return FAILED;
         state["buzzer"][field] = value;
         return 0;
     });
@@ -53,7 +53,7 @@ int readText(const char *op, const char *field, std::string &out)
     return panel().call(op, Json(), [&](Json &state) {
         const Json &value = state["machine"][field];
         if (value.is_null())
-            return failed;
+            return FAILED;
         out = value.get<std::string>();
         return 0;
     });
@@ -73,7 +73,7 @@ int CPlatLcd::getResolution(int &width, int &height, int &depth)
     return panel().call("PLATFORM.CPlatLcd.getResolution", Json(), [&](Json &state) {
         width = state["lcd"]["width"].get<int>();
         height = state["lcd"]["height"].get<int>();
-        depth = bitsPerPixel;
+        depth = BITS_PER_PIXEL;
         return 0;
     });
 }
@@ -83,7 +83,7 @@ int CPlatLcd::setBrightness(int percent)
     return panel().call("PLATFORM.CPlatLcd.setBrightness", Json::array({percent}),
                         [&](Json &state) {
                             if (percent < 1 || percent > 100)
-                                return failed;
+                                return FAILED;
                             state["lcd"]["brightness"] = percent;
                             return 0;
                         });
@@ -107,7 +107,7 @@ int CPlatBuzzer::init(int enabled, unsigned short pwmType, unsigned short beepTi
     return panel().call(
         "PLATFORM.CPlatBuzzer.init", Json::array({enabled, pwmType, beepTime}), [&](Json &state) {
             if (!isTone(pwmType) || !isClickLength(beepTime))
-                return failed;
+                return FAILED;
             state["buzzer"].update(
                 {{"enabled", enabled != 0 ? 1 : 0}, {"tone", pwmType}, {"time", beepTime}});
             return 0;
@@ -182,7 +182,7 @@ int Beep(int milliseconds)
 {
     return panel().call("Beep", Json::array({milliseconds}), [&](Json &state) {
         if (milliseconds < 0)
-            return failed;
+            return FAILED;
         playTone(state, milliseconds);
         return 0;
     });
@@ -200,7 +200,7 @@ int remountPartion(int mode, const std::string &partition)
 {
     return panel().call("remountPartion", Json::array({mode, partition}), [&](Json &state) {
         if (mode != 0 && mode != 1)
-            return failed;
+            return FAILED;
         if (partition.empty())
             state["partition"]["writable"] = mode == 1;
         state["partition"]["remounts"].push_back(mode);

@@ -7,8 +7,8 @@ using sim::panel;
 
 namespace {
 
-constexpr int notStarted = -1;
-constexpr int connected = 1;
+constexpr int NOT_STARTED = -1;
+constexpr int CONNECTED = 1;
 
 Json toJson(const netT::CloudConfig &config)
 {
@@ -45,8 +45,8 @@ int CAsyncClient::start(const CloudConfig &config, MessageHandler /*handler*/, v
         Json &cloud = state["cloud"];
         cloud["started"] = true;
         cloud["config"] = wanted;
-        if (cloud["status"] == notStarted) // a stage that was set before holds
-            cloud["status"] = connected;
+        if (cloud["status"] == NOT_STARTED) // a stage that was set before holds
+            cloud["status"] = CONNECTED;
         return 0;
     });
 }

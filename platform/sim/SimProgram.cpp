@@ -20,8 +20,8 @@
 namespace sim {
 namespace {
 
-constexpr int cannotRun = 1;
-constexpr int badEnvironment = 2;
+constexpr int CANNOT_RUN = 1;
+constexpr int BAD_ENVIRONMENT = 2;
 constexpr std::chrono::milliseconds exitPatience(500);
 
 struct Unusable : std::runtime_error
@@ -102,9 +102,9 @@ int startFromEnvironment()
         applyEnvironment();
         takeRoot();
     } catch (const BadRequest &error) {
-        return refuse(badEnvironment, error.what());
+        return refuse(BAD_ENVIRONMENT, error.what());
     } catch (const Unusable &error) {
-        return refuse(cannotRun, error.what());
+        return refuse(CANNOT_RUN, error.what());
     }
     std::atexit(leaveState);
     return 0;

@@ -10,9 +10,9 @@ using sim::panel;
 
 namespace {
 
-constexpr int failed = -1;
-constexpr unsigned int clockAddress = 28;
-constexpr int clockWords = 6;
+constexpr int FAILED = -1;
+constexpr unsigned int CLOCK_ADDRESS = 28;
+constexpr int CLOCK_WORDS = 6;
 
 std::string key(unsigned int address, int offset)
 {
@@ -24,13 +24,13 @@ std::string key(unsigned int address, int offset)
 int writeClock(Json &state, const unsigned short *words)
 {
     if (state["clock"]["allowSet"] == 0)
-        return failed;
+        return FAILED;
     const COS::SYS_TIME_T time{words[0], words[1], words[2], words[3], words[4], words[5]};
     const auto stamp = COS::CosTime::TimeToTimeStamp(time);
     if (stamp == -1)
-        return failed;
+        return FAILED;
     state["clock"]["offset"] = stamp - static_cast<std::int64_t>(std::time(nullptr));
-    state["clock"]["written"] = Json(std::vector<unsigned short>(words, words + clockWords));
+    state["clock"]["written"] = Json(std::vector<unsigned short>(words, words + CLOCK_WORDS));
     return 0;
 }
 
@@ -48,7 +48,7 @@ int readWords(const Json &known, unsigned int address, unsigned short *words, in
     for (int i = 0; i < count; ++i) {
         const auto word = known.find(key(address, i));
         if (word == known.end() || word->is_null())
-            return failed;
+            return FAILED;
         read.push_back(word->get<unsigned short>());
     }
     std::copy(read.begin(), read.end(), words);
@@ -61,7 +61,7 @@ int backstage_AddrRead(unsigned int address, unsigned short *words, int count)
 {
     return panel().call("backstage.AddrRead", Json::array({address, count}), [&](Json &state) {
         if (words == nullptr || count < 1)
-            return failed;
+            return FAILED;
         return readWords(state["words"], address, words, count);
     });
 }
@@ -74,11 +74,11 @@ int backstage_AddrWrite(unsigned int address, const unsigned short *words, int c
     return panel().call("backstage.AddrWrite", Json::array({address, values, count}),
                         [&](Json &state) {
                             if (values.empty())
-                                return failed;
-                            if (address == clockAddress && count == clockWords)
+                                return FAILED;
+                            if (address == CLOCK_ADDRESS && count == CLOCK_WORDS)
                                 return writeClock(state, words);
                             if (!allKnown(state["words"], address, count))
-                                return failed;
+                                return FAILED;
                             for (int i = 0; i < count; ++i)
                                 state["words"][key(address, i)] = words[i];
                             return 0;

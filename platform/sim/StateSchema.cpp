@@ -6,7 +6,7 @@
 namespace sim {
 namespace {
 
-constexpr const char *schemaText = R"({
+constexpr const char *SCHEMA_TEXT = R"({
 "machine": {"hmiType": "text?", "sn": "text?", "mac": "text?", "deviceId": "text?",
             "product": "text?", "remote": "0..1?", "cpuId": "text?", "boardModel": "text?",
             "hardwareReset": "0..1"},
@@ -57,7 +57,7 @@ constexpr const char *schemaText = R"({
 "reboots": ["-2147483648..2147483647"]
 })";
 
-constexpr const char *defaultsText = R"({
+constexpr const char *DEFAULTS_TEXT = R"({
 "machine": {"hmiType": "KV070T", "sn": "A2108150042", "mac": "02:00:5E:10:00:01",
             "deviceId": "0210 8150 0420 7001", "product": "P-070T-0042", "remote": 1,
             "cpuId": "3c00210081500042", "boardModel": "KV070T", "hardwareReset": 1},
@@ -117,7 +117,7 @@ constexpr const char *defaultsText = R"({
 })";
 
 // Backlight off-time and brightness; buzzer off (0 reads as on), tone and time.
-constexpr const char *settingsWords =
+constexpr const char *SETTINGS_WORDS =
     R"({"10590": 600, "10591": 80, "10612": 0, "10613": 3, "10614": 100})";
 
 // Eleven words a port: connection, baud rate, data bits, stop bits, parity, wait and read
@@ -130,7 +130,7 @@ void addPort(Json &words, int base, const std::vector<int> &values)
 
 Json defaultWords()
 {
-    Json words = Json::parse(settingsWords);
+    Json words = Json::parse(SETTINGS_WORDS);
     for (const int base : {10072, 10083, 10105, 10120})
         addPort(words, base, {});
     addPort(words, 10061, {2, 3, 8, 1, 0, 20, 100, 3, 2, 1, 1});
@@ -251,13 +251,13 @@ Json initialObject(const Json &shape)
 
 const Json &stateSchema()
 {
-    static const Json schema = Json::parse(schemaText);
+    static const Json schema = Json::parse(SCHEMA_TEXT);
     return schema;
 }
 
 Json defaultState()
 {
-    Json state = Json::parse(defaultsText);
+    Json state = Json::parse(DEFAULTS_TEXT);
     state["words"] = defaultWords();
     return state;
 }

@@ -8,7 +8,7 @@
 namespace sim {
 namespace {
 
-constexpr int maxDepth = 16;
+constexpr int MAX_DEPTH = 16;
 
 enum class Maps { Merge, Replace };
 
@@ -116,11 +116,11 @@ template <typename Node>
 class Walk
 {
 public:
-    Walk(Node &root, const std::string &path) : node(&root), rest_(path), path_(path) {}
+    Walk(Node &root, const std::string &path) : node(&root), m_rest(path), m_path(path) {}
 
     void toEnd(bool grow)
     {
-        while (!rest_.empty())
+        while (!m_rest.empty())
             step(grow);
     }
 
@@ -142,11 +142,11 @@ private:
 
     std::string takeSegment()
     {
-        const auto dot = rest_.find('.');
-        std::string segment = rest_.substr(0, dot);
-        if (segment.empty() || dot + 1 == rest_.size())
-            noSuchPath(path_);
-        rest_ = dot == std::string::npos ? std::string() : rest_.substr(dot + 1);
+        const auto dot = m_rest.find('.');
+        std::string segment = m_rest.substr(0, dot);
+        if (segment.empty() || dot + 1 == m_rest.size())
+            noSuchPath(m_path);
+        m_rest = dot == std::string::npos ? std::string() : m_rest.substr(dot + 1);
         return segment;
     }
 
@@ -154,7 +154,7 @@ private:
     {
         const std::string key = takeSegment();
         if (!shape->is_object() || !shape->contains(key) || !node->is_object())
-            noSuchPath(path_);
+            noSuchPath(m_path);
         node = &(*node)[key];
         shape = &(*shape)[key];
     }
@@ -166,7 +166,7 @@ private:
         if (grow && index == node->size() && shape->size() == 1)
             append();
         if (index >= node->size())
-            noSuchPath(path_);
+            noSuchPath(m_path);
         node = &(*node)[index];
         shape = &(*shape)[0];
     }
@@ -183,8 +183,8 @@ private:
         const std::string key = takeKey();
         if (!node->contains(key)) {
             if (!grow)
-                noSuchPath(path_);
-            checkKey(mark, key, path_);
+                noSuchPath(m_path);
+            checkKey(mark, key, m_path);
             addKey(key, (*shape)[mark]);
         }
         node = &(*node)[key];
@@ -199,18 +199,19 @@ private:
 
     std::string takeKey()
     {
-        for (auto dot = rest_.find('.'); dot != std::string::npos; dot = rest_.find('.', dot + 1)) {
-            std::string key = rest_.substr(0, dot);
-            if (node->contains(key) && dot + 1 < rest_.size()) {
-                rest_ = rest_.substr(dot + 1);
+        for (auto dot = m_rest.find('.'); dot != std::string::npos;
+             dot = m_rest.find('.', dot + 1)) {
+            std::string key = m_rest.substr(0, dot);
+            if (node->contains(key) && dot + 1 < m_rest.size()) {
+                m_rest = m_rest.substr(dot + 1);
                 return key;
             }
         }
-        return std::exchange(rest_, std::string());
+        return std::exchange(m_rest, std::string());
     }
 
-    std::string rest_;
-    const std::string &path_;
+    std::string m_rest;
+    const std::string &m_path;
 };
 
 } // namespace
@@ -218,7 +219,7 @@ private:
 Json parseJson(const std::string &text)
 {
     const auto limitDepth = [](int depth, Json::parse_event_t, Json &) {
-        if (depth > maxDepth)
+        if (depth > MAX_DEPTH)
             throw BadRequest("the JSON is nested too deep");
         return true;
     };

@@ -12,7 +12,7 @@ namespace {
 
 using Args = std::vector<std::string>;
 
-constexpr int quitRepeatMs = 50;
+constexpr int QUIT_REPEAT_MS = 50;
 
 // Those that `isFirst` holds for come first.
 template <typename Predicate>
@@ -85,7 +85,7 @@ Json quit(const Args &)
 {
     auto *timer = new QTimer(QCoreApplication::instance());
     QObject::connect(timer, &QTimer::timeout, &QCoreApplication::quit);
-    timer->start(quitRepeatMs);
+    timer->start(QUIT_REPEAT_MS);
     return nullptr;
 }
 
@@ -97,7 +97,7 @@ struct Action
     Json (*run)(const Args &args);
 };
 
-constexpr Action actions[] = {
+constexpr Action ACTIONS[] = {
     {"dump", 0, 1, dump}, {"press", 1, 2, press}, {"slide", 2, 2, slide}, {"shot", 1, 1, shot}};
 
 } // namespace
@@ -111,7 +111,7 @@ Json runUiRequest(const Request &request)
 {
     if (request.verb == "quit")
         return quit(request.args);
-    for (const Action &action : actions) {
+    for (const Action &action : ACTIONS) {
         if (request.args.empty() || request.args[0] != action.name)
             continue;
         const Args args(request.args.begin() + 1, request.args.end());

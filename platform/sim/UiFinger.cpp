@@ -81,15 +81,15 @@ public:
         {
             using QSlider::initStyleOption;
         };
-        (slider->*(&Access::initStyleOption))(&option_);
+        (slider->*(&Access::initStyleOption))(&m_option);
         const QStyle *style = slider->style();
-        groove_ =
-            style->subControlRect(QStyle::CC_Slider, &option_, QStyle::SC_SliderGroove, slider);
-        handle_ =
-            style->subControlRect(QStyle::CC_Slider, &option_, QStyle::SC_SliderHandle, slider);
+        m_groove =
+            style->subControlRect(QStyle::CC_Slider, &m_option, QStyle::SC_SliderGroove, slider);
+        m_handle =
+            style->subControlRect(QStyle::CC_Slider, &m_option, QStyle::SC_SliderHandle, slider);
     }
 
-    QPoint centre() const { return handle_.center(); }
+    QPoint centre() const { return m_handle.center(); }
 
     // Where the handle's centre must be for the value nearest to `value`.
     QPoint centreFor(int value) const
@@ -98,27 +98,27 @@ public:
         for (int way = 0; way <= wayLength(); ++way)
             if (std::abs(valueAt(way) - value) < std::abs(valueAt(best) - value))
                 best = way;
-        const QPoint offset = handle_.center() - handle_.topLeft();
-        return isHorizontal() ? QPoint(groove_.x() + best + offset.x(), handle_.center().y())
-                              : QPoint(handle_.center().x(), groove_.y() + best + offset.y());
+        const QPoint offset = m_handle.center() - m_handle.topLeft();
+        return isHorizontal() ? QPoint(m_groove.x() + best + offset.x(), m_handle.center().y())
+                              : QPoint(m_handle.center().x(), m_groove.y() + best + offset.y());
     }
 
 private:
-    bool isHorizontal() const { return option_.orientation == Qt::Horizontal; }
+    bool isHorizontal() const { return m_option.orientation == Qt::Horizontal; }
     int wayLength() const
     {
-        return isHorizontal() ? groove_.width() - handle_.width()
-                              : groove_.height() - handle_.height();
+        return isHorizontal() ? m_groove.width() - m_handle.width()
+                              : m_groove.height() - m_handle.height();
     }
     int valueAt(int way) const
     {
-        return QStyle::sliderValueFromPosition(option_.minimum, option_.maximum, way, wayLength(),
-                                               option_.upsideDown);
+        return QStyle::sliderValueFromPosition(m_option.minimum, m_option.maximum, way, wayLength(),
+                                               m_option.upsideDown);
     }
 
-    QStyleOptionSlider option_;
-    QRect groove_;
-    QRect handle_;
+    QStyleOptionSlider m_option;
+    QRect m_groove;
+    QRect m_handle;
 };
 
 } // namespace

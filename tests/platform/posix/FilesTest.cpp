@@ -21,7 +21,7 @@ class FilesTest : public QObject
 private slots:
     void init()
     {
-        folder_ = std::make_unique<QTemporaryDir>();
+        m_folder = std::make_unique<QTemporaryDir>();
         QCOMPARE(CosDir::MakeDir(at("directory")), 0);
         write("file", "old");
         write("source", "new");
@@ -183,7 +183,7 @@ private slots:
 private:
     std::string at(const QByteArray &name) const
     {
-        return folder_->path().toStdString() + "/" + name.toStdString();
+        return m_folder->path().toStdString() + "/" + name.toStdString();
     }
     void write(const QByteArray &name, const std::string &bytes) const
     {
@@ -195,7 +195,7 @@ private:
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    std::unique_ptr<QTemporaryDir> folder_;
+    std::unique_ptr<QTemporaryDir> m_folder;
 };
 
 QTEST_GUILESS_MAIN(FilesTest)

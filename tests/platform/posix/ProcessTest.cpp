@@ -26,7 +26,7 @@ private slots:
     void findsRunningPrograms()
     {
         QFETCH(QByteArray, name);
-        const QString program = folder_.filePath(QString::fromLatin1(name));
+        const QString program = m_folder.filePath(QString::fromLatin1(name));
         QVERIFY(QFile::copy(QStandardPaths::findExecutable(QStringLiteral("sleep")), program));
         QCOMPARE(scanProcessTable(name.toStdString()), -1);
         QProcess process;
@@ -46,7 +46,7 @@ private slots:
     void emptyNameIsNobody() { QCOMPARE(scanProcessTable(std::string()), -1); }
 
 private:
-    QTemporaryDir folder_;
+    QTemporaryDir m_folder;
 };
 
 QTEST_GUILESS_MAIN(ProcessTest)

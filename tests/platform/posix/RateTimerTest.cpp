@@ -16,7 +16,7 @@ using COS::CCosThreadPool;
 
 namespace {
 
-constexpr int kTick = 5;
+constexpr int TICK = 5;
 
 int count(void *counter)
 {
@@ -45,7 +45,7 @@ struct Slow
 
 int addForEver(CCosRateTimer::Function function, void *argument, const char *name, int mode = 0)
 {
-    return CCosRateTimer::addTimer(function, argument, name, kTick, -1, mode);
+    return CCosRateTimer::addTimer(function, argument, name, TICK, -1, mode);
 }
 
 // True once the service has gone on for some ticks.
@@ -82,7 +82,7 @@ int exitItself(void *)
 [[noreturn]] void exitDuring(const QByteArray &task)
 {
     static auto *started = new Counter; // never destroyed: tasks may still use it
-    CCosRateTimer::init(kTick);
+    CCosRateTimer::init(TICK);
     addForEver(task == "stuck"    ? neverFinish
                : task == "inside" ? exitItself
                                   : finishSoon,
@@ -101,7 +101,7 @@ private slots:
     void init()
     {
         QCOMPARE(CCosThreadPool::init(1, 2, 10), 0);
-        QCOMPARE(CCosRateTimer::init(kTick), 0);
+        QCOMPARE(CCosRateTimer::init(TICK), 0);
     }
     void cleanup()
     {
@@ -144,14 +144,14 @@ private slots:
 
     void runsOnlyBetweenInitAndDestory()
     {
-        QCOMPARE(CCosRateTimer::init(kTick), -1);
+        QCOMPARE(CCosRateTimer::init(TICK), -1);
         CCosRateTimer::destory();
         Counter calls;
         QCOMPARE(addForEver(count, &calls, "a"), -1);
         QCOMPARE(CCosRateTimer::removeTimer("a"), -1);
         QCOMPARE(CCosRateTimer::init(0), -1);
         for (int round = 1; round <= 20; ++round) {
-            QCOMPARE(CCosRateTimer::init(kTick), 0);
+            QCOMPARE(CCosRateTimer::init(TICK), 0);
             QCOMPARE(addForEver(count, &calls, "a"), 0);
             QVERIFY(calls.reaches(round));
             CCosRateTimer::destory();
@@ -180,7 +180,7 @@ private slots:
     {
         QFETCH(int, mode);
         Counter calls;
-        QCOMPARE(CCosRateTimer::addTimer(count, &calls, "a", kTick, 3, mode), 0);
+        QCOMPARE(CCosRateTimer::addTimer(count, &calls, "a", TICK, 3, mode), 0);
         QVERIFY(calls.reaches(3));
         QVERIFY(someTicksPass());
         QCOMPARE(calls.value(), 3);
@@ -225,7 +225,7 @@ private slots:
         for (int i = 0; i < slowTasks; ++i) {
             slow.push_back(std::make_unique<Slow>());
             CCosRateTimer::addTimer(Slow::run, slow.back().get(), "slow" + std::to_string(i),
-                                    slowTicks * kTick, -1, 0);
+                                    slowTicks * TICK, -1, 0);
         }
         Counter calls;
         addForEver(count, &calls, "quick");

@@ -82,7 +82,7 @@ class ControlTest : public QObject
 private slots:
     void initTestCase();
     void init();
-    void cleanup() { window_.reset(); }
+    void cleanup() { m_window.reset(); }
 
     void answersBadLines_data();
     void answersBadLines();
@@ -107,7 +107,7 @@ private:
     QByteArray sendLines(const QByteArray &lines, int replies = 1)
     {
         auto reply = std::async(std::launch::async,
-                                [=, path = socket_] { return exchange(path, lines, replies); });
+                                [=, path = m_socket] { return exchange(path, lines, replies); });
         while (reply.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents,
                                             5);
@@ -118,22 +118,22 @@ private:
         return Json::parse(sendLines(request(words)).toStdString(), nullptr, false);
     }
 
-    QTemporaryDir folder_;
-    QString socket_ = folder_.filePath(QStringLiteral("panel.sock"));
-    sim::ControlServer server_;
-    std::unique_ptr<Window> window_;
+    QTemporaryDir m_folder;
+    QString m_socket = m_folder.filePath(QStringLiteral("panel.sock"));
+    sim::ControlServer m_server;
+    std::unique_ptr<Window> m_window;
 };
 
 void ControlTest::initTestCase()
 {
-    QVERIFY2(server_.start(socket_), qPrintable(server_.errorString()));
+    QVERIFY2(m_server.start(m_socket), qPrintable(m_server.errorString()));
 }
 
 void ControlTest::init()
 {
-    window_ = std::make_unique<Window>();
-    window_->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
+    m_window = std::make_unique<Window>();
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
 }
 
 void ControlTest::answersBadLines_data()
@@ -186,7 +186,7 @@ void ControlTest::dumpsWhatIsShown()
     const Json button = send({"ui", "dump", "button"})["value"][0];
     QVERIFY(button["text"] == "A & B");
     QVERIFY(button["visible"] == true);
-    const QPoint corner = window_->button->pos();
+    const QPoint corner = m_window->button->pos();
     QVERIFY(button["rect"][0] == corner.x() && button["rect"][1] == corner.y());
     const Json tree = send({"ui", "dump"})["value"];
     QVERIFY(tree["name"] == "main");
@@ -211,7 +211,7 @@ void ControlTest::pressesRows()
 {
     QFETCH(QByteArray, object);
     QFETCH(QByteArray, index);
-    QSignalSpy clicks(window_->list, &QListWidget::itemClicked);
+    QSignalSpy clicks(m_window->list, &QListWidget::itemClicked);
     QVERIFY(send({"ui", "press", object.data(), index.data()})["ok"] == true);
     const auto shown = [&] { return send({"ui", "dump", object.data()})["value"][0]["index"]; };
     QTRY_VERIFY(shown() == index.toInt());
@@ -220,7 +220,7 @@ void ControlTest::pressesRows()
 
 void ControlTest::twoQuickPressesAreTwoClicks()
 {
-    QSignalSpy clicks(window_->button, &QPushButton::clicked);
+    QSignalSpy clicks(m_window->button, &QPushButton::clicked);
     sendLines(request({"ui", "press", "button"}) + request({"ui", "press", "button"}), 2);
     QTRY_COMPARE(clicks.count(), 2);
 }
@@ -263,12 +263,12 @@ void ControlTest::slidesToTheValue_data()
 void ControlTest::slidesToTheValue()
 {
     QFETCH(int, value);
-    QSignalSpy moves(window_->slider, &QSlider::sliderMoved);
-    window_->slider->setValue(50);
+    QSignalSpy moves(m_window->slider, &QSlider::sliderMoved);
+    m_window->slider->setValue(50);
     QVERIFY(send({"ui", "slide", "slider", std::to_string(value)})["ok"] == true);
-    QTRY_COMPARE(window_->slider->value(), value);
+    QTRY_COMPARE(m_window->slider->value(), value);
     QVERIFY(!moves.isEmpty());
-    QTRY_VERIFY(!window_->slider->isSliderDown());
+    QTRY_VERIFY(!m_window->slider->isSliderDown());
     QVERIFY(send({"ui", "slide", "slider", "101"})["ok"] == false);
     QVERIFY(send({"ui", "slide", "button", "1"})["ok"] == false);
 }
@@ -277,13 +277,13 @@ void ControlTest::slidesToTheValue()
 // the dialog's own can.
 void ControlTest::worksThroughAModalDialog()
 {
-    QDialog dialog(window_.get());
+    QDialog dialog(m_window.get());
     QPushButton close(QStringLiteral("close"), &dialog);
     close.setObjectName(QStringLiteral("close"));
     connect(&close, &QPushButton::clicked, &dialog, &QDialog::accept);
     auto refusal = std::async(std::launch::async, [this] {
         const auto ask = [this](const std::vector<std::string> &words) {
-            return Json::parse(exchange(socket_, request(words)).toStdString());
+            return Json::parse(exchange(m_socket, request(words)).toStdString());
         };
         while (ask({"ui", "dump", "close"})["value"][0]["visible"] != true)
             ;
@@ -297,11 +297,11 @@ void ControlTest::worksThroughAModalDialog()
 
 void ControlTest::shootsTheScreen()
 {
-    QDialog dialog(window_.get());
+    QDialog dialog(m_window.get());
     dialog.setStyleSheet(QStringLiteral("background: red"));
-    dialog.setGeometry(QRect(window_->mapToGlobal(QPoint(100, 100)), QSize(50, 50)));
+    dialog.setGeometry(QRect(m_window->mapToGlobal(QPoint(100, 100)), QSize(50, 50)));
     dialog.show();
-    const QString file = folder_.filePath(QStringLiteral("shot.png"));
+    const QString file = m_folder.filePath(QStringLiteral("shot.png"));
     QVERIFY(send({"ui", "shot", file.toStdString()})["ok"] == true);
     const QImage image(file);
     QCOMPARE(image.size(), QSize(1024, 600));
@@ -314,12 +314,12 @@ void ControlTest::shootsTheScreen()
 void ControlTest::answersWhileTheGuiThreadIsBusy()
 {
     auto reply = std::async(std::launch::async, [this] {
-        return exchange(socket_, request({"get", "lcd.width"}));
+        return exchange(m_socket, request({"get", "lcd.width"}));
     });
     QCOMPARE(reply.wait_for(std::chrono::seconds(10)), std::future_status::ready);
     QVERIFY(reply.get().contains("1024"));
     sim::ControlServer impatient(std::chrono::milliseconds(100));
-    const QString path = folder_.filePath(QStringLiteral("impatient.sock"));
+    const QString path = m_folder.filePath(QStringLiteral("impatient.sock"));
     QVERIFY(impatient.start(path));
     auto late = std::async(std::launch::async, [&] {
         return exchange(path, request({"ui", "dump"}) + request({"get", "lcd.width"}), 2);
@@ -343,7 +343,7 @@ void ControlTest::refusesTheEnvironment()
 {
     QFETCH(QByteArray, variable);
     QFETCH(QByteArray, value);
-    const QString root = folder_.filePath(QStringLiteral("refused"));
+    const QString root = m_folder.filePath(QStringLiteral("refused"));
     qputenv("SYSSET_ROOT", root.toLocal8Bit());
     qputenv(variable, value);
     QCOMPARE(sim::startFromEnvironment(), 2);
@@ -353,7 +353,7 @@ void ControlTest::refusesTheEnvironment()
 
 void ControlTest::refusesASecondProgram()
 {
-    qputenv("SYSSET_ROOT", folder_.path().toLocal8Bit());
+    qputenv("SYSSET_ROOT", m_folder.path().toLocal8Bit());
     QCOMPARE(sim::startFromEnvironment(), 0);
     QCOMPARE(sim::startFromEnvironment(), 1);
 }

@@ -14,45 +14,45 @@ using Record = netT::stAllNetInfo_tag;
 
 namespace {
 
-constexpr unsigned int timeout = 5000;
+constexpr unsigned int TIMEOUT = 5000;
 
 // Collects what the callback brings, and waits for what a test expects of it.
 class Records
 {
 public:
-    Records() { netT::getAllNetInfoCallBack(take, this, true, timeout, true); }
+    Records() { netT::getAllNetInfoCallBack(take, this, true, TIMEOUT, true); }
 
     // Whether a record of `device` that `fits` comes within five seconds.
     bool wait(const std::string &device, const std::function<bool(const Record &)> &fits)
     {
-        std::unique_lock lock(mutex_);
-        return come_.wait_for(lock, std::chrono::seconds(5), [&] {
-            for (const Record &record : latest_)
+        std::unique_lock lock(m_mutex);
+        return m_come.wait_for(lock, std::chrono::seconds(5), [&] {
+            for (const Record &record : m_latest)
                 if (record.sDevName == device && fits(record))
                     return true;
             return false;
         });
     }
 
-    std::string thread() const { return thread_; }
+    std::string thread() const { return m_thread; }
 
 private:
     static int take(std::vector<Record> &list, void *context)
     {
         auto *self = static_cast<Records *>(context);
-        const std::lock_guard lock(self->mutex_);
+        const std::lock_guard lock(self->m_mutex);
         char name[16] = {};
         pthread_getname_np(pthread_self(), name, sizeof name);
-        self->thread_ = name;
-        self->latest_ = list;
-        self->come_.notify_all();
+        self->m_thread = name;
+        self->m_latest = list;
+        self->m_come.notify_all();
         return 0;
     }
 
-    std::mutex mutex_;
-    std::condition_variable come_;
-    std::vector<Record> latest_;
-    std::string thread_;
+    std::mutex m_mutex;
+    std::condition_variable m_come;
+    std::vector<Record> m_latest;
+    std::string m_thread;
 };
 
 bool isOff(const Record &record)
@@ -115,44 +115,44 @@ void SimNetTest::switchingGoesThroughARecord()
 {
     QFETCH(QByteArray, device);
     Records records;
-    QCOMPARE(netT::netDeviceDown(device.data(), false, timeout), 0);
+    QCOMPARE(netT::netDeviceDown(device.data(), false, TIMEOUT), 0);
     QVERIFY(records.wait(device.data(), [](const Record &r) {
         return isOff(r) && !hasAddress(r) && r.bNetNormal == 0;
     }));
-    QCOMPARE(netT::isNetUp(device.data(), false, timeout), 1);
-    QCOMPARE(netT::netDeviceUp(device.data(), true, timeout), 0);
+    QCOMPARE(netT::isNetUp(device.data(), false, TIMEOUT), 1);
+    QCOMPARE(netT::netDeviceUp(device.data(), true, TIMEOUT), 0);
     QVERIFY(records.wait(device.data(), [](const Record &r) {
         return !isOff(r) && hasAddress(r) && r.bNetNormal == 1;
     }));
-    QCOMPARE(netT::isNetUp(device.data(), false, timeout), 0);
+    QCOMPARE(netT::isNetUp(device.data(), false, TIMEOUT), 0);
 }
 
 void SimNetTest::staticAddressOutlivesTheSwitch()
 {
     Records records;
-    QCOMPARE(netT::stopDhcp("eth0", false, timeout), 0);
+    QCOMPARE(netT::stopDhcp("eth0", false, TIMEOUT), 0);
     QVERIFY(records.wait("eth0", [](const Record &r) {
         return r.sDhcp == "disable" && r.sIpAddr == "192.168.1.50";
     }));
-    QCOMPARE(netT::setIp("eth0", "10.1.2.3", "255.0.0.0", "10.0.0.1", false, timeout), 0);
-    QCOMPARE(netT::setDns("eth0", "9.9.9.9", "", false, timeout), 0);
+    QCOMPARE(netT::setIp("eth0", "10.1.2.3", "255.0.0.0", "10.0.0.1", false, TIMEOUT), 0);
+    QCOMPARE(netT::setDns("eth0", "9.9.9.9", "", false, TIMEOUT), 0);
     const auto fits = [](const Record &r) {
         return r.sIpAddr == "10.1.2.3" && r.sPrefDns == "9.9.9.9" && r.sAlterDns == "9.9.9.9";
     };
     QVERIFY(records.wait("eth0", fits));
-    netT::netDeviceDown("eth0", false, timeout);
+    netT::netDeviceDown("eth0", false, TIMEOUT);
     QVERIFY(records.wait("eth0", [](const Record &r) { return isOff(r) && !hasAddress(r); }));
-    netT::netDeviceUp("eth0", false, timeout);
+    netT::netDeviceUp("eth0", false, TIMEOUT);
     QVERIFY(records.wait("eth0", fits));
 }
 
 void SimNetTest::dhcpTakesTheLease()
 {
     Records records;
-    netT::setIp("eth0", "10.1.2.3", "255.0.0.0", "", false, timeout);
+    netT::setIp("eth0", "10.1.2.3", "255.0.0.0", "", false, TIMEOUT);
     panel().set("net.lease.eth0", {{"sIpAddr", "172.16.0.9"}});
     QVERIFY(records.wait("eth0", [](const Record &r) { return r.sIpAddr == "10.1.2.3"; }));
-    QCOMPARE(netT::startDhcp("eth0", false, timeout), 0);
+    QCOMPARE(netT::startDhcp("eth0", false, TIMEOUT), 0);
     QVERIFY(records.wait(
         "eth0", [](const Record &r) { return r.sDhcp == "enable" && r.sIpAddr == "172.16.0.9"; }));
 }
@@ -163,7 +163,7 @@ void SimNetTest::pulledCableTakesTheDhcpAddress()
     panel().set("net.cable.eth0", -1);
     QVERIFY(
         records.wait("eth0", [](const Record &r) { return r.bNetNormal == 0 && !hasAddress(r); }));
-    QCOMPARE(netT::checkEthCableLink("eth0", false, timeout), -1);
+    QCOMPARE(netT::checkEthCableLink("eth0", false, TIMEOUT), -1);
     panel().set("net.cable.eth0", 0);
     QVERIFY(
         records.wait("eth0", [](const Record &r) { return r.bNetNormal == 1 && hasAddress(r); }));
@@ -204,10 +204,10 @@ void SimNetTest::changesFromOutsideBringARecord()
 void SimNetTest::refusesWhatIsNoAddress()
 {
     const Json before = panel().get("");
-    QCOMPARE(netT::setIp("eth0", "10.1.2", "255.0.0.0", "", false, timeout), int(netT::ERR_FAILED));
-    QCOMPARE(netT::setIp("eth0", "10.1.2.3", "", "", false, timeout), int(netT::ERR_FAILED));
-    QCOMPARE(netT::setDns("eth0", "dns", "", false, timeout), int(netT::ERR_FAILED));
-    QCOMPARE(netT::setDevPriority("LTE", false, timeout), int(netT::ERR_FAILED));
+    QCOMPARE(netT::setIp("eth0", "10.1.2", "255.0.0.0", "", false, TIMEOUT), int(netT::ERR_FAILED));
+    QCOMPARE(netT::setIp("eth0", "10.1.2.3", "", "", false, TIMEOUT), int(netT::ERR_FAILED));
+    QCOMPARE(netT::setDns("eth0", "dns", "", false, TIMEOUT), int(netT::ERR_FAILED));
+    QCOMPARE(netT::setDevPriority("LTE", false, TIMEOUT), int(netT::ERR_FAILED));
     QVERIFY(panel().get("") == before);
 }
 
@@ -244,13 +244,13 @@ void SimNetTest::pings()
 
 void SimNetTest::answersWithoutServiceOrDevice()
 {
-    QCOMPARE(netT::netIsExist("eth9", false, timeout), int(netT::ERR_NO_DEVICE));
+    QCOMPARE(netT::netIsExist("eth9", false, TIMEOUT), int(netT::ERR_NO_DEVICE));
     panel().set("net.devices", Json::array());
-    QCOMPARE(netT::getSignal(true, timeout), int(netT::ERR_NO_DEVICE));
-    QCOMPARE(netT::getCsqSignal(true, timeout), int(netT::ERR_NO_DEVICE));
+    QCOMPARE(netT::getSignal(true, TIMEOUT), int(netT::ERR_NO_DEVICE));
+    QCOMPARE(netT::getCsqSignal(true, TIMEOUT), int(netT::ERR_NO_DEVICE));
     QCOMPARE(netT::connectwifi(), int(netT::ERR_NO_DEVICE));
     panel().set("net.server", false);
-    QCOMPARE(netT::netIsExist("eth0", false, timeout), int(netT::ERR_NO_SERVICE));
+    QCOMPARE(netT::netIsExist("eth0", false, TIMEOUT), int(netT::ERR_NO_SERVICE));
     QCOMPARE(netT::connectwifi(), int(netT::ERR_NO_SERVICE));
 }
 
@@ -271,10 +271,10 @@ void SimNetTest::joinsWifi()
     QFETCH(QByteArray, password);
     QFETCH(int, state);
     Records records;
-    QCOMPARE(netT::setConnectInfo(network.data(), password.data(), false, timeout), 0);
+    QCOMPARE(netT::setConnectInfo(network.data(), password.data(), false, TIMEOUT), 0);
     QCOMPARE(netT::connectwifi(), 0);
     netT::WIFI_STATE_T now{};
-    netT::getStatus(now, false, timeout);
+    netT::getStatus(now, false, TIMEOUT);
     QCOMPARE(int(now), int(netT::WIFI_CONNECTING));
     QTRY_COMPARE(panel().get("wifi.state").get<int>(), state);
     QVERIFY(records.wait("wlan0", [&](const Record &r) { return hasAddress(r) == (state == 7); }));
