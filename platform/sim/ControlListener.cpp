@@ -4,10 +4,19 @@
 
 #include <QTimer>
 
+#include <cerrno>
+#include <cstring>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
 namespace sim {
 namespace {
 
-constexpr qint64 LONGEST_LINE = 1 << 20;
+constexpr int LONGEST_LINE = 1 << 20;
+constexpr int BLOCK = 64 * 1024;
+constexpr int BACKLOG = 16;
 
 std::string uiReply(const Request &request)
 {
@@ -18,46 +27,118 @@ std::string uiReply(const Request &request)
     }
 }
 
+QString lastError()
+{
+    return QString::fromLocal8Bit(std::strerror(errno)); // NOLINT(concurrency-mt-unsafe)
+}
+
 } // namespace
 
-bool ControlListener::listen(const QString &socketPath)
+// --- The listening socket -----------------------------------------------------------------------
+
+ControlListener::~ControlListener()
 {
-    connect(m_server, &QLocalServer::newConnection, this, &ControlListener::acceptClients);
-    m_server->setSocketOptions(QLocalServer::UserAccessOption);
-    QLocalServer::removeServer(socketPath);
-    return m_server->listen(socketPath);
+    if (m_socket != -1)
+        close(m_socket);
+}
+
+QString ControlListener::listen(const QString &path)
+{
+    const QByteArray name = path.toLocal8Bit();
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (name.size() >= static_cast<int>(sizeof address.sun_path))
+        return QStringLiteral("the path is too long for a socket"); // unix(7)
+    std::memcpy(address.sun_path, name.constData(), static_cast<std::size_t>(name.size()));
+    unlink(name.constData());
+    m_socket = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    // Before it has a name, so that it is never open to others.
+    if (m_socket == -1 || fchmod(m_socket, S_IRUSR | S_IWUSR) == -1 ||
+        bind(m_socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) == -1 ||
+        ::listen(m_socket, BACKLOG) == -1)
+        return lastError();
+    auto *incoming = new QSocketNotifier(m_socket, QSocketNotifier::Read, this);
+    connect(incoming, &QSocketNotifier::activated, this, &ControlListener::acceptClients);
+    return {};
 }
 
 void ControlListener::acceptClients()
 {
-    while (QLocalSocket *socket = m_server->nextPendingConnection())
-        new ControlClient(socket, m_access, this);
+    const int client = accept4(m_socket, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    if (client != -1)
+        new ControlClient(client, m_access, this);
 }
 
-ControlClient::ControlClient(QLocalSocket *socket, const GuiAccess &access, QObject *parent)
-    : QObject(parent), m_access(access), m_socket(socket)
+// --- One connection -----------------------------------------------------------------------------
+
+ControlClient::ControlClient(int socket, const GuiAccess &access, QObject *parent)
+    : QObject(parent),
+      m_access(access),
+      m_socket(socket),
+      m_readable(socket, QSocketNotifier::Read),
+      m_writable(socket, QSocketNotifier::Write)
 {
-    m_socket->setParent(this);
-    m_socket->setReadBufferSize(LONGEST_LINE + 1);
-    connect(m_socket, &QLocalSocket::readyRead, this, &ControlClient::readRequests);
-    connect(m_socket, &QLocalSocket::disconnected, this, &QObject::deleteLater);
-    readRequests();
+    m_writable.setEnabled(false);
+    connect(&m_readable, &QSocketNotifier::activated, this, &ControlClient::receive);
+    connect(&m_writable, &QSocketNotifier::activated, this, &ControlClient::transmit);
 }
 
 ControlClient::~ControlClient()
 {
     if (m_errand)
         *m_errand = false;
+    m_readable.setEnabled(false);
+    m_writable.setEnabled(false);
+    close(m_socket);
 }
 
-void ControlClient::readRequests()
+void ControlClient::receive()
 {
-    while (!m_errand && m_socket->canReadLine())
-        serve(m_socket->readLine());
-    if (m_errand || m_socket->canReadLine() || m_socket->bytesAvailable() <= LONGEST_LINE)
-        return;
-    send(errorReply("the line is too long"));
-    m_socket->disconnectFromServer();
+    char block[BLOCK];
+    const ssize_t count = read(m_socket, block, sizeof block);
+    if (count > 0)
+        m_received.append(block, static_cast<int>(count));
+    else if (count == 0 || (errno != EAGAIN && errno != EINTR))
+        m_isLast = true;
+    proceed();
+}
+
+void ControlClient::transmit()
+{
+    const ssize_t count = ::send(m_socket, m_toSend.constData(),
+                                 static_cast<std::size_t>(m_toSend.size()), MSG_NOSIGNAL);
+    if (count >= 0)
+        m_toSend.remove(0, static_cast<int>(count));
+    else if (errno != EAGAIN && errno != EINTR)
+        return deleteLater();
+    proceed();
+}
+
+// Serves what can be served. One request at a time, and none before its forerunner's reply is
+// taken, so that neither side's slowness fills the memory.
+void ControlClient::proceed()
+{
+    for (int end = 0; !m_errand && m_toSend.isEmpty(); m_received.remove(0, end + 1)) {
+        end = m_received.indexOf('\n');
+        if (end == -1 || end > LONGEST_LINE)
+            break;
+        serve(m_received.left(end));
+    }
+    if (isLineTooLong()) {
+        m_received.clear();
+        m_isLast = true;
+        send(errorReply("the line is too long"));
+    }
+    const bool busy = m_errand || !m_toSend.isEmpty();
+    m_readable.setEnabled(!m_isLast && !busy);
+    m_writable.setEnabled(!m_toSend.isEmpty());
+    if (m_isLast && !busy)
+        deleteLater();
+}
+
+bool ControlClient::isLineTooLong() const
+{
+    return !m_errand && m_toSend.isEmpty() && m_received.size() > LONGEST_LINE;
 }
 
 void ControlClient::serve(const QByteArray &line)
@@ -78,8 +159,11 @@ void ControlClient::askGui(const Request &request)
     m_errand = std::make_shared<std::atomic<bool>>(true);
     // Both in the control thread; an errand that is still open has its connection still.
     const auto finish = [this, errand = m_errand](const std::string &reply) {
-        if (errand->exchange(false))
-            finishErrand(reply);
+        if (!errand->exchange(false))
+            return;
+        m_errand.reset();
+        send(reply);
+        proceed();
     };
     QTimer::singleShot(m_access.patience, this,
                        [finish] { finish(errorReply("the panel does not answer")); });
@@ -90,17 +174,14 @@ void ControlClient::askGui(const Request &request)
     });
 }
 
-void ControlClient::finishErrand(const std::string &reply)
-{
-    m_errand.reset();
-    send(reply);
-    readRequests();
-}
-
+// Sends at once what the other side takes at once; transmit() does the rest.
 void ControlClient::send(const std::string &reply)
 {
-    m_socket->write(reply.data(), static_cast<qint64>(reply.size()));
-    m_socket->flush();
+    const ssize_t count = ::send(m_socket, reply.data(), reply.size(), MSG_NOSIGNAL);
+    if (count < static_cast<ssize_t>(reply.size())) {
+        const std::size_t sent = count < 0 ? 0 : static_cast<std::size_t>(count);
+        m_toSend.append(reply.data() + sent, static_cast<int>(reply.size() - sent));
+    }
 }
 
 } // namespace sim

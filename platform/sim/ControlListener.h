@@ -4,8 +4,7 @@
 #include "platform/sim/Requests.h"
 
 #include <QByteArray>
-#include <QLocalServer>
-#include <QLocalSocket>
+#include <QSocketNotifier>
 
 #include <atomic>
 #include <chrono>
@@ -22,7 +21,8 @@ struct GuiAccess
     std::chrono::milliseconds patience;
 };
 
-// The listening socket; lives in the control thread.
+// The listening socket; lives in the control thread. Bare sockets rather than Qt's: its network
+// library would add a thirtieth to the memory of a program that has no other use for it.
 class ControlListener : public Mailbox
 {
     Q_OBJECT
@@ -32,14 +32,16 @@ public:
         : m_access{&gui, this, guiPatience}
     {
     }
-    bool listen(const QString &socketPath);
-    QString errorString() const { return m_server->errorString(); }
+    ~ControlListener() override;
+
+    // Listens at `path`, open to this user alone. Returns an empty text, or why it cannot.
+    QString listen(const QString &path);
 
 private:
     void acceptClients();
 
     const GuiAccess m_access;
-    QLocalServer *m_server = new QLocalServer(this);
+    int m_socket = -1;
 };
 
 // One connection; deletes itself when it ends. Lives in the control thread.
@@ -48,21 +50,29 @@ class ControlClient : public QObject
     Q_OBJECT
 
 public:
-    ControlClient(QLocalSocket *socket, const GuiAccess &access, QObject *parent);
+    // Takes the socket, which must not block.
+    ControlClient(int socket, const GuiAccess &access, QObject *parent);
     ~ControlClient() override;
 
 private:
     // Work for the GUI thread; open until it is answered or given up.
     using Errand = std::shared_ptr<std::atomic<bool>>;
 
-    void readRequests();
+    void receive();
+    void transmit();
+    void proceed();
+    bool isLineTooLong() const;
     void serve(const QByteArray &line);
     void askGui(const Request &request);
-    void finishErrand(const std::string &reply);
     void send(const std::string &reply);
 
     const GuiAccess m_access;
-    QLocalSocket *m_socket;
+    const int m_socket;
+    QSocketNotifier m_readable;
+    QSocketNotifier m_writable;
+    QByteArray m_received; // requests not yet served
+    QByteArray m_toSend;   // what the other side has not taken yet
+    bool m_isLast = false; // nothing more comes, or is listened to
     Errand m_errand;
 };
 

@@ -30,9 +30,8 @@ bool ControlServer::start(const QString &socketPath)
     m_thread.start();
     std::promise<bool> listens;
     m_listener->post([&] {
-        const bool done = m_listener->listen(socketPath);
-        m_errorString = done ? QString() : m_listener->errorString();
-        listens.set_value(done);
+        m_errorString = m_listener->listen(socketPath);
+        listens.set_value(m_errorString.isEmpty());
     });
     const bool listening = listens.get_future().get();
     if (!listening)

@@ -1,8 +1,8 @@
-#include "Counter.h"
 #include "platform/cos_thread.h"
 #include "platform/cos_time.h"
 #include "platform/posix/Schedule.h"
-#include "Threads.h"
+#include "tests/platform/posix/Counter.h"
+#include "tests/platform/posix/Threads.h"
 
 #include <QProcess>
 #include <QtTest>

@@ -1,6 +1,6 @@
-#include "Counter.h"
 #include "platform/cos_thread.h"
-#include "Threads.h"
+#include "tests/platform/posix/Counter.h"
+#include "tests/platform/posix/Threads.h"
 
 #include <QtTest>
 
