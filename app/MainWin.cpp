@@ -19,6 +19,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -69,7 +70,7 @@ MainWin::MainWin()
     m_pNetEth = ui->wdg_Eth->setPage<NetEth>();
     m_pLanguage = ui->wdg_Language->setPage<Language>();
     // The tabs of the widest group fill the page area exactly.
-    ui->stackedWidget->setFixedWidth(m_nScreenWidth / TABS_ACROSS * (TABS_ACROSS - 1));
+    ui->stackedWidget->setFixedWidth(m_screen.width() / TABS_ACROSS * (TABS_ACROSS - 1));
     setWindowFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     new DismissGuard(this, false);
     initLanguage();
@@ -100,10 +101,9 @@ void MainWin::startTasks()
 void MainWin::openScreen()
 {
     PLATFORM::CPlatLcd::open();
-    int depth = 0;
-    PLATFORM::CPlatLcd::getResolution(m_nScreenWidth, m_nScreenHeight, depth);
+    m_screen = screenSize();
     Beep(START_BEEP_MS);
-    setFixedSize(m_nScreenWidth, m_nScreenHeight);
+    setFixedSize(m_screen);
 }
 
 void MainWin::initLanguage()
@@ -173,6 +173,9 @@ void MainWin::setNetRecords(const std::vector<netT::stAllNetInfo_tag> &records)
     {
         const std::lock_guard<std::mutex> lock(m_recordsMutex);
         m_netRecords = records;
+        // The pages ask a service that may be slow: a burst of records must not queue up.
+        if (std::exchange(m_bRecordsAnnounced, true))
+            return;
     }
     emit sgl_NetChange();
 }
@@ -255,6 +258,10 @@ void MainWin::slot_NetChange(int type, bool online)
 
 void MainWin::slot_NetChange()
 {
+    {
+        const std::lock_guard<std::mutex> lock(m_recordsMutex);
+        m_bRecordsAnnounced = false;
+    }
     for (const netT::stAllNetInfo_tag &record : netRecords()) {
         std::printf("[%s][%s][%s]\n", record.sDevName.c_str(), record.sNetType.c_str(),
                     record.sIpAddr.c_str());

@@ -92,13 +92,13 @@ private:
     NetEth *m_pNetEth = nullptr;
     Language *m_pLanguage = nullptr;
     std::array<Group, 4> m_groups{};
-    int m_nScreenWidth = 0;
-    int m_nScreenHeight = 0;
+    QSize m_screen;
     int m_nLanguage = 0;
     int m_nGroup = 0;
 
     mutable std::mutex m_recordsMutex;
     std::vector<netT::stAllNetInfo_tag> m_netRecords;
+    bool m_bRecordsAnnounced = false; // sgl_NetChange() is on its way
 
     netT::CAsyncClient m_cloudClient;
     CloudMonitor m_cloudMonitor;

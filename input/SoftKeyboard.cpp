@@ -232,11 +232,12 @@ void SoftKeyboard::enterNumber()
     finish(sender() == ui->btn_n_enter ? QString::number(m_text.toInt()) : m_text);
 }
 
-// A number too long for an int is too great, rather than the 0 that toInt() makes of it.
+// A text that is no number, or one too long, is refused rather than taken for a 0.
 bool SoftKeyboard::isOutOfRange() const
 {
-    const double value = m_text.toDouble();
-    return m_text.isEmpty() || value > m_nMaxValue || value < m_nMinValue;
+    bool isNumber = false;
+    const qlonglong value = m_text.toLongLong(&isNumber);
+    return !isNumber || value > m_nMaxValue || value < m_nMinValue;
 }
 
 void SoftKeyboard::finish(const QString &text)

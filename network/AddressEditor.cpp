@@ -60,6 +60,13 @@ void AddressEditor::update(const AddressTexts &texts)
     }
 }
 
+void AddressEditor::fillAll()
+{
+    const auto members = textMembers();
+    for (std::size_t i = 0; i < m_groups.size(); ++i)
+        m_groups[i].fill(m_stored.*members[i]);
+}
+
 void AddressEditor::setEditable(bool editable)
 {
     m_bEditable = editable;
@@ -89,8 +96,13 @@ QLineEdit *AddressEditor::fieldOf(QObject *object) const
 
 void AddressEditor::edit(QLineEdit *field)
 {
-    if (!editWithKeyboard(numberRequest(m_pPage, field, 0, LARGEST_OCTET)) || !m_bEditable)
+    if (!editWithKeyboard(numberRequest(m_pPage, field, 0, LARGEST_OCTET)))
         return;
+    if (!m_bEditable) {
+        // While the keyboard was open a record took the right to edit away: show what holds.
+        fillAll();
+        return;
+    }
     if (m_groups[PREF_DNS].contains(field) || m_groups[ALTER_DNS].contains(field))
         applyDns();
     else

@@ -59,6 +59,7 @@ public:
 private:
     enum Group { IP, MASK, GATEWAY, PREF_DNS, ALTER_DNS, GROUP_COUNT };
 
+    void fillAll();
     bool areComplete(Group first, Group last) const;
     void applyAddress();
     void applyDns();

@@ -23,10 +23,8 @@ NetEth::NetEth(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::NetEt
     ui->btn_EthSwitch->setFixedSize(2 * switchHeight, switchHeight);
     m_pending.emplace(ui->label_move, ui->label_null);
     m_addresses.emplace(this, ETHERNET_POLICY);
-    setPresent(false);
     setEthPage(false);
-    watchRadios(true);
-    showDhcpView();
+    setPresent(false);
     connect(ui->btn_EthSwitch, &QPushButton::clicked, this, &NetEth::slot_ButtonPressed);
 }
 
@@ -91,13 +89,9 @@ void NetEth::press(QObject *target)
 void NetEth::slot_ButtonPressed()
 {
     keyClick();
-    ui->btn_EthSwitch->setEnabled(false);
     m_bRequestPending = true;
+    enableControls();
     m_pending->start();
-    ui->radio_Dhcp->setEnabled(false);
-    ui->radio_Static->setEnabled(false);
-    ui->widget_EthIndetail->setEnabled(false);
-    watchRadios(false);
     if (m_bOn) {
         const int result = netT::netDeviceDown(m_sDevName, false, TIMEOUT_MS);
         std::printf(result < 0 ? "netDeviceDown [%s] Err\n" : "netDeviceDown [%s] ok\n",
@@ -113,8 +107,19 @@ void NetEth::setPresent(bool present)
 {
     m_bPresent = present;
     ui->lab_EthStatus->setText(present ? tr("Enable") : tr("Unplugged"));
-    // A request that no record has answered yet keeps the switch from being pressed again.
-    ui->btn_EthSwitch->setEnabled(present && !m_bRequestPending);
+    ui->lab_EthStatus->setVisible(!present || !m_bOn);
+    enableControls();
+}
+
+// A device that is not there, or that has been asked to change, is left alone.
+void NetEth::enableControls()
+{
+    const bool enabled = m_bPresent && !m_bRequestPending;
+    ui->btn_EthSwitch->setEnabled(enabled);
+    ui->radio_Dhcp->setEnabled(enabled);
+    ui->radio_Static->setEnabled(enabled);
+    ui->widget_EthIndetail->setEnabled(enabled);
+    watchRadios(enabled);
 }
 
 // The record that answers a switch press, or reports a switch made elsewhere.
@@ -122,13 +127,9 @@ void NetEth::completeSwitch(bool on)
 {
     setEthPage(on);
     m_pending->stop();
-    ui->btn_EthSwitch->setEnabled(true);
     m_bOn = on;
     m_bRequestPending = false;
-    ui->radio_Dhcp->setEnabled(true);
-    ui->radio_Static->setEnabled(true);
-    ui->widget_EthIndetail->setEnabled(true);
-    watchRadios(true);
+    enableControls();
 }
 
 void NetEth::setEthPage(bool on)
@@ -142,11 +143,9 @@ void NetEth::setEthPage(bool on)
         showBlock(!m_bDhcp);
         return;
     }
-    showBlock(false);
+    showDhcpView();
     m_bOn = false;
-    m_bDhcp = true;
     m_bRequestPending = false;
-    m_addresses->setEditable(false);
     m_addresses->forget();
     m_sMac.clear();
 }

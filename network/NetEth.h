@@ -40,6 +40,7 @@ private slots:
 private:
     void press(QObject *target);
     void setPresent(bool present);
+    void enableControls();
     void completeSwitch(bool on);
     void setEthPage(bool on);
     void showAddressing(const netT::stAllNetInfo_tag &record);

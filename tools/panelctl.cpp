@@ -51,8 +51,9 @@ QStringList withAbsolutePaths(QStringList words)
     const bool usb = words.size() == 3 && words[0] == QLatin1String("usb");
     const bool shot =
         words.size() == 3 && words[0] == QLatin1String("ui") && words[1] == QLatin1String("shot");
-    if (usb || shot)
-        words[2] = fromHere(words[2]);
+    const bool hotplug = words.size() == 4 && words[0] == QLatin1String("hotplug");
+    if (usb || shot || hotplug)
+        words.last() = fromHere(words.last());
     return words;
 }
 

@@ -26,11 +26,13 @@ QPoint screenOrigin(const QWidget *widget)
 
 QSize screenSize()
 {
+    static QSize known(800, 480);
     int width = 0;
     int height = 0;
     int depth = 0;
-    PLATFORM::CPlatLcd::getResolution(width, height, depth);
-    return {width, height};
+    if (PLATFORM::CPlatLcd::getResolution(width, height, depth) >= 0 && width > 0 && height > 0)
+        known = {width, height};
+    return known;
 }
 
 QSize fractionOf(const QSize &size, double widthFactor, double heightFactor)

@@ -6,7 +6,8 @@
 
 class QWidget;
 
-// Size of the display in pixels, asked of the board each time.
+// Size of the display in pixels, asked of the board each time. A board that does not answer has the
+// size that it had before, or 800 by 480.
 QSize screenSize();
 
 // `size` scaled by the two factors, truncated toward zero.

@@ -51,7 +51,7 @@ int RateTimer::add(Task task, int periodMs)
     const Lock lock(m_mutex);
     if (m_state != State::Up)
         return -1;
-    const Moment now = std::chrono::steady_clock::now();
+    const Moment now = look();
     task.period = (milliseconds(periodMs) + m_tick - milliseconds(1)) / m_tick;
     task.next = tickAt(now + m_tick - std::chrono::nanoseconds(1)) + task.period;
     if (!m_schedule.add(std::move(task)))
@@ -65,6 +65,7 @@ int RateTimer::remove(const std::string &name)
     const Lock lock(m_mutex);
     if (!m_schedule.remove(name))
         return -1;
+    look();
     arm();
     return 0;
 }
@@ -103,6 +104,14 @@ void RateTimer::stopAtExit()
 
 // --- Time ---------------------------------------------------------------------------------------
 
+// Reading the clock costs more than all else that an idle tick does, so each reading is kept for
+// as long as nothing has been waited for since.
+Moment RateTimer::look()
+{
+    m_now = std::chrono::steady_clock::now();
+    return m_now;
+}
+
 Tick RateTimer::tickAt(Moment moment) const
 {
     return (moment - m_origin) / m_tick;
@@ -123,7 +132,7 @@ std::optional<Moment> RateTimer::takeoverTime() const
         return std::nullopt;
     if (m_inTaskSince)
         return std::max(timeOf(*due), *m_inTaskSince + m_grace);
-    return std::max<Moment>(timeOf(*due), std::chrono::steady_clock::now()) + m_grace;
+    return std::max<Moment>(timeOf(*due), m_now) + m_grace;
 }
 
 // After any change of what is due: moves both sleepers' moments, and wakes the leader only if its
@@ -176,17 +185,19 @@ void RateTimer::serve()
 bool RateTimer::isLeaderLate() const
 {
     const std::optional<Moment> moment = takeoverTime();
-    return m_inTaskSince && moment && *moment <= std::chrono::steady_clock::now();
+    return m_inTaskSince && moment && *moment <= m_now;
 }
 
 // Stands by. True when this thread is to lead, false when the service ends.
 bool RateTimer::awaitLead(Lock &lock)
 {
+    look();
     while (m_state == State::Up && m_isLed && !isLeaderLate()) {
         armTakeover();
         lock.unlock();
         m_takeoverTimer.wait();
         lock.lock();
+        look();
     }
     return m_state == State::Up;
 }
@@ -222,9 +233,9 @@ void RateTimer::awaitDue(Lock &lock)
 
 void RateTimer::runDue(Lock &lock, std::uint64_t lead)
 {
+    look();
     while (m_state == State::Up && m_lead == lead) {
-        const Tick now = tickAt(std::chrono::steady_clock::now());
-        const std::optional<Task> task = m_schedule.claim(now);
+        const std::optional<Task> task = m_schedule.claim(tickAt(m_now));
         if (!task)
             return;
         if (task->mode == 1)
@@ -236,7 +247,7 @@ void RateTimer::runDue(Lock &lock, std::uint64_t lead)
 
 void RateTimer::runHere(Lock &lock, const Task &task, std::uint64_t lead)
 {
-    m_inTaskSince = std::chrono::steady_clock::now();
+    m_inTaskSince = m_now;
     call(lock, task);
     if (m_lead == lead)
         m_inTaskSince.reset();
@@ -267,7 +278,7 @@ void RateTimer::call(Lock &lock, const Task &task)
 
 void RateTimer::finish(const Task &task)
 {
-    m_schedule.finish(task.name, tickAt(std::chrono::steady_clock::now()));
+    m_schedule.finish(task.name, tickAt(look()));
     if (m_state == State::Ending && m_schedule.isQuiet()) // nobody else waits for a call's end
         m_changed.notify_all();
 }

@@ -50,6 +50,7 @@ private:
     void call(Lock &lock, const Task &task);
     void finish(const Task &task);
 
+    Moment look();
     std::optional<Moment> takeoverTime() const;
     bool isLeaderLate() const;
     void arm();
@@ -67,6 +68,7 @@ private:
 
     std::condition_variable m_leadChanged; // the leader sleeps on it
     std::optional<Tick> m_leaderWaitsFor;
+    Moment m_now;                       // as last looked at
     TimerFd m_takeoverTimer;            // the standby sleeps on it
     std::optional<Moment> m_takeoverAt; // what it is set to
     std::uint64_t m_lead = 0;           // counts the takeovers: who took the last one leads

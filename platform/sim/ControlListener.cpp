@@ -118,17 +118,8 @@ void ControlClient::transmit()
 // taken, so that neither side's slowness fills the memory.
 void ControlClient::proceed()
 {
-    for (int end = 0; !m_errand && m_toSend.isEmpty(); m_received.remove(0, end + 1)) {
-        end = m_received.indexOf('\n');
-        if (end == -1 || end > LONGEST_LINE)
-            break;
-        serve(m_received.left(end));
-    }
-    if (isLineTooLong()) {
-        m_received.clear();
-        m_isLast = true;
-        send(errorReply("the line is too long"));
-    }
+    while (!m_errand && m_toSend.isEmpty() && takeLine())
+        continue;
     const bool busy = m_errand || !m_toSend.isEmpty();
     m_readable.setEnabled(!m_isLast && !busy);
     m_writable.setEnabled(!m_toSend.isEmpty());
@@ -136,9 +127,22 @@ void ControlClient::proceed()
         deleteLater();
 }
 
-bool ControlClient::isLineTooLong() const
+// Takes one line from what was received, or as much of one as is too long. False if there is
+// neither.
+bool ControlClient::takeLine()
 {
-    return !m_errand && m_toSend.isEmpty() && m_received.size() > LONGEST_LINE;
+    const int end = m_received.indexOf('\n');
+    const bool isTooLong = end > LONGEST_LINE || (end == -1 && m_received.size() > LONGEST_LINE);
+    if (end == -1 && !isTooLong && !m_isSkipping)
+        return false;
+    const QByteArray line = m_received.left(end);
+    m_received.remove(0, end == -1 ? m_received.size() : end + 1);
+    if (isTooLong && !m_isSkipping)
+        send(errorReply("the line is too long"));
+    else if (!m_isSkipping)
+        serve(line);
+    m_isSkipping = end == -1;
+    return end != -1;
 }
 
 void ControlClient::serve(const QByteArray &line)
@@ -149,7 +153,7 @@ void ControlClient::serve(const QByteArray &line)
             askGui(request);
         else
             send(okReply(runRequest(request)));
-    } catch (const BadRequest &error) {
+    } catch (const std::exception &error) {
         send(errorReply(error.what()));
     }
 }

@@ -61,7 +61,7 @@ private:
     void receive();
     void transmit();
     void proceed();
-    bool isLineTooLong() const;
+    bool takeLine();
     void serve(const QByteArray &line);
     void askGui(const Request &request);
     void send(const std::string &reply);
@@ -70,9 +70,10 @@ private:
     const int m_socket;
     QSocketNotifier m_readable;
     QSocketNotifier m_writable;
-    QByteArray m_received; // requests not yet served
-    QByteArray m_toSend;   // what the other side has not taken yet
-    bool m_isLast = false; // nothing more comes, or is listened to
+    QByteArray m_received;     // requests not yet served
+    QByteArray m_toSend;       // what the other side has not taken yet
+    bool m_isSkipping = false; // the rest of a line that is too long
+    bool m_isLast = false;     // nothing more comes
     Errand m_errand;
 };
 

@@ -14,8 +14,7 @@ class Mailbox;
 // The panel's control socket: one request and one reply a line, each a JSON object. It lives in a
 // thread of its own, so that it answers while the GUI thread is busy; only what concerns widgets
 // goes to the GUI thread, and gets an error if that does not answer in time.
-// Requests of one connection are answered in their order; a line longer than one MiB ends the
-// connection with an error.
+// Requests of one connection are answered in their order; a line longer than one MiB gets an error.
 // All functions: the GUI thread.
 class ControlServer
 {

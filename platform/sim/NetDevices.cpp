@@ -76,6 +76,8 @@ void takeLease(Json &state, Json &device)
     if (lease == leases.end())
         return;
     device.update(*lease);
+    if (text(device, "sAlterDns").empty())
+        device["sAlterDns"] = text(device, "sPrefDns");
     const Json &byHand = staticAddress(state, device);
     if (text(byHand, "sPrefDns").empty() && text(byHand, "sAlterDns").empty())
         return;

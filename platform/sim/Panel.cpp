@@ -1,11 +1,11 @@
 #include "platform/sim/Panel.h"
 
-#include <thread>
+#include <algorithm>
 
 namespace sim {
 namespace {
 
-constexpr std::chrono::seconds resetPatience(2);
+constexpr std::chrono::seconds RESET_PATIENCE(2);
 
 const Json &element(const Json &list, std::size_t index, const char *what)
 {
@@ -30,13 +30,26 @@ int numberAt(const Json &list, std::size_t index, const char *what)
     return value.get<int>();
 }
 
+// The scenario's list of orders `what`, each of at most `longest` values.
+Json listOf(const Json &scenario, const char *what, std::size_t longest)
+{
+    const Json list = scenario.value(what, Json::array());
+    const auto fits = [longest](const Json &order) {
+        return order.is_array() && order.size() <= longest;
+    };
+    if (!list.is_array() || !std::all_of(list.begin(), list.end(), fits))
+        throw BadRequest(std::string(what) + ": must be a list of lists of at most " +
+                         std::to_string(longest) + " values");
+    return list;
+}
+
 Injections ordersOf(const Json &scenario)
 {
     Injections orders;
-    for (const Json &order : scenario.value("fail", Json::array()))
+    for (const Json &order : listOf(scenario, "fail", 3))
         orders.fail(textAt(order, 0, "fail"), numberAt(order, 1, "fail"),
                     order.size() > 2 ? numberAt(order, 2, "fail") : -1);
-    for (const Json &order : scenario.value("delay", Json::array()))
+    for (const Json &order : listOf(scenario, "delay", 2))
         orders.delay(textAt(order, 0, "delay"), numberAt(order, 1, "delay"));
     return orders;
 }
@@ -112,14 +125,22 @@ void Panel::clearCalls()
 
 void Panel::reset()
 {
-    m_net.forget(resetPatience);
-    m_media.forget(resetPatience);
+    m_net.forget(RESET_PATIENCE);
+    m_media.forget(RESET_PATIENCE);
     const std::lock_guard lock(m_mutex);
     m_net.forgetRegistrations();
     m_media.forgetRegistrations();
     m_state = defaultState();
     m_log.clear();
     m_injections = Injections();
+    m_isHurried = false;
+}
+
+void Panel::hurry()
+{
+    const std::lock_guard lock(m_mutex);
+    m_isHurried = true;
+    m_hurried.notify_all();
 }
 
 void Panel::stop(std::chrono::milliseconds patience)
@@ -130,11 +151,8 @@ void Panel::stop(std::chrono::milliseconds patience)
 
 void Panel::sleep(std::unique_lock<std::mutex> &lock, int ms)
 {
-    if (ms <= 0)
-        return;
-    lock.unlock();
-    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
-    lock.lock();
+    if (ms > 0)
+        m_hurried.wait_for(lock, std::chrono::milliseconds(ms), [this] { return m_isHurried; });
 }
 
 Panel &panel()

@@ -7,6 +7,7 @@
 #include "platform/sim/StateTree.h"
 
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -42,6 +43,8 @@ public:
     // Back to the built-in defaults: no orders, no calls, no callback registered. A callback that
     // is under way is waited for, but at most two seconds, since it may wait for the caller.
     void reset();
+    // Ends the delays of calls under way, and of all to come, so that the program can end.
+    void hurry();
     // Ends the services' threads, as reset() waits for them.
     void stop(std::chrono::milliseconds patience);
 
@@ -92,9 +95,11 @@ private:
         return result;
     }
 
-    static void sleep(std::unique_lock<std::mutex> &lock, int ms);
+    void sleep(std::unique_lock<std::mutex> &lock, int ms);
 
     std::mutex m_mutex;
+    std::condition_variable m_hurried; // delayed calls wait on it
+    bool m_isHurried = false;
     Json m_state;
     CallLog m_log;
     Injections m_injections;

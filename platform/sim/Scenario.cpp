@@ -2,8 +2,10 @@
 
 #include "platform/sim/Root.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 
 namespace sim {
 namespace {
@@ -21,9 +23,12 @@ std::string scenarioFile(const std::string &name)
 Json loadScenario(const std::string &name)
 {
     const std::string file = scenarioFile(name);
-    std::ifstream stream(file);
+    std::error_code unknown;
+    std::ifstream stream;
+    if (std::filesystem::is_regular_file(file, unknown))
+        stream.open(file);
     const std::string text{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream)
+    if (!stream.is_open() || !stream)
         throw BadRequest("cannot read the scenario " + file);
     try {
         return parseJson(text);

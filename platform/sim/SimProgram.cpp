@@ -5,24 +5,32 @@
 #include "platform/sim/Requests.h"
 #include "platform/sim/Root.h"
 #include "platform/sim/Scenario.h"
+#include "platform/sim/UiDriver.h"
+
+#include <QCoreApplication>
+#include <QSocketNotifier>
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <sys/eventfd.h>
 #include <sys/file.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace sim {
 namespace {
 
 constexpr int CANNOT_RUN = 1;
 constexpr int BAD_ENVIRONMENT = 2;
-constexpr std::chrono::milliseconds exitPatience(500);
+constexpr std::chrono::milliseconds EXIT_PATIENCE(500);
 
 struct Unusable : std::runtime_error
 {
@@ -53,6 +61,11 @@ void applyEnvironment()
         setScreen(size);
 }
 
+std::string stateFile()
+{
+    return runFolder() + "/last.json";
+}
+
 // Makes the folders, and holds the lock to the end of the process.
 void takeRoot()
 {
@@ -68,16 +81,45 @@ void takeRoot()
         throw Unusable("cannot make " + runFolder() + "/lock: " + lastError());
     if (flock(lock, LOCK_EX | LOCK_NB) == -1)
         throw Unusable("another program runs the simulated panel in " + panelRoot());
+    fs::remove(stateFile(), error); // a former run's
 }
 
 void leaveState()
 {
-    panel().stop(exitPatience);
-    const std::string file = runFolder() + "/last.json";
-    std::ofstream(file + ".new") << panel().get("").dump(2, ' ', false,
-                                                         Json::error_handler_t::replace)
-                                 << '\n';
-    std::rename((file + ".new").c_str(), file.c_str());
+    panel().stop(EXIT_PATIENCE);
+    const std::string part = stateFile() + ".new";
+    std::ofstream stream(part);
+    stream << panel().get("").dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    stream.close();
+    if (!stream || std::rename(part.c_str(), stateFile().c_str()) != 0)
+        std::cerr << "sysset-sim: cannot write " << stateFile() << ": " << lastError() << std::endl;
+}
+
+// Written by the signal handler, read by the event loop.
+int wishToEnd = -1;
+
+void onSignal(int)
+{
+    const std::uint64_t once = 1;
+    static_cast<void>(write(wishToEnd, &once, sizeof once) == 0);
+}
+
+// A wish from outside to end the program is as good as one from the control socket; the second
+// one ends it at once.
+void endOnSignals()
+{
+    wishToEnd = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    auto *notifier =
+        new QSocketNotifier(wishToEnd, QSocketNotifier::Read, QCoreApplication::instance());
+    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [notifier] {
+        notifier->setEnabled(false);
+        endProgram();
+    });
+    struct sigaction action = {};
+    action.sa_handler = onSignal;
+    action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        sigaction(signal, &action, nullptr);
 }
 
 int refuse(int status, const char *reason)
@@ -119,6 +161,7 @@ bool serveControl()
         return false;
     }
     std::atexit([] { programServer().stop(); });
+    endOnSignals();
     std::cerr << "panel ready" << std::endl;
     return true;
 }

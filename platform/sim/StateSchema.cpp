@@ -32,7 +32,7 @@ constexpr const char *SCHEMA_TEXT = R"({
                     "sPrefDns": "text", "sAlterDns": "text"}}},
 "wifi": {"aps": [{"id": "-2147483648..2147483647", "level": "-2147483648..2147483647",
                   "ssid": "text", "text": "text", "security": "-2147483648..2147483647"}],
-         "state": "-2147483648..2147483647",
+         "state": "0..7",
          "user": {"ssid": "text", "password": "text", "security": "-2147483648..2147483647",
                   "id": "-2147483648..2147483647"},
          "signal": "-2147483648..2147483647", "passwords": {"*": "text"}},

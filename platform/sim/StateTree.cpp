@@ -24,7 +24,8 @@ std::string below(const std::string &path, const std::string &key)
 
 bool isDecimal(const std::string &text)
 {
-    return !text.empty() && text.size() <= 9 &&
+    const bool plain = text.size() == 1 || (text.size() > 1 && text[0] != '0');
+    return plain && text.size() <= 9 &&
            std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 

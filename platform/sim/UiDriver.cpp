@@ -1,5 +1,6 @@
 #include "platform/sim/UiDriver.h"
 
+#include "platform/sim/Panel.h"
 #include "platform/sim/UiWidgets.h"
 
 #include <QCoreApplication>
@@ -79,16 +80,6 @@ Json shot(const Args &args)
     return nullptr;
 }
 
-// Again and again, since an event loop that begins later, when that of a dialog has ended, knows
-// nothing of a request to end.
-Json quit(const Args &)
-{
-    auto *timer = new QTimer(QCoreApplication::instance());
-    QObject::connect(timer, &QTimer::timeout, &QCoreApplication::quit);
-    timer->start(QUIT_REPEAT_MS);
-    return nullptr;
-}
-
 struct Action
 {
     const char *name;
@@ -102,6 +93,16 @@ constexpr Action ACTIONS[] = {
 
 } // namespace
 
+// Again and again, since an event loop that begins later, when that of a dialog has ended, knows
+// nothing of a request to end.
+void endProgram()
+{
+    panel().hurry();
+    auto *timer = new QTimer(QCoreApplication::instance());
+    QObject::connect(timer, &QTimer::timeout, &QCoreApplication::quit);
+    timer->start(QUIT_REPEAT_MS);
+}
+
 bool isUiRequest(const Request &request)
 {
     return request.verb == "ui" || request.verb == "quit";
@@ -109,8 +110,12 @@ bool isUiRequest(const Request &request)
 
 Json runUiRequest(const Request &request)
 {
-    if (request.verb == "quit")
-        return quit(request.args);
+    if (request.verb == "quit") {
+        if (!request.args.empty())
+            throw BadRequest("quit: wrong number of arguments");
+        endProgram();
+        return nullptr;
+    }
     for (const Action &action : ACTIONS) {
         if (request.args.empty() || request.args[0] != action.name)
             continue;

@@ -11,4 +11,8 @@ bool isUiRequest(const Request &request);
 // handled when this returns. Throws BadRequest. GUI thread.
 Json runUiRequest(const Request &request);
 
+// Ends the event loop, with the dialogs that run in it, and the delays of platform calls. The
+// program then ends as it always does. The GUI thread.
+void endProgram();
+
 } // namespace sim

@@ -5,6 +5,8 @@
 
 #include <QGuiApplication>
 
+#include <cstdlib>
+
 namespace {
 
 void windowShown()
@@ -12,7 +14,8 @@ void windowShown()
     // A touch panel has no pointer, a desktop does.
     if (qEnvironmentVariableIntValue("SYSSET_POINTER") == 1)
         QGuiApplication::restoreOverrideCursor();
-    sim::serveControl();
+    if (!sim::serveControl())
+        std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): nobody could ever reach it
 }
 
 } // namespace

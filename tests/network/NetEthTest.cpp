@@ -2,6 +2,7 @@
 
 #include "platform/sim/Panel.h"
 #include "resources/Resources.h"
+#include "tests/support/PrintedBy.h"
 #include "tests/support/Dialogs.h"
 
 #include <QLabel>
@@ -60,6 +61,11 @@ private slots:
     void refusedAddressIsRewrittenByTheNextRecord();
     void fieldInDhcpModeOpensNoKeyboard();
     void hostileTextsStayPlain();
+    void printsWhatItAsked_data();
+    void printsWhatItAsked();
+    void printsTheRecord();
+    void entryThatMayNoLongerBeSentIsTakenBack();
+    void dhcpShowsAfterARefusedStaticAndARestart();
 
 private:
     template <typename T>
@@ -124,6 +130,7 @@ void NetEthTest::showsTheRecord()
 {
     QFETCH(Record, record);
     QFETCH(QString, visible);
+    m_page->setNetInfo(STATIC_ON); // so that "off" has something to hide
     m_page->setNetInfo(record);
     QString seen;
     for (const auto &[letter, name] :
@@ -226,6 +233,16 @@ void NetEthTest::absentDeviceDisablesTheSwitch()
     QCOMPARE(find<QLabel>("lab_EthStatus")->text(), QStringLiteral("Unplugged"));
     QVERIFY(!find<QWidget>("btn_EthSwitch")->isEnabled());
     QVERIFY(!shown("radio_Dhcp")); // nothing else of the record was taken
+
+    m_page->setNetInfo(STATIC_ON);
+    sim::panel().fail("netT.netIsExist", -4, 1);
+    m_page->setNetInfo(STATIC_ON);
+    QVERIFY(shown("lab_EthStatus"));
+    QVERIFY(!find<QWidget>("radio_Dhcp")->isEnabled());
+    press("line_Ip4"); // would not return from an open keyboard
+    m_page->setNetInfo(STATIC_ON);
+    QVERIFY(!shown("lab_EthStatus"));
+    QVERIFY(find<QWidget>("line_Ip4")->isEnabled());
 }
 
 void NetEthTest::radioAsksAtOnce_data()
@@ -341,6 +358,98 @@ void NetEthTest::hostileTextsStayPlain()
     QCOMPARE(mac->textFormat(), Qt::PlainText);
     press("radio_Dhcp");
     QCOMPARE(lastCall("netT.startDhcp"), std::string(R"(["<b>%s%n</b>",false,5000])"));
+}
+
+void NetEthTest::printsWhatItAsked_data()
+{
+    QTest::addColumn<Record>("before");
+    QTest::addColumn<QString>("pressed");
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<QByteArray>("ok");
+    QTest::addColumn<QByteArray>("refused");
+    const auto row = [](const char *pressed, const Record &before, const char *operation,
+                        const char *ok, const char *refused) {
+        QTest::newRow(operation) << before << QString::fromLatin1(pressed)
+                                 << QString::fromLatin1(operation) << QByteArray(ok)
+                                 << QByteArray(refused);
+    };
+    row("btn_EthSwitch", OFF, "netT.netDeviceUp", "netDeviceUp [eth0] ok\n",
+        "netDeviceUp [eth0] Err\n");
+    row("btn_EthSwitch", STATIC_ON, "netT.netDeviceDown", "netDeviceDown [eth0] ok\n",
+        "netDeviceDown [eth0] Err\n");
+    row("radio_Dhcp", STATIC_ON, "netT.startDhcp", "startDhcp [eth0] ok \n",
+        "startDhcp [eth0] error \n");
+    row("radio_Static", DHCP_ON, "netT.stopDhcp", "", "");
+    row("line_Ip4", STATIC_ON, "netT.setIp", "setIp [eth0] ok\n",
+        "setIp [eth0] error IP [192.168.1.7] sub [255.255.255.0] gate [192.168.1.1]\n");
+    row("line_Dns1_1", STATIC_ON, "netT.setDns", "setDns [eth0] ok\n", "setDns [eth0] error\n");
+}
+
+void NetEthTest::printsWhatItAsked()
+{
+    QFETCH(Record, before);
+    QFETCH(QString, pressed);
+    QFETCH(QString, operation);
+    for (const char *outcome : {"ok", "refused"}) {
+        init();
+        m_page->setNetInfo(before);
+        if (qstrcmp(outcome, "refused") == 0)
+            sim::panel().fail(operation.toStdString(), -1);
+        if (pressed.startsWith(QLatin1String("line_")))
+            typeOnKeyboard(QStringLiteral("7\n"));
+        const QByteArray printed = printedBy([&] { press(qPrintable(pressed)); });
+        QTEST(printed, outcome);
+    }
+}
+
+void NetEthTest::printsTheRecord()
+{
+    m_page->setNetInfo(DHCP_ON);
+    Record changed = DHCP_ON;
+    changed.sIpAddr = "10.0.0.7";
+    changed.sAlterDns.clear();
+    changed.bNetNormal = 1;
+    const QByteArray printed = printedBy([&] {
+        m_page->setNetInfo(changed);
+        sim::panel().fail("netT.netIsExist", -4);
+        m_page->setNetInfo(OFF);
+    });
+    QVERIFY(printed.startsWith("paraMnetnode.sDevName = [eth0]\n"
+                               "paraMnetnode.sFunction = [enable]\n"
+                               "paraMnetnode.bNetNormal = [1]\n"
+                               "paraMnetnode.sDhcp = [enable]\n"
+                               "paraMnetnode.sIpAddr = [10.0.0.7][192.168.1.100]\n"
+                               "paraMnetnode.sSubnetMask = [255.255.255.0][255.255.255.0]\n"
+                               "paraMnetnode.sGateway = [192.168.1.1][192.168.1.1]\n"
+                               "paraMnetnode.sPrefDns = [8.8.8.8][8.8.8.8]\n"
+                               "paraMnetnode.sAlterDns = [][9.9.9.9]\n"));
+    QVERIFY(printed.endsWith("net [eth0] Is not Exist!\n"));
+}
+
+void NetEthTest::entryThatMayNoLongerBeSentIsTakenBack()
+{
+    m_page->setNetInfo(STATIC_ON);
+    whenOpen("SoftKeyboard", [this](QWidget *) {
+        m_page->setNetInfo(DHCP_ON); // somebody else switched to DHCP meanwhile
+        return true;
+    });
+    typeOnKeyboard(QStringLiteral("77\n"));
+    press("line_Ip4");
+    QCOMPARE(lastCall("netT.setIp"), std::string());
+    QCOMPARE(octets("line_Ip"), QStringLiteral("192|168|1|100"));
+}
+
+void NetEthTest::dhcpShowsAfterARefusedStaticAndARestart()
+{
+    m_page->setNetInfo(DHCP_ON);
+    sim::panel().fail("netT.stopDhcp", -1);
+    press("radio_Static");
+    m_page->setNetInfo(OFF);
+    m_page->setNetInfo(DHCP_ON);
+    QVERIFY(find<QRadioButton>("radio_Dhcp")->isChecked());
+    QVERIFY(!find<QWidget>("widget_EthIndetail")
+                 ->styleSheet()
+                 .contains(QStringLiteral("border-bottom-color")));
 }
 
 Q_DECLARE_METATYPE(Record)
