@@ -40,6 +40,8 @@ QStringList eventsOf(const Records &records, int runs)
 
 } // namespace
 
+Q_DECLARE_METATYPE(Records)
+
 class CloudMonitorTest : public QObject
 {
     Q_OBJECT
@@ -130,8 +132,6 @@ void CloudMonitorTest::pingsOnlyTheSecondAddress()
     }
     QFAIL("nothing was pinged");
 }
-
-Q_DECLARE_METATYPE(Records)
 
 QTEST_GUILESS_MAIN(CloudMonitorTest)
 #include "CloudMonitorTest.moc"

@@ -2,8 +2,8 @@
 
 #include "platform/sim/Panel.h"
 #include "resources/Resources.h"
-#include "tests/support/PrintedBy.h"
 #include "tests/support/Dialogs.h"
+#include "tests/support/PrintedBy.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -36,6 +36,8 @@ const Record DHCP_ON = record("enable", "enable");
 const Record OFF = record("disable", "disable");
 
 } // namespace
+
+Q_DECLARE_METATYPE(Record)
 
 class NetEthTest : public QObject
 {
@@ -451,8 +453,6 @@ void NetEthTest::dhcpShowsAfterARefusedStaticAndARestart()
                  ->styleSheet()
                  .contains(QStringLiteral("border-bottom-color")));
 }
-
-Q_DECLARE_METATYPE(Record)
 
 QTEST_MAIN(NetEthTest)
 #include "NetEthTest.moc"
