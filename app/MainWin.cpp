@@ -241,6 +241,7 @@ void MainWin::slot_UDevInput(int type, std::string)
 {
     if (type == PLATFORM::DEV_UDISK)
         m_strip->setUsb(true);
+    m_hotPlugEvents.fetch_add(1, std::memory_order_release);
 }
 
 void MainWin::slot_UDevOutput(int type, std::string)
@@ -249,6 +250,7 @@ void MainWin::slot_UDevOutput(int type, std::string)
         m_strip->setUsb(false);
     else if (type == PLATFORM::DEV_WIFI)
         slot_NetChange();
+    m_hotPlugEvents.fetch_add(1, std::memory_order_release);
 }
 
 void MainWin::slot_NetChange(int type, bool online)

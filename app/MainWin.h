@@ -9,6 +9,7 @@
 #include <QDialog>
 
 #include <array>
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -44,6 +45,10 @@ public:
 
     // Takes the network service's records. Any thread.
     void setNetRecords(const std::vector<netT::stAllNetInfo_tag> &records);
+
+    // Called after a hot-plug signal, which has blocked until its slot was done: makes what the
+    // slot did known to the calling thread. Media thread.
+    void awaitHotPlug() const { m_hotPlugEvents.load(std::memory_order_acquire); }
 
     // One run of the online and cloud check. Rate timer's thread.
     void checkCloud();
@@ -99,6 +104,10 @@ private:
     mutable std::mutex m_recordsMutex;
     std::vector<netT::stAllNetInfo_tag> m_netRecords;
     bool m_bRecordsAnnounced = false; // sgl_NetChange() is on its way
+
+    // Counts the hot-plug events that the slots are done with. Qt hands over by a semaphore of its
+    // own, which tools that watch over threads do not see.
+    std::atomic<unsigned int> m_hotPlugEvents{0};
 
     netT::CAsyncClient m_cloudClient;
     CloudMonitor m_cloudMonitor;

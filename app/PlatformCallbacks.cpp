@@ -6,7 +6,9 @@ int OnUdiskAdd(const PLATFORM::tagDEV_INFO_T &info, void *context)
 {
     if (context == nullptr)
         return -1;
-    emit static_cast<MainWin *>(context)->sgl_UDevInput(info.nType, info.sMountPath);
+    auto *window = static_cast<MainWin *>(context);
+    emit window->sgl_UDevInput(info.nType, info.sMountPath);
+    window->awaitHotPlug();
     return 0;
 }
 
@@ -14,7 +16,9 @@ int OnUdiskRemove(const PLATFORM::tagDEV_INFO_T &info, void *context)
 {
     if (context == nullptr)
         return -1;
-    emit static_cast<MainWin *>(context)->sgl_UDevOutput(info.nType, info.sMountPath);
+    auto *window = static_cast<MainWin *>(context);
+    emit window->sgl_UDevOutput(info.nType, info.sMountPath);
+    window->awaitHotPlug();
     return 0;
 }
 
