@@ -1,7 +1,7 @@
 // What the program has asked of the panel, and what the panel shall answer instead.
 #pragma once
 
-#include "platform/sim/StateTree.h"
+#include "platform/sim/Json.h"
 
 #include <cstdint>
 #include <deque>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/net.h"
-#include "platform/sim/StateTree.h"
+#include "platform/sim/Json.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/net.h"
+#include "platform/sim/Json.h"
 #include "platform/sim/ServiceThread.h"
-#include "platform/sim/StateTree.h"
 
 #include <chrono>
 #include <functional>

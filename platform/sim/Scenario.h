@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sim/StateTree.h"
+#include "platform/sim/Json.h"
 
 #include <string>
 

@@ -1,7 +1,9 @@
 // What each place of the state tree may hold, and the tree to begin with.
 #pragma once
 
-#include "platform/sim/StateTree.h"
+#include "platform/sim/Json.h"
+
+#include <string>
 
 namespace sim {
 

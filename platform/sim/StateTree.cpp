@@ -8,8 +8,6 @@
 namespace sim {
 namespace {
 
-constexpr int MAX_DEPTH = 16;
-
 enum class Maps { Merge, Replace };
 
 [[noreturn]] void noSuchPath(const std::string &path)
@@ -216,25 +214,6 @@ private:
 };
 
 } // namespace
-
-Json parseJson(const std::string &text)
-{
-    const auto limitDepth = [](int depth, Json::parse_event_t, Json &) {
-        if (depth > MAX_DEPTH)
-            throw BadRequest("the JSON is nested too deep");
-        return true;
-    };
-    try {
-        return Json::parse(text, limitDepth);
-    } catch (const Json::exception &) {
-        throw BadRequest("this is no JSON: " + text.substr(0, 80));
-    }
-}
-
-std::string dumpJson(const Json &value)
-{
-    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
 
 const Json &valueAt(const Json &state, const std::string &path)
 {

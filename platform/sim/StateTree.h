@@ -2,25 +2,11 @@
 // request changes it. Pure functions over JSON; the panel guards the tree itself.
 #pragma once
 
-#include <nlohmann/json.hpp>
-#include <stdexcept>
+#include "platform/sim/Json.h"
+
 #include <string>
 
 namespace sim {
-
-using Json = nlohmann::json;
-
-// A request that makes no sense; what() says why, for a person. Nothing has changed.
-struct BadRequest : std::runtime_error
-{
-    using std::runtime_error::runtime_error;
-};
-
-// JSON from outside. Throws BadRequest if `text` is none, or is nested deeper than any state.
-Json parseJson(const std::string &text);
-// The text of `value` on one line. Bytes that are no UTF-8 (a Wi-Fi name may hold any) are
-// replaced by U+FFFD.
-std::string dumpJson(const Json &value);
 
 // The built-in panel: an Ethernet, a Wi-Fi and a 4G device, all services up, two COM ports in use.
 Json defaultState();

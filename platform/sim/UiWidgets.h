@@ -1,7 +1,7 @@
 // The program's windows, seen from outside. All functions: GUI thread.
 #pragma once
 
-#include "platform/sim/StateTree.h"
+#include "platform/sim/Json.h"
 
 #include <QRect>
 #include <QString>
