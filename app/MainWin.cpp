@@ -7,18 +7,16 @@
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "app/PlatformCallbacks.h"
+#include "app/Shutdown.h"
 #include "network/NetEth.h"
 #include "platform/board.h"
 #include "platform/cos_process.h"
 #include "platform/cos_thread.h"
-#include "platform/cos_time.h"
 #include "system/Language.h"
 #include "system/LanguageSettings.h"
 #include "ui_Qt_MainWin.h"
 
 #include <cstdio>
-#include <cstdlib>
-#include <unistd.h>
 #include <utility>
 
 namespace {
@@ -28,26 +26,11 @@ constexpr int BUZZER_PERIOD_MS = 50;
 constexpr int CLOUD_PERIOD_MS = 2000;
 constexpr int REPEAT_FOR_EVER = -1;
 constexpr int START_BEEP_MS = 480;
-constexpr int BEFORE_REBOOT_MS = 500;
 constexpr unsigned int RECORDS_TIMEOUT_MS = 5000;
 
 constexpr int UPDATE_GROUP = 2;
 constexpr int LANGUAGE_TAB = 2;
 constexpr int TABS_ACROSS = 5; // tabs that fit side by side on the screen
-
-// Gives everything that was written its time to reach the disk.
-void settle()
-{
-    sync();
-    COS::CosTime::SleepCos(BEFORE_REBOOT_MS);
-}
-
-// The program never returns to a shell.
-[[noreturn]] void reboot(int hardware)
-{
-    my_reboot(hardware);
-    std::exit(0); // NOLINT(concurrency-mt-unsafe): what still runs is stopped by then or waited for
-}
 
 } // namespace
 

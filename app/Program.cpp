@@ -2,14 +2,13 @@
 
 #include "app/look/FontStyle.h"
 #include "app/MainWin.h"
+#include "app/Shutdown.h"
 #include "input/FieldKeyboard.h"
-#include "platform/board.h"
 #include "resources/Resources.h"
 
 #include <QApplication>
 
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
 
 namespace {
@@ -56,8 +55,10 @@ void runProgram(int argc, char **argv, const std::function<void()> &shown)
         runWindow(argc, argv, shown);
     } catch (const std::exception &error) {
         std::fprintf(stderr, "sysset: %s\n", error.what());
+    } catch (...) {
+        std::fputs("sysset: cannot go on\n", stderr);
     }
     // Only a window that could not be built gets here: a built one restarts the panel itself.
-    my_reboot(1);
-    std::exit(0); // NOLINT(concurrency-mt-unsafe): nothing else runs any more
+    settle();
+    reboot(1);
 }

@@ -46,7 +46,7 @@ public:
             char byte = 0;
             if (paints && read(ends[0], &byte, 1) != 1) {
                 std::fprintf(stderr, "%s ended before its first frame\n", program.c_str());
-                std::exit(1);
+                std::_Exit(1);
             }
         });
         close(ends[0]);
@@ -103,7 +103,8 @@ public:
 private:
     [[noreturn]] void become(int readyFd) const
     {
-        setenv("BENCH_READY_FD", std::to_string(readyFd).c_str(), 1);
+        const std::string ready = std::to_string(readyFd);
+        setenv("BENCH_READY_FD", ready.c_str(), 1); // NOLINT(concurrency-mt-unsafe): one thread
         const int quiet = open("/dev/null", O_WRONLY);
         dup2(quiet, STDOUT_FILENO);
         dup2(quiet, STDERR_FILENO);

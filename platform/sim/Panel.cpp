@@ -33,7 +33,7 @@ int numberAt(const Json &list, std::size_t index, const char *what)
 // The scenario's list of orders `what`, each of at most `longest` values.
 Json listOf(const Json &scenario, const char *what, std::size_t longest)
 {
-    const Json list = scenario.value(what, Json::array());
+    Json list = scenario.value(what, Json::array());
     const auto fits = [longest](const Json &order) {
         return order.is_array() && order.size() <= longest;
     };
