@@ -110,35 +110,23 @@ private slots:
         QTRY_COMPARE(threadsNamed("timer"), 0);
     }
 
-    void refusesBadArguments_data()
-    {
-        QTest::addColumn<bool>("hasFunction");
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<int>("period");
-        QTest::addColumn<int>("times");
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<int>("result");
-        QTest::newRow("no function") << false << QByteArray("a") << 5 << -1 << 0 << -1;
-        QTest::newRow("no name") << true << QByteArray() << 5 << -1 << 0 << -1;
-        QTest::newRow("no period") << true << QByteArray("a") << 0 << -1 << 0 << -1;
-        QTest::newRow("no call") << true << QByteArray("a") << 5 << 0 << 0 << -1;
-        QTest::newRow("count below -1") << true << QByteArray("a") << 5 << -2 << 0 << -1;
-        QTest::newRow("unknown mode") << true << QByteArray("a") << 5 << -1 << 2 << -1;
-        QTest::newRow("name in use") << true << QByteArray("used") << 5 << -1 << 0 << -2;
-        QTest::newRow("longest period") << true << QByteArray("a") << INT_MAX << INT_MAX << 1 << 0;
-    }
     void refusesBadArguments()
     {
-        QFETCH(bool, hasFunction);
-        QFETCH(QByteArray, name);
-        QFETCH(int, period);
-        QFETCH(int, times);
-        QFETCH(int, mode);
+        struct
+        {
+            CCosRateTimer::Function function;
+            const char *name;
+            int period, times, mode, result;
+        } const cases[] = {
+            {nullptr, "a", 5, -1, 0, -1},  {count, "", 5, -1, 0, -1},
+            {count, "a", 0, -1, 0, -1},    {count, "a", 5, 0, 0, -1},
+            {count, "a", 5, -2, 0, -1},    {count, "a", 5, -1, 2, -1},
+            {count, "used", 5, -1, 0, -2}, {count, "a", INT_MAX, INT_MAX, 1, 0},
+        };
         Counter calls;
         addForEver(count, &calls, "used");
-        QTEST(CCosRateTimer::addTimer(hasFunction ? count : nullptr, &calls, name.toStdString(),
-                                      period, times, mode),
-              "result");
+        for (const auto &[function, name, period, times, mode, result] : cases)
+            QCOMPARE(CCosRateTimer::addTimer(function, &calls, name, period, times, mode), result);
         CCosRateTimer::destory();
     }
 
