@@ -13,17 +13,13 @@ class ThreadPoolTest : public QObject
 private slots:
     void cleanup() { CCosThreadPool::destory(); }
 
-    void refusesSenselessNumbers()
+    void refusesWhatMakesNoSense()
     {
         const std::array<int, 3> cases[] = {{-1, 1, 1}, {0, 0, 1}, {3, 2, 1}, {1, 1, 0}};
         for (const auto &[minimum, maximum, queued] : cases) {
             QCOMPARE(CCosThreadPool::init(minimum, maximum, queued), -1);
             QCOMPARE(CCosThreadPool::submit([] {}), -1);
         }
-    }
-
-    void runsOnlyBetweenInitAndDestory()
-    {
         QCOMPARE(CCosThreadPool::init(1, 1, 1), 0);
         QCOMPARE(CCosThreadPool::init(1, 1, 1), -1);
         QCOMPARE(CCosThreadPool::submit(nullptr), -1);

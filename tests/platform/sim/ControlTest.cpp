@@ -140,19 +140,20 @@ private slots:
         QVERIFY(send({"ui", "dump", "nobody"})["value"] == Json::array());
     }
 
+    void pressesRows_data()
+    {
+        QTest::addColumn<QString>("row");
+        for (const char *row : {"list 0", "list 49", "combo 3", "combo 49", "tabs 1"})
+            QTest::newRow(row) << row;
+    }
     void pressesRows()
     {
-        const std::pair<const char *, const char *> rows[] = {
-            {"list", "0"}, {"list", "49"}, {"combo", "3"}, {"combo", "49"}, {"tabs", "1"}};
-        for (const auto &[object, row] : rows) {
-            QSignalSpy clicks(m_window->list, &QListWidget::itemClicked);
-            QVERIFY(send({"ui", "press", object, row})["ok"] == true);
-            const auto shown = [&, name = object] {
-                return send({"ui", "dump", name})["value"][0];
-            };
-            QTRY_COMPARE(shown()["index"].get<int>(), std::stoi(row));
-            QCOMPARE(clicks.count(), std::string(object) == "list" ? 1 : 0);
-        }
+        const std::vector<std::string> row = split(QTest::currentDataTag());
+        QSignalSpy clicks(m_window->list, &QListWidget::itemClicked);
+        QVERIFY(send({"ui", "press", row[0], row[1]})["ok"] == true);
+        const auto shown = [&] { return send({"ui", "dump", row[0]})["value"][0]["index"]; };
+        QTRY_COMPARE(shown().get<int>(), std::stoi(row[1]));
+        QCOMPARE(clicks.count(), row[0] == "list" ? 1 : 0);
     }
 
     void twoQuickPressesAreTwoClicks()

@@ -74,7 +74,6 @@ private slots:
         };
         row("lcd", R"({"width": 800, "weight": 1})", "no such path: lcd.weight");
         row("lcd.width.x", "1", "no such path: lcd.width.x");
-        row("lcd.", "{}", "no such path: lcd.");
         row(".", "1", "no such path: .");
         row("net.devices.4", "{}", "no such path: net.devices.4");
         row("net.devices.-1", "{}", "no such path: net.devices.-1");
@@ -82,7 +81,6 @@ private slots:
         row("modem.at.texts.9", "\"\"", "no such path: modem.at.texts.9");
         row("modem.at.numbers", "[1, 2]", "must be a list of 5");
         row("words.10591", "65536", "words.10591: must be a whole number from 0 to 65535, or null");
-        row("words.10591", "-1", "must be a whole number");
         row("words.10591", "1.5", "must be a whole number");
         row("words.10591", "18446744073709551615", "must be a whole number");
         row("words.x", "1", "words.x: must be named by a number");
@@ -94,7 +92,6 @@ private slots:
         row("machine", "null", "machine: must be an object");
         // A new key of an open map is all that is left of the path.
         row("net.lease.eth9.sIpAddr", "\"1.2.3.4\"", "net.lease.eth9.sIpAddr: must be an object");
-        row("reboots", "{}", "reboots: must be a list");
     }
     void refuses()
     {
