@@ -11,24 +11,24 @@ class Counter
 public:
     void add()
     {
-        const std::lock_guard lock(mutex_);
-        ++value_;
-        changed_.notify_all();
+        const std::lock_guard lock(m_mutex);
+        ++m_value;
+        m_changed.notify_all();
     }
     int value() const
     {
-        const std::lock_guard lock(mutex_);
-        return value_;
+        const std::lock_guard lock(m_mutex);
+        return m_value;
     }
     // False only if it takes longer than any loaded machine.
     bool reaches(int value) const
     {
-        std::unique_lock lock(mutex_);
-        return changed_.wait_for(lock, std::chrono::seconds(60), [&] { return value_ >= value; });
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, std::chrono::seconds(60), [&] { return m_value >= value; });
     }
 
 private:
-    mutable std::mutex mutex_;
-    mutable std::condition_variable changed_;
-    int value_ = 0;
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_changed;
+    int m_value = 0;
 };

@@ -43,7 +43,7 @@ const char *const NOTHING = "(nothing)";
 
 Q_DECLARE_METATYPE(KeyboardSizeOf)
 
-class TestInput : public QObject
+class SoftKeyboardTest : public QObject
 {
     Q_OBJECT
 
@@ -63,12 +63,12 @@ private slots:
     void placeOverPage();
 };
 
-void TestInput::cleanup()
+void SoftKeyboardTest::cleanup()
 {
     QVERIFY(dialogsDone());
 }
 
-void TestInput::firstPressOfProcessAndTremblesAreDropped()
+void SoftKeyboardTest::firstPressOfProcessAndTremblesAreDropped()
 {
     SoftKeyboard keyboard(nullptr, QString());
     keyboard.setMaxLength(9);
@@ -87,7 +87,7 @@ void TestInput::firstPressOfProcessAndTremblesAreDropped()
     QCOMPARE(keyClicks(), 2);
 }
 
-void TestInput::entries_data()
+void SoftKeyboardTest::entries_data()
 {
     QTest::addColumn<int>("mode");
     QTest::addColumn<QString>("initial");
@@ -128,7 +128,7 @@ void TestInput::entries_data()
     row("password mode without one", KB_MODE_PASSWORD, "", 9, "\n\x1b", NOTHING, NOTHING);
 }
 
-void TestInput::entries()
+void SoftKeyboardTest::entries()
 {
     QFETCH(int, mode);
     QFETCH(int, limit);
@@ -149,7 +149,7 @@ void TestInput::entries()
     QTEST(got, "got");
 }
 
-void TestInput::looks_data()
+void SoftKeyboardTest::looks_data()
 {
     QTest::addColumn<int>("mode");
     QTest::addColumn<QString>("visible");
@@ -166,7 +166,7 @@ void TestInput::looks_data()
                                  << "**"_s << left;
 }
 
-void TestInput::looks()
+void SoftKeyboardTest::looks()
 {
     QFETCH(int, mode);
     SoftKeyboard keyboard(nullptr, "ab"_s);
@@ -193,7 +193,7 @@ void TestInput::looks()
     QVERIFY(closeIsSquare);
 }
 
-void TestInput::revealedEntryHasNoLimitButForSpace()
+void SoftKeyboardTest::revealedEntryHasNoLimitButForSpace()
 {
     SoftKeyboard keyboard(nullptr, QString());
     keyboard.setMaxLength(1);
@@ -208,7 +208,7 @@ void TestInput::revealedEntryHasNoLimitButForSpace()
     QCOMPARE(text, "ac"_s);
 }
 
-void TestInput::lettersEnterKeepsLeadingZero()
+void SoftKeyboardTest::lettersEnterKeepsLeadingZero()
 {
     SoftKeyboard keyboard(nullptr, QString());
     QSignalSpy entered(&keyboard, &SoftKeyboard::Sgl_InputText);
@@ -222,7 +222,7 @@ void TestInput::lettersEnterKeepsLeadingZero()
     QCOMPARE(entered.value(0).value(0).toString(), "05"_s);
 }
 
-void TestInput::pluggedInKeyboardOnlyCloses()
+void SoftKeyboardTest::pluggedInKeyboardOnlyCloses()
 {
     QWidget page;
     QLineEdit field("5"_s, &page);
@@ -237,7 +237,7 @@ void TestInput::pluggedInKeyboardOnlyCloses()
     QCOMPARE(field.text(), "5"_s);
 }
 
-void TestInput::gateOpensToThePasswordAlone()
+void SoftKeyboardTest::gateOpensToThePasswordAlone()
 {
     QWidget window;
     QString complaint;
@@ -254,7 +254,7 @@ void TestInput::gateOpensToThePasswordAlone()
     QCOMPARE(complaint, "Password error!"_s);
 }
 
-void TestInput::fieldTakesEntry()
+void SoftKeyboardTest::fieldTakesEntry()
 {
     QWidget page;
     QLineEdit field("5"_s, &page);
@@ -267,7 +267,7 @@ void TestInput::fieldTakesEntry()
     QCOMPARE(keyClicks() - before, 1 + 3);
 }
 
-void TestInput::placeOverPage_data()
+void SoftKeyboardTest::placeOverPage_data()
 {
     QTest::addColumn<QRect>("page");
     QTest::addColumn<KeyboardSizeOf>("sizeOf");
@@ -281,7 +281,7 @@ void TestInput::placeOverPage_data()
         << QRect(100, 50, 800, 500) << Of::Page << QRect(260, 125, 440, 350);
 }
 
-void TestInput::placeOverPage()
+void SoftKeyboardTest::placeOverPage()
 {
     QFETCH(QRect, page);
     sim::panel().set("lcd.width", 1024);
@@ -303,5 +303,5 @@ void TestInput::placeOverPage()
     QTEST(placed, "keyboard");
 }
 
-QTEST_MAIN(TestInput)
-#include "tst_input.moc"
+QTEST_MAIN(SoftKeyboardTest)
+#include "SoftKeyboardTest.moc"

@@ -1,0 +1,75 @@
+#include "resources/Resources.h"
+
+#include "tests/support/Text.h"
+
+#include <QImage>
+#include <QImageReader>
+#include <QResource>
+#include <QSet>
+#include <QTest>
+
+namespace {
+
+const QString IMAGES = QStringLiteral(":/SysSet_images/SysSet_images/");
+
+} // namespace
+
+class ResourcesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { loadResources(); }
+
+    // The variants of a drawing come from its style sheet; a class that no rule knows would leave
+    // two states with the same look.
+    void variantsDiffer_data()
+    {
+        QTest::addColumn<QString>("names");
+        for (const char *names :
+             {"UsbInPut UsbOutPut", "EthInPut EthOutPut", "WiFiInPut WifiOutPut",
+              "4gInPut 4gOutPut", "cloudok clouderr", "Question Information Warning Critical",
+              "Switch_Open Switch_Close", "eyeHide eyeShow delete space enter",
+              "radio_checked radio_unchecked", "voice_Open voice_Close", "4G_0 4G_1 4G_2 4G_3 4G_4",
+              "wifi1_0 wifi1_1 wifi1_2 wifi1_3 wifi1_4 wifi2_0 wifi2_1 wifi2_2 wifi2_3 wifi2_4",
+              "tick"})
+            QTest::newRow(names) << names;
+    }
+    void variantsDiffer()
+    {
+        QFETCH(QString, names);
+        QList<QImage> pictures;
+        for (const QString &name : names.split(QLatin1Char(' '))) {
+            const QImage picture(IMAGES + name + ".png"_s);
+            QVERIFY2(!picture.isNull() && picture.hasAlphaChannel(), qPrintable(name));
+            QVERIFY2(!pictures.contains(picture), qPrintable(name));
+            pictures << picture;
+        }
+    }
+
+    void animationNeverEnds()
+    {
+        QImageReader reader(IMAGES + "loading_more.gif"_s);
+        QSet<QRgb> looks;
+        for (QImage frame = reader.read(); !frame.isNull(); frame = reader.read()) {
+            QCOMPARE(frame.pixelColor(0, 0).alpha(), 0);
+            QCOMPARE(reader.nextImageDelay(), 80);
+            looks << frame.pixel(frame.width() / 2, 10);
+        }
+        QCOMPARE(reader.loopCount(), -1);
+        QCOMPARE(looks.size(), 12); // each frame shows another dot at the top
+    }
+
+    // Read where they lie instead of being unpacked into the heap.
+    void translationsAreMapped()
+    {
+        for (const QString &file : {"en_ch.qm"_s, "ch_en.qm"_s}) {
+            const QResource translation(":/Language/LangugePackage/"_s + file);
+            QVERIFY2(translation.isValid(), qPrintable(file));
+            QCOMPARE(translation.compressionAlgorithm(), QResource::NoCompression);
+        }
+    }
+};
+
+QTEST_MAIN(ResourcesTest)
+#include "ResourcesTest.moc"
