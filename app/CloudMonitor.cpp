@@ -2,6 +2,9 @@
 
 #include "platform/board.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace {
 
 constexpr unsigned int PING_TIMEOUT_MS = 50000;
@@ -33,25 +36,27 @@ CloudMonitor::CloudMonitor(const netT::CAsyncClient &client, Events events)
 
 void CloudMonitor::run(const std::vector<netT::stAllNetInfo_tag> &records)
 {
-    checkCloud(checkLinks(records));
+    const bool anyOnline = checkLinks(records);
+    if (!m_bStopped)
+        checkCloud(anyOnline);
 }
 
 bool CloudMonitor::checkLinks(const std::vector<netT::stAllNetInfo_tag> &records)
 {
-    bool anyOnline = false;
-    for (Link &link : m_links) {
-        bool online = false;
-        for (const netT::stAllNetInfo_tag &record : records) {
-            if (record.sNetType == link.kind)
-                online = isOnline(record, link.pinged);
+    std::array<bool, LINK_COUNT> online{}; // the last record of a kind decides
+    for (const netT::stAllNetInfo_tag &record : records) {
+        for (std::size_t i = 0; i < LINK_COUNT && !m_bStopped; ++i) {
+            if (record.sNetType == m_links[i].kind)
+                online[i] = isOnline(record, m_links[i].pinged);
         }
-        anyOnline = anyOnline || online;
-        if (online == link.online)
-            continue;
-        link.online = online;
-        m_events.linkChanged(link.type, online);
     }
-    return anyOnline;
+    if (m_bStopped)
+        return false;
+    for (std::size_t i = 0; i < LINK_COUNT; ++i) {
+        if (std::exchange(m_links[i].online, online[i]) != online[i])
+            m_events.linkChanged(m_links[i].type, online[i]);
+    }
+    return std::find(online.begin(), online.end(), true) != online.end();
 }
 
 void CloudMonitor::checkCloud(bool anyOnline)

@@ -30,6 +30,10 @@ public:
     // One check over the network service's latest records. Blocks while a link is pinged.
     void run(const std::vector<netT::stAllNetInfo_tag> &records);
 
+    // Makes a run that is under way end after the ping that it waits for, and later ones do
+    // nothing. Any thread.
+    void stop() { m_bStopped = true; }
+
     // Result of loading the cloud configuration; -1 until it is loaded.
     int loadResult() const { return m_nLoadResult; }
     // The cloud's state as last reported.
@@ -49,7 +53,9 @@ private:
 
     const netT::CAsyncClient &m_client;
     Events m_events;
-    std::array<Link, 3> m_links;
+    static constexpr std::size_t LINK_COUNT = 3;
+    std::array<Link, LINK_COUNT> m_links;
     std::atomic<int> m_nLoadResult{-1};
     std::atomic<bool> m_bCloudUp{false};
+    std::atomic<bool> m_bStopped{false};
 };

@@ -16,6 +16,8 @@
 #include "system/LanguageSettings.h"
 #include "ui_Qt_MainWin.h"
 
+#include <QApplication>
+
 #include <cstdio>
 #include <utility>
 
@@ -28,7 +30,7 @@ constexpr int REPEAT_FOR_EVER = -1;
 constexpr int START_BEEP_MS = 480;
 constexpr unsigned int RECORDS_TIMEOUT_MS = 5000;
 
-constexpr int UPDATE_GROUP = 2;
+constexpr std::size_t UPDATE_GROUP = 2;
 constexpr int LANGUAGE_TAB = 2;
 constexpr int TABS_ACROSS = 5; // tabs that fit side by side on the screen
 
@@ -45,7 +47,7 @@ MainWin::MainWin()
     startTasks();
     m_pNotifyClient = std::make_unique<dsl::CNotifyClient>();
     openScreen();
-    ui->setupUi(this);
+    ui->setupUi(this); // its initial tab already clicks, and comes before there are pages
     m_groups = {{{ui->btn_Machine, ui->tab_Machine},
                  {ui->btn_Net, ui->tab_Net},
                  {ui->btn_UpData, ui->tab_UpData},
@@ -53,7 +55,7 @@ MainWin::MainWin()
     m_pNetEth = ui->wdg_Eth->setPage<NetEth>();
     m_pLanguage = ui->wdg_Language->setPage<Language>();
     // The tabs of the widest group fill the page area exactly.
-    ui->stackedWidget->setFixedWidth(m_screen.width() / TABS_ACROSS * (TABS_ACROSS - 1));
+    ui->stackedWidget->setFixedWidth(tabWidth() * (TABS_ACROSS - 1));
     setWindowFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     new DismissGuard(this, false);
     initLanguage();
@@ -63,17 +65,29 @@ MainWin::MainWin()
 
 MainWin::~MainWin()
 {
-    COS::CCosRateTimer::destory();
-    COS::CCosThreadPool::destory();
+    hide();
+    m_cloudMonitor.stop(); // else the wait for its task could last many pings
+    m_tasks.reset();
     m_pNotifyClient.reset();
     settle();
     reboot(1);
 }
 
-void MainWin::startTasks()
+MainWin::Tasks::Tasks()
 {
     COS::CCosThreadPool::init(1, 5, 20);
     COS::CCosRateTimer::init(TICK_MS);
+}
+
+MainWin::Tasks::~Tasks()
+{
+    COS::CCosRateTimer::destory();
+    COS::CCosThreadPool::destory();
+}
+
+void MainWin::startTasks()
+{
+    m_tasks.emplace();
     connect(this, &MainWin::sgl_Tarnicloud, this, &MainWin::slot_Tarnicloud);
     COS::CCosRateTimer::addTimer(Buzzer_Thread, nullptr, "Buzzer_Thread", BUZZER_PERIOD_MS,
                                  REPEAT_FOR_EVER, 0);
@@ -85,6 +99,7 @@ void MainWin::openScreen()
 {
     PLATFORM::CPlatLcd::open();
     m_screen = screenSize();
+    QApplication::setFont(panelFont());
     Beep(START_BEEP_MS);
     setFixedSize(m_screen);
 }
@@ -93,7 +108,7 @@ void MainWin::initLanguage()
 {
     loadLanguageSettings();
     m_nLanguage = g_nLanguge;
-    retranslate();
+    ui->retranslateUi(this);
     m_pNetEth->retranslate();
     m_pLanguage->retranslate(m_nLanguage);
     if (!g_bChange)
@@ -144,7 +159,7 @@ void MainWin::openUpdate(const QString &word)
     disconnect(ui->tab_UpData, SIGNAL(currentChanged(int)), this, SLOT(slot_TabWidgetChange(int)));
     const bool project = word.startsWith(QLatin1String("DownloadProject"));
     if (project || word.startsWith(QLatin1String("DownloadImage"))) {
-        ui->stackedWidget->setCurrentIndex(UPDATE_GROUP);
+        ui->stackedWidget->setCurrentIndex(static_cast<int>(UPDATE_GROUP));
         ui->tab_UpData->setCurrentIndex(project ? 0 : 1);
         highlightGroup(UPDATE_GROUP);
     }
@@ -180,16 +195,16 @@ void MainWin::slot_ButtonPressed()
         restart();
         return;
     }
-    for (int index = 0; index < static_cast<int>(m_groups.size()); ++index) {
-        if (sender() == m_groups[static_cast<std::size_t>(index)].button)
+    for (std::size_t index = 0; index < m_groups.size(); ++index) {
+        if (sender() == m_groups[index].button)
             showGroup(index);
     }
 }
 
-void MainWin::showGroup(int index)
+void MainWin::showGroup(std::size_t index)
 {
-    ui->stackedWidget->setCurrentIndex(index);
-    QTabWidget *tabs = m_groups[static_cast<std::size_t>(index)].tabs;
+    ui->stackedWidget->setCurrentIndex(static_cast<int>(index));
+    QTabWidget *tabs = m_groups[index].tabs;
     if (tabs->currentIndex() == 0)
         keyClick();
     else
@@ -197,13 +212,11 @@ void MainWin::showGroup(int index)
     highlightGroup(index);
 }
 
-void MainWin::highlightGroup(int index)
+void MainWin::highlightGroup(std::size_t index)
 {
     m_nGroup = index;
-    for (int group = 0; group < static_cast<int>(m_groups.size()); ++group) {
-        setStyleOnce(m_groups[static_cast<std::size_t>(group)].button,
-                     navigationStyle(group == index));
-    }
+    for (std::size_t group = 0; group < m_groups.size(); ++group)
+        setStyleOnce(m_groups[group].button, navigationStyle(group == index));
 }
 
 void MainWin::slot_TabWidgetChange(int)
@@ -259,16 +272,11 @@ void MainWin::slot_LanguageChange(int index)
 {
     m_nLanguage = index == LANGUAGE_ENGLISH ? LANGUAGE_ENGLISH : LANGUAGE_CHINESE;
     applyLanguage(m_nLanguage);
-    retranslate();
+    ui->retranslateUi(this);
     highlightGroup(m_nGroup);
     applyStyle();
     m_pNetEth->retranslate();
     m_pLanguage->retranslate(m_nLanguage);
-}
-
-void MainWin::retranslate()
-{
-    ui->retranslateUi(this);
 }
 
 void MainWin::applyStyle()

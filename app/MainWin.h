@@ -86,10 +86,9 @@ private:
     void initLook();
     void registerHotPlug();
 
-    void showGroup(int index);
-    void highlightGroup(int index);
+    void showGroup(std::size_t index);
+    void highlightGroup(std::size_t index);
     void applyStyle();
-    void retranslate();
     void restart();
     std::vector<netT::stAllNetInfo_tag> netRecords() const;
 
@@ -98,8 +97,8 @@ private:
     Language *m_pLanguage = nullptr;
     std::array<Group, 4> m_groups{};
     QSize m_screen;
-    int m_nLanguage = 0;
-    int m_nGroup = 0;
+    int m_nLanguage = 0; // a copy of g_nLanguge, for what is told the language
+    std::size_t m_nGroup = 0;
 
     mutable std::mutex m_recordsMutex;
     std::vector<netT::stAllNetInfo_tag> m_netRecords;
@@ -113,4 +112,15 @@ private:
     CloudMonitor m_cloudMonitor;
     std::unique_ptr<dsl::CNotifyClient> m_pNotifyClient;
     std::optional<StatusStrip> m_strip;
+
+    // The platform's pool and timer, running as long as the object lives. The last member, so that
+    // no task outlives anything that it uses, even if the window's construction fails.
+    struct Tasks
+    {
+        Tasks();
+        ~Tasks();
+        Tasks(const Tasks &) = delete;
+        Tasks &operator=(const Tasks &) = delete;
+    };
+    std::optional<Tasks> m_tasks;
 };

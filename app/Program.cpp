@@ -49,7 +49,6 @@ void runProgram(int argc, char **argv, const std::function<void()> &shown)
     QApplication application(argc, argv);
     loadResources();
     substituteFonts();
-    QApplication::setFont(panelFont());
     QApplication::setOverrideCursor(Qt::BlankCursor);
     try {
         runWindow(argc, argv, shown);

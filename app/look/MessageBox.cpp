@@ -1,5 +1,6 @@
 #include "app/look/MessageBox.h"
 
+#include "app/look/DismissGuard.h"
 #include "app/look/Screen.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
@@ -39,7 +40,8 @@ void MessageBox::applyType(int type)
     const bool question = type == BOX_QUESTION;
     ui->lab_2->setVisible(question);
     ui->btn_Cancel->setVisible(question);
-    if (!question) { // OK stands to the right
+    if (!question) { // OK stands to the right, and nothing else ends the box
+        new DismissGuard(this, true);
         ui->buttonRow->setStretch(0, 8);
         ui->buttonRow->setStretch(1, 3);
         ui->buttonRow->setStretch(2, 1);

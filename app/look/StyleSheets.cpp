@@ -8,6 +8,7 @@
 namespace {
 
 constexpr int RADIO_SIDE = 20; // pixels
+constexpr int TAB_LINE = 1;
 
 QString withFont(const QString &sheetTemplate)
 {
@@ -33,26 +34,36 @@ QString radioTemplate(int indicatorSide)
         .replace(QLatin1String("%2"), QString::number(indicatorSide));
 }
 
+QString listTemplate()
+{
+    return QStringLiteral("QListWidget{color:black;%1background-color:white;outline:none;"
+                          "border:1px solid #C4C4C3;border-radius:4px;}"
+                          "QListWidget::item:selected"
+                          "{color:white;background-color:rgb(0 , 85 ,127);}");
+}
+
 } // namespace
 
 QString windowStyle()
 {
-    return withFont(
-        QStringLiteral("QLabel{color:black;%1border-radius:4px;}") + buttonTemplate() +
-        radioTemplate(std::max(RADIO_SIDE, fontPixelSize())) +
-        QStringLiteral("#Qt_MainWin{background-color:white;}"
-                       "QFrame#wdg_Status{background-color:#F2F5F8;border-radius:4px;}"
-                       "QListWidget{color:black;%1background-color:white;outline:none;"
-                       "border:1px solid #C4C4C3;border-radius:4px;}"
-                       "QListWidget::item:selected{color:white;background-color:rgb(0 , 85 ,127);}"
-                       "QCheckBox{color:black;%1outline:none;}"));
+    return withFont(QStringLiteral("QLabel{color:black;%1border-radius:4px;}") + buttonTemplate() +
+                    radioTemplate(std::max(RADIO_SIDE, fontPixelSize())) + listTemplate() +
+                    QStringLiteral("#Qt_MainWin{background-color:white;}"
+                                   "QFrame#wdg_Status{background-color:#F2F5F8;border-radius:4px;}"
+                                   "QCheckBox{color:black;%1outline:none;}"));
+}
+
+int tabWidth()
+{
+    return screenSize().width() / 5 + TAB_LINE;
 }
 
 QString tabStyle()
 {
     const QSize screen = screenSize();
     return QStringLiteral("QTabBar::tab {width:%1px;height:%2px;color: black;%3outline: none;"
-                          "background-color:#F2F5F8;border:0px;margin:0px;padding:0px;"
+                          "background-color:#F2F5F8;margin:0px;padding:0px;"
+                          "border:0px;border-right:1px solid #C4C4C3;"
                           "border-top-left-radius:4px;border-top-right-radius:4px;}"
                           "QTabBar::tab:selected{color:white;background-color:rgb(0 , 85 ,127);}"
                           "QTabWidget::pane{border:0px;border-top:2px solid rgb(0 , 85 ,127);"
@@ -64,10 +75,13 @@ QString tabStyle()
 
 QString updateStyle()
 {
-    return withFont(QStringLiteral(
-        "QProgressBar{color:black;%1border: none;text-align: center;background: rgb(210, 225, 240);"
-        "border-radius:4px;}"
-        "QProgressBar::chunk{background-color:rgb(0, 160, 230);border-radius:4px;}"));
+    return withFont(
+        listTemplate() +
+        QStringLiteral(
+            "QProgressBar{color:black;%1border: none;text-align: center;background: rgb(210, 225, "
+            "240);"
+            "border-radius:4px;}"
+            "QProgressBar::chunk{background-color:rgb(0, 160, 230);border-radius:4px;}"));
 }
 
 QString navigationStyle(bool selected)
@@ -85,6 +99,7 @@ QString messageBoxStyle()
     return withFont(QStringLiteral("QLabel{color:black;%1border-radius:4px;border:0px;}") +
                     buttonTemplate() +
                     QStringLiteral("#MessageBox{background-color:white;}"
+                                   "QLabel#label_3{border-radius:0px;}"
                                    "QFrame#frame{border:2px solid #8B9FBD;}"));
 }
 
@@ -92,6 +107,7 @@ QString keyboardStyle(bool centred)
 {
     return withFont(QStringLiteral("QLabel{color:black;%1border-radius:4px;}") + buttonTemplate() +
                     QStringLiteral("#SoftKeyboard{background-color:white;}"
+                                   "QLabel#lab_Min,QLabel#lab_Max{padding:0px 6px;}"
                                    "QWidget#widget_2{background-color: rgb(139, 159, 189);}"
                                    "QPushButton#btn_close{background-color:transparent;"
                                    "border:0px solid #C4C4C3;}"

@@ -8,6 +8,8 @@
 QString windowStyle();
 // A tab widget's: tabs of a fifth of the screen's width and a twelfth of its height.
 QString tabStyle();
+// The width of one tab, its line at the right included, in pixels.
+int tabWidth();
 // The update group's, behind its tab style: progress bars and file lists.
 QString updateStyle();
 // A navigation button's.

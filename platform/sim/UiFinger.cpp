@@ -11,6 +11,7 @@
 #include <QStyleOptionSlider>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QTimer>
 #include <QWindow>
 
 #include <cstdlib>
@@ -67,7 +68,8 @@ void tapChoice(QComboBox *box, int row)
     if (row >= box->count())
         noSuchRow(box, row);
     box->showPopup();
-    tapRow(box->view(), box, row);
+    // The list finds its place only when the event loop comes round.
+    QTimer::singleShot(0, box, [box, row] { tapRow(box->view(), box, row); });
 }
 
 // A slider's handle and the way that it has, in pixels.

@@ -67,7 +67,7 @@
     </message>
     <message>
         <source>Enable</source>
-        <translation>可启用</translation>
+        <translation>未启用</translation>
     </message>
     <message>
         <source>Unplugged</source>
@@ -110,7 +110,7 @@
     </message>
     <message>
         <source>WLAN</source>
-        <translation>无线网络</translation>
+        <translation>无线局域网</translation>
     </message>
     <message>
         <source>4G</source>
@@ -134,7 +134,7 @@
     </message>
     <message>
         <source>General</source>
-        <translation>通用</translation>
+        <translation>常规</translation>
     </message>
     <message>
         <source>COM Settings</source>

@@ -4,6 +4,8 @@
 
 #include <QtTest>
 
+#include <thread>
+
 namespace {
 
 using Records = std::vector<netT::stAllNetInfo_tag>;
@@ -38,6 +40,17 @@ QStringList eventsOf(const Records &records, int runs)
     return events;
 }
 
+// The arguments of every call of a platform operation so far.
+nlohmann::json callsOf(const char *operation)
+{
+    nlohmann::json found = nlohmann::json::array();
+    for (const auto &call : sim::panel().calls()) {
+        if (call.at("op") == operation)
+            found.push_back(call.at("args"));
+    }
+    return found;
+}
+
 } // namespace
 
 Q_DECLARE_METATYPE(Records)
@@ -52,6 +65,7 @@ private slots:
     void reports();
     void followsALinkThatGoesAway();
     void pingsOnlyTheSecondAddress();
+    void stopsInTheMiddle();
 };
 
 void CloudMonitorTest::initTestCase()
@@ -98,8 +112,11 @@ void CloudMonitorTest::reports()
     QFETCH(int, cloudStatus);
     QFETCH(QString, events);
     sim::panel().set("cloud.status", cloudStatus);
+    sim::panel().clearCalls();
 
     QCOMPARE(eventsOf(records, 1).join(QLatin1Char(',')), events);
+    const bool asked = !callsOf("netT.CAsyncClient.getConnectedStatus").empty();
+    QCOMPARE(asked, events.contains(QStringLiteral("=1")));
     // The second run says only what it says every time.
     QCOMPARE(eventsOf(records, 2).size(), eventsOf(records, 1).size() + 1);
 }
@@ -123,14 +140,26 @@ void CloudMonitorTest::pingsOnlyTheSecondAddress()
 {
     sim::panel().clearCalls();
     eventsOf({record("ETH", "enable", "192.168.1.100", "8.8.8.8")}, 1);
-    for (const auto &call : sim::panel().calls()) {
-        if (call.at("op") == "netT.netTping") {
-            const nlohmann::json expected = {"eth0", "", "8.8.8.8", false, 1, true, 50000};
-            QCOMPARE(call.at("args").dump(), expected.dump());
-            return;
-        }
-    }
-    QFAIL("nothing was pinged");
+    const nlohmann::json expected = {{"eth0", "", "8.8.8.8", false, 1, true, 50000}};
+    QCOMPARE(callsOf("netT.netTping").dump(), expected.dump());
+}
+
+void CloudMonitorTest::stopsInTheMiddle()
+{
+    netT::CAsyncClient client;
+    const auto fail = [](auto...) { QFAIL("nothing is to be reported after the stop"); };
+    CloudMonitor monitor(client, {fail, fail, fail});
+    sim::panel().clearCalls();
+    sim::panel().delay("netT.netTping", 200);
+    std::thread stopper([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        monitor.stop();
+    });
+    const auto link = record("ETH", "enable", "192.168.1.100", "8.8.8.8");
+    monitor.run({link, link, link});
+    stopper.join();
+    sim::panel().clearDelays();
+    QCOMPARE(callsOf("netT.netTping").size(), std::size_t(1));
 }
 
 QTEST_GUILESS_MAIN(CloudMonitorTest)

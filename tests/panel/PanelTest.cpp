@@ -1,6 +1,7 @@
 #include "tests/panel/PanelProcess.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -51,6 +52,8 @@ private slots:
     void survivesOptions();
     void gateOpensWithThePassword();
     void tellsThatTheServiceIsMissing();
+    void startsInOrder();
+    void navigationClicksOnce();
     void stripFollowsEvents();
     void survivesBadRecords();
     void keepsTheLanguage();
@@ -207,6 +210,62 @@ void PanelTest::tellsThatTheServiceIsMissing()
     QVERIFY(!panel.output().contains("InitNetWork"));
 }
 
+void PanelTest::startsInOrder()
+{
+    PanelProcess panel;
+    QVERIFY(panel.start());
+    QVERIFY(PanelProcess::wait([&] { return panel.output().contains("InitNetWork OK\n"); }));
+    QStringList calls;
+    for (const QJsonValue &call : panel.ask({text("calls")}).toArray()) {
+        const QString line =
+            call[text("op")].toString() +
+            QString::fromUtf8(
+                QJsonDocument(call[text("args")].toArray()).toJson(QJsonDocument::Compact));
+        if (!calls.contains(line))
+            calls << line;
+    }
+    const QStringList inOrder = {
+        text("PLATFORM.CPlatLcd.open[]"),
+        text("PLATFORM.CPlatLcd.getResolution[]"),
+        text("Beep[480]"),
+        text("PLATFORM.CPlatMedia.addDev[[301,302,303,201]]"),
+        text("COS.GetProcessPIDByName[\"netServer\"]"),
+        text("netT.getAllNetInfoCallBack[true,5000,true]"),
+    };
+    int last = -1;
+    for (const QString &call : inOrder) {
+        const int place = calls.indexOf(call);
+        QVERIFY2(place > last, qPrintable(call + text(" in ") + calls.join(text(" "))));
+        last = place;
+    }
+}
+
+void PanelTest::navigationClicksOnce()
+{
+    PanelProcess panel;
+    QVERIFY(panel.start());
+    const auto clicksTo = [&](const char *button, int index = -1) {
+        const int before = panel.get(text("buzzer.opens")).toInt();
+        if (!panel.press(text(button), index))
+            return -1;
+        PanelProcess::wait([&] { return panel.get(text("buzzer.opens")).toInt() > before; }, 300);
+        return panel.get(text("buzzer.opens")).toInt() - before;
+    };
+    const auto marked = [&](const char *button) {
+        return panel.widget(text(button), text("style"))
+            .toString()
+            .startsWith(text("color: white; background-color:rgb(0   , 85  ,127); font: 75 20px"));
+    };
+    QVERIFY(marked("btn_Machine"));
+    QCOMPARE(panel.widget(text("tab_Net"), text("index")).toInt(), 3);
+    QCOMPARE(clicksTo("btn_Net"), 1); // through the change of tab
+    QCOMPARE(panel.widget(text("tab_Net"), text("index")).toInt(), 0);
+    QCOMPARE(clicksTo("btn_Net"), 1); // by itself
+    QCOMPARE(clicksTo("tab_Net", 2), 1);
+    QCOMPARE(clicksTo("tab_Net", 2), 0);
+    QVERIFY(marked("btn_Net") && !marked("btn_Machine"));
+}
+
 void PanelTest::stripFollowsEvents()
 {
     PanelProcess panel;
@@ -243,17 +302,33 @@ void PanelTest::survivesBadRecords()
     const QByteArray bad[] = {
         R"([{"sDevName":"","sNetType":""}])",
         R"([{"sDevName":"<b>%s%n</b>","sNetType":"ETH","sFunction":"enable"}])",
+        "[]",
         R"([{"sDevName":"eth0","sNetType":"ETH","sFunction":"enable","sDhcp":"disable",)"
         R"("sIpAddr":"1.2.3.4.5","sGateway":"...","sMacAddr":")" +
-            QByteArray(4096, 'M') + R"("}])",
-        R"([{"sDevName":"lora0","sNetType":"LORA"}])",
-        "[]",
+            QByteArray(4096, 'M') + R"("},{"sDevName":"lora0","sNetType":"LORA"}])",
     };
-    for (const QByteArray &devices : bad)
+    for (const QByteArray &devices : bad) {
+        const int records = panel.output().count("paraMnetnode.sDevName");
         QVERIFY2(panel.set(text("net.devices"), devices), qPrintable(panel.error()));
-    // A service that stops answering costs the time-out and no more.
-    QVERIFY(panel.set(text("net.server"), "false"));
-    QVERIFY(PanelProcess::wait([&] { return panel.isVisible(text("tab_Net")); }));
+        if (devices.contains("\"ETH\""))
+            QVERIFY(PanelProcess::wait(
+                [&] { return panel.output().count("paraMnetnode.sDevName") > records; }));
+    }
+    QVERIFY(PanelProcess::wait([&] { return panel.output().contains("[lora0][LORA][]\n"); }));
+    QVERIFY(PanelProcess::wait(
+        [&] { return panel.widget(text("lab_EthMac"), text("text")).toString().size() == 4096; }));
+    QCOMPARE(panel.widget(text("line_Ip1"), text("text")).toString(), QString());
+    QVERIFY(panel.output().contains("[<b>%s%n</b>][ETH][]\n"));
+
+    // A service that goes silent in the middle of a call costs the time-out and no more.
+    QVERIFY(!panel.ask({text("delay"), text("netT.netDeviceDown"), text("60000")}).isUndefined());
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(panel.press(text("btn_EthSwitch")));
+    QVERIFY(
+        PanelProcess::wait([&] { return panel.output().contains("netDeviceDown [eth0] Err\n"); }));
+    QVERIFY(timer.elapsed() < 9000);
+    QVERIFY(!panel.widget(text("btn_EthSwitch"), text("enabled")).toBool());
     QVERIFY(panel.press(text("btn_Machine")));
     QVERIFY(PanelProcess::wait([&] { return panel.isVisible(text("tab_Machine")); }));
     QVERIFY(!panel.ask({text("quit")}).isUndefined());
