@@ -2,24 +2,30 @@
 
 #include "app/MainWin.h"
 
-int OnUdiskAdd(const PLATFORM::tagDEV_INFO_T &info, void *context)
+namespace {
+
+// Hands a hot-plug event to the GUI thread by one of the window's blocking signals.
+int reportHotPlug(const PLATFORM::tagDEV_INFO_T &info, void *context,
+                  void (MainWin::*signal)(int, std::string))
 {
     if (context == nullptr)
         return -1;
     auto *window = static_cast<MainWin *>(context);
-    emit window->sgl_UDevInput(info.nType, info.sMountPath);
+    emit(window->*signal)(info.nType, info.sMountPath);
     window->awaitHotPlug();
     return 0;
 }
 
+} // namespace
+
+int OnUdiskAdd(const PLATFORM::tagDEV_INFO_T &info, void *context)
+{
+    return reportHotPlug(info, context, &MainWin::sgl_UDevInput);
+}
+
 int OnUdiskRemove(const PLATFORM::tagDEV_INFO_T &info, void *context)
 {
-    if (context == nullptr)
-        return -1;
-    auto *window = static_cast<MainWin *>(context);
-    emit window->sgl_UDevOutput(info.nType, info.sMountPath);
-    window->awaitHotPlug();
-    return 0;
+    return reportHotPlug(info, context, &MainWin::sgl_UDevOutput);
 }
 
 int getAllNetInfo(std::vector<netT::stAllNetInfo_tag> &list, void *context)

@@ -56,7 +56,6 @@ private slots:
     void absentDeviceDisablesTheSwitch();
     void radioAsksAtOnce_data();
     void radioAsksAtOnce();
-    void returnsToWhatTheServiceSays();
     void appliesWhatWasTyped_data();
     void appliesWhatWasTyped();
     void sendsNothingForAnEmptyOctet();
@@ -67,7 +66,7 @@ private slots:
     void printsWhatItAsked();
     void printsTheRecord();
     void entryThatMayNoLongerBeSentIsTakenBack();
-    void dhcpShowsAfterARefusedStaticAndARestart();
+    void returnsToWhatTheServiceSays();
 
 private:
     template <typename T>
@@ -276,16 +275,6 @@ void NetEthTest::radioAsksAtOnce()
           "editable");
 }
 
-void NetEthTest::returnsToWhatTheServiceSays()
-{
-    m_page->setNetInfo(DHCP_ON);
-    sim::panel().fail("netT.stopDhcp", -1);
-    press("radio_Static");
-    m_page->setNetInfo(DHCP_ON);
-    QVERIFY(find<QRadioButton>("radio_Dhcp")->isChecked());
-    QVERIFY(!find<QLineEdit>("line_Ip1")->isEnabled());
-}
-
 void NetEthTest::appliesWhatWasTyped_data()
 {
     QTest::addColumn<QString>("field");
@@ -441,17 +430,20 @@ void NetEthTest::entryThatMayNoLongerBeSentIsTakenBack()
     QCOMPARE(octets("line_Ip"), QStringLiteral("192|168|1|100"));
 }
 
-void NetEthTest::dhcpShowsAfterARefusedStaticAndARestart()
+void NetEthTest::returnsToWhatTheServiceSays()
 {
-    m_page->setNetInfo(DHCP_ON);
-    sim::panel().fail("netT.stopDhcp", -1);
-    press("radio_Static");
-    m_page->setNetInfo(OFF);
-    m_page->setNetInfo(DHCP_ON);
-    QVERIFY(find<QRadioButton>("radio_Dhcp")->isChecked());
-    QVERIFY(!find<QWidget>("widget_EthIndetail")
-                 ->styleSheet()
-                 .contains(QStringLiteral("border-bottom-color")));
+    for (const bool switchedOff : {false, true}) {
+        m_page->setNetInfo(DHCP_ON);
+        sim::panel().fail("netT.stopDhcp", -1);
+        press("radio_Static");
+        if (switchedOff)
+            m_page->setNetInfo(OFF);
+        m_page->setNetInfo(DHCP_ON);
+        QVERIFY(find<QRadioButton>("radio_Dhcp")->isChecked());
+        QVERIFY(!find<QLineEdit>("line_Ip1")->isEnabled());
+        const QString style = find<QWidget>("widget_EthIndetail")->styleSheet();
+        QVERIFY(!style.contains(QStringLiteral("border-bottom-color")));
+    }
 }
 
 QTEST_MAIN(NetEthTest)
