@@ -34,8 +34,9 @@ public:
     // milliseconds, 0 to 1000. Returns 0; negative on failure.
     static int init(int enabled, unsigned short pwmType, unsigned short beepTime);
 
+    // 1 on, 0 off. Returns 0; negative on failure.
     static int setEnable(int enabled);
-    // 1 if enabled, 0 if not.
+    // 1 if enabled, 0 if not; negative on failure.
     static int getEnable();
     // Length of a click in milliseconds, 0 to 1000. Returns 0; negative on failure.
     static int setBeepTime(unsigned short milliseconds);

@@ -121,25 +121,30 @@ int startDhcp(const std::string &device, bool flag, unsigned int timeoutMs);
 int stopDhcp(const std::string &device, bool flag, unsigned int timeoutMs);
 // 0 if the device takes its address by DHCP, 1 if it is static, negative on failure.
 int isNetDeviceDhcp(const std::string &device, bool flag, unsigned int timeoutMs);
-// Static address. All texts dotted.
+// Static address. All texts dotted; the gateway may be empty. ERR_FAILED if one is no IPv4 address.
 int setIp(const std::string &device, const std::string &ip, const std::string &mask,
           const std::string &gateway, bool flag, unsigned int timeoutMs);
 int getIp(const std::string &device, std::string &ip, std::string &mask, std::string &gateway,
           bool flag, unsigned int timeoutMs);
+// Dotted; either may be empty.
 int setDns(const std::string &device, const std::string &preferred, const std::string &alternate,
            bool flag, unsigned int timeoutMs);
 int getDns(const std::string &device, std::string &preferred, std::string &alternate, bool flag,
            unsigned int timeoutMs);
 
 // --- Wi-Fi -------------------------------------------------------------------------------------
+// All of these fail with ERR_NO_DEVICE where there is no Wi-Fi device.
 
+// The networks in range, in no particular order. ERR_FAILED while the device is switched off.
 int getAPList(std::vector<stApInfo_tag> &list, bool flag, unsigned int timeoutMs);
 int getStatus(WIFI_STATE_T &state, bool flag, unsigned int timeoutMs);
 int getConnectInfo(stUserInfo_tag &info, bool flag, unsigned int timeoutMs);
-// Stores the network to join; connectwifi() joins it.
+// Stores the network to join; connectwifi() joins it. ERR_FAILED for a name that is empty or longer
+// than 32 bytes.
 int setConnectInfo(const std::string &ssid, const std::string &password, bool flag,
                    unsigned int timeoutMs);
-// Starts joining the stored network and returns at once; getStatus() tells how it goes.
+// Starts joining the stored network and returns at once; getStatus() tells how it goes. ERR_FAILED
+// while the device is switched off.
 int connectwifi();
 // The signal level, 0 to 100.
 int getSignal(bool flag, unsigned int timeoutMs);
@@ -169,7 +174,8 @@ int netTping(const std::string &device, const std::string &target, const std::st
 
 // --- Callbacks ---------------------------------------------------------------------------------
 // They come from the client's own thread, one at a time, never from within the registration.
-// Their result is ignored; 0 by convention.
+// Their result is ignored; 0 by convention. There is no way to unregister: `context` lives as long
+// as the program. A registration fails with ERR_NO_SERVICE or ERR_TIMEOUT; nothing is called then.
 
 using AllNetInfoCallback = int (*)(std::vector<stAllNetInfo_tag> &list, void *context);
 // Calls `callback` with the records of all devices: once soon after this call, then after every

@@ -6,7 +6,8 @@
 namespace dsl {
 
 // The program's connection to the panel's notify service; open as long as the object lives.
-// Construction never fails and never blocks: without the service it stays unconnected.
+// Construction never fails and never blocks: without the service it stays unconnected. Any thread,
+// one at a time.
 class CNotifyClient
 {
 public:
