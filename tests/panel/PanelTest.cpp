@@ -216,7 +216,8 @@ void PanelTest::startsInOrder()
     QVERIFY(panel.start());
     QVERIFY(PanelProcess::wait([&] { return panel.output().contains("InitNetWork OK\n"); }));
     QStringList calls;
-    for (const QJsonValue &call : panel.ask({text("calls")}).toArray()) {
+    const QJsonArray log = panel.ask({text("calls")}).toArray();
+    for (const auto &call : log) {
         const QString line =
             call[text("op")].toString() +
             QString::fromUtf8(
