@@ -224,6 +224,8 @@ void MainWin::slot_TabWidgetChange(int)
     keyClick();
 }
 
+// Bound by the form, which runs it once before there are pages. Only the Wi-Fi page cares which tab
+// of its group is seen, and it is not built yet.
 void MainWin::slot_TabNetChange(int) {}
 
 void MainWin::slot_Tarnicloud(bool up)
