@@ -78,14 +78,39 @@ public:
                    Body &&body)
     {
         std::unique_lock lock(m_mutex);
-        Injections::Order order = m_injections.next(op);
-        if (order.delayMs > 0 && static_cast<unsigned int>(order.delayMs) > timeoutMs)
-            order = {timeoutResult, static_cast<int>(timeoutMs)};
+        const Injections::Order order = orderWithin(op, timeoutMs, timeoutResult);
         sleep(lock, order.delayMs);
         return answer(op, std::move(args), order, body);
     }
 
+    // The same for a call that leaves this panel's state alone and works by itself, such as over a
+    // socket: `body(timeLeftMs)` runs unlocked, so that the service at the other end can answer.
+    template <typename Body>
+    int callOutside(const char *op, Json args, unsigned int timeoutMs, int timeoutResult,
+                    Body &&body)
+    {
+        std::unique_lock lock(m_mutex);
+        Injections::Order order = orderWithin(op, timeoutMs, timeoutResult);
+        sleep(lock, order.delayMs);
+        if (!order.result) {
+            lock.unlock();
+            order.result = body(timeoutMs - static_cast<unsigned int>(order.delayMs));
+            lock.lock();
+        }
+        const auto ordered = [&](Json &) { return *order.result; };
+        return answer(op, std::move(args), order, ordered);
+    }
+
 private:
+    // What is ordered for the call of `op`, which gives up after `timeoutMs`.
+    Injections::Order orderWithin(const char *op, unsigned int timeoutMs, int timeoutResult)
+    {
+        const Injections::Order order = m_injections.next(op);
+        if (order.delayMs > 0 && static_cast<unsigned int>(order.delayMs) > timeoutMs)
+            return {timeoutResult, static_cast<int>(timeoutMs)};
+        return order;
+    }
+
     template <typename Body>
     auto answer(const char *op, Json args, const Injections::Order &order, Body &body)
     {

@@ -1,0 +1,38 @@
+// Requests to the panel's local services over UDP on the loopback interface.
+#pragma once
+
+#include <string>
+
+namespace CBB {
+
+// A service that other programs of the panel reach by a name, the endpoint. One request is one
+// datagram, and so is its reply.
+class CbbLocalUdp
+{
+public:
+    enum Error {
+        ERR_ENDPOINT = -1,   // no service of that name is known
+        ERR_SYSTEM = -2,     // no socket, or the request is too long for a datagram
+        ERR_NO_SERVICE = -3, // nobody listens there
+        ERR_TIMEOUT = -4,    // no reply in time
+    };
+
+    // Sends `body` to `endpoint` and waits at most `timeoutMs` milliseconds for the reply, which
+    // replaces `reply`; bytes both, of any content. A reply that comes after that is dropped and
+    // never taken for the answer to a later request.
+    // Returns the reply's size, 0 or more; an Error, with `reply` emptied. Any thread.
+    static int request(const std::string &endpoint, const std::string &body, std::string &reply,
+                       unsigned int timeoutMs);
+};
+
+// The UDP port on 127.0.0.1 behind an endpoint: the value of the environment variable
+// SYSSET_UDP_ and the endpoint's name in capitals ("SYSSET_UDP_DOWNLOAD") if that is a port, else
+// the panel's own. -1 if no service of that name is known. Any thread, as long as nobody changes
+// the environment meanwhile.
+int localUdpPort(const std::string &endpoint);
+
+// The exchange itself, the same on every panel: what request() does with the port that it has
+// found. Same results and thread.
+int exchangeDatagram(int port, const std::string &body, std::string &reply, unsigned int timeoutMs);
+
+} // namespace CBB

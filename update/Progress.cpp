@@ -1,0 +1,3 @@
+#include "update/Progress.h"
+
+ProgressRecord g_Progress;
