@@ -15,6 +15,10 @@
 #include "system/Language.h"
 #include "system/LanguageSettings.h"
 #include "ui_Qt_MainWin.h"
+#include "update/CDownloadThread.h"
+#include "update/DownLoadHmiImage.h"
+#include "update/DownLoadHmiPro.h"
+#include "update/DownLoadPlcPro.h"
 
 #include <QApplication>
 
@@ -52,8 +56,7 @@ MainWin::MainWin()
                  {ui->btn_Net, ui->tab_Net},
                  {ui->btn_UpData, ui->tab_UpData},
                  {ui->btn_Sysset, ui->tab_System}}};
-    m_pNetEth = ui->wdg_Eth->setPage<NetEth>();
-    m_pLanguage = ui->wdg_Language->setPage<Language>();
+    makePages();
     // The tabs of the widest group fill the page area exactly.
     ui->stackedWidget->setFixedWidth(tabWidth() * (TABS_ACROSS - 1));
     setWindowFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
@@ -68,6 +71,7 @@ MainWin::~MainWin()
     hide();
     m_cloudMonitor.stop(); // else the wait for its task could last many pings
     m_tasks.reset();
+    m_pDownloadThread.reset();
     m_pNotifyClient.reset();
     settle();
     reboot(1);
@@ -104,12 +108,26 @@ void MainWin::openScreen()
     setFixedSize(m_screen);
 }
 
+void MainWin::makePages()
+{
+    m_pNetEth = ui->wdg_Eth->setPage<NetEth>();
+    m_pLanguage = ui->wdg_Language->setPage<Language>();
+    m_updatePages = {ui->wdg_HmiPro->setPage<DownLoadHmiPro>(),
+                     ui->wdg_HmiImage->setPage<DownLoadHmiImage>(),
+                     ui->wdg_PlcPro->setPage<DownLoadPlcPro>()};
+    m_pDownloadThread = std::make_unique<CDownloadThread>();
+    for (UpdatePage *page : m_updatePages)
+        page->setWorker(m_pDownloadThread.get());
+}
+
 void MainWin::initLanguage()
 {
     loadLanguageSettings();
     m_nLanguage = g_nLanguge;
     ui->retranslateUi(this);
     m_pNetEth->retranslate();
+    for (UpdatePage *page : m_updatePages)
+        page->retranslate();
     m_pLanguage->retranslate(m_nLanguage);
     if (!g_bChange)
         ui->tab_System->removeTab(LANGUAGE_TAB);
@@ -235,19 +253,29 @@ void MainWin::slot_Tarnicloud(bool up)
                 m_cloudMonitor.isCloudUp() ? 1 : 0);
 }
 
-void MainWin::slot_UDevInput(int type, std::string)
+void MainWin::slot_UDevInput(int type, std::string path)
 {
-    if (type == PLATFORM::DEV_UDISK)
+    if (type == PLATFORM::DEV_UDISK) {
         m_strip->setUsb(true);
+        for (UpdatePage *page : m_updatePages) {
+            page->setUdiskPresent(true);
+            page->listUdisk(path);
+        }
+    }
     m_hotPlugEvents.fetch_add(1, std::memory_order_release);
 }
 
 void MainWin::slot_UDevOutput(int type, std::string)
 {
-    if (type == PLATFORM::DEV_UDISK)
+    if (type == PLATFORM::DEV_UDISK) {
         m_strip->setUsb(false);
-    else if (type == PLATFORM::DEV_WIFI)
+        for (UpdatePage *page : m_updatePages) {
+            page->setUdiskPresent(false);
+            page->clearUdisk();
+        }
+    } else if (type == PLATFORM::DEV_WIFI) {
         slot_NetChange();
+    }
     m_hotPlugEvents.fetch_add(1, std::memory_order_release);
 }
 
@@ -278,6 +306,8 @@ void MainWin::slot_LanguageChange(int index)
     highlightGroup(m_nGroup);
     applyStyle();
     m_pNetEth->retranslate();
+    for (UpdatePage *page : m_updatePages)
+        page->retranslate();
     m_pLanguage->retranslate(m_nLanguage);
 }
 

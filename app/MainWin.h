@@ -16,10 +16,12 @@
 #include <string>
 #include <vector>
 
+class CDownloadThread;
 class Language;
 class NetEth;
 class QPushButton;
 class QTabWidget;
+class UpdatePage;
 
 namespace Ui {
 class Qt_MainWin;
@@ -82,6 +84,7 @@ private:
 
     void startTasks();
     void openScreen();
+    void makePages();
     void initLanguage();
     void initLook();
     void registerHotPlug();
@@ -95,6 +98,7 @@ private:
     std::unique_ptr<Ui::Qt_MainWin> ui;
     NetEth *m_pNetEth = nullptr;
     Language *m_pLanguage = nullptr;
+    std::array<UpdatePage *, 3> m_updatePages{}; // project, firmware, PLC program
     std::array<Group, 4> m_groups{};
     QSize m_screen;
     int m_nLanguage = 0; // a copy of g_nLanguge, for what is told the language
@@ -111,6 +115,7 @@ private:
     netT::CAsyncClient m_cloudClient;
     CloudMonitor m_cloudMonitor;
     std::unique_ptr<dsl::CNotifyClient> m_pNotifyClient;
+    std::unique_ptr<CDownloadThread> m_pDownloadThread;
     std::optional<StatusStrip> m_strip;
 
     // The platform's pool and timer, running as long as the object lives. The last member, so that

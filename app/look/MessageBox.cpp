@@ -35,6 +35,13 @@ void MessageBox::setText(const QString &text)
     ui->label->setText(text);
 }
 
+void MessageBox::setStretch(int title, int text, int buttons)
+{
+    ui->verticalLayout->setStretch(0, title);
+    ui->verticalLayout->setStretch(1, text);
+    ui->verticalLayout->setStretch(2, buttons);
+}
+
 void MessageBox::applyType(int type)
 {
     const bool question = type == BOX_QUESTION;

@@ -29,6 +29,9 @@ public:
     // `text` is translated already, and shown as plain text.
     void setText(const QString &text);
 
+    // The shares of the height of title strip, text and buttons; 1, 4, 1 without this.
+    void setStretch(int title, int text, int buttons);
+
 private slots:
     void slot_BtnOkPressed();
     void slot_BtnCancelPressed();

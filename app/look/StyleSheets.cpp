@@ -38,8 +38,15 @@ QString listTemplate()
 {
     return QStringLiteral("QListWidget{color:black;%1background-color:white;outline:none;"
                           "border:1px solid #C4C4C3;border-radius:4px;}"
+                          "QListWidget:disabled{color:#767676;}"
+                          "QListWidget::item{padding-left:6px;}"
                           "QListWidget::item:selected"
-                          "{color:white;background-color:rgb(0 , 85 ,127);}");
+                          "{color:white;background-color:rgb(0 , 85 ,127);}"
+                          "QScrollBar:vertical{width:32px;background-color:#F2F5F8;border:0px;}"
+                          "QScrollBar::handle:vertical{background-color:#8B9FBD;min-height:40px;"
+                          "border-radius:4px;margin:2px;}"
+                          "QScrollBar::add-line:vertical,QScrollBar::sub-line:vertical"
+                          "{height:0px;}");
 }
 
 } // namespace
@@ -78,9 +85,9 @@ QString updateStyle()
     return withFont(
         listTemplate() +
         QStringLiteral(
-            "QProgressBar{color:black;%1border: none;text-align: center;background: rgb(210, 225, "
-            "240);"
-            "border-radius:4px;}"
+            "QProgressBar{border: none;text-align: center;"
+            "background: rgb(210, 225, 240);}"
+            "QProgressBar{color:black;%1border-radius:4px;}"
             "QProgressBar::chunk{background-color:rgb(0, 160, 230);border-radius:4px;}"));
 }
 

@@ -6,8 +6,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
-#include <filesystem>
 #include <fnmatch.h>
 #include <sys/stat.h>
 
@@ -124,6 +125,40 @@ int writeWhole(int from, mode_t mode, const std::string &to)
     return 0;
 }
 
+// The names of a directory, read one by one.
+class Directory
+{
+public:
+    explicit Directory(const std::string &path) : m_stream(::opendir(path.c_str())) {}
+    Directory(const Directory &) = delete;
+    Directory &operator=(const Directory &) = delete;
+    ~Directory()
+    {
+        if (m_stream != nullptr)
+            ::closedir(m_stream);
+    }
+
+    // Null at the end, and on failure.
+    const char *next() const
+    {
+        if (m_stream == nullptr)
+            return nullptr;
+        errno = 0;
+        const dirent *entry = ::readdir(m_stream); // NOLINT(concurrency-mt-unsafe): our own stream
+        return entry == nullptr ? nullptr : entry->d_name;
+    }
+    // Of the last next().
+    bool hasFailed() const { return m_stream == nullptr || errno != 0; }
+
+private:
+    DIR *m_stream;
+};
+
+bool isSelfOrParent(const char *name)
+{
+    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+}
+
 } // namespace
 
 bool CosFile::ExistFile(const std::string &path)
@@ -152,14 +187,12 @@ int CosDir::ListDir(const std::string &directory, const std::string &pattern,
                     std::vector<std::string> &names)
 {
     names.clear();
-    std::error_code error;
-    std::filesystem::directory_iterator entry(directory, error);
-    for (; entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        std::string name = entry->path().filename().native();
-        if (::fnmatch(pattern.c_str(), name.c_str(), 0) == 0)
-            names.push_back(std::move(name));
+    const Directory entries(directory);
+    while (const char *name = entries.next()) {
+        if (!isSelfOrParent(name) && ::fnmatch(pattern.c_str(), name, 0) == 0)
+            names.emplace_back(name);
     }
-    if (error) {
+    if (entries.hasFailed()) {
         names.clear();
         return -1;
     }

@@ -2,6 +2,291 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en" sourcelanguage="en">
 <context>
+    <name>DownLoadHmiImage</name>
+    <message>
+        <source>Download</source>
+        <translation>Download</translation>
+    </message>
+    <message>
+        <source>Selected HMI firmware:</source>
+        <translation>Selected HMI firmware:</translation>
+    </message>
+    <message>
+        <source>Downloading HMI firmware:</source>
+        <translation>Downloading HMI firmware:</translation>
+    </message>
+    <message>
+        <source>Please do not shut down or replug the device!</source>
+        <translation>Please do not shut down or replug the device!</translation>
+    </message>
+    <message>
+        <source>Update Successful</source>
+        <translation>Update Successful</translation>
+    </message>
+    <message>
+        <source>Update failure!</source>
+        <translation>Update failure!</translation>
+    </message>
+    <message>
+        <source>Updated firmware</source>
+        <translation>Updated firmware</translation>
+    </message>
+    <message>
+        <source>Please restart HMI!!</source>
+        <translation>Please restart HMI!!</translation>
+    </message>
+    <message>
+        <source>Failed to get Udisk HMI firmware.</source>
+        <translation>Failed to get Udisk HMI firmware.</translation>
+    </message>
+    <message>
+        <source>Failed to get HMI model.</source>
+        <translation>Failed to get HMI model.</translation>
+    </message>
+    <message>
+        <source>Project file unmatched. Please select the project that matches HMI firmware.</source>
+        <translation>Project file unmatched. Please select the project that matches HMI firmware.</translation>
+    </message>
+    <message>
+        <source>Failed to get Udisk HMI model.</source>
+        <translation>Failed to get Udisk HMI model.</translation>
+    </message>
+    <message>
+        <source>Failed to get Local HMI model.</source>
+        <translation>Failed to get Local HMI model.</translation>
+    </message>
+    <message>
+        <source>HMI model: </source>
+        <translation>HMI model: </translation>
+    </message>
+    <message>
+        <source>Model settings in firmware: </source>
+        <translation>Model settings in firmware: </translation>
+    </message>
+    <message>
+        <source>Model does not match, please re-select the firmware file!</source>
+        <translation>Model does not match, please re-select the firmware file!</translation>
+    </message>
+    <message>
+        <source>The firmware is a newer version. You risk data loss if you click &quot;OK&quot;. Exit and compile HMI project with new version recommended. </source>
+        <translation>The firmware is a newer version. You risk data loss if you click &quot;OK&quot;. Exit and compile HMI project with new version recommended. </translation>
+    </message>
+</context>
+<context>
+    <name>DownLoadHmiPro</name>
+    <message>
+        <source>Download</source>
+        <translation>Download</translation>
+    </message>
+    <message>
+        <source>Selected HMI project:</source>
+        <translation>Selected HMI project:</translation>
+    </message>
+    <message>
+        <source>Downloading HMI project:</source>
+        <translation>Downloading HMI project:</translation>
+    </message>
+    <message>
+        <source>Please do not shut down or replug the device!</source>
+        <translation>Please do not shut down or replug the device!</translation>
+    </message>
+    <message>
+        <source>Download successfully!</source>
+        <translation>Download successfully!</translation>
+    </message>
+    <message>
+        <source>Download failure!</source>
+        <translation>Download failure!</translation>
+    </message>
+    <message>
+        <source>Updated, please restart HMI!</source>
+        <translation>Updated, please restart HMI!</translation>
+    </message>
+    <message>
+        <source>The project img file is not found in Udisk.</source>
+        <translation>The project img file is not found in Udisk.</translation>
+    </message>
+    <message>
+        <source>Failed to get HMI model.</source>
+        <translation>Failed to get HMI model.</translation>
+    </message>
+    <message>
+        <source>Project file unmatched. Please select the project that matches HMI firmware.</source>
+        <translation>Project file unmatched. Please select the project that matches HMI firmware.</translation>
+    </message>
+    <message>
+        <source>Failed to update, please restart HMI!</source>
+        <translation>Failed to update, please restart HMI!</translation>
+    </message>
+    <message>
+        <source>HMI model: </source>
+        <translation>HMI model: </translation>
+    </message>
+    <message>
+        <source>Model settings in project: </source>
+        <translation>Model settings in project: </translation>
+    </message>
+    <message>
+        <source>Model does not match, please modify it!</source>
+        <translation>Model does not match, please modify it!</translation>
+    </message>
+</context>
+<context>
+    <name>DownLoadPlcPro</name>
+    <message>
+        <source>Download</source>
+        <translation>Download</translation>
+    </message>
+    <message>
+        <source>Selected PLC project:</source>
+        <translation>Selected PLC project:</translation>
+    </message>
+    <message>
+        <source>Downloading PLC project:</source>
+        <translation>Downloading PLC project:</translation>
+    </message>
+    <message>
+        <source>Please do not shut down or replug the device!</source>
+        <translation>Please do not shut down or replug the device!</translation>
+    </message>
+    <message>
+        <source>Download successfully!</source>
+        <translation>Download successfully!</translation>
+    </message>
+    <message>
+        <source>Download failure!</source>
+        <translation>Download failure!</translation>
+    </message>
+    <message>
+        <source>Updated PLC program!</source>
+        <translation>Updated PLC program!</translation>
+    </message>
+    <message>
+        <source>Failed to update PLC program!</source>
+        <translation>Failed to update PLC program!</translation>
+    </message>
+    <message>
+        <source>Failed to open COM !!</source>
+        <translation>Failed to open COM !!</translation>
+    </message>
+    <message>
+        <source>Download timeout,</source>
+        <translation>Download timeout,</translation>
+    </message>
+    <message>
+        <source>The reasons may be as follows:</source>
+        <translation>The reasons may be as follows:</translation>
+    </message>
+    <message>
+        <source>1.Communication parameter setting error</source>
+        <translation>1.Communication parameter setting error</translation>
+    </message>
+    <message>
+        <source>2.Communication cable is abnormal</source>
+        <translation>2.Communication cable is abnormal</translation>
+    </message>
+    <message>
+        <source>Download password error!!</source>
+        <translation>Download password error!!</translation>
+    </message>
+    <message>
+        <source>Unable to communicate with the PLC!</source>
+        <translation>Unable to communicate with the PLC!</translation>
+    </message>
+    <message>
+        <source>Unable to stop PLC</source>
+        <translation>Unable to stop PLC</translation>
+    </message>
+    <message>
+        <source>Failed to read file !!</source>
+        <translation>Failed to read file !!</translation>
+    </message>
+    <message>
+        <source>Download the PLC program failed!</source>
+        <translation>Download the PLC program failed!</translation>
+    </message>
+    <message>
+        <source>1.please check the PLC program!</source>
+        <translation>1.please check the PLC program!</translation>
+    </message>
+    <message>
+        <source>Download the PLC comment failed!</source>
+        <translation>Download the PLC comment failed!</translation>
+    </message>
+    <message>
+        <source>1.please check the PLC comment!</source>
+        <translation>1.please check the PLC comment!</translation>
+    </message>
+    <message>
+        <source>Download the PLC memory failed!</source>
+        <translation>Download the PLC memory failed!</translation>
+    </message>
+    <message>
+        <source>1.please check the PLC memory!</source>
+        <translation>1.please check the PLC memory!</translation>
+    </message>
+    <message>
+        <source>Failed to download the electronic CAM table!</source>
+        <translation>Failed to download the electronic CAM table!</translation>
+    </message>
+    <message>
+        <source>1.please check the related parameters!</source>
+        <translation>1.please check the related parameters!</translation>
+    </message>
+    <message>
+        <source>Failed to set disable upload!</source>
+        <translation>Failed to set disable upload!</translation>
+    </message>
+    <message>
+        <source>PLC type does not match!!</source>
+        <translation>PLC type does not match!!</translation>
+    </message>
+    <message>
+        <source>Download the PLC parameter failed!</source>
+        <translation>Download the PLC parameter failed!</translation>
+    </message>
+    <message>
+        <source>1.please check the PLC parameter setting!</source>
+        <translation>1.please check the PLC parameter setting!</translation>
+    </message>
+    <message>
+        <source>PLC version does not match!!</source>
+        <translation>PLC version does not match!!</translation>
+    </message>
+    <message>
+        <source>Failed to update PLC subprogram!!</source>
+        <translation>Failed to update PLC subprogram!!</translation>
+    </message>
+    <message>
+        <source>The file contains prohibit uploading setting, but this PLC does not support it!!</source>
+        <translation>The file contains prohibit uploading setting, but this PLC does not support it!!</translation>
+    </message>
+    <message>
+        <source>The file contains subroutine encryption setting, but this PLC does not support it!!</source>
+        <translation>The file contains subroutine encryption setting, but this PLC does not support it!!</translation>
+    </message>
+    <message>
+        <source>The file contains program ID, but this PLC does not support it!!</source>
+        <translation>The file contains program ID, but this PLC does not support it!!</translation>
+    </message>
+    <message>
+        <source>The program ID error!!</source>
+        <translation>The program ID error!!</translation>
+    </message>
+    <message>
+        <source>The program ID required by the PLC isn&apos;t found in the update file, the download error!!</source>
+        <translation>The program ID required by the PLC isn&apos;t found in the update file, the download error!!</translation>
+    </message>
+    <message>
+        <source>Program exceeds capacity range!!</source>
+        <translation>Program exceeds capacity range!!</translation>
+    </message>
+    <message>
+        <source>Comment exceeds capacity range!!</source>
+        <translation>Comment exceeds capacity range!!</translation>
+    </message>
+</context>
+<context>
     <name>MainWin</name>
     <message>
         <source>netServer not run</source>
@@ -72,6 +357,25 @@
     <message>
         <source>Unplugged</source>
         <translation>Unplugged</translation>
+    </message>
+</context>
+<context>
+    <name>QObject</name>
+    <message>
+        <source>Please select HMI firmware.</source>
+        <translation>Please select HMI firmware.</translation>
+    </message>
+    <message>
+        <source>Please select HMI project.</source>
+        <translation>Please select HMI project.</translation>
+    </message>
+    <message>
+        <source>Please select PLC project.</source>
+        <translation>Please select PLC project.</translation>
+    </message>
+    <message>
+        <source>Failed to recognize U disk, please check it or change new one!</source>
+        <translation>Failed to recognize U disk, please check it or change new one!</translation>
     </message>
 </context>
 <context>

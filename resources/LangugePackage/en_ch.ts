@@ -2,6 +2,291 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="zh_CN" sourcelanguage="en">
 <context>
+    <name>DownLoadHmiImage</name>
+    <message>
+        <source>Download</source>
+        <translation>下载</translation>
+    </message>
+    <message>
+        <source>Selected HMI firmware:</source>
+        <translation>已选择 HMI 固件：</translation>
+    </message>
+    <message>
+        <source>Downloading HMI firmware:</source>
+        <translation>正在下载 HMI 固件：</translation>
+    </message>
+    <message>
+        <source>Please do not shut down or replug the device!</source>
+        <translation>请勿关机或插拔设备！</translation>
+    </message>
+    <message>
+        <source>Update Successful</source>
+        <translation>更新成功</translation>
+    </message>
+    <message>
+        <source>Update failure!</source>
+        <translation>更新失败！</translation>
+    </message>
+    <message>
+        <source>Updated firmware</source>
+        <translation>固件已更新</translation>
+    </message>
+    <message>
+        <source>Please restart HMI!!</source>
+        <translation>请重启 HMI！！</translation>
+    </message>
+    <message>
+        <source>Failed to get Udisk HMI firmware.</source>
+        <translation>获取 U 盘中的 HMI 固件失败。</translation>
+    </message>
+    <message>
+        <source>Failed to get HMI model.</source>
+        <translation>获取 HMI 型号失败。</translation>
+    </message>
+    <message>
+        <source>Project file unmatched. Please select the project that matches HMI firmware.</source>
+        <translation>工程文件不匹配，请选择与 HMI 固件匹配的工程。</translation>
+    </message>
+    <message>
+        <source>Failed to get Udisk HMI model.</source>
+        <translation>获取 U 盘固件的 HMI 型号失败。</translation>
+    </message>
+    <message>
+        <source>Failed to get Local HMI model.</source>
+        <translation>获取本机 HMI 型号失败。</translation>
+    </message>
+    <message>
+        <source>HMI model: </source>
+        <translation>HMI 型号：</translation>
+    </message>
+    <message>
+        <source>Model settings in firmware: </source>
+        <translation>固件中的型号：</translation>
+    </message>
+    <message>
+        <source>Model does not match, please re-select the firmware file!</source>
+        <translation>型号不匹配，请重新选择固件文件！</translation>
+    </message>
+    <message>
+        <source>The firmware is a newer version. You risk data loss if you click &quot;OK&quot;. Exit and compile HMI project with new version recommended. </source>
+        <translation>固件版本较新，点击“确定”可能会丢失数据。建议退出，并用新版本软件重新编译 HMI 工程。</translation>
+    </message>
+</context>
+<context>
+    <name>DownLoadHmiPro</name>
+    <message>
+        <source>Download</source>
+        <translation>下载</translation>
+    </message>
+    <message>
+        <source>Selected HMI project:</source>
+        <translation>已选择 HMI 工程：</translation>
+    </message>
+    <message>
+        <source>Downloading HMI project:</source>
+        <translation>正在下载 HMI 工程：</translation>
+    </message>
+    <message>
+        <source>Please do not shut down or replug the device!</source>
+        <translation>请勿关机或插拔设备！</translation>
+    </message>
+    <message>
+        <source>Download successfully!</source>
+        <translation>下载成功！</translation>
+    </message>
+    <message>
+        <source>Download failure!</source>
+        <translation>下载失败！</translation>
+    </message>
+    <message>
+        <source>Updated, please restart HMI!</source>
+        <translation>更新完成，请重启 HMI！</translation>
+    </message>
+    <message>
+        <source>The project img file is not found in Udisk.</source>
+        <translation>U 盘中未找到工程文件。</translation>
+    </message>
+    <message>
+        <source>Failed to get HMI model.</source>
+        <translation>获取 HMI 型号失败。</translation>
+    </message>
+    <message>
+        <source>Project file unmatched. Please select the project that matches HMI firmware.</source>
+        <translation>工程文件不匹配，请选择与 HMI 固件匹配的工程。</translation>
+    </message>
+    <message>
+        <source>Failed to update, please restart HMI!</source>
+        <translation>更新失败，请重启 HMI！</translation>
+    </message>
+    <message>
+        <source>HMI model: </source>
+        <translation>HMI 型号：</translation>
+    </message>
+    <message>
+        <source>Model settings in project: </source>
+        <translation>工程中的型号：</translation>
+    </message>
+    <message>
+        <source>Model does not match, please modify it!</source>
+        <translation>型号不匹配，请修改！</translation>
+    </message>
+</context>
+<context>
+    <name>DownLoadPlcPro</name>
+    <message>
+        <source>Download</source>
+        <translation>下载</translation>
+    </message>
+    <message>
+        <source>Selected PLC project:</source>
+        <translation>已选择 PLC 工程：</translation>
+    </message>
+    <message>
+        <source>Downloading PLC project:</source>
+        <translation>正在下载 PLC 工程：</translation>
+    </message>
+    <message>
+        <source>Please do not shut down or replug the device!</source>
+        <translation>请勿关机或插拔设备！</translation>
+    </message>
+    <message>
+        <source>Download successfully!</source>
+        <translation>下载成功！</translation>
+    </message>
+    <message>
+        <source>Download failure!</source>
+        <translation>下载失败！</translation>
+    </message>
+    <message>
+        <source>Updated PLC program!</source>
+        <translation>PLC 程序已更新！</translation>
+    </message>
+    <message>
+        <source>Failed to update PLC program!</source>
+        <translation>PLC 程序更新失败！</translation>
+    </message>
+    <message>
+        <source>Failed to open COM !!</source>
+        <translation>打开串口失败！！</translation>
+    </message>
+    <message>
+        <source>Download timeout,</source>
+        <translation>下载超时，</translation>
+    </message>
+    <message>
+        <source>The reasons may be as follows:</source>
+        <translation>可能的原因如下：</translation>
+    </message>
+    <message>
+        <source>1.Communication parameter setting error</source>
+        <translation>1.通讯参数设置错误</translation>
+    </message>
+    <message>
+        <source>2.Communication cable is abnormal</source>
+        <translation>2.通讯电缆异常</translation>
+    </message>
+    <message>
+        <source>Download password error!!</source>
+        <translation>下载密码错误！！</translation>
+    </message>
+    <message>
+        <source>Unable to communicate with the PLC!</source>
+        <translation>无法与 PLC 通讯！</translation>
+    </message>
+    <message>
+        <source>Unable to stop PLC</source>
+        <translation>无法停止 PLC</translation>
+    </message>
+    <message>
+        <source>Failed to read file !!</source>
+        <translation>读取文件失败！！</translation>
+    </message>
+    <message>
+        <source>Download the PLC program failed!</source>
+        <translation>下载 PLC 程序失败！</translation>
+    </message>
+    <message>
+        <source>1.please check the PLC program!</source>
+        <translation>1.请检查 PLC 程序！</translation>
+    </message>
+    <message>
+        <source>Download the PLC comment failed!</source>
+        <translation>下载 PLC 注释失败！</translation>
+    </message>
+    <message>
+        <source>1.please check the PLC comment!</source>
+        <translation>1.请检查 PLC 注释！</translation>
+    </message>
+    <message>
+        <source>Download the PLC memory failed!</source>
+        <translation>下载 PLC 内存数据失败！</translation>
+    </message>
+    <message>
+        <source>1.please check the PLC memory!</source>
+        <translation>1.请检查 PLC 内存数据！</translation>
+    </message>
+    <message>
+        <source>Failed to download the electronic CAM table!</source>
+        <translation>下载电子凸轮表失败！</translation>
+    </message>
+    <message>
+        <source>1.please check the related parameters!</source>
+        <translation>1.请检查相关参数！</translation>
+    </message>
+    <message>
+        <source>Failed to set disable upload!</source>
+        <translation>设置禁止上传失败！</translation>
+    </message>
+    <message>
+        <source>PLC type does not match!!</source>
+        <translation>PLC 类型不匹配！！</translation>
+    </message>
+    <message>
+        <source>Download the PLC parameter failed!</source>
+        <translation>下载 PLC 参数失败！</translation>
+    </message>
+    <message>
+        <source>1.please check the PLC parameter setting!</source>
+        <translation>1.请检查 PLC 参数设置！</translation>
+    </message>
+    <message>
+        <source>PLC version does not match!!</source>
+        <translation>PLC 版本不匹配！！</translation>
+    </message>
+    <message>
+        <source>Failed to update PLC subprogram!!</source>
+        <translation>PLC 子程序更新失败！！</translation>
+    </message>
+    <message>
+        <source>The file contains prohibit uploading setting, but this PLC does not support it!!</source>
+        <translation>文件包含禁止上传设置，但此 PLC 不支持！！</translation>
+    </message>
+    <message>
+        <source>The file contains subroutine encryption setting, but this PLC does not support it!!</source>
+        <translation>文件包含子程序加密设置，但此 PLC 不支持！！</translation>
+    </message>
+    <message>
+        <source>The file contains program ID, but this PLC does not support it!!</source>
+        <translation>文件包含程序 ID，但此 PLC 不支持！！</translation>
+    </message>
+    <message>
+        <source>The program ID error!!</source>
+        <translation>程序 ID 错误！！</translation>
+    </message>
+    <message>
+        <source>The program ID required by the PLC isn&apos;t found in the update file, the download error!!</source>
+        <translation>更新文件中没有 PLC 所要求的程序 ID，下载出错！！</translation>
+    </message>
+    <message>
+        <source>Program exceeds capacity range!!</source>
+        <translation>程序超出容量范围！！</translation>
+    </message>
+    <message>
+        <source>Comment exceeds capacity range!!</source>
+        <translation>注释超出容量范围！！</translation>
+    </message>
+</context>
+<context>
     <name>MainWin</name>
     <message>
         <source>netServer not run</source>
@@ -72,6 +357,25 @@
     <message>
         <source>Unplugged</source>
         <translation>未接入</translation>
+    </message>
+</context>
+<context>
+    <name>QObject</name>
+    <message>
+        <source>Please select HMI firmware.</source>
+        <translation>请选择 HMI 固件。</translation>
+    </message>
+    <message>
+        <source>Please select HMI project.</source>
+        <translation>请选择 HMI 工程。</translation>
+    </message>
+    <message>
+        <source>Please select PLC project.</source>
+        <translation>请选择 PLC 工程。</translation>
+    </message>
+    <message>
+        <source>Failed to recognize U disk, please check it or change new one!</source>
+        <translation>识别 U 盘失败，请检查或更换 U 盘！</translation>
     </message>
 </context>
 <context>

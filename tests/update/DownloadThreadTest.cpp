@@ -1,0 +1,260 @@
+#include "platform/cos_thread.h"
+#include "platform/sim/Panel.h"
+#include "tests/support/PanelRoot.h"
+#include "tests/support/PrintedBy.h"
+#include "tests/support/Text.h"
+#include "update/CDownloadThread.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QTest>
+
+#include <memory>
+
+using sim::Json;
+using sim::panel;
+
+namespace {
+
+constexpr int PROJECT = CDownloadThread::FUNC_DOWNLOAD_PRO;
+constexpr int IMAGE = CDownloadThread::FUNC_DOWNLOAD_IMAGE;
+
+} // namespace
+
+// The jobs of the worker against the simulated update service, over its real socket.
+class DownloadThreadTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void jobs_data();
+    void jobs();
+    void requests();
+    void oneJobAtATime();
+    void freeAgainAtOnce();
+    void confirmationLatches();
+    void endsWithQuestionOpen();
+
+private:
+    void record(const QString &signal) { m_signals += signal; }
+    bool isDone() const;
+    QString signalsSeen();
+    void start(int code);
+
+    PanelRoot m_root;
+    QTemporaryDir m_stick;
+    std::unique_ptr<CDownloadThread> m_worker;
+    QStringList m_signals;
+};
+
+void DownloadThreadTest::init()
+{
+    panel().reset();
+    m_root.clear();
+    COS::CCosRateTimer::init(50);
+    for (const char *name : {"line.tmt3", "panel.osf3", "plc.bin"}) {
+        QFile file(m_stick.filePath(QString::fromLatin1(name)));
+        file.open(QIODevice::WriteOnly);
+        file.write("content");
+    }
+    m_signals.clear();
+    m_worker = std::make_unique<CDownloadThread>();
+    const auto number = [this](const char *name) {
+        return
+            [this, name](int value) { record(QString::fromLatin1(name) + QString::number(value)); };
+    };
+    connect(m_worker.get(), &CDownloadThread::sglProBarValue, this, number("probar "));
+    connect(m_worker.get(), &CDownloadThread::sglImageBarValue, this, number("imagebar "));
+    connect(m_worker.get(), &CDownloadThread::sglDownLoadProResult, this, number("project "));
+    connect(m_worker.get(), &CDownloadThread::sglDownLoadImageResult, this, number("image "));
+    connect(m_worker.get(), &CDownloadThread::sglDownLoadPlcProResult, this, number("plc "));
+}
+
+void DownloadThreadTest::cleanup()
+{
+    COS::CCosRateTimer::destory();
+    m_worker.reset();
+}
+
+void DownloadThreadTest::start(int code)
+{
+    const char *name = code == PROJECT ? "line.tmt3" : code == IMAGE ? "panel.osf3" : "plc.bin";
+    QVERIFY(m_worker->SetFunction(code, m_stick.filePath(QString::fromLatin1(name))));
+}
+
+bool DownloadThreadTest::isDone() const
+{
+    const std::size_t remounts = panel().get("partition.remounts").size();
+    return m_worker->isFinished() && remounts % 2 == 0;
+}
+
+// Bar values between the first and the last are the service's own.
+QString DownloadThreadTest::signalsSeen()
+{
+    QStringList seen;
+    for (const QString &signal : qAsConst(m_signals)) {
+        const int value = signal.section(u' ', -1).toInt();
+        if (!signal.contains("bar"_s) || value == 100)
+            seen += signal;
+    }
+    return seen.join("; "_s);
+}
+
+void DownloadThreadTest::jobs_data()
+{
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QByteArray>("orders"); // laid over the panel's state
+    QTest::addColumn<QString>("seen");
+    QTest::addColumn<int>("remounts");
+
+    const auto row = [](const char *name, int code, const char *orders, const char *seen,
+                        int remounts) {
+        QTest::newRow(name) << code << QByteArray(orders) << QString::fromLatin1(seen) << remounts;
+    };
+    const char *quick = R"({"update": {"steps": [40]}})";
+    row("project", PROJECT, quick, "probar 100; probar 100; project 0", 2);
+    row("firmware", IMAGE, quick, "probar 100; imagebar 100; image 0", 2);
+    row("project ends with the service's number", PROJECT,
+        R"({"update": {"steps": [], "result": -4}})", "probar 100; probar 100; project -4", 2);
+
+    row("project: no check", PROJECT, R"({"fail": [["CBB.request", -4, 1]]})",
+        "project -8; probar 100", 2);
+    row("firmware: no check", IMAGE, R"({"fail": [["CBB.request", -4, 1]]})",
+        "image -11; probar 100", 2);
+    row("project: unfit version", PROJECT, R"({"update": {"error": -9}})", "project -8; probar 100",
+        2);
+    row("firmware: unfit version declined", IMAGE, R"({"update": {"error": -9}})",
+        "image -9; probar 100", 2);
+    row("project: other model", PROJECT, R"({"update": {"model": "KV101"}})",
+        "imagebar 100; project -5; probar 100", 2);
+    row("firmware: other model", IMAGE, R"({"update": {"model": "KV101"}})",
+        "imagebar 100; image -11; probar 100", 2);
+    row("project: panel does not know its model", PROJECT,
+        R"({"update": {"model": ""}, "machine": {"hmiType": null}})",
+        "imagebar 100; project -5; probar 100", 2);
+    row("firmware: board does not answer", IMAGE, R"({"machine": {"boardModel": null}})",
+        "imagebar 100; image -11; probar 100", 2);
+    row("project: answer too short", PROJECT, R"({"update": {"reply": "short"}})",
+        "project -8; probar 100", 2);
+    row("project: model without an end", PROJECT, R"({"update": {"reply": "unterminated"}})",
+        "imagebar 100; project -5; probar 100", 2);
+    row("project: longer answer", PROJECT, R"({"update": {"reply": "long", "steps": [7]}})",
+        "probar 100; probar 100; project 0", 2);
+    for (const char *percent : {"1", "50", "99"}) {
+        const QByteArray dies =
+            QByteArray(R"({"update": {"steps": [1, 50, 99], "dieAt": )") + percent + "}}";
+        row(qPrintable("project: service dies at %1, both results told"_s.arg(
+                QString::fromLatin1(percent))),
+            PROJECT, dies, "probar 100; probar 100; project -11; probar 100; project 0", 2);
+    }
+    row("firmware: service dies, both results told", IMAGE,
+        R"({"update": {"steps": [50], "dieAt": 50}})",
+        "probar 100; imagebar 100; image -11; imagebar 100; image 0", 2);
+    row("PLC program", CDownloadThread::FUNC_DOWNLOAD_PLCPRO, "{}", "plc 0", 0);
+    row("PLC refuses", CDownloadThread::FUNC_DOWNLOAD_PLCPRO, R"({"fail": [["plc.StopPLC", -6]]})",
+        "plc -6", 0);
+    row("no such job", 0x1003, "{}", "", 0);
+}
+
+void DownloadThreadTest::jobs()
+{
+    QFETCH(int, code);
+    QFETCH(QByteArray, orders);
+    QFETCH(QString, seen);
+    QFETCH(int, remounts);
+
+    panel().apply(Json::parse(orders.toStdString()));
+    start(code);
+    QTRY_VERIFY(isDone());
+    QTRY_COMPARE(signalsSeen(), seen);
+    QCOMPARE(static_cast<int>(panel().get("partition.remounts").size()), remounts);
+    QCOMPARE(panel().get("partition.writable"), Json(false));
+}
+
+// Commands, payloads and time-outs, in their order.
+void DownloadThreadTest::requests()
+{
+    panel().set("update.steps", Json::array({30}));
+    for (const int code : {PROJECT, IMAGE}) {
+        panel().clearCalls();
+        start(code);
+        QTRY_VERIFY(isDone());
+        const std::string path =
+            m_stick.filePath(code == PROJECT ? "line.tmt3"_s : "panel.osf3"_s).toStdString();
+        Json seen = Json::array();
+        for (const Json &call : panel().calls()) {
+            if (call["op"] == "CBB.request")
+                seen.push_back({call["args"], call["thread"]});
+        }
+        const Json poll = {Json::array({"DownLoad", 7, "", 1000}), "timer"};
+        QCOMPARE(seen, Json({{{"DownLoad", 12, path, 8000}, "worker"},
+                             {{"DownLoad", 6, path, code == PROJECT ? 8000 : 3000}, "worker"},
+                             poll,
+                             poll}));
+    }
+}
+
+void DownloadThreadTest::oneJobAtATime()
+{
+    panel().delay("plc.Commu", 60000);
+    start(CDownloadThread::FUNC_DOWNLOAD_PLCPRO);
+    QCOMPARE(printedBy([&] { QVERIFY(!m_worker->SetFunction(PROJECT, "x"_s)); }),
+             QByteArray("busy\r\n"));
+    panel().hurry();
+    QTRY_COMPARE(signalsSeen(), "plc 0"_s);
+    QCOMPARE(m_worker->plcResult(), 0);
+}
+
+// The next job may come the moment that the one before is told.
+void DownloadThreadTest::freeAgainAtOnce()
+{
+    for (int i = 0; i < 200; ++i) {
+        while (!m_worker->SetFunction(0, QString()))
+            QThread::yieldCurrentThread();
+    }
+    start(CDownloadThread::FUNC_DOWNLOAD_PLCPRO);
+    QTRY_COMPARE(signalsSeen(), "plc 0"_s);
+}
+
+void DownloadThreadTest::confirmationLatches()
+{
+    panel().apply({{"update", {{"error", -9}, {"steps", Json::array()}}}});
+    bool accept = true;
+    connect(
+        m_worker.get(), &CDownloadThread::sglConfirm, this,
+        [&] {
+            record("asked"_s);
+            if (accept)
+                m_worker->setConfirmed();
+        },
+        Qt::BlockingQueuedConnection);
+    for (const bool accepted : {true, false}) {
+        accept = accepted;
+        m_signals.clear();
+        start(IMAGE);
+        QTRY_COMPARE(signalsSeen(), "asked; probar 100; imagebar 100; image 0"_s);
+        QTRY_VERIFY(isDone());
+    }
+}
+
+// The program ends while the question is on its way to a thread that waits for the worker.
+void DownloadThreadTest::endsWithQuestionOpen()
+{
+    panel().set("update.error", -9);
+    connect(
+        m_worker.get(), &CDownloadThread::sglConfirm, this, [&] { record("asked"_s); },
+        Qt::BlockingQueuedConnection);
+    start(IMAGE);
+    while (panel().get("update.requests").empty())
+        QThread::yieldCurrentThread();
+    QThread::msleep(20);
+    m_worker.reset();
+    QCOMPARE(signalsSeen(), QString());
+    QCOMPARE(panel().get("partition.writable"), Json(false));
+    m_worker = std::make_unique<CDownloadThread>();
+}
+
+QTEST_GUILESS_MAIN(DownloadThreadTest)
+#include "DownloadThreadTest.moc"

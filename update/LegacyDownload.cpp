@@ -1,0 +1,5 @@
+#include "update/LegacyDownload.h"
+int downloadLegacyProgram(const std::string &)
+{
+    return -20;
+}

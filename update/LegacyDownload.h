@@ -1,0 +1,3 @@
+#pragma once
+#include <string>
+int downloadLegacyProgram(const std::string &path);

@@ -1,0 +1,188 @@
+#include "update/UpdatePage.h"
+
+#include "app/look/BoxHelpers.h"
+#include "app/look/FontStyle.h"
+#include "app/look/OutsideText.h"
+#include "app/look/Screen.h"
+#include "app/look/WidgetLook.h"
+#include "platform/cos_file.h"
+
+#include <QCoreApplication>
+#include <QLabel>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QPushButton>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+constexpr const char *NO_UDISK =
+    QT_TRANSLATE_NOOP("QObject", "Failed to recognize U disk, please check it or change new one!");
+
+constexpr std::size_t SHOWN_SIZE = 1024;
+constexpr int LEAST_TOUCH = 32; // pixels
+
+int touchHeight()
+{
+    return std::max(LEAST_TOUCH, screenSize().height() / 12);
+}
+
+std::string numbered(int udisk, const std::string &name)
+{
+    char shown[SHOWN_SIZE];
+    std::snprintf(shown, sizeof shown, "U%d/%s", udisk, name.c_str());
+    return shown;
+}
+
+} // namespace
+
+void UpdatePage::setWidgets(const Widgets &widgets)
+{
+    m_widgets = widgets;
+    m_widgets.button->setFixedHeight(touchHeight() + touchHeight() / 4);
+    m_widgets.bar->setFixedHeight(touchHeight());
+}
+
+void UpdatePage::listUdisk(const std::string &mountPath)
+{
+    std::vector<std::string> names;
+    COS::CosDir::ListDir(mountPath, "*.*", names);
+    if (!names.empty())
+        ++m_nUdisk;
+    for (const std::string &name : names) {
+        if (isListed(name))
+            addRow(mountPath, name);
+    }
+    m_widgets.label->setText(generic(m_kind.prompt));
+}
+
+// Anywhere in the name, so that "a.tmt3.bak" is listed too; this is intended.
+bool UpdatePage::isListed(const std::string &name) const
+{
+    return std::any_of(m_kind.patterns.begin(), m_kind.patterns.end(), [&](const char *pattern) {
+        return pattern != nullptr && name.find(pattern) != std::string::npos;
+    });
+}
+
+void UpdatePage::addRow(const std::string &directory, const std::string &name)
+{
+    m_files.push_back({directory, name, numbered(m_nUdisk, name)});
+    auto *row = new QListWidgetItem(shownBytes(m_files.back().shown), m_widgets.list);
+    row->setSizeHint({0, touchHeight()});
+}
+
+void UpdatePage::clearUdisk()
+{
+    m_widgets.list->clear();
+    m_widgets.label->setText(generic(NO_UDISK));
+    m_nUdisk = 0;
+    m_files.clear();
+}
+
+void UpdatePage::retranslate()
+{
+    translateForm();
+    setStyleOnce(m_widgets.label, QStringLiteral(" QLabel{color:black;%1border-radius:4px;"
+                                                 "border: 1px solid #C4C4C3;}")
+                                      .arg(GetFontStyle()));
+    const int stored = (m_pWorker->*m_kind.storedResult)();
+    showResult(stored, false);
+    const QListWidgetItem *row = m_widgets.list->currentItem();
+    if (!m_bUdiskPresent)
+        m_widgets.label->setText(generic(NO_UDISK));
+    else if (stored == m_kind.noResult)
+        m_widgets.label->setText(row != nullptr ? selectedText(row->text())
+                                                : generic(m_kind.prompt));
+}
+
+void UpdatePage::selectRow(const QString &itemText)
+{
+    (m_pWorker->*m_kind.resetResult)(0);
+    m_widgets.label->setText(selectedText(itemText));
+}
+
+// The page does not look at whether the worker takes the job: busy with another one, it never
+// answers this press, and the page waits; this is intended.
+void UpdatePage::startDownload()
+{
+    const int row = m_widgets.list->currentRow();
+    if (row < 0 || row >= static_cast<int>(m_files.size()))
+        return;
+    const UdiskFileEntry &file = m_files[static_cast<std::size_t>(row)];
+    if (!m_kind.startsBeforeConnecting)
+        connectWorker();
+    m_pWorker->SetFunction(m_kind.function,
+                           QString::fromStdString(file.directory + "/" + file.name));
+    if (m_kind.startsBeforeConnecting)
+        connectWorker();
+    m_widgets.bar->setValue(0);
+    m_widgets.label->setText(QStringLiteral("%1%2,%3").arg(
+        text(m_kind.downloading), shownBytes(file.shown), text(m_kind.caution)));
+    m_nTimer = startTimer(m_kind.timerMs, Qt::CoarseTimer);
+    m_widgets.list->setEnabled(false);
+    setEnabled(false);
+}
+
+void UpdatePage::showResult(int code, bool finished)
+{
+    const QString said = resultTextOf(code);
+    m_widgets.label->setText(said);
+    if (!finished)
+        return;
+    m_widgets.list->setEnabled(true);
+    setEnabled(true);
+    if (m_nTimer != 0)
+        killTimer(m_nTimer);
+    m_nTimer = 0;
+    const QString heading = text(code == 0 ? m_kind.succeeded : m_kind.failed);
+    runBox(code == 0 ? BOX_INFORMATION : BOX_CRITICAL, this,
+           said.isEmpty() ? heading : heading + QLatin1Char('\n') + said);
+    m_widgets.bar->setValue(0);
+    disconnectWorker();
+}
+
+void UpdatePage::connectWorker()
+{
+    connectResult();
+    if (m_kind.barSignal != nullptr)
+        connect(m_pWorker, m_kind.barSignal, m_widgets.bar, &QProgressBar::setValue);
+}
+
+void UpdatePage::disconnectWorker()
+{
+    disconnect(m_pWorker, m_kind.resultSignal, this, nullptr);
+    if (m_kind.barSignal != nullptr)
+        disconnect(m_pWorker, m_kind.barSignal, m_widgets.bar, nullptr);
+}
+
+void UpdatePage::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() == m_nTimer)
+        moveBar();
+    else
+        QWidget::timerEvent(event);
+}
+
+void UpdatePage::moveBar()
+{
+    const int value = m_widgets.bar->value();
+    if (value > m_widgets.bar->minimum() && value < m_widgets.bar->maximum())
+        m_widgets.bar->setValue(value + 1);
+}
+
+QString UpdatePage::text(const char *source) const
+{
+    return QCoreApplication::translate(m_kind.context, source);
+}
+
+QString UpdatePage::generic(const char *source) const
+{
+    return QCoreApplication::translate("QObject", source);
+}
+
+QString UpdatePage::selectedText(const QString &itemText) const
+{
+    return QStringLiteral("%1%2").arg(text(m_kind.selected), itemText);
+}
