@@ -1,9 +1,12 @@
 #include "platform/sim/Json.h"
 
+#include <utility>
+
 namespace sim {
 namespace {
 
 constexpr int MAX_DEPTH = 16;
+constexpr std::size_t KEPT_VALUES = 1000;
 
 } // namespace
 
@@ -24,6 +27,13 @@ Json parseJson(const std::string &text)
 std::string dumpJson(const Json &value)
 {
     return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+void appendLatest(Json &list, Json value)
+{
+    list.push_back(std::move(value));
+    if (list.size() > KEPT_VALUES)
+        list.erase(list.begin());
 }
 
 } // namespace sim

@@ -21,4 +21,7 @@ Json parseJson(const std::string &text);
 // replaced by U+FFFD.
 std::string dumpJson(const Json &value);
 
+// Appends to a list of things that happened, and drops the oldest of more than a thousand.
+void appendLatest(Json &list, Json value);
+
 } // namespace sim

@@ -70,6 +70,7 @@ void Panel::set(const std::string &path, const Json &value)
     const Json before = m_state;
     change(m_state, path, value);
     m_net.stateChanged(before, m_state);
+    m_update.stateChanged(before, m_state);
 }
 
 void Panel::apply(const Json &scenario)
@@ -85,6 +86,7 @@ void Panel::apply(const Json &scenario)
     overlay(m_state, part);
     m_injections = orders;
     m_net.stateChanged(before, m_state);
+    m_update.stateChanged(before, m_state);
 }
 
 void Panel::fail(const std::string &op, int code, int count)
@@ -127,6 +129,7 @@ void Panel::reset()
 {
     m_net.forget(RESET_PATIENCE);
     m_media.forget(RESET_PATIENCE);
+    m_update.forget(RESET_PATIENCE);
     const std::lock_guard lock(m_mutex);
     m_net.forgetRegistrations();
     m_media.forgetRegistrations();
@@ -147,6 +150,7 @@ void Panel::stop(std::chrono::milliseconds patience)
 {
     m_net.stop(patience);
     m_media.stop(patience);
+    m_update.stop(patience);
 }
 
 void Panel::sleep(std::unique_lock<std::mutex> &lock, int ms)

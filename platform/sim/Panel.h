@@ -5,6 +5,7 @@
 #include "platform/sim/MediaService.h"
 #include "platform/sim/NetService.h"
 #include "platform/sim/StateTree.h"
+#include "platform/sim/UpdateService.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -50,6 +51,7 @@ public:
 
     NetService &net() { return m_net; }
     MediaService &media() { return m_media; }
+    UpdateService &update() { return m_update; }
 
     // --- for the simulated functions ---
 
@@ -130,6 +132,7 @@ private:
     Injections m_injections;
     NetService m_net;
     MediaService m_media;
+    UpdateService m_update;
 };
 
 // The panel of this process, made at the first call and never destroyed, because platform threads

@@ -9,7 +9,6 @@ using sim::panel;
 namespace {
 
 constexpr int FAILED = -1;
-constexpr std::size_t KEPT_BEEPS = 1000;
 constexpr int BITS_PER_PIXEL = 32;
 
 // Whether a click may wait, so that the buzzer's task, twenty times a second, need not look it up.
@@ -23,10 +22,7 @@ void add(Json &number, int change)
 
 void playTone(Json &state, const Json &milliseconds)
 {
-    Json &beeps = state["buzzer"]["beeps"];
-    beeps.push_back(milliseconds);
-    if (beeps.size() > KEPT_BEEPS)
-        beeps.erase(beeps.begin());
+    sim::appendLatest(state["buzzer"]["beeps"], milliseconds);
 }
 
 bool isTone(int tone)

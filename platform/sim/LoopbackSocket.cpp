@@ -1,0 +1,60 @@
+#include "platform/sim/LoopbackSocket.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace sim {
+namespace {
+
+constexpr std::size_t LARGEST_DATAGRAM = 65507; // udp(7)
+
+} // namespace
+
+bool LoopbackSocket::bind(int port)
+{
+    close();
+    m_fd = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (::bind(m_fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0)
+        return true;
+    close();
+    return false;
+}
+
+void LoopbackSocket::close()
+{
+    if (m_fd != -1)
+        ::close(m_fd);
+    m_fd = -1;
+}
+
+int LoopbackSocket::port() const
+{
+    sockaddr_in address{};
+    socklen_t size = sizeof address;
+    ::getsockname(m_fd, reinterpret_cast<sockaddr *>(&address), &size);
+    return ntohs(address.sin_port);
+}
+
+std::optional<LoopbackSocket::Datagram> LoopbackSocket::receive() const
+{
+    Datagram datagram{{}, std::string(LARGEST_DATAGRAM, '\0')};
+    socklen_t size = sizeof datagram.from;
+    const ssize_t got = ::recvfrom(m_fd, datagram.bytes.data(), datagram.bytes.size(), 0,
+                                   reinterpret_cast<sockaddr *>(&datagram.from), &size);
+    if (got < 0)
+        return std::nullopt;
+    datagram.bytes.resize(static_cast<std::size_t>(got));
+    return datagram;
+}
+
+void LoopbackSocket::send(const sockaddr_in &to, const std::string &bytes) const
+{
+    ::sendto(m_fd, bytes.data(), bytes.size(), 0, reinterpret_cast<const sockaddr *>(&to),
+             sizeof to);
+}
+
+} // namespace sim

@@ -1,0 +1,42 @@
+// A service's end of a UDP socket on the loopback interface.
+#pragma once
+
+#include <netinet/in.h>
+#include <optional>
+#include <string>
+
+namespace sim {
+
+// One thread at a time. No function waits.
+class LoopbackSocket
+{
+public:
+    struct Datagram
+    {
+        sockaddr_in from;
+        std::string bytes;
+    };
+
+    LoopbackSocket() = default;
+    ~LoopbackSocket() { close(); }
+    LoopbackSocket(const LoopbackSocket &) = delete;
+    LoopbackSocket &operator=(const LoopbackSocket &) = delete;
+
+    // Opens the socket at `port`, 0 for any that is free. False, and not open, if that is taken.
+    bool bind(int port);
+    void close();
+
+    bool isOpen() const { return m_fd != -1; }
+    int fd() const { return m_fd; }
+    // The port that it is bound to; 0 if it is not open.
+    int port() const;
+
+    // The next datagram that has come, if any.
+    std::optional<Datagram> receive() const;
+    void send(const sockaddr_in &to, const std::string &bytes) const;
+
+private:
+    int m_fd = -1;
+};
+
+} // namespace sim

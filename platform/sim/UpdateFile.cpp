@@ -1,0 +1,42 @@
+#include "platform/sim/UpdateFile.h"
+
+#include "platform/sim/Bytes.h"
+#include "platform/sim/OpenFile.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace sim {
+namespace {
+
+constexpr std::string_view MAGIC = "SYSSETUP";
+constexpr std::size_t VERSION_OFFSET = 8;
+constexpr std::size_t MODEL_OFFSET = 12;
+constexpr std::size_t MODEL_SIZE = 32;
+constexpr std::size_t LENGTH_OFFSET = 44;
+constexpr std::size_t HEADER_SIZE = 48;
+
+} // namespace
+
+UpdateFile readUpdateFile(const std::string &path)
+{
+    const OpenFile file(path);
+    const std::string header = file.read(0, HEADER_SIZE);
+    if (!file.isOpen() || header.size() < std::min<std::uint64_t>(file.size(), HEADER_SIZE))
+        return {};
+    if (header.compare(0, MAGIC.size(), MAGIC) != 0)
+        return {UpdateFile::Plain, {}, 0};
+    if (header.size() < HEADER_SIZE ||
+        file.size() != HEADER_SIZE + std::uint64_t(numberFrom(header, LENGTH_OFFSET)))
+        return {};
+    const std::string model = header.substr(MODEL_OFFSET, MODEL_SIZE);
+    return {UpdateFile::Headed, model.substr(0, model.find('\0')),
+            numberFrom(header, VERSION_OFFSET)};
+}
+
+bool isFirmware(const std::string &path)
+{
+    return fileName(path).find(".osf") != std::string::npos;
+}
+
+} // namespace sim

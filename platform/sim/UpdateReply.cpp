@@ -1,0 +1,52 @@
+#include "platform/sim/UpdateReply.h"
+
+#include "platform/sim/Bytes.h"
+
+#include <random>
+
+namespace sim {
+namespace {
+
+constexpr std::size_t MODEL_OFFSET = 12;
+constexpr std::size_t MODEL_SIZE = 256;
+constexpr std::size_t REPLY_SIZE = MODEL_OFFSET + MODEL_SIZE;
+constexpr std::size_t SHORT_SIZE = 10; // within the error number
+constexpr std::size_t LONG_SIZE = 4096;
+
+// The same every time, so that what a test has seen comes again.
+std::string noise(std::size_t size)
+{
+    std::minstd_rand random; // NOLINT(cert-msc32-c,cert-msc51-cpp)
+    std::string bytes;
+    while (bytes.size() < size)
+        bytes.push_back(static_cast<char>(random() >> 8U));
+    return bytes;
+}
+
+std::string whole(const UpdateStatus &status)
+{
+    std::string bytes;
+    for (const int number : {status.state, status.percent, status.error})
+        bytes += toBytes(static_cast<std::uint32_t>(number));
+    bytes += status.model.substr(0, MODEL_SIZE - 1);
+    bytes.resize(REPLY_SIZE, '\0');
+    return bytes;
+}
+
+} // namespace
+
+std::string encodeReply(const UpdateStatus &status, const std::string &how)
+{
+    const std::string bytes = whole(status);
+    if (how == "empty")
+        return {};
+    if (how == "short")
+        return bytes.substr(0, SHORT_SIZE);
+    if (how == "long")
+        return bytes + noise(LONG_SIZE - REPLY_SIZE);
+    if (how == "unterminated")
+        return bytes.substr(0, MODEL_OFFSET) + std::string(MODEL_SIZE, 'X');
+    return how == "noise" ? noise(REPLY_SIZE) : bytes;
+}
+
+} // namespace sim

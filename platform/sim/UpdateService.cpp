@@ -1,0 +1,78 @@
+#include "platform/sim/UpdateService.h"
+
+#include "platform/local_udp.h"
+#include "platform/sim/Panel.h"
+
+#include <iostream>
+#include <utility>
+
+namespace sim {
+namespace {
+
+constexpr const char *ENDPOINT = "DownLoad";
+constexpr std::chrono::seconds SETTLE_PATIENCE(1);
+
+// At a free port, if requests can be led there.
+bool bindElsewhere(UpdateServer &server)
+{
+    const int port = server.bind(0);
+    if (port != 0 && CBB::moveLocalUdpPort(ENDPOINT, port) == port)
+        return true;
+    CBB::moveLocalUdpPort(ENDPOINT, 0);
+    return false;
+}
+
+} // namespace
+
+void UpdateService::ensureRunning()
+{
+    const auto server = panel().locked([&](Json &state) { return start(state); });
+    if (server)
+        server->settle(SETTLE_PATIENCE);
+}
+
+std::shared_ptr<UpdateServer> UpdateService::start(Json &state)
+{
+    if (m_server || m_staysOut || m_stopped)
+        return m_server;
+    const auto server = std::make_shared<UpdateServer>();
+    int port = server->bind(CBB::localUdpPort(ENDPOINT));
+    if (port == 0 && bindElsewhere(*server))
+        port = CBB::localUdpPort(ENDPOINT);
+    if (port == 0) {
+        m_staysOut = true;
+        std::cerr << "the simulated update service stays out: it cannot have port " +
+                         std::to_string(CBB::localUdpPort(ENDPOINT)) + "\n";
+        return nullptr;
+    }
+    state["update"]["port"] = port;
+    server->start();
+    if (!state["update"]["alive"].get<bool>())
+        server->setAlive(false);
+    return m_server = server;
+}
+
+void UpdateService::stateChanged(const Json &before, const Json &state)
+{
+    const Json &alive = state.at("update").at("alive");
+    if (m_server && before.at("update").at("alive") != alive)
+        m_server->setAlive(alive.get<bool>());
+}
+
+bool UpdateService::forget(std::chrono::milliseconds patience)
+{
+    const auto server = panel().locked([&](const Json &) {
+        m_staysOut = false;
+        CBB::moveLocalUdpPort(ENDPOINT, 0);
+        return std::exchange(m_server, nullptr);
+    });
+    return !server || server->stop(patience);
+}
+
+bool UpdateService::stop(std::chrono::milliseconds patience)
+{
+    panel().locked([&](const Json &) { m_stopped = true; });
+    return forget(patience);
+}
+
+} // namespace sim
