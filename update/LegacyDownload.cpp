@@ -1,5 +1,0 @@
-#include "update/LegacyDownload.h"
-int downloadLegacyProgram(const std::string &)
-{
-    return -20;
-}

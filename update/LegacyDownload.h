@@ -1,3 +1,0 @@
-#pragma once
-#include <string>
-int downloadLegacyProgram(const std::string &path);
