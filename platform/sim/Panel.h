@@ -4,6 +4,7 @@
 #include "platform/sim/CallLog.h"
 #include "platform/sim/MediaService.h"
 #include "platform/sim/NetService.h"
+#include "platform/sim/SerialPlc.h"
 #include "platform/sim/StateTree.h"
 
 #include <chrono>
@@ -50,6 +51,7 @@ public:
 
     NetService &net() { return m_net; }
     MediaService &media() { return m_media; }
+    SerialPlc &serialPlc() { return m_serialPlc; }
 
     // --- for the simulated functions ---
 
@@ -130,6 +132,7 @@ private:
     Injections m_injections;
     NetService m_net;
     MediaService m_media;
+    SerialPlc m_serialPlc;
 };
 
 // The panel of this process, made at the first call and never destroyed, because platform threads
