@@ -130,6 +130,7 @@ void Panel::reset()
     m_net.forget(RESET_PATIENCE);
     m_media.forget(RESET_PATIENCE);
     m_update.forget(RESET_PATIENCE);
+    m_serialPlc.forget();
     const std::lock_guard lock(m_mutex);
     m_net.forgetRegistrations();
     m_media.forgetRegistrations();
@@ -151,6 +152,7 @@ void Panel::stop(std::chrono::milliseconds patience)
     m_net.stop(patience);
     m_media.stop(patience);
     m_update.stop(patience);
+    m_serialPlc.stop();
 }
 
 void Panel::sleep(std::unique_lock<std::mutex> &lock, int ms)

@@ -4,6 +4,7 @@
 #include "platform/sim/CallLog.h"
 #include "platform/sim/MediaService.h"
 #include "platform/sim/NetService.h"
+#include "platform/sim/SerialPlc.h"
 #include "platform/sim/StateTree.h"
 #include "platform/sim/UpdateService.h"
 
@@ -52,6 +53,7 @@ public:
     NetService &net() { return m_net; }
     MediaService &media() { return m_media; }
     UpdateService &update() { return m_update; }
+    SerialPlc &serialPlc() { return m_serialPlc; }
 
     // --- for the simulated functions ---
 
@@ -133,6 +135,7 @@ private:
     NetService m_net;
     MediaService m_media;
     UpdateService m_update;
+    SerialPlc m_serialPlc;
 };
 
 // The panel of this process, made at the first call and never destroyed, because platform threads

@@ -122,6 +122,7 @@ CLoadPlcInfo::CLoadPlcInfo() = default;
 int CLoadPlcInfo::ReadPlc5VDownLoadInfo(Plc5VDownLoadInfo &info, tag &extension, std::string path)
 {
     noteStep(READ_INFO);
+    panel().serialPlc().start(); // an older file is sent over the serial line next
     return panel().callOutside(READ_INFO, Json::array({path}), UINT_MAX, 0,
                                [&](unsigned int) { return readProgram(path, info, extension); });
 }

@@ -57,7 +57,10 @@ constexpr const char *SCHEMA_TEXT = R"({
 "plc": {"file": {"program": "bool", "parameters": "bool", "mask": "bool", "memory": "bool",
                  "cam": "bool", "password": "bool", "protect": "bool",
                  "read": "-2147483648..2147483647"},
-        "hasPassword": "0..1", "results": {"*": ["-2147483648..2147483647"]}, "steps": ["text"]},
+        "hasPassword": "0..1", "results": {"*": ["-2147483648..2147483647"]}, "steps": ["text"],
+        "line": {"answer": "right|none|noise|endless|wrongSum|late",
+                 "spoil": "-1..2147483647", "lateMs": "0..60000", "refuse": "0..255",
+                 "paced": "bool", "frames": "0..2147483647", "received": "0..2147483647"}},
 "partition": {"writable": "bool", "remounts": ["-2147483648..2147483647"]},
 "reboots": ["-2147483648..2147483647"]
 })";
@@ -118,7 +121,9 @@ constexpr const char *DEFAULTS_TEXT = R"({
            "reply": "whole", "dieAt": null, "alive": true, "port": 0, "requests": []},
 "plc": {"file": {"program": true, "parameters": true, "mask": true, "memory": true, "cam": true,
                  "password": false, "protect": false, "read": 0},
-        "hasPassword": 0, "results": {}, "steps": []},
+        "hasPassword": 0, "results": {}, "steps": [],
+        "line": {"answer": "right", "spoil": -1, "lateMs": 4500, "refuse": 0, "paced": false,
+                 "frames": 0, "received": 0}},
 "partition": {"writable": false, "remounts": []},
 "reboots": []
 })";

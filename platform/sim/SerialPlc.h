@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace sim {
+
+// The PLC at the panel's serial ports: behind each of the four nodes in "/dev/THAL/tty" under the
+// panel's root is a pseudo-terminal, at whose other end its one thread, "plc", takes and answers
+// frames. What it does stands in the state under plc.line. All functions: any thread.
+class SerialPlc
+{
+public:
+    SerialPlc();
+    ~SerialPlc();
+    SerialPlc(const SerialPlc &) = delete;
+    SerialPlc &operator=(const SerialPlc &) = delete;
+
+    // Plugs the PLC in, if it is not; a node that cannot be made is told on standard error and
+    // left out. Does not wait for anything; the panel may be locked.
+    void start();
+
+    // Unplugs it: the lines break, their nodes go. Waits for the thread, which never waits for the
+    // program. The panel is not locked.
+    void forget();
+
+    // The same; start() then does nothing any more.
+    void stop();
+
+private:
+    struct Lines;
+
+    static void run(Lines &lines);
+
+    std::mutex m_mutex;
+    std::unique_ptr<Lines> m_lines;
+    std::thread m_thread;
+    bool m_isStopped = false;
+};
+
+} // namespace sim

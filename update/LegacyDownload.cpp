@@ -1,0 +1,74 @@
+#include "update/LegacyDownload.h"
+
+#include "platform/cos_file.h"
+#include "platform/cos_time.h"
+#include "platform/paths.h"
+#include "update/Descriptor.h"
+#include "update/LegacyExchange.h"
+#include "update/LegacyProgram.h"
+#include "update/RC4Cryptor.h"
+
+#include <QString>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+
+namespace {
+
+constexpr int CANNOT_READ = -8;
+constexpr int NO_PROGRAM = -22;
+constexpr int CANNOT_OPEN_PORT = -21;
+
+// `path` as one word of the shell; plain paths stay as they are.
+std::string shellWord(const std::string &path)
+{
+    constexpr const char *PLAIN =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/_.-";
+    if (path.find_first_not_of(PLAIN) == std::string::npos)
+        return path;
+    std::string word = "'";
+    for (const char c : path)
+        word += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return word + "'";
+}
+
+void removeWithShell(const std::string &path)
+{
+    if (!COS::CosFile::ExistFile(path))
+        return;
+    const std::string command = "rm  " + shellWord(path);
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody changes how SIGCHLD is handled meanwhile
+    if (std::system(command.c_str()) != 0)
+        std::printf("%s error \n", command.c_str());
+}
+
+int sendDeciphered(const std::string &path)
+{
+    Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    if (!file.isOpen())
+        return CANNOT_READ;
+    const auto program = readLegacyProgram(file.get());
+    if (!program)
+        return NO_PROGRAM;
+    int port = -1;
+    if (openPort(file.get(), port, program->line) != 0) {
+        file.release(); // closed with the port
+        return CANNOT_OPEN_PORT;
+    }
+    const Descriptor line(port);
+    return LegacyExchange(line.get(), program->line.baud).send(program->bytes);
+}
+
+} // namespace
+
+int downloadLegacyProgram(const std::string &path)
+{
+    const std::string deciphered = panelPath("/tmp/unzip_temp") + "/" + "update.bin";
+    const int result =
+        decipherFile(path, deciphered) == 0 ? sendDeciphered(deciphered) : CANNOT_READ;
+    removeWithShell(deciphered);
+    std::printf("on_UpdatePLCProgram_clicked end time %ld!\r\n",
+                static_cast<long>(COS::CosTime::GetTimeStamp()));
+    return result;
+}

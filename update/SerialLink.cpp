@@ -1,0 +1,244 @@
+#include "update/SerialLink.h"
+
+#include "platform/paths.h"
+#include "update/Descriptor.h"
+#include "update/Progress.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <fcntl.h>
+#include <iterator>
+#include <limits>
+#include <sys/ioctl.h>
+#include <system_error>
+#include <termios.h>
+
+namespace {
+
+// _IOW('w', 1, int) of the board's driver: 1 makes the line RS-422, 0 RS-485.
+constexpr unsigned long MODE_REQUEST = 0x40047701;
+constexpr int NO_SWITCH = -1;
+
+constexpr std::int32_t PROGRAM_MARK = 20161111;
+constexpr cc_t READ_TENTHS = 40;
+
+struct Port
+{
+    int port;
+    int mode;
+    const char *name;
+    const char *node;
+    int switchTo;
+};
+
+constexpr Port PORTS[] = {
+    {0, 0, "RS232_1", "/dev/THAL/tty/com1-232", NO_SWITCH},
+    {0, 1, "RS422_1", "/dev/THAL/tty/com1-422", 1},
+    {0, 2, "RS485_1", "/dev/THAL/tty/com1-422", 0},
+    {1, 0, "RS232_2", "/dev/THAL/tty/com2-232", NO_SWITCH},
+    {1, 2, "RS485_2", "/dev/THAL/tty/com2-485", NO_SWITCH},
+};
+
+struct Rate
+{
+    int baud;
+    speed_t speed;
+};
+
+constexpr Rate RATES[] = {
+    {115200, B115200}, {38400, B38400}, {19200, B19200}, {9600, B9600},
+    {4800, B4800},     {2400, B2400},   {1200, B1200},   {300, B300},
+};
+
+int tellFailure(const char *function, const char *what, int error)
+{
+    std::fprintf(stderr, "{%s} Err:%s\tErrStr:%s.\n", function, what,
+                 std::generic_category().message(error).c_str());
+    return -1;
+}
+
+int tellOpenFailure(int error)
+{
+    return tellFailure("OpenDev", "Can't Open Serial Port", error);
+}
+
+bool switchMode(int fd, int switchTo)
+{
+    if (switchTo == NO_SWITCH || ioctl(fd, MODE_REQUEST, &switchTo) == 0)
+        return true;
+    // A line that has no switch, such as a pseudo-terminal, needs none.
+    return errno == ENOTTY || errno == EINVAL;
+}
+
+bool setDataBits(termios &line, int dataBits)
+{
+    line.c_cflag &= ~static_cast<tcflag_t>(CSIZE);
+    if (dataBits != 7 && dataBits != 8)
+        return false;
+    line.c_cflag |= dataBits == 7 ? CS7 : CS8;
+    return true;
+}
+
+void setNoParity(termios &line)
+{
+    line.c_cflag &= ~static_cast<tcflag_t>(PARENB);
+    line.c_iflag &= ~static_cast<tcflag_t>(INPCK | ICRNL | IGNCR);
+}
+
+void setOddParity(termios &line)
+{
+    line.c_cflag |= PARENB | PARODD;
+    line.c_iflag |= INPCK;
+}
+
+void setEvenParity(termios &line)
+{
+    line.c_cflag |= PARENB;
+    line.c_cflag &= ~static_cast<tcflag_t>(PARODD);
+    line.c_iflag |= INPCK;
+}
+
+void setSpaceParity(termios &line)
+{
+    line.c_cflag &= ~static_cast<tcflag_t>(PARENB | CSTOPB);
+}
+
+struct Parity
+{
+    int number; // the letter again where there is no number
+    int upper;
+    int lower;
+    void (*set)(termios &line);
+};
+
+constexpr Parity PARITIES[] = {
+    {0, 'N', 'n', setNoParity},
+    {1, 'O', 'o', setOddParity},
+    {2, 'E', 'e', setEvenParity},
+    {'S', 'S', 's', setSpaceParity},
+};
+
+bool setParityBit(termios &line, int parity)
+{
+    const auto *found =
+        std::find_if(std::begin(PARITIES), std::end(PARITIES), [parity](const Parity &known) {
+            return parity == known.number || parity == known.upper || parity == known.lower;
+        });
+    if (found == std::end(PARITIES))
+        return false;
+    found->set(line);
+    return true;
+}
+
+bool setStopBits(termios &line, int stopBits)
+{
+    if (stopBits != 0 && stopBits != 2)
+        return false;
+    line.c_cflag &= ~static_cast<tcflag_t>(CSTOPB);
+    if (stopBits == 2)
+        line.c_cflag |= CSTOPB;
+    return true;
+}
+
+void makeRaw(termios &line)
+{
+    line.c_cflag |= CLOCAL | CREAD;
+    line.c_cflag &= ~static_cast<tcflag_t>(CRTSCTS);
+    line.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | ECHOE | ECHOK | ECHONL | ISIG);
+    line.c_oflag &= ~static_cast<tcflag_t>(OPOST | ONLCR | OCRNL);
+    line.c_iflag &= ~static_cast<tcflag_t>(IXON | IXOFF | IXANY | INLCR | ICRNL | IGNCR);
+    line.c_cc[VTIME] = READ_TENTHS;
+    line.c_cc[VMIN] = 0;
+}
+
+// Empty if there is no such port.
+std::string portNameOf(int port, int mode)
+{
+    const auto *found = std::find_if(std::begin(PORTS), std::end(PORTS), [=](const Port &known) {
+        return known.port == port && known.mode == mode;
+    });
+    return found == std::end(PORTS) ? "" : found->name;
+}
+
+int setUp(int fd, const SerialSettings &settings)
+{
+    const int result = setSpeed(fd, settings.baud);
+    return result != 0 ? result
+                       : setParity(fd, settings.dataBits, settings.stopBits, settings.parity);
+}
+
+} // namespace
+
+int openDev(const std::string &portName)
+{
+    const auto *port = std::find_if(std::begin(PORTS), std::end(PORTS),
+                                    [&](const Port &known) { return known.name == portName; });
+    if (port == std::end(PORTS))
+        return tellOpenFailure(ENODEV);
+    // Without O_NONBLOCK a port with modem lines would wait here for a carrier.
+    const int flags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
+    Descriptor line(open(panelPath(port->node).c_str(), flags));
+    if (!line.isOpen() || !switchMode(line.get(), port->switchTo))
+        return tellOpenFailure(errno);
+    return line.release();
+}
+
+int setSpeed(int fd, int baud)
+{
+    termios line = {};
+    if (tcgetattr(fd, &line) != 0)
+        return -1;
+    for (const Rate &rate : RATES) {
+        tcflush(fd, TCIOFLUSH);
+        if (rate.baud != baud)
+            continue;
+        cfsetispeed(&line, rate.speed);
+        cfsetospeed(&line, rate.speed);
+        return tcsetattr(fd, TCSANOW, &line) == 0 ? 0 : -1;
+    }
+    return -1;
+}
+
+int setParity(int fd, int dataBits, int stopBits, int parity)
+{
+    termios line = {};
+    if (tcgetattr(fd, &line) != 0)
+        return -1;
+    if (!setDataBits(line, dataBits) || !setParityBit(line, parity) || !setStopBits(line, stopBits))
+        return -1;
+    makeRaw(line);
+    tcflush(fd, TCIFLUSH);
+    if (tcsetattr(fd, TCSANOW, &line) != 0)
+        return tellFailure("set_Parity", "SetupSerial 3", errno);
+    return 0;
+}
+
+int openPort(int closeOnFailure, int &fd, const SerialSettings &settings)
+{
+    Descriptor given(closeOnFailure);
+    Descriptor line(openDev(portNameOf(settings.port, settings.mode)));
+    const int result = line.isOpen() ? setUp(line.get(), settings) : -1;
+    fd = result == 0 ? line.release() : -1;
+    if (result == 0)
+        given.release();
+    return result;
+}
+
+int checkHeader(int fd)
+{
+    const off_t size = lseek(fd, 0, SEEK_END);
+    std::printf("ntotalpos = %ld\r\n", static_cast<long>(size));
+    g_Progress.nTotal =
+        static_cast<std::int32_t>(std::min<off_t>(size, std::numeric_limits<std::int32_t>::max()));
+    lseek(fd, 0, SEEK_SET);
+    std::int32_t mark = 0;
+    if (read(fd, &mark, sizeof mark) != static_cast<ssize_t>(sizeof mark))
+        return -1;
+    mark = qFromLittleEndian(mark);
+    std::printf("20161111** = %d\r\n", mark);
+    return mark == PROGRAM_MARK ? 0 : -1;
+}
