@@ -8,17 +8,17 @@
 #include <functional>
 #include <unistd.h>
 
-// What `action` prints on standard output, which it does not reach meanwhile.
-inline QByteArray printedBy(const std::function<void()> &action)
+// What `action` prints on standard output, or `stream`, which it does not reach meanwhile.
+inline QByteArray printedBy(const std::function<void()> &action, std::FILE *stream = stdout)
 {
     QTemporaryFile file;
     file.open();
-    std::fflush(stdout);
-    const int former = dup(STDOUT_FILENO);
-    dup2(file.handle(), STDOUT_FILENO);
+    std::fflush(stream);
+    const int former = dup(fileno(stream));
+    dup2(file.handle(), fileno(stream));
     action();
-    std::fflush(stdout);
-    dup2(former, STDOUT_FILENO);
+    std::fflush(stream);
+    dup2(former, fileno(stream));
     close(former);
     file.seek(0);
     QByteArray printed;
