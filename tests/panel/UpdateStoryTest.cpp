@@ -101,7 +101,7 @@ void UpdateStoryTest::initTestCase()
     raw.close();
     QVERIFY(make("make-update-file",
                  {"--model"_s, "KV070T"_s, "--size"_s, "200000"_s, onStick("line.tmt3")}));
-    QVERIFY(make("make-update-file", {"--model"_s, "KV070T"_s, "--version"_s, "9"_s, "--size"_s,
+    QVERIFY(make("make-update-file", {"--model"_s, "KV070T"_s, "--version"_s, "999"_s, "--size"_s,
                                       "100000"_s, onStick("panel.osf3")}));
     QVERIFY(make("make-plc-program", {"--from"_s, onStick("raw"), onStick("plc.bin")}));
     QVERIFY(raw.remove());
