@@ -233,10 +233,7 @@ private slots:
         const int port = panel().get("update.port").get<int>();
         sim::LoopbackSocket client;
         client.bind(0);
-        sockaddr_in service{};
-        service.sin_family = AF_INET;
-        service.sin_port = htons(std::uint16_t(port));
-        service.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        const sockaddr_in service = sim::loopbackAddress(port);
         panel().set("update.late", 80);
         client.send(service,
                     sim::toBytes(START) + make(QStringLiteral("a.tmt3"), "x").toStdString());
