@@ -50,9 +50,9 @@ void LoopbackSocket::setDeaf(bool deaf)
     sockaddr_in peer = loopbackAddress(port());
     if (!deaf)
         peer.sin_family = AF_UNSPEC;
-    ::connect(m_fd, generic(peer), sizeof peer);
-    m_deaf = deaf;
-    while (deaf && receive())
+    if (::connect(m_fd, generic(peer), sizeof peer) == 0)
+        m_deaf = deaf;
+    while (m_deaf && receive())
         continue;
 }
 

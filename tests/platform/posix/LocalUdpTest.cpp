@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QtTest>
 
+#include <array>
 #include <csignal>
 #include <poll.h>
 #include <sys/time.h>
@@ -128,12 +129,13 @@ private slots:
             m_service.send(request.from, "right");
         });
         std::string reply;
-        std::vector<int> results;
-        for (int i = 0; i < 20; ++i)
-            results.push_back(exchangeDatagram(m_service.port(), "early", reply, 1));
+        std::array<int, 20> results{};
+        for (int &result : results)
+            result = exchangeDatagram(m_service.port(), "early", reply, 1);
         exchangeDatagram(m_service.port(), "last", reply, LONG);
         thread.join();
-        QCOMPARE(results, std::vector<int>(20, CbbLocalUdp::ERR_TIMEOUT));
+        for (const int result : results)
+            QCOMPARE(result, int(CbbLocalUdp::ERR_TIMEOUT));
         QCOMPARE(reply.c_str(), "right");
         for (const sockaddr_in &from : late)
             QVERIFY(!LoopbackSocket().bind(ntohs(from.sin_port)));

@@ -36,7 +36,7 @@ Answer ask(int command, const QString &path = {}, unsigned int timeoutMs = LONG)
     answer.state = int(sim::numberFrom(reply, 0));
     answer.percent = int(sim::numberFrom(reply, 4));
     answer.error = int(sim::numberFrom(reply, 8));
-    answer.model = reply.substr(12).c_str();
+    answer.model = reply.substr(12, reply.find('\0', 12) - 12);
     return answer;
 }
 
@@ -186,7 +186,7 @@ private slots:
             answer = ask(POLL);
         QTEST(answer.error, "error");
         QCOMPARE(filesInPanel(), QStringList());
-        QVERIFY(panel().get("update.installed.project") == "");
+        QVERIFY(panel().get("update.installed.project").get<std::string>().empty());
     }
 
     void stepStandsForItsTime()
@@ -322,7 +322,7 @@ private:
     // The path of a file of that name on the U-disk; "folder.", "pipe." and "missing." are such.
     QString make(const QString &name, const QByteArray &content)
     {
-        const QString path = m_disk.filePath(name);
+        QString path = m_disk.filePath(name);
         if (name.startsWith(QLatin1String("folder.")))
             QDir().mkpath(path);
         else if (name.startsWith(QLatin1String("pipe.")))
