@@ -8,17 +8,28 @@ namespace {
 
 constexpr std::size_t LARGEST_DATAGRAM = 65507; // udp(7)
 
+const sockaddr *generic(const sockaddr_in &address)
+{
+    return reinterpret_cast<const sockaddr *>(&address);
+}
+
 } // namespace
+
+sockaddr_in loopbackAddress(int port)
+{
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
 
 bool LoopbackSocket::bind(int port)
 {
     close();
     m_fd = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (::bind(m_fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0)
+    const sockaddr_in address = loopbackAddress(port);
+    if (::bind(m_fd, generic(address), sizeof address) == 0)
         return true;
     close();
     return false;
@@ -29,6 +40,20 @@ void LoopbackSocket::close()
     if (m_fd != -1)
         ::close(m_fd);
     m_fd = -1;
+    m_deaf = false;
+}
+
+// connect(2): a connected socket hears its peer alone, here itself; AF_UNSPEC dissolves that, and
+// leaves the port if bind(2) was given one.
+void LoopbackSocket::setDeaf(bool deaf)
+{
+    sockaddr_in peer = loopbackAddress(port());
+    if (!deaf)
+        peer.sin_family = AF_UNSPEC;
+    if (::connect(m_fd, generic(peer), sizeof peer) == 0)
+        m_deaf = deaf;
+    while (m_deaf && receive())
+        continue;
 }
 
 int LoopbackSocket::port() const
@@ -53,8 +78,7 @@ std::optional<LoopbackSocket::Datagram> LoopbackSocket::receive() const
 
 void LoopbackSocket::send(const sockaddr_in &to, const std::string &bytes) const
 {
-    ::sendto(m_fd, bytes.data(), bytes.size(), 0, reinterpret_cast<const sockaddr *>(&to),
-             sizeof to);
+    ::sendto(m_fd, bytes.data(), bytes.size(), 0, generic(to), sizeof to);
 }
 
 } // namespace sim

@@ -7,6 +7,8 @@
 
 namespace sim {
 
+sockaddr_in loopbackAddress(int port);
+
 // One thread at a time. No function waits.
 class LoopbackSocket
 {
@@ -26,7 +28,11 @@ public:
     bool bind(int port);
     void close();
 
-    bool isOpen() const { return m_fd != -1; }
+    // A deaf one drops what has come and refuses all senders, as if nobody listened, but keeps
+    // its port: nobody else on this machine can take it meanwhile. Not for port 0.
+    void setDeaf(bool deaf);
+    bool isDeaf() const { return m_deaf; }
+
     int fd() const { return m_fd; }
     // The port that it is bound to; 0 if it is not open.
     int port() const;
@@ -37,6 +43,7 @@ public:
 
 private:
     int m_fd = -1;
+    bool m_deaf = false;
 };
 
 } // namespace sim

@@ -128,7 +128,7 @@ int CLoadPlcInfo::ReadPlc5VDownLoadInfo(Plc5VDownLoadInfo &info, tag &extension,
 }
 
 UpDate5vPlcPro::UpDate5vPlcPro() = default;
-UpDate5vPlcPro::~UpDate5vPlcPro() = default;
+UpDate5vPlcPro::~UpDate5vPlcPro() {} // this panel holds no port open
 
 int UpDate5vPlcPro::Open(SERIALCOMSET line)
 {
@@ -165,6 +165,7 @@ int UpDate5vPlcPro::ReadPlcVer()
     return step("plc.ReadPlcVer");
 }
 
+// The library takes copies of its own. NOLINTBEGIN(performance-unnecessary-value-param)
 int UpDate5vPlcPro::DownLoadPro(tagPdata download, tagPdata upload, std::list<PlcProData> program)
 {
     return step("plc.DownLoadPro", Json::array({download.sData, upload.sData, program.size()}));
@@ -190,6 +191,7 @@ int UpDate5vPlcPro::DownLoadCamTable(EcamTable_t table)
 {
     return step("plc.DownLoadCamTable", Json::array({table.data.size()}));
 }
+// NOLINTEND(performance-unnecessary-value-param)
 
 int UpDate5vPlcPro::DownLoadExtension(tag &extension)
 {

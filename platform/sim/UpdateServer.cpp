@@ -4,7 +4,6 @@
 #include "platform/sim/Panel.h"
 
 #include <algorithm>
-#include <iostream>
 #include <poll.h>
 #include <pthread.h>
 #include <sys/eventfd.h>
@@ -35,11 +34,6 @@ Json takeOrders(Json &state, const std::string &request)
     return orders;
 }
 
-void noteDead()
-{
-    panel().locked([](Json &state) { state["update"]["alive"] = false; });
-}
-
 } // namespace
 
 UpdateServer::UpdateServer() : m_wakeUp(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
@@ -49,11 +43,9 @@ UpdateServer::~UpdateServer()
     ::close(m_wakeUp);
 }
 
-int UpdateServer::bind(int port)
+bool UpdateServer::bind(int port)
 {
-    m_socket.bind(port);
-    m_port = m_socket.isOpen() ? m_socket.port() : 0;
-    return m_port;
+    return m_socket.bind(port);
 }
 
 void UpdateServer::start()
@@ -103,6 +95,7 @@ void UpdateServer::run()
         sendDue();
     }
     die();
+    m_socket.close();
     const std::lock_guard lock(m_mutex);
     m_running = false;
     m_changed.notify_all();
@@ -118,8 +111,8 @@ bool UpdateServer::followOrders()
         lock.unlock();
         if (killed)
             die();
-        if (alive && !m_socket.isOpen())
-            revive();
+        if (alive && m_socket.isDeaf())
+            m_socket.setDeaf(false);
         lock.lock();
         m_followed = orders;
         m_changed.notify_all();
@@ -129,23 +122,14 @@ bool UpdateServer::followOrders()
 
 void UpdateServer::die()
 {
-    m_socket.close();
+    m_socket.setDeaf(true);
     m_held.clear();
     m_desk.abandon();
 }
 
-void UpdateServer::revive()
-{
-    if (m_socket.bind(m_port))
-        return;
-    std::cerr << "the simulated update service cannot come back: port " + std::to_string(m_port) +
-                     " is taken\n";
-    noteDead();
-}
-
 void UpdateServer::waitForWork() const
 {
-    pollfd events[] = {{m_wakeUp, POLLIN, 0}, {m_socket.fd(), POLLIN, 0}};
+    pollfd events[] = {{m_wakeUp, POLLIN, 0}, {m_socket.isDeaf() ? -1 : m_socket.fd(), POLLIN, 0}};
     int timeout = -1;
     if (!m_held.empty()) {
         const auto left =
@@ -174,7 +158,7 @@ void UpdateServer::answer(const LoopbackSocket::Datagram &request, const Json &u
         m_desk.answer(update, commandOf(request.bytes), request.bytes.substr(COMMAND_SIZE));
     if (answer.dies) {
         die();
-        noteDead();
+        panel().locked([](Json &state) { state["update"]["alive"] = false; });
     }
     if (!answer.replies)
         return;

@@ -23,12 +23,13 @@ public:
     UpdateServer(const UpdateServer &) = delete;
     UpdateServer &operator=(const UpdateServer &) = delete;
 
-    // Before start(): takes the port, 0 for any that is free. Returns it, 0 on failure.
-    int bind(int port);
+    // Before start(): takes the port. False if that fails.
+    bool bind(int port);
     // Starts the thread.
     void start();
 
-    // update.alive has changed: the service dies, or comes back at the same port. Any thread, also
+    // update.alive has changed: the service dies, or comes back at the same port, which it
+    // keeps meanwhile. Any thread, also
     // with the panel locked.
     void setAlive(bool alive);
     // Waits until the thread has seen to that. The panel is not locked.
@@ -50,7 +51,6 @@ private:
     void wake() const;
     bool followOrders();
     void die();
-    void revive();
     void waitForWork() const;
     void serve();
     void answer(const LoopbackSocket::Datagram &request, const Json &update);
@@ -60,7 +60,6 @@ private:
     LoopbackSocket m_socket;
     UpdateDesk m_desk;
     std::multimap<Clock::time_point, HeldReply> m_held; // by the moment when they go out
-    int m_port = 0;
 
     const int m_wakeUp; // eventfd(2)
     std::mutex m_mutex;

@@ -11,15 +11,21 @@ namespace {
 
 constexpr const char *ENDPOINT = "DownLoad";
 constexpr std::chrono::seconds SETTLE_PATIENCE(1);
+constexpr int PORTS_TRIED = 100;
 
-// At a free port, if requests can be led there.
-bool bindElsewhere(UpdateServer &server)
+// The port that requests go to; else, unless the environment names that one, one of those after it,
+// which requests are led to. 0 if there is none.
+int bindSomewhere(UpdateServer &server)
 {
-    const int port = server.bind(0);
-    if (port != 0 && CBB::moveLocalUdpPort(ENDPOINT, port) == port)
-        return true;
+    const int first = CBB::localUdpPort(ENDPOINT);
+    if (server.bind(first))
+        return first;
+    for (int port = first + 1; port <= first + PORTS_TRIED; ++port) {
+        if (CBB::moveLocalUdpPort(ENDPOINT, port) == port && server.bind(port))
+            return port;
+    }
     CBB::moveLocalUdpPort(ENDPOINT, 0);
-    return false;
+    return 0;
 }
 
 } // namespace
@@ -36,9 +42,7 @@ std::shared_ptr<UpdateServer> UpdateService::start(Json &state)
     if (m_server || m_staysOut || m_stopped)
         return m_server;
     const auto server = std::make_shared<UpdateServer>();
-    int port = server->bind(CBB::localUdpPort(ENDPOINT));
-    if (port == 0 && bindElsewhere(*server))
-        port = CBB::localUdpPort(ENDPOINT);
+    const int port = bindSomewhere(*server);
     if (port == 0) {
         m_staysOut = true;
         std::cerr << "the simulated update service stays out: it cannot have port " +

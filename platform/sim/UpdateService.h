@@ -15,8 +15,8 @@ class UpdateService
 {
 public:
     // Has the service run before a request is sent, and see to what was set before. If its usual
-    // port is taken it answers at a free one, which requests of this process find. If the port
-    // that the environment names is taken, somebody else's service answers there and this one
+    // port is taken it answers at the next free one, which requests of this process find. If the
+    // port that the environment names is taken, somebody else's service answers there and this one
     // stays out. The panel is not locked.
     void ensureRunning();
     // What follows from a change of the state from outside. The panel is locked.

@@ -55,6 +55,7 @@ struct tag
 };
 
 // What a program file carries. A section is there if its flag says so.
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): each flag beside its section
 struct Plc5VDownLoadInfo
 {
     SERIALCOMSET serial;

@@ -4,11 +4,10 @@
 #include <QElapsedTimer>
 #include <QtTest>
 
-#include <atomic>
+#include <array>
 #include <csignal>
-#include <functional>
 #include <poll.h>
-#include <pthread.h>
+#include <sys/time.h>
 #include <thread>
 
 using CBB::CbbLocalUdp;
@@ -19,47 +18,19 @@ namespace {
 
 constexpr unsigned int LONG = 60000; // milliseconds that no good run waits for
 
-// A service in a thread of its own: hands every request to `onRequest`.
-class Service
+// A thread that hands as many requests to `answer` as it is told to, and ends.
+template <typename Answer>
+std::thread serve(const LoopbackSocket &socket, int requests, Answer answer)
 {
-public:
-    using Handler = std::function<void(const LoopbackSocket &, const LoopbackSocket::Datagram &)>;
-
-    explicit Service(Handler onRequest) : m_onRequest(std::move(onRequest))
-    {
-        m_socket.bind(0);
-        m_port = m_socket.port();
-        m_thread = std::thread([this] { run(); });
-    }
-    ~Service()
-    {
-        m_ending = true;
-        std::string none;
-        exchangeDatagram(m_port, "end", none, 0);
-        m_thread.join();
-    }
-
-    int port() const { return m_port; }
-
-private:
-    void run()
-    {
-        while (!m_ending) {
-            pollfd waiting{m_socket.fd(), POLLIN, 0};
+    return std::thread([&socket, requests, answer] {
+        for (int left = requests; left > 0;) {
+            pollfd waiting{socket.fd(), POLLIN, 0};
             ::poll(&waiting, 1, -1);
-            if (const auto request = m_socket.receive(); request && !m_ending)
-                m_onRequest(m_socket, *request);
+            if (const auto request = socket.receive(); request && left-- > 0)
+                answer(*request);
         }
-    }
-
-    const Handler m_onRequest;
-    LoopbackSocket m_socket;
-    int m_port = 0;
-    std::atomic<bool> m_ending{false};
-    std::thread m_thread;
-};
-
-void ignoreRequest(const LoopbackSocket &, const LoopbackSocket::Datagram &) {}
+    });
+}
 
 int freePort()
 {
@@ -75,6 +46,7 @@ class LocalUdpTest : public QObject
     Q_OBJECT
 
 private slots:
+    void init() { QVERIFY(m_service.bind(0)); }
     void cleanup()
     {
         qunsetenv("SYSSET_UDP_DOWNLOAD");
@@ -90,21 +62,15 @@ private slots:
     void bringsTheReply()
     {
         QFETCH(int, size);
-        const std::string wanted(std::size_t(size), '\xFE');
-        const std::string body("\x0C\0\0\0path", 8);
-        std::string asked;
+        const std::string body(std::size_t(size), '\xFE');
         std::string reply = "former";
-        int result = 0;
-        {
-            const Service service([&](const auto &socket, const auto &request) {
-                asked = request.bytes;
-                socket.send(request.from, wanted);
-            });
-            result = exchangeDatagram(service.port(), body, reply, LONG);
-        }
+        std::thread echo = serve(m_service, 1, [&](const auto &request) {
+            m_service.send(request.from, request.bytes);
+        });
+        const int result = exchangeDatagram(m_service.port(), body, reply, LONG);
+        echo.join();
         QCOMPARE(result, size);
-        QVERIFY(reply == wanted);
-        QVERIFY(asked == body);
+        QVERIFY(reply == body);
     }
 
     void failsClearly_data()
@@ -134,21 +100,15 @@ private slots:
     {
         struct sigaction action = {};
         action.sa_handler = [](int) {};
-        sigaction(SIGUSR1, &action, nullptr);
-        Service service(ignoreRequest);
-        std::atomic<bool> done{false};
-        std::thread disturber([&, waiting = pthread_self()] {
-            while (!done) {
-                pthread_kill(waiting, SIGUSR1);
-                std::this_thread::sleep_for(std::chrono::milliseconds(5));
-            }
-        });
+        sigaction(SIGALRM, &action, nullptr);
+        const itimerval every5ms{{0, 5000}, {0, 5000}};
+        const itimerval never{};
         QElapsedTimer timer;
         timer.start();
+        setitimer(ITIMER_REAL, &every5ms, nullptr);
         std::string reply = "former";
-        const int result = exchangeDatagram(service.port(), "body", reply, 100);
-        done = true;
-        disturber.join();
+        const int result = exchangeDatagram(m_service.port(), "body", reply, 100);
+        setitimer(ITIMER_REAL, &never, nullptr);
         QCOMPARE(result, int(CbbLocalUdp::ERR_TIMEOUT));
         QVERIFY(timer.elapsed() >= 100);
         QVERIFY(reply.empty());
@@ -159,25 +119,24 @@ private slots:
     void lateReplyAnswersNothing()
     {
         std::vector<sockaddr_in> late;
+        std::thread thread = serve(m_service, 21, [&](const auto &request) {
+            if (request.bytes == "early") {
+                late.push_back(request.from);
+                return;
+            }
+            for (const sockaddr_in &from : late)
+                m_service.send(from, "late");
+            m_service.send(request.from, "right");
+        });
         std::string reply;
-        std::vector<int> results;
-        {
-            const Service service([&](const auto &socket, const auto &request) {
-                if (request.bytes == "early") {
-                    late.push_back(request.from);
-                    return;
-                }
-                for (const sockaddr_in &from : late)
-                    socket.send(from, "late");
-                socket.send(request.from, "right");
-            });
-            for (int i = 0; i < 20; ++i)
-                results.push_back(exchangeDatagram(service.port(), "early", reply, 1));
-            exchangeDatagram(service.port(), "last", reply, LONG);
-        }
-        QCOMPARE(results, std::vector<int>(20, CbbLocalUdp::ERR_TIMEOUT));
+        std::array<int, 20> results{};
+        for (int &result : results)
+            result = exchangeDatagram(m_service.port(), "early", reply, 1);
+        exchangeDatagram(m_service.port(), "last", reply, LONG);
+        thread.join();
+        for (const int result : results)
+            QCOMPARE(result, int(CbbLocalUdp::ERR_TIMEOUT));
         QCOMPARE(reply.c_str(), "right");
-        QCOMPARE(late.size(), std::size_t(20));
         for (const sockaddr_in &from : late)
             QVERIFY(!LoopbackSocket().bind(ntohs(from.sin_port)));
     }
@@ -186,15 +145,18 @@ private slots:
     {
         LoopbackSocket stranger;
         QVERIFY(stranger.bind(0));
-        Service service([&](const LoopbackSocket &socket, const LoopbackSocket::Datagram &request) {
+        std::thread thread = serve(m_service, 2, [&](const auto &request) {
             stranger.send(request.from, "stranger");
             if (request.bytes == "ask")
-                socket.send(request.from, "service");
+                m_service.send(request.from, "service");
         });
-        std::string reply;
-        QCOMPARE(exchangeDatagram(service.port(), "ask", reply, LONG), 7);
-        QCOMPARE(reply.c_str(), "service");
-        QCOMPARE(exchangeDatagram(service.port(), "?", reply, 50), int(CbbLocalUdp::ERR_TIMEOUT));
+        std::string answered;
+        std::string unanswered;
+        exchangeDatagram(m_service.port(), "ask", answered, LONG);
+        const int result = exchangeDatagram(m_service.port(), "?", unanswered, 50);
+        thread.join();
+        QCOMPARE(answered.c_str(), "service");
+        QCOMPARE(result, int(CbbLocalUdp::ERR_TIMEOUT));
     }
 
     void environmentNamesThePort_data()
@@ -217,6 +179,9 @@ private slots:
         QCOMPARE(CBB::moveLocalUdpPort("DownLoad", 5000), port != 0 ? port : 5000);
         QCOMPARE(CBB::moveLocalUdpPort("DownLoad", 0), port != 0 ? port : usual);
     }
+
+private:
+    LoopbackSocket m_service; // at a new port for each test
 };
 
 QTEST_GUILESS_MAIN(LocalUdpTest)

@@ -36,7 +36,7 @@ Answer ask(int command, const QString &path = {}, unsigned int timeoutMs = LONG)
     answer.state = int(sim::numberFrom(reply, 0));
     answer.percent = int(sim::numberFrom(reply, 4));
     answer.error = int(sim::numberFrom(reply, 8));
-    answer.model = reply.substr(12).c_str();
+    answer.model = reply.substr(12, reply.find('\0', 12) - 12);
     return answer;
 }
 
@@ -76,27 +76,31 @@ private slots:
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QString>("model");
         QTest::addColumn<int>("error");
-        const auto row = [](const char *tag, const char *name, const QByteArray &content,
-                            const char *model, int error) {
-            QTest::newRow(tag) << QString::fromUtf8(name) << content << QString::fromUtf8(model)
-                               << error;
-        };
         const QByteArray good = headed("KV100", 100, "data");
+        const QByteArray newer = headed("KV100", 101, "data");
         const char *const longest = "KV-with-a-model-name-of-32-bytes";
-        row("headed", "a.tmt3", good, "KV100", 0);
-        row("no data", "a.tmt3", headed("KV100", 0, {}), "KV100", 0);
-        row("longest model", "a.tmt3", headed(longest, 1, "data"), longest, 0);
-        row("plain", "a.tmt3", "whatever", "KV070T", 0);
-        row("empty", "a.tmt3", {}, "KV070T", 0);
-        row("newer project", "a.tmt3", headed("KV100", 101, "data"), "KV100", -9);
-        row("newer firmware", "a.osf3", headed("KV100", 101, "data"), "KV100", -9);
-        row("far newer", "logo.osf2", headed("KV100", 0xFFFFFFFF, "data"), "KV100", -9);
-        row("cut in its header", "a.tmt3", good.left(20), "", -1);
-        row("cut in its data", "a.osf3", good.chopped(1), "", -1);
-        row("longer than it says", "a.tmt3", good + "x", "", -1);
-        row("folder", "folder.tmt3", {}, "", -1);
-        row("pipe", "pipe.tmt3", {}, "", -1);
-        row("missing", "missing.tmt3", {}, "", -1);
+        const struct
+        {
+            const char *tag, *name;
+            QByteArray content;
+            const char *model;
+            int error;
+        } rows[] = {{"headed", "a.tmt3", good, "KV100", 0},
+                    {"no data", "a.tmt3", headed("KV100", 0, {}), "KV100", 0},
+                    {"longest model", "a.tmt3", headed(longest, 1, "data"), longest, 0},
+                    {"plain", "a.tmt3", "whatever", "KV070T", 0},
+                    {"empty", "a.tmt3", {}, "KV070T", 0},
+                    {"newer project", "a.tmt3", newer, "KV100", -9},
+                    {"newer firmware", "a.osf3", newer, "KV100", -9},
+                    {"far newer", "logo.osf2", headed("KV100", 0xFFFFFFFF, "x"), "KV100", -9},
+                    {"cut in its header", "a.tmt3", good.left(20), "", -1},
+                    {"cut in its data", "a.osf3", good.chopped(1), "", -1},
+                    {"longer than it says", "a.tmt3", good + "x", "", -1},
+                    {"folder", "folder.tmt3", {}, "", -1},
+                    {"pipe", "pipe.tmt3", {}, "", -1},
+                    {"missing", "missing.tmt3", {}, "", -1}};
+        for (const auto &[tag, name, content, model, error] : rows)
+            QTest::newRow(tag) << name << content << model << error;
     }
     void checksAFile()
     {
@@ -182,7 +186,7 @@ private slots:
             answer = ask(POLL);
         QTEST(answer.error, "error");
         QCOMPARE(filesInPanel(), QStringList());
-        QVERIFY(panel().get("update.installed.project") == "");
+        QVERIFY(panel().get("update.installed.project").get<std::string>().empty());
     }
 
     void stepStandsForItsTime()
@@ -202,16 +206,17 @@ private slots:
     {
         QTest::addColumn<QByteArray>("orders");
         QTest::addColumn<int>("result");
-        QTest::newRow("silent") << QByteArray(R"({"silent": true})")
-                                << int(CbbLocalUdp::ERR_TIMEOUT);
-        QTest::newRow("late") << QByteArray(R"({"late": 600000})") << int(CbbLocalUdp::ERR_TIMEOUT);
-        QTest::newRow("dead") << QByteArray(R"({"alive": false})")
-                              << int(CbbLocalUdp::ERR_NO_SERVICE);
-        QTest::newRow("empty") << QByteArray(R"({"reply": "empty"})") << 0;
-        QTest::newRow("short") << QByteArray(R"({"reply": "short"})") << 10;
-        QTest::newRow("long") << QByteArray(R"({"reply": "long"})") << 4096;
-        QTest::newRow("noise") << QByteArray(R"({"reply": "noise"})") << 268;
-        QTest::newRow("unterminated") << QByteArray(R"({"reply": "unterminated"})") << 268;
+        const std::pair<const char *, int> cases[] = {
+            {R"({"silent": true})", CbbLocalUdp::ERR_TIMEOUT},
+            {R"({"late": 600000})", CbbLocalUdp::ERR_TIMEOUT},
+            {R"({"alive": false})", CbbLocalUdp::ERR_NO_SERVICE},
+            {R"({"reply": "empty"})", 0},
+            {R"({"reply": "short"})", 10},
+            {R"({"reply": "long"})", 4096},
+            {R"({"reply": "noise"})", 268},
+            {R"({"reply": "unterminated"})", 268}};
+        for (const auto &[orders, result] : cases)
+            QTest::newRow(orders) << QByteArray(orders) << result;
     }
     // From the first request on, and changed while it runs; and back.
     void misbehavesAsOrdered()
@@ -230,25 +235,21 @@ private slots:
     void lateRepliesStillGoOutInOrder()
     {
         ask(POLL);
-        const int port = panel().get("update.port").get<int>();
+        const auto service = sim::loopbackAddress(panel().get("update.port").get<int>());
         sim::LoopbackSocket client;
         client.bind(0);
-        sockaddr_in service{};
-        service.sin_family = AF_INET;
-        service.sin_port = htons(std::uint16_t(port));
-        service.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         panel().set("update.late", 80);
-        client.send(service,
-                    sim::toBytes(START) + make(QStringLiteral("a.tmt3"), "x").toStdString());
+        const QString path = make(QStringLiteral("a.tmt3"), "x");
+        client.send(service, sim::toBytes(START) + path.toStdString());
         client.send(service, sim::toBytes(POLL));
-        std::vector<int> percents;
+        std::vector<std::uint32_t> percents;
         const auto take = [&] {
             if (const auto reply = client.receive())
-                percents.push_back(int(sim::numberFrom(reply->bytes, 4)));
+                percents.push_back(sim::numberFrom(reply->bytes, 4));
             return percents.size();
         };
         QTRY_COMPARE(take(), std::size_t(2));
-        QCOMPARE(percents, std::vector<int>({0, 10}));
+        QCOMPARE(percents, std::vector<std::uint32_t>({0, 10}));
     }
 
     void diesWithinAnInstallAndComesBack_data()
@@ -321,7 +322,7 @@ private:
     // The path of a file of that name on the U-disk; "folder.", "pipe." and "missing." are such.
     QString make(const QString &name, const QByteArray &content)
     {
-        const QString path = m_disk.filePath(name);
+        QString path = m_disk.filePath(name);
         if (name.startsWith(QLatin1String("folder.")))
             QDir().mkpath(path);
         else if (name.startsWith(QLatin1String("pipe.")))
