@@ -16,7 +16,7 @@ namespace {
 constexpr int RUNS = 21;
 constexpr double LIMIT = 2; // half the speed
 constexpr std::size_t BLOCK = 1024;
-constexpr std::size_t SIZE = 16 * 1024 * 1024;
+constexpr std::size_t SIZE = BLOCK * 16 * 1024;
 
 using Data = std::vector<unsigned char>;
 

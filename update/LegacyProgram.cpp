@@ -17,7 +17,7 @@ enum Field : int {
     HEADER_SIZE = 16,
 };
 
-constexpr qint64 LONGEST_PROGRAM = 16 * 1024 * 1024;
+constexpr qint64 LONGEST_PROGRAM = qint64(16) << 20;
 
 int byteAt(const QByteArray &header, Field field)
 {
