@@ -22,7 +22,8 @@ constexpr const char *NO_UDISK =
     QT_TRANSLATE_NOOP("QObject", "Failed to recognize U disk, please check it or change new one!");
 
 constexpr std::size_t SHOWN_SIZE = 1024;
-constexpr int LEAST_TOUCH = 32; // pixels
+constexpr int LEAST_TOUCH = 32;    // pixels
+constexpr double BOX_SHARE = 0.7; // of the screen
 
 int touchHeight()
 {
@@ -137,10 +138,17 @@ void UpdatePage::showResult(int code, bool finished)
         killTimer(m_nTimer);
     m_nTimer = 0;
     const QString heading = text(code == 0 ? m_kind.succeeded : m_kind.failed);
-    runBox(code == 0 ? BOX_INFORMATION : BOX_CRITICAL, this,
-           said.isEmpty() ? heading : heading + QLatin1Char('\n') + said);
+    tell(code == 0, said.isEmpty() ? heading : heading + QLatin1Char('\n') + said);
     m_widgets.bar->setValue(0);
     disconnectWorker();
+}
+
+// The longest text has five lines.
+void UpdatePage::tell(bool success, const QString &said)
+{
+    const QSize corner = fractionOf(screenSize(), (1 - BOX_SHARE) / 2, (1 - BOX_SHARE) / 2);
+    runBox(success ? BOX_INFORMATION : BOX_CRITICAL, this, said,
+           fractionOf(screenSize(), BOX_SHARE, BOX_SHARE), {corner.width(), corner.height()});
 }
 
 void UpdatePage::connectWorker()

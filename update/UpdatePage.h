@@ -102,6 +102,7 @@ protected:
 private:
     bool isListed(const std::string &name) const;
     void addRow(const std::string &directory, const std::string &name);
+    void tell(bool success, const QString &said);
     void connectWorker();
     void disconnectWorker();
     QString selectedText(const QString &itemText) const;

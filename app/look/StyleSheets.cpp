@@ -39,7 +39,7 @@ QString listTemplate()
     return QStringLiteral("QListWidget{color:black;%1background-color:white;outline:none;"
                           "border:1px solid #C4C4C3;border-radius:4px;}"
                           "QListWidget:disabled{color:#767676;}"
-                          "QListWidget::item{padding-left:6px;}"
+                          "QListWidget::item{padding-left:6px;border:0px;}"
                           "QListWidget::item:selected"
                           "{color:white;background-color:rgb(0 , 85 ,127);}"
                           "QScrollBar:vertical{width:32px;background-color:#F2F5F8;border:0px;}"

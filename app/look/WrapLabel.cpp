@@ -64,8 +64,8 @@ int WrapLabel::heightForWidth(int width) const
     const QSize frame = size() - contentsRect().size();
     QTextLayout layout;
     prepare(layout, *this);
-    return layLines(layout, std::max(1, width - frame.width() - 2 * PADDING)) + frame.height() +
-           2 * LEAD;
+    const int text = layLines(layout, std::max(1, width - frame.width() - 2 * PADDING));
+    return std::max(text + 2 * LEAD, sizeHint().height()) + frame.height();
 }
 
 QSize WrapLabel::sizeHint() const

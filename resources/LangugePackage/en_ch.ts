@@ -69,7 +69,7 @@
     </message>
     <message>
         <source>The firmware is a newer version. You risk data loss if you click &quot;OK&quot;. Exit and compile HMI project with new version recommended. </source>
-        <translation>固件版本较新，点击“确定”可能会丢失数据。建议退出，并用新版本软件重新编译 HMI 工程。</translation>
+        <translation>固件版本较新，继续可能丢失数据。建议退出，用新版软件重新编译 HMI 工程。</translation>
     </message>
 </context>
 <context>
