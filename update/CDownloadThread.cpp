@@ -119,7 +119,9 @@ void CDownloadThread::threadDownPLC()
     const int result = UpdatePLCprogram(m_sPath.toStdString(), failed);
     std::printf("end\r\n");
     m_nPlcResult = result;
-    emit sglDownLoadPlcProResult(result);
+    // The page connects after it has started the job, which may fail in less time than that takes.
+    QMetaObject::invokeMethod(
+        this, [this, result] { emit sglDownLoadPlcProResult(result); }, Qt::QueuedConnection);
 }
 
 void CDownloadThread::install(const InstallKind &kind)

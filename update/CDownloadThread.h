@@ -14,8 +14,8 @@
 // service, or downloads a PLC program by itself. A job ends with one result signal, 0 for success.
 //
 // The thread only starts an install; a task of the rate timer then asks the service how far it is,
-// while the thread is free for another job. Signals therefore come from either thread. Everything
-// else: GUI thread, but for what is marked otherwise.
+// while the thread is free for another job. Signals therefore come from either thread, the PLC's
+// result from the event loop of the object's own. Everything else: GUI thread.
 class CDownloadThread : public QThread
 {
     Q_OBJECT

@@ -33,6 +33,7 @@ private slots:
     void requests();
     void oneJobAtATime();
     void freeAgainAtOnce();
+    void plcResultWaitsForItsConnection();
     void confirmationLatches();
     void endsWithQuestionOpen();
 
@@ -218,6 +219,15 @@ void DownloadThreadTest::freeAgainAtOnce()
                                   m_stick.filePath("plc.bin"_s)))
         QThread::yieldCurrentThread();
     QTRY_COMPARE(signalsSeen(), "plc 0"_s);
+}
+
+// The PLC page connects after the start.
+void DownloadThreadTest::plcResultWaitsForItsConnection()
+{
+    start(CDownloadThread::FUNC_DOWNLOAD_PLCPRO);
+    QVERIFY(m_worker->wait());
+    QSignalSpy late(m_worker.get(), &CDownloadThread::sglDownLoadPlcProResult);
+    QTRY_COMPARE(late.count(), 1);
 }
 
 void DownloadThreadTest::confirmationLatches()
