@@ -327,6 +327,7 @@ void MainWin::restart()
     keyClick();
     if (runBox(BOX_QUESTION, this, tr("Are you sure you want to restart HMI?")) == 0)
         return;
+    m_pDownloadThread->giveUp();
     settle();
     reboot(PLATFORM::CPlatCpu::enableReboot() != 0 ? 1 : 0);
 }

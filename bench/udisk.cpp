@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cstdio>
 #include <dirent.h>
 
@@ -36,14 +37,14 @@ int bareListing(const char *folder)
 {
     DIR *stream = opendir(folder);
     int count = 0;
-    while (readdir(stream) != nullptr)
+    while (readdir(stream) != nullptr) // NOLINT(concurrency-mt-unsafe): our own stream
         ++count;
     closedir(stream);
     return count;
 }
 
-// The median of `RUNS` times of `work`, each followed by `after`, which does not count.
-double medianOf(
+// The times of `RUNS` runs of `work`, each followed by `after`, which does not count.
+std::vector<double> timesOf(
     const std::function<void()> &work, const std::function<void()> &after = [] {})
 {
     std::vector<double> times;
@@ -51,7 +52,20 @@ double medianOf(
         times.push_back(bench::timed(work));
         after();
     }
-    return bench::median(times);
+    return times;
+}
+
+std::vector<double> listOn(const std::vector<UpdatePage *> &pages, const std::string &folder)
+{
+    return timesOf(
+        [&] {
+            for (UpdatePage *page : pages)
+                page->listUdisk(folder);
+        },
+        [&] {
+            for (UpdatePage *page : pages)
+                page->clearUdisk();
+        });
 }
 
 } // namespace
@@ -62,31 +76,23 @@ int main(int argc, char **argv)
     loadResources();
     const QTemporaryDir folder;
     fill(folder.path());
-    const QByteArray path = folder.path().toUtf8();
+    const std::string path = folder.path().toStdString();
 
     CDownloadThread worker;
     DownLoadHmiPro project;
     DownLoadHmiImage image;
     DownLoadPlcPro plc;
-    UpdatePage *pages[] = {&project, &image, &plc};
+    const std::vector<UpdatePage *> pages = {&project, &image, &plc};
     for (UpdatePage *page : pages) {
         page->setWorker(&worker);
         page->resize(800, 400);
     }
 
-    const double bare = medianOf([&] { bareListing(path.constData()); });
-    const double listed =
-        medianOf([&] { project.listUdisk(path.toStdString()); }, [&] { project.clearUdisk(); });
-    const double held = medianOf(
-        [&] {
-            for (UpdatePage *page : pages)
-                page->listUdisk(path.toStdString());
-        },
-        [&] {
-            for (UpdatePage *page : pages)
-                page->clearUdisk();
-        });
+    const double bare = bench::median(timesOf([&] { bareListing(path.c_str()); }));
+    const double listed = bench::median(listOn({&project}, path));
+    const std::vector<double> held = listOn(pages, path);
+    const double longest = *std::max_element(held.begin(), held.end());
     bool kept = bench::report("listing 10,000 files", listed, bare, "ms", LISTING_LIMIT);
-    kept = bench::report("GUI held by a U-disk", held, HOLD_LIMIT_MS, "ms", 1) && kept;
+    kept = bench::report("GUI held by a U-disk, at most", longest, HOLD_LIMIT_MS, "ms", 1) && kept;
     return kept ? 0 : 1;
 }

@@ -22,8 +22,11 @@ constexpr int WRITABLE = 1;
 
 constexpr int BAR_FULL = 100;
 
+constexpr int PROJECT_WRONG_MODEL = -5;
+constexpr int PROJECT_UNMATCHED = -8;
 constexpr int VERSION_UNFIT = -9; // also the service's error number for it
 constexpr int REQUEST_FAILED = -11;
+constexpr int IMAGE_WRONG_MODEL = -11;
 
 int projectPanelModel(std::string &model)
 {
@@ -53,10 +56,10 @@ struct CDownloadThread::InstallKind
 const CDownloadThread::InstallKind CDownloadThread::PROJECT = {
     "UpDatePro",
     UpDatePro,
-    -8,
-    -5,
-    8000,
-    false,
+    PROJECT_UNMATCHED,
+    PROJECT_WRONG_MODEL,
+    8000,  // ms
+    false, // refused, then
     projectPanelModel,
     &CDownloadThread::m_sProjectModel,
     &CDownloadThread::sglDownLoadProResult,
@@ -69,9 +72,9 @@ const CDownloadThread::InstallKind CDownloadThread::IMAGE = {
     "UpDateImg",
     UpDateImg,
     REQUEST_FAILED,
-    -11,
-    3000,
-    true,
+    IMAGE_WRONG_MODEL,
+    3000, // ms
+    true, // asks
     PLATFORM::CPlatBoard::getKVxxx,
     &CDownloadThread::m_sImageModel,
     &CDownloadThread::sglDownLoadImageResult,
@@ -83,6 +86,8 @@ const CDownloadThread::InstallKind CDownloadThread::IMAGE = {
 CDownloadThread::~CDownloadThread()
 {
     disconnect();
+    giveUp();
+    requestInterruption();
     // A question on its way to this thread would wait for it for ever.
     while (!wait(WAIT_SLICE_MS))
         QCoreApplication::removePostedEvents(nullptr, QEvent::MetaCall);
@@ -98,7 +103,10 @@ bool CDownloadThread::SetFunction(int code, const QString &path)
     m_nFunction = code;
     m_sPath = path;
     start(InheritPriority);
-    return true;
+    const bool started = isRunning() || isFinished();
+    if (!started)
+        m_bBusy = false;
+    return started;
 }
 
 void CDownloadThread::run()
@@ -124,11 +132,42 @@ void CDownloadThread::threadDownPLC()
         this, [this, result] { emit sglDownLoadPlcProResult(result); }, Qt::QueuedConnection);
 }
 
+void CDownloadThread::remount(int mode)
+{
+    if (remountPartion(mode, "") < 0)
+        std::printf("remountPartion [%d] error \n", mode);
+}
+
+void CDownloadThread::makeWritable()
+{
+    ++m_nWritable;
+    remount(WRITABLE);
+}
+
+// Once for each makeWritable(), whoever comes first.
+void CDownloadThread::makeReadOnly()
+{
+    int installs = m_nWritable;
+    while (installs > 0 && !m_nWritable.compare_exchange_weak(installs, installs - 1))
+        ;
+    if (installs > 0)
+        remount(READ_ONLY);
+}
+
+void CDownloadThread::giveUp()
+{
+    for (const InstallKind *kind : {&PROJECT, &IMAGE})
+        COS::CCosRateTimer::removeTimer(kind->timer);
+    while (m_nWritable > 0)
+        makeReadOnly();
+}
+
 void CDownloadThread::install(const InstallKind &kind)
 {
-    remountPartion(WRITABLE, "");
+    makeWritable();
+    storeModel(kind, std::string()); // of the file chosen before
     if (!startInstall(kind))
-        remountPartion(READ_ONLY, "");
+        makeReadOnly();
     emit sglProBarValue(BAR_FULL);
 }
 
@@ -143,7 +182,7 @@ bool CDownloadThread::startInstall(const InstallKind &kind)
     }
     storeModel(kind, status.model);
     std::printf("[%d][%s]\n", status.nErrNumber, status.model.c_str());
-    if (status.nErrNumber == VERSION_UNFIT && !maySkipVersion(kind))
+    if (!isVersionFit(kind, status))
         return false;
     if (!isForThisPanel(kind, status.model)) {
         emit sglImageBarValue(BAR_FULL);
@@ -158,14 +197,19 @@ bool CDownloadThread::startInstall(const InstallKind &kind)
     return polled;
 }
 
-bool CDownloadThread::maySkipVersion(const InstallKind &kind)
+// Or if the operator takes it as it is, where he is asked.
+bool CDownloadThread::isVersionFit(const InstallKind &kind, const UpdateStatus &checked)
 {
-    if (kind.asksForNewer)
-        emit sglConfirm();
-    const bool may = kind.asksForNewer && m_bConfirmed;
-    if (!may)
-        emit(this->*kind.result)(kind.asksForNewer ? VERSION_UNFIT : kind.checkFailed);
-    return may;
+    if (checked.nErrNumber != VERSION_UNFIT)
+        return true;
+    if (!kind.asksForNewer) {
+        emit(this->*kind.result)(kind.checkFailed);
+        return false;
+    }
+    emit sglConfirm();
+    if (!m_bConfirmed)
+        emit(this->*kind.result)(VERSION_UNFIT);
+    return m_bConfirmed;
 }
 
 // A panel that does not know its model and a file that names none are no match.
@@ -207,7 +251,7 @@ void CDownloadThread::finishInstall(const InstallKind &kind, const UpdateStatus 
     if (kind.resultTrace != nullptr)
         std::printf(kind.resultTrace, status.nErrNumber);
     emit(this->*kind.result)(status.nErrNumber);
-    remountPartion(READ_ONLY, "");
+    makeReadOnly();
 }
 
 void CDownloadThread::storeModel(const InstallKind &kind, const std::string &model)

@@ -33,7 +33,7 @@ public:
     ~CDownloadThread() override;
 
     // Starts job `code` on the file `path`. Returns false, after saying "busy", while another job
-    // is under way. An unknown code does nothing.
+    // is under way, and if the system gives no thread. An unknown code does nothing.
     bool SetFunction(int code, const QString &path);
 
     // The last result of each kind, as the pages show it again after a language change. The pages
@@ -49,6 +49,10 @@ public:
     // last. Returns 0; -1, with `model` untouched, if there is none.
     int projectModel(std::string &model) const;
     int imageModel(std::string &model) const;
+
+    // The program ends: nobody asks about an install any more, and the partition is read-only
+    // again. The update service may still be at work.
+    void giveUp();
 
     // The operator has accepted a newer firmware. Nothing takes that back: every later question is
     // answered yes whatever is pressed; this is intended.
@@ -79,9 +83,12 @@ private:
     friend int UpDateImg(void *worker);
 
     void threadDownPLC();
+    static void remount(int mode);
+    void makeWritable();
+    void makeReadOnly();
     void install(const InstallKind &kind);
     bool startInstall(const InstallKind &kind);
-    bool maySkipVersion(const InstallKind &kind);
+    bool isVersionFit(const InstallKind &kind, const UpdateStatus &checked);
     bool isForThisPanel(const InstallKind &kind, const std::string &model);
     void poll(const InstallKind &kind);
     void finishInstall(const InstallKind &kind, const UpdateStatus &status);
@@ -97,6 +104,7 @@ private:
     std::atomic<int> m_nImageResult{0};
     std::atomic<int> m_nPlcResult{1};
     std::atomic<bool> m_bConfirmed{false};
+    std::atomic<int> m_nWritable{0}; // installs that have made the partition writable
 
     mutable std::mutex m_modelMutex;
     std::string m_sProjectModel;

@@ -30,7 +30,7 @@ constexpr UpdatePageKind KIND = {
     &CDownloadThread::setImageResult, // at the choice of a row
     &CDownloadThread::sglDownLoadImageResult,
     &CDownloadThread::sglImageBarValue, // moves the bar
-    false,                              // connected after the start
+    UpdatePageKind::CONNECT_FIRST,
 };
 
 constexpr int MODEL_DIFFERS = -11;

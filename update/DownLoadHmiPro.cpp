@@ -28,7 +28,7 @@ constexpr UpdatePageKind KIND = {
     &CDownloadThread::setProjectResult, // at the choice of a row
     &CDownloadThread::sglDownLoadProResult,
     &CDownloadThread::sglProBarValue, // moves the bar
-    false,                            // connected after the start
+    UpdatePageKind::CONNECT_FIRST,
 };
 
 constexpr int MODEL_DIFFERS = -5;

@@ -26,8 +26,8 @@ constexpr UpdatePageKind KIND = {
     &CDownloadThread::plcResult,
     &CDownloadThread::setProjectResult, // at the choice of a row
     &CDownloadThread::sglDownLoadPlcProResult,
-    nullptr, // moves the bar
-    true,    // connected after the start
+    nullptr, // no signal: the page moves its bar by itself
+    UpdatePageKind::CONNECT_AFTER_START,
 };
 
 constexpr ResultRow RESULTS[] = {

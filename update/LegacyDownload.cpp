@@ -2,8 +2,8 @@
 
 #include "platform/cos_file.h"
 #include "platform/cos_time.h"
+#include "platform/file_descriptor.h"
 #include "platform/paths.h"
-#include "update/Descriptor.h"
 #include "update/LegacyExchange.h"
 #include "update/LegacyProgram.h"
 #include "update/RC4Cryptor.h"
@@ -45,7 +45,7 @@ void removeWithShell(const std::string &path)
 
 int sendDeciphered(const std::string &path)
 {
-    Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    COS::FileDescriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
     if (!file.isOpen())
         return CANNOT_READ;
     const auto program = readLegacyProgram(file.get());
@@ -56,7 +56,7 @@ int sendDeciphered(const std::string &path)
         file.release(); // closed with the port
         return CANNOT_OPEN_PORT;
     }
-    const Descriptor line(port);
+    const COS::FileDescriptor line(port);
     return LegacyExchange(line.get(), program->line.baud).send(program->bytes);
 }
 

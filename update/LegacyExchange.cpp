@@ -5,6 +5,7 @@
 #include "update/Progress.h"
 
 #include <QtEndian>
+#include <QThread>
 
 #include <algorithm>
 #include <cerrno>
@@ -35,6 +36,14 @@ constexpr int NO_ANSWER = -25;
 constexpr int WRONG_ANSWERS = -13;
 constexpr int LINE_BROKEN = -5;
 constexpr int REFUSED = -20;
+constexpr int STOPPED = -1;
+constexpr std::chrono::milliseconds STOP_SLICE(200); // how soon the end of the program is noticed
+
+// The program ends. What the PLC has received so far it does not start.
+bool isStopped()
+{
+    return QThread::currentThread()->isInterruptionRequested();
+}
 
 struct Refusal
 {
@@ -106,11 +115,12 @@ int LegacyExchange::sendData(const QByteArray &program)
 
 int LegacyExchange::exchange(char function, const QByteArray &data)
 {
-    QByteArray bytes{1, function};
-    const QByteArray frame = encodeFrame(bytes + m_number + data);
+    const QByteArray frame = encodeFrame(QByteArray(1, function) + m_number + data);
     Reply reply;
     for (int attempt = 0; attempt < ATTEMPTS; ++attempt) {
         reply = ask(function, frame);
+        if (isStopped())
+            return STOPPED;
         if (reply.outcome == Outcome::Broken)
             return LINE_BROKEN;
         if (reply.outcome == Outcome::Answered) {
@@ -192,11 +202,13 @@ bool LegacyExchange::isReady(short events, Clock::time_point deadline) const
 {
     for (;;) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        const auto slice = std::clamp(left, std::chrono::milliseconds(0), STOP_SLICE);
         pollfd poll{m_line, events, 0};
-        const int ready =
-            ::poll(&poll, 1, static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
-        if (ready >= 0 || errno != EINTR)
+        const int ready = ::poll(&poll, 1, static_cast<int>(slice.count()));
+        if (ready > 0 || (ready < 0 && errno != EINTR))
             return ready > 0;
+        if (left <= slice || isStopped())
+            return false;
     }
 }
 

@@ -19,8 +19,8 @@ public:
     // Sends `program`; g_Progress.nPercent follows. Returns 0 once the PLC has confirmed the whole;
     // -25 if it does not answer, -13 if its answers stay wrong, -5 if the line breaks; -16 if it is
     // of another type, -32 if the program is too long for it, -24 if it is locked by a password,
-    // -9 if it received something else, -20 if it refuses for another reason. An answer is asked
-    // for at most three times.
+    // -9 if it received something else, -20 if it refuses for another reason; -1 if the calling
+    // QThread is asked to end (requestInterruption). An answer is asked for at most three times.
     int send(const QByteArray &program);
 
 private:

@@ -25,7 +25,7 @@ constexpr int PROGRESS_DONE = 100;
 
 struct Step
 {
-    const char *failed; // its trace line
+    const char *failed; // its trace line; null for none
     bool wanted;
     int attempts;
     int percent; // when it is done
@@ -42,7 +42,7 @@ public:
 
 private:
     int connect();
-    int sendSections();
+    int sendSections(int left);
     int finish(int left);
 
     template <std::size_t Count>
@@ -61,11 +61,10 @@ int Download::run(const std::string &path)
 {
     const int read = m_file.ReadPlc5VDownLoadInfo(m_info, m_extension, path);
     if (read < 0)
-        return fail("ReadPlc5VDownLoadInfo Error ",
-                    read == CLoadPlcInfo::ERR_NOT_THIS_FORMAT ? NOT_THIS_FORMAT : UNREADABLE);
+        return read == CLoadPlcInfo::ERR_NOT_THIS_FORMAT ? NOT_THIS_FORMAT : UNREADABLE;
     int result = connect();
     if (result >= 0)
-        result = sendSections();
+        result = sendSections(result);
     return result < 0 ? result : finish(result);
 }
 
@@ -74,7 +73,8 @@ int Download::connect()
     const Step steps[] = {
         {"open serial Error ", true, 1, NO_PROGRESS, [this] { return m_plc.Open(m_info.serial); }},
         {"Commu Error ", true, 1, NO_PROGRESS, [this] { return m_plc.Commu(); }},
-        {"CheckPassword Error ", true, 1, 10, [this] { return checkPassword(); }},
+        {m_info.bDownLoadPasswd ? "CheckPassword Error " : nullptr, true, 1, 10,
+         [this] { return checkPassword(); }},
         {"SetUpLoadPasswd Error ", m_info.bUpLoadProtect, 1, NO_PROGRESS,
          [this] { return m_plc.SetUpLoadPasswd(m_info.upLoadPasswd); }},
         {"CheckVer Error ", true, 1, NO_PROGRESS,
@@ -85,7 +85,7 @@ int Download::connect()
     return runAll(steps, 0);
 }
 
-int Download::sendSections()
+int Download::sendSections(int left)
 {
     const tagPdata &down = m_info.downLoadPasswd;
     const tagPdata &up = m_info.upLoadPasswd;
@@ -101,7 +101,7 @@ int Download::sendSections()
         {"DownLoadCamTable Error ", m_info.bCam, SECTION_ATTEMPTS, NO_PROGRESS,
          [&] { return m_plc.DownLoadCamTable(m_info.cam); }},
     };
-    return runAll(steps, 0);
+    return runAll(steps, left);
 }
 
 // `left` is what the last step before left. An extension that fails ends the download with that,
@@ -133,7 +133,7 @@ int Download::runAll(const Step (&steps)[Count], int left)
                 break;
         }
         if (left < 0)
-            return fail(step.failed, left);
+            return step.failed == nullptr ? left : fail(step.failed, left);
         if (step.percent != NO_PROGRESS)
             g_Progress.nPercent = step.percent;
     }

@@ -1,6 +1,6 @@
 #include "update/RC4Cryptor.h"
 
-#include "update/Descriptor.h"
+#include "platform/file_descriptor.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -25,12 +25,18 @@ constexpr std::array<std::uint8_t, KEY_DIGITS> masked(const char (&key)[KEY_DIGI
 
 constexpr std::array<std::uint8_t, KEY_DIGITS> MASKED_KEY = masked(SYSSET_PLC_KEY);
 
+// Of a file that the panel's memory, where the deciphered one lies, has to take: a program of
+// 16 MiB and its header.
+constexpr off_t LARGEST_FILE = (off_t(16) << 20) + 20;
+
+// -1 also if it is larger than that.
 int openRegular(const std::string &path, int flags)
 {
     // Without O_NONBLOCK a FIFO would hold the caller up.
-    Descriptor file(open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    COS::FileDescriptor file(open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR));
     struct stat status = {};
-    if (!file.isOpen() || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (!file.isOpen() || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
+        status.st_size > LARGEST_FILE)
         return -1;
     return file.release();
 }
@@ -113,10 +119,10 @@ std::string legacyProgramKey()
 
 int decipherFile(const std::string &source, const std::string &target)
 {
-    const Descriptor from(openRegular(source, O_RDONLY));
+    const COS::FileDescriptor from(openRegular(source, O_RDONLY));
     if (!from.isOpen())
         return -1;
-    const Descriptor to(openRegular(target, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW));
+    const COS::FileDescriptor to(openRegular(target, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW));
     if (!to.isOpen())
         return -1;
     RC4Cryptor cryptor(legacyProgramKey());

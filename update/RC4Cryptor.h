@@ -40,5 +40,6 @@ std::string legacyProgramKey();
 
 // Deciphers the regular file `source` into `target`, which is made, or emptied, readable and
 // writable for its owner alone; a link is not followed there. Returns 0; -1 if one of them cannot
-// be opened or is no regular file, or if reading or writing fails. Any thread.
+// be opened or is no regular file, if `source` is larger than a program can be (16 MiB and the
+// header), or if reading or writing fails. Any thread.
 int decipherFile(const std::string &source, const std::string &target);

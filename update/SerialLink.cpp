@@ -1,7 +1,7 @@
 #include "update/SerialLink.h"
 
+#include "platform/file_descriptor.h"
 #include "platform/paths.h"
-#include "update/Descriptor.h"
 #include "update/Progress.h"
 
 #include <QtEndian>
@@ -71,7 +71,7 @@ bool switchMode(int fd, int switchTo)
     if (switchTo == NO_SWITCH || ioctl(fd, MODE_REQUEST, &switchTo) == 0)
         return true;
     // A line that has no switch, such as a pseudo-terminal, needs none.
-    return errno == ENOTTY || errno == EINVAL;
+    return errno == ENOTTY;
 }
 
 bool setDataBits(termios &line, int dataBits)
@@ -181,7 +181,7 @@ int openDev(const std::string &portName)
         return tellOpenFailure(ENODEV);
     // Without O_NONBLOCK a port with modem lines would wait here for a carrier.
     const int flags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
-    Descriptor line(open(panelPath(port->node).c_str(), flags));
+    COS::FileDescriptor line(open(panelPath(port->node).c_str(), flags));
     if (!line.isOpen() || !switchMode(line.get(), port->switchTo))
         return tellOpenFailure(errno);
     return line.release();
@@ -219,8 +219,8 @@ int setParity(int fd, int dataBits, int stopBits, int parity)
 
 int openPort(int closeOnFailure, int &fd, const SerialSettings &settings)
 {
-    Descriptor given(closeOnFailure);
-    Descriptor line(openDev(portNameOf(settings.port, settings.mode)));
+    COS::FileDescriptor given(closeOnFailure);
+    COS::FileDescriptor line(openDev(portNameOf(settings.port, settings.mode)));
     const int result = line.isOpen() ? setUp(line.get(), settings) : -1;
     fd = result == 0 ? line.release() : -1;
     if (result == 0)

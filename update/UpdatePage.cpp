@@ -22,13 +22,7 @@ constexpr const char *NO_UDISK =
     QT_TRANSLATE_NOOP("QObject", "Failed to recognize U disk, please check it or change new one!");
 
 constexpr std::size_t SHOWN_SIZE = 1024;
-constexpr int LEAST_TOUCH = 32;   // pixels
 constexpr double BOX_SHARE = 0.7; // of the screen
-
-int touchHeight()
-{
-    return std::max(LEAST_TOUCH, screenSize().height() / 12);
-}
 
 std::string numbered(int udisk, const std::string &name)
 {
@@ -52,10 +46,14 @@ void UpdatePage::listUdisk(const std::string &mountPath)
     COS::CosDir::ListDir(mountPath, "*.*", names);
     if (!names.empty())
         ++m_nUdisk;
+    QStringList rows;
     for (const std::string &name : names) {
-        if (isListed(name))
-            addRow(mountPath, name);
+        if (!isListed(name))
+            continue;
+        m_files.push_back({mountPath, name, numbered(m_nUdisk, name)});
+        rows += shownBytes(m_files.back().shown);
     }
+    m_widgets.list->addItems(rows); // all at once: one by one takes five times as long
     m_widgets.label->setText(generic(m_kind.prompt));
 }
 
@@ -65,13 +63,6 @@ bool UpdatePage::isListed(const std::string &name) const
     return std::any_of(m_kind.patterns.begin(), m_kind.patterns.end(), [&](const char *pattern) {
         return pattern != nullptr && name.find(pattern) != std::string::npos;
     });
-}
-
-void UpdatePage::addRow(const std::string &directory, const std::string &name)
-{
-    m_files.push_back({directory, name, numbered(m_nUdisk, name)});
-    auto *row = new QListWidgetItem(shownBytes(m_files.back().shown), m_widgets.list);
-    row->setSizeHint({0, touchHeight()});
 }
 
 void UpdatePage::clearUdisk()
@@ -112,11 +103,11 @@ void UpdatePage::startDownload()
     if (row < 0 || row >= static_cast<int>(m_files.size()))
         return;
     const UdiskFileEntry &file = m_files[static_cast<std::size_t>(row)];
-    if (!m_kind.startsBeforeConnecting)
+    if (m_kind.order == UpdatePageKind::CONNECT_FIRST)
         connectWorker();
     m_pWorker->SetFunction(m_kind.function,
                            QString::fromStdString(file.directory + "/" + file.name));
-    if (m_kind.startsBeforeConnecting)
+    if (m_kind.order == UpdatePageKind::CONNECT_AFTER_START)
         connectWorker();
     m_widgets.bar->setValue(0);
     m_widgets.label->setText(QStringLiteral("%1%2,%3").arg(

@@ -44,7 +44,7 @@ struct UpdatePageKind
     void (CDownloadThread::*resetResult)(int);
     void (CDownloadThread::*resultSignal)(int);
     void (CDownloadThread::*barSignal)(int); // null: the page moves its bar by itself
-    bool startsBeforeConnecting;             // the job starts before its signal is connected
+    enum { CONNECT_FIRST, CONNECT_AFTER_START } order;
 };
 
 // Lists the matching files of the U-disk, has the worker install the one that is chosen, and tells
@@ -101,7 +101,6 @@ protected:
 
 private:
     bool isListed(const std::string &name) const;
-    void addRow(const std::string &directory, const std::string &name);
     void tell(bool success, const QString &said);
     void connectWorker();
     void disconnectWorker();

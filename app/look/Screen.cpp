@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr int LEAST_TOUCH = 32; // pixels
+
 // The main window is the root of every dialog's chain of parents.
 const QWidget *rootOf(const QWidget *widget)
 {
@@ -39,6 +41,11 @@ QSize fractionOf(const QSize &size, double widthFactor, double heightFactor)
 {
     return {static_cast<int>(size.width() * widthFactor),
             static_cast<int>(size.height() * heightFactor)};
+}
+
+int touchHeight()
+{
+    return std::max(LEAST_TOUCH, screenSize().height() / 12);
 }
 
 void placeOnScreen(QWidget *window, const QSize &size, const QPoint &corner)

@@ -82,13 +82,14 @@ QString tabStyle()
 
 QString updateStyle()
 {
-    return withFont(
-        listTemplate() +
-        QStringLiteral(
-            "QProgressBar{border: none;text-align: center;"
-            "background: rgb(210, 225, 240);}"
-            "QProgressBar{color:black;%1border-radius:4px;}"
-            "QProgressBar::chunk{background-color:rgb(0, 160, 230);border-radius:4px;}"));
+    return withFont(listTemplate() +
+                    QStringLiteral("QListWidget::item{min-height:%2px;}"
+                                   "QProgressBar{border: none;text-align: center;"
+                                   "background: rgb(210, 225, 240);}"
+                                   "QProgressBar{color:black;%1border-radius:4px;}"
+                                   "QProgressBar::chunk{background-color:rgb(0, 160, 230);"
+                                   "border-radius:4px;}"))
+        .replace(QLatin1String("%2"), QString::number(touchHeight()));
 }
 
 QString navigationStyle(bool selected)

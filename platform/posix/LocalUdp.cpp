@@ -1,5 +1,5 @@
+#include "platform/file_descriptor.h"
 #include "platform/local_udp.h"
-#include "platform/posix/FileDescriptor.h"
 
 #include <algorithm>
 #include <array>
@@ -20,7 +20,7 @@
 namespace CBB {
 namespace {
 
-using posix::FileDescriptor;
+using COS::FileDescriptor;
 using Clock = std::chrono::steady_clock;
 
 constexpr int LARGEST_PORT = 65535;

@@ -1,7 +1,7 @@
 // A moment that one thread sleeps for and that others can move (timerfd_create(2)).
 #pragma once
 
-#include "platform/posix/FileDescriptor.h"
+#include "platform/file_descriptor.h"
 
 #include <chrono>
 
@@ -27,7 +27,7 @@ public:
     void wait() const;
 
 private:
-    FileDescriptor m_fd;
+    COS::FileDescriptor m_fd;
 };
 
 } // namespace posix

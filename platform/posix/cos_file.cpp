@@ -1,6 +1,6 @@
 #include "platform/cos_file.h"
 
-#include "platform/posix/FileDescriptor.h"
+#include "platform/file_descriptor.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -15,7 +15,7 @@
 namespace COS {
 namespace {
 
-using posix::FileDescriptor;
+using COS::FileDescriptor;
 
 constexpr std::size_t COPY_BLOCK = 65536;
 

@@ -1,6 +1,6 @@
 #include "platform/cos_process.h"
 
-#include "platform/posix/FileDescriptor.h"
+#include "platform/file_descriptor.h"
 
 #include <algorithm>
 #include <array>
@@ -17,7 +17,7 @@ namespace {
 std::string readProc(int pid, const char *file)
 {
     const std::string path = "/proc/" + std::to_string(pid) + "/" + file;
-    const posix::FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const COS::FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     std::array<char, PATH_MAX> head{};
     const ssize_t size = fd.isOpen() ? ::read(fd.get(), head.data(), head.size()) : 0;
     return {head.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0))};

@@ -8,6 +8,7 @@ namespace {
 enum Command { START = 6, POLL = 7, CHECK = 12 };
 
 constexpr int ERR_UNREADABLE = -1;
+constexpr int ERR_IDLE = -3;
 constexpr int ERR_VERSION = -9;
 constexpr int UNDER_WAY = 1;
 constexpr int WHOLE = 100; // percent
@@ -63,9 +64,11 @@ UpdateAnswer UpdateDesk::answer(const Json &update, int command, const std::stri
     }
 }
 
-// A second install takes the place of the first.
+// One install at a time: a second is not answered.
 UpdateAnswer UpdateDesk::start(const Json &update, const std::string &path)
 {
+    if (m_install)
+        return {};
     m_install.emplace(path);
     m_model = modelOf(m_install->file(), update);
     m_started = std::chrono::steady_clock::now();
@@ -76,7 +79,7 @@ UpdateAnswer UpdateDesk::start(const Json &update, const std::string &path)
 UpdateAnswer UpdateDesk::poll(const Json &update)
 {
     if (!m_install)
-        return {true, false, {}};
+        return {true, false, {0, 0, ERR_IDLE, {}}};
     const std::size_t step = nextStep(update);
     const Json &steps = update.at("steps");
     const bool last = step >= steps.size();

@@ -24,7 +24,9 @@ UpdateFile readUpdateFile(const std::string &path)
     const std::string header = file.read(0, HEADER_SIZE);
     if (!file.isOpen() || header.size() < std::min<std::uint64_t>(file.size(), HEADER_SIZE))
         return {};
-    if (header.compare(0, MAGIC.size(), MAGIC) != 0)
+    // A file that ends within the mark is a headed one that was cut off.
+    const std::string_view mark = MAGIC.substr(0, header.size());
+    if (header.compare(0, mark.size(), mark) != 0)
         return {UpdateFile::Plain, {}, 0};
     if (header.size() < HEADER_SIZE ||
         file.size() != HEADER_SIZE + std::uint64_t(numberFrom(header, LENGTH_OFFSET)))

@@ -5,10 +5,13 @@
 #include "tests/support/Text.h"
 #include "update/CDownloadThread.h"
 
+#include <QAbstractEventDispatcher>
 #include <QFile>
 #include <QtTest>
 
+#include <fstream>
 #include <memory>
+#include <sys/stat.h>
 
 using sim::Json;
 using sim::panel;
@@ -30,6 +33,11 @@ private slots:
     void cleanup();
     void jobs_data();
     void jobs();
+    void badFiles_data();
+    void badFiles();
+    void secondInstallRefused();
+    void serviceComesBack();
+    void endsDuringInstall();
     void requests();
     void oneJobAtATime();
     void freeAgainAtOnce();
@@ -141,6 +149,11 @@ void DownloadThreadTest::jobs_data()
         "project -8; probar 100", 2);
     row("project: model without an end", PROJECT, R"({"update": {"reply": "unterminated"}})",
         "imagebar 100; project -5; probar 100", 2);
+    row("project: noise for an answer", PROJECT, R"({"update": {"reply": "noise"}})",
+        "imagebar 100; project -5; probar 100", 2);
+    row("project: poll answered too late, both results told", PROJECT,
+        R"({"update": {"late": 1300}})",
+        "probar 100; probar 100; project -11; probar 100; project 0", 2);
     row("project: longer answer", PROJECT, R"({"update": {"reply": "long", "steps": [7]}})",
         "probar 100; probar 100; project 0", 2);
     for (const char *percent : {"1", "50", "99"}) {
@@ -174,6 +187,80 @@ void DownloadThreadTest::jobs()
     QCOMPARE(panel().get("partition.writable"), Json(false));
 }
 
+void DownloadThreadTest::badFiles_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::newRow("folder") << QByteArray("folder");
+    QTest::newRow("FIFO") << QByteArray("fifo");
+    QTest::newRow("missing") << QByteArray("missing");
+    QTest::newRow("empty") << QByteArray("empty");
+    QTest::newRow("cut off in its mark") << QByteArray("cut");
+    QTest::newRow("name that is no UTF-8") << QByteArray("caf\xE9");
+}
+
+// None is a success, and each leaves the partition as it was.
+void DownloadThreadTest::badFiles()
+{
+    QFETCH(QByteArray, name);
+    const QTemporaryDir folder;
+    const std::string base = folder.path().toStdString() + "/";
+    QVERIFY(QDir().mkdir(folder.filePath("folder"_s)));
+    QCOMPARE(mkfifo((base + "fifo").c_str(), 0600), 0);
+    for (const auto &[file, content] :
+         {std::pair("empty", ""), std::pair("cut", "SYSSE"), std::pair("caf\xE9", "content")}) {
+        std::ofstream stream(base + file);
+        stream << content;
+    }
+    const QString path = QString::fromStdString(base + name.toStdString());
+    for (const auto &[code, seen] :
+         {std::pair(PROJECT, "imagebar 100; project -5; probar 100"),
+          std::pair(IMAGE, "imagebar 100; image -11; probar 100"),
+          std::pair(int(CDownloadThread::FUNC_DOWNLOAD_PLCPRO), "plc -15")}) {
+        m_signals.clear();
+        if (name == "cut" && code == CDownloadThread::FUNC_DOWNLOAD_PLCPRO)
+            continue; // which is none to a PLC
+        QVERIFY(m_worker->SetFunction(code, path));
+        QTRY_COMPARE(signalsSeen(), QString::fromLatin1(seen));
+        QTRY_VERIFY(isDone());
+    }
+    QCOMPARE(panel().get("partition.remounts"), Json({1, 0, 1, 0}));
+}
+
+// Two pages, one service: it does one install and does not answer for the other.
+void DownloadThreadTest::secondInstallRefused()
+{
+    panel().apply({{"update", {{"steps", {30}}, {"stepTime", 4000}}}});
+    start(PROJECT);
+    QTRY_VERIFY(m_signals.contains("probar 30"_s));
+    start(IMAGE);
+    QTRY_COMPARE(signalsSeen(), "probar 100; image -11; probar 100; probar 100; project 0"_s);
+    QTRY_COMPARE(panel().get("partition.remounts"), Json({1, 1, 0, 0}));
+    QCOMPARE(panel().get("update.installed.firmware"), Json(""));
+}
+
+// A service that has forgotten its install must not be taken for one that is done with it.
+void DownloadThreadTest::serviceComesBack()
+{
+    panel().apply({{"update", {{"steps", {30}}, {"stepTime", 60000}}}});
+    start(PROJECT);
+    QTRY_VERIFY(m_signals.contains("probar 30"_s));
+    panel().set("update.alive", false);
+    panel().set("update.alive", true);
+    QTRY_VERIFY(isDone());
+    QTRY_VERIFY(signalsSeen().contains("project -"_s));
+}
+
+void DownloadThreadTest::endsDuringInstall()
+{
+    panel().apply({{"update", {{"steps", {30}}, {"stepTime", 60000}}}});
+    start(PROJECT);
+    QTRY_VERIFY(m_signals.contains("probar 30"_s));
+    COS::CCosRateTimer::destory();
+    m_worker.reset();
+    QCOMPARE(panel().get("partition.remounts"), Json({1, 0}));
+    m_worker = std::make_unique<CDownloadThread>();
+}
+
 // Commands, payloads and time-outs, in their order.
 void DownloadThreadTest::requests()
 {
@@ -182,18 +269,16 @@ void DownloadThreadTest::requests()
         panel().clearCalls();
         start(code);
         QTRY_VERIFY(isDone());
-        const std::string path =
-            m_stick.filePath(code == PROJECT ? "line.tmt3"_s : "panel.osf3"_s).toStdString();
-        std::string seen;
+        const QString path = m_stick.filePath(code == PROJECT ? "line.tmt3"_s : "panel.osf3"_s);
+        QString seen;
         for (const Json &call : panel().calls()) {
             if (call["op"] == "CBB.request")
-                seen += call["args"].dump() + call["thread"].get<std::string>() + "\n";
+                seen += QString::fromStdString(call["args"].dump() + call["thread"].dump()) + u'\n';
         }
-        const std::string poll = R"(["DownLoad",7,"",1000]timer)"
-                                 "\n";
-        QCOMPARE(seen, "[\"DownLoad\",12,\"" + path + "\",8000]worker\n[\"DownLoad\",6,\"" + path +
-                           (code == PROJECT ? "\",8000]worker\n" : "\",3000]worker\n") + poll +
-                           poll);
+        const QString poll = R"(["DownLoad",7,"",1000]"timer")"_s + u'\n';
+        const QString commands = R"(["DownLoad",12,"%1",8000]"worker")"_s + u'\n' +
+                                 R"(["DownLoad",6,"%1",%2]"worker")"_s + u'\n';
+        QCOMPARE(seen, commands.arg(path, code == PROJECT ? "8000"_s : "3000"_s) + poll + poll);
     }
 }
 
@@ -259,9 +344,8 @@ void DownloadThreadTest::endsWithQuestionOpen()
         m_worker.get(), &CDownloadThread::sglConfirm, this, [&] { record("asked"_s); },
         Qt::BlockingQueuedConnection);
     start(IMAGE);
-    while (panel().get("update.requests").empty())
+    while (!QAbstractEventDispatcher::instance()->hasPendingEvents()) // the question is the first
         QThread::yieldCurrentThread();
-    QThread::msleep(20);
     m_worker.reset();
     QCOMPARE(signalsSeen(), QString());
     QCOMPARE(panel().get("partition.writable"), Json(false));

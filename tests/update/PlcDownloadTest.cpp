@@ -81,8 +81,8 @@ void PlcDownloadTest::stepsAndResults_data()
     const QString noSections = GREETING + END;
     QTest::newRow("everything") << QByteArray("{}") << 0 << all << QByteArray();
     QTest::newRow("no section at all") << bare("") << 0 << noSections << QByteArray();
-    QTest::newRow("file not read") << QByteArray(R"({"file": {"read": -1}})") << -15
-                                   << READ.trimmed() << QByteArray("ReadPlc5VDownLoadInfo Error ");
+    QTest::newRow("file not read")
+        << QByteArray(R"({"file": {"read": -1}})") << -15 << READ.trimmed() << QByteArray();
     QTest::newRow("password in the file")
         << QByteArray(R"({"file": {"password": true, "protect": true}, "hasPassword": 1})") << 0
         << READ + "Open Commu CheckPassword SetUpLoadPasswd CheckVer StopPLC ReadPlcVer "_s +
@@ -90,7 +90,17 @@ void PlcDownloadTest::stepsAndResults_data()
         << QByteArray();
     QTest::newRow("password in the PLC alone")
         << QByteArray(R"({"hasPassword": 1})") << -4 << READ + "Open Commu isHasPassword"_s
-        << QByteArray("CheckPassword Error ");
+        << QByteArray();
+    QTest::newRow("password refused")
+        << QByteArray(R"({"file": {"password": true}, "results": {"CheckPassword": [-24]}})") << -24
+        << READ + "Open Commu CheckPassword"_s << QByteArray("CheckPassword Error ");
+    // The older format it is not either.
+    QTest::newRow("-14 of a step leads to the older download")
+        << QByteArray(R"({"results": {"StopPLC": [-14]}})") << -22
+        << READ + "Open Commu isHasPassword CheckVer StopPLC"_s << QByteArray("StopPLC Error ");
+    QTest::newRow("failed extension leaves what the greeting left")
+        << bare(R"(, "results": {"ReadPlcVer": [2], "DownLoadExtension": [-1]})") << 2
+        << GREETING + "DownLoadExtension"_s << QByteArray("DownLoadExtension Error ");
     QTest::newRow("third attempt succeeds")
         << QByteArray(R"({"results": {"DownLoadPara": [-17, -18, 0]}})") << 0
         << GREETING +
@@ -151,7 +161,7 @@ void PlcDownloadTest::stepsAndResults()
     QVERIFY2(trace.isEmpty() || printed.contains("\n" + trace + "\n"), printed);
     QVERIFY(printed.startsWith("Update PLC Program!\r\non_UpdatePLCProgram_clicked start time "));
     QCOMPARE(printed.contains("StartPLC Ok \n"), steps.endsWith("Close"_s));
-    QCOMPARE(g_Progress.nPercent.load(), 100);
+    QVERIFY(g_Progress.nPercent == 100);
 }
 
 // The bar's number while the PLC is busy with a step.

@@ -4,7 +4,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace posix {
+namespace COS {
 
 class FileDescriptor
 {
@@ -27,9 +27,11 @@ public:
 
     bool isOpen() const { return m_fd >= 0; }
     int get() const { return m_fd; }
+    // Hands the file to the caller, who closes it.
+    int release() { return std::exchange(m_fd, -1); }
 
 private:
     int m_fd;
 };
 
-} // namespace posix
+} // namespace COS
