@@ -248,8 +248,9 @@ void CDownloadThread::finishInstall(const InstallKind &kind, const UpdateStatus 
         storeModel(kind, status.model);
     COS::CCosRateTimer::removeTimer(kind.timer);
     emit(this->*kind.bar)(BAR_FULL);
-    if (kind.resultTrace != nullptr)
+    if (kind.resultTrace != nullptr) {
         std::printf(kind.resultTrace, status.nErrNumber);
+    }
     emit(this->*kind.result)(status.nErrNumber);
     makeReadOnly();
 }

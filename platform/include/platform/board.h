@@ -108,6 +108,6 @@ int my_reboot(int hardware);
 
 // Makes the system partition writable (`mode` 1) or read-only (0). `partition` names another
 // partition than the system's; empty for the system's. Calls nest: it is read-only again when as
-// many calls with 0 as with 1 have come, so that the end of one job does not stop another's writing.
-// Returns 0; negative on failure. Any thread.
+// many calls with 0 as with 1 have come, so that the end of one job does not stop another's
+// writing. Returns 0; negative on failure. Any thread.
 int remountPartion(int mode, const std::string &partition);
