@@ -59,7 +59,7 @@ void NetEth::retranslate()
 {
     ui->retranslateUi(this);
     setPresent(m_bPresent);
-    setStyleOnce(ui->widget_EthIndetail, addressStyle(m_addresses->isEditable()));
+    setStyleWhenSeen(ui->widget_EthIndetail, addressStyle(m_addresses->isEditable()));
 }
 
 bool NetEth::eventFilter(QObject *watched, QEvent *event)

@@ -76,9 +76,9 @@ void UpdatePage::clearUdisk()
 void UpdatePage::retranslate()
 {
     translateForm();
-    setStyleOnce(m_widgets.label, QStringLiteral(" QLabel{color:black;%1border-radius:4px;"
-                                                 "border: 1px solid #C4C4C3;}")
-                                      .arg(GetFontStyle()));
+    setStyleWhenSeen(m_widgets.label, QStringLiteral(" QLabel{color:black;%1border-radius:4px;"
+                                                     "border: 1px solid #C4C4C3;}")
+                                          .arg(GetFontStyle()));
     const int stored = (m_pWorker->*m_kind.storedResult)();
     showResult(stored, false);
     const QListWidgetItem *row = m_widgets.list->currentItem();

@@ -2,8 +2,45 @@
 
 #include "platform/board.h"
 
+#include <QEvent>
 #include <QLabel>
 #include <QPushButton>
+
+#include <utility>
+
+namespace {
+
+// A style sheet that waits for its widget to be shown.
+class LateStyle : public QObject
+{
+    Q_OBJECT
+
+public:
+    LateStyle(QWidget *widget, QString styleSheet)
+        : QObject(widget), m_styleSheet(std::move(styleSheet))
+    {
+        widget->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Show) {
+            static_cast<QWidget *>(watched)->setStyleSheet(m_styleSheet);
+            deleteLater();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    const QString m_styleSheet;
+};
+
+void forgetLateStyle(QWidget *widget)
+{
+    delete widget->findChild<LateStyle *>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+} // namespace
 
 void keyClick()
 {
@@ -17,8 +54,20 @@ QString imagePath(const QString &name)
 
 void setStyleOnce(QWidget *widget, const QString &styleSheet)
 {
+    forgetLateStyle(widget);
     if (widget->styleSheet() != styleSheet)
         widget->setStyleSheet(styleSheet);
+}
+
+void setStyleWhenSeen(QWidget *widget, const QString &styleSheet)
+{
+    if (widget->isVisible() || widget->styleSheet().isEmpty()) {
+        setStyleOnce(widget, styleSheet);
+        return;
+    }
+    forgetLateStyle(widget);
+    if (widget->styleSheet() != styleSheet)
+        new LateStyle(widget, styleSheet);
 }
 
 void showIcon(QLabel *label, const QString &imageName)
@@ -36,3 +85,5 @@ void showSwitch(QPushButton *button, bool on)
                                 "background-color:rgb(255 , 255 ,255);}")
                      .arg(image));
 }
+
+#include "WidgetLook.moc"

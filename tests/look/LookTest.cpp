@@ -3,6 +3,7 @@
 #include "app/look/MessageBox.h"
 #include "app/look/Screen.h"
 #include "app/look/StyleSheets.h"
+#include "app/look/WidgetLook.h"
 #include "platform/sim/Panel.h"
 #include "resources/Resources.h"
 
@@ -24,6 +25,7 @@ private slots:
     void boxAnswers_data();
     void boxAnswers();
     void boxShowsPlainText();
+    void hiddenWidgetWaitsForItsStyle();
     void dialogsStayOnTheScreen_data();
     void dialogsStayOnTheScreen();
 };
@@ -121,6 +123,26 @@ void LookTest::boxShowsPlainText()
     QCOMPARE(label->textFormat(), Qt::PlainText);
     QCOMPARE(box.size(), QSize(400, 200)); // wrapped, not widened
     QVERIFY(box.rect().contains(QRect(label->mapTo(&box, QPoint(0, 0)), label->size())));
+}
+
+void LookTest::hiddenWidgetWaitsForItsStyle()
+{
+    QLabel label;
+    const auto style = [](const char *colour) {
+        return QStringLiteral("color:%1;").arg(QLatin1String(colour));
+    };
+    setStyleWhenSeen(&label, style("red")); // its first one does not wait
+    QCOMPARE(label.styleSheet(), style("red"));
+    setStyleWhenSeen(&label, style("green"));
+    setStyleWhenSeen(&label, style("blue"));
+    QCOMPARE(label.styleSheet(), style("red"));
+    label.show();
+    QCOMPARE(label.styleSheet(), style("blue"));
+    label.hide();
+    setStyleWhenSeen(&label, style("green"));
+    setStyleOnce(&label, style("black")); // the newest holds
+    label.show();
+    QCOMPARE(label.styleSheet(), style("black"));
 }
 
 void LookTest::dialogsStayOnTheScreen_data()
