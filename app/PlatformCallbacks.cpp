@@ -36,7 +36,7 @@ int getAllNetInfo(std::vector<netT::stAllNetInfo_tag> &list, void *context)
     return 0;
 }
 
-int Buzzer_Thread(void *)
+[[gnu::hot]] int Buzzer_Thread(void *)
 {
     PLATFORM::CPlatBuzzer::runBeep();
     return 0;

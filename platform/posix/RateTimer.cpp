@@ -106,18 +106,18 @@ void RateTimer::stopAtExit()
 
 // Reading the clock costs more than all else that an idle tick does, so each reading is kept for
 // as long as nothing has been waited for since.
-Moment RateTimer::look()
+[[gnu::hot]] Moment RateTimer::look()
 {
     m_now = std::chrono::steady_clock::now();
     return m_now;
 }
 
-Tick RateTimer::tickAt(Moment moment) const
+[[gnu::hot]] Tick RateTimer::tickAt(Moment moment) const
 {
     return (moment - m_origin) / m_tick;
 }
 
-Moment RateTimer::timeOf(Tick tick) const
+[[gnu::hot]] Moment RateTimer::timeOf(Tick tick) const
 {
     return m_origin + tick * m_tick;
 }
@@ -125,7 +125,7 @@ Moment RateTimer::timeOf(Tick tick) const
 // When the standby is to look after the leader. While it is in a task: once another one is due and
 // the grace is over. Else: when the task behind the one that it runs next would be late. A leader
 // that is awake but has got no processor yet is given its time again.
-std::optional<Moment> RateTimer::takeoverTime() const
+[[gnu::hot]] std::optional<Moment> RateTimer::takeoverTime() const
 {
     const std::optional<Tick> due = m_inTaskSince ? m_schedule.nextDue() : m_schedule.secondDue();
     if (!due)
@@ -137,7 +137,7 @@ std::optional<Moment> RateTimer::takeoverTime() const
 
 // After any change of what is due: moves both sleepers' moments, and wakes the leader only if its
 // own has moved.
-void RateTimer::arm()
+[[gnu::hot]] void RateTimer::arm()
 {
     if (m_state != State::Up)
         return;
@@ -146,7 +146,7 @@ void RateTimer::arm()
         m_leadChanged.notify_one();
 }
 
-void RateTimer::armTakeover()
+[[gnu::hot]] void RateTimer::armTakeover()
 {
     const std::optional<Moment> moment = takeoverTime();
     if (moment == m_takeoverAt) // mostly so: a frequent task alone at its tick can delay nobody yet
@@ -168,7 +168,7 @@ bool RateTimer::startStandby()
 }
 
 // A thread's life. It starts as the standby, and comes back from its lead when it has lost it.
-void RateTimer::serve()
+[[gnu::hot]] void RateTimer::serve()
 {
     Lock lock(m_mutex);
     while (awaitLead(lock)) {
@@ -202,7 +202,7 @@ bool RateTimer::awaitLead(Lock &lock)
     return m_state == State::Up;
 }
 
-void RateTimer::lead(Lock &lock)
+[[gnu::hot]] void RateTimer::lead(Lock &lock)
 {
     const std::uint64_t mine = ++m_lead;
     m_isLed = true;
@@ -220,7 +220,7 @@ void RateTimer::lead(Lock &lock)
 }
 
 // The leader's sleep. It ends early when something earlier, or the end, comes up.
-void RateTimer::awaitDue(Lock &lock)
+[[gnu::hot]] void RateTimer::awaitDue(Lock &lock)
 {
     m_leaderWaitsFor = m_schedule.nextDue();
     if (m_state == State::Up && m_leaderWaitsFor)
@@ -231,7 +231,7 @@ void RateTimer::awaitDue(Lock &lock)
 
 // --- Calls --------------------------------------------------------------------------------------
 
-void RateTimer::runDue(Lock &lock, std::uint64_t lead)
+[[gnu::hot]] void RateTimer::runDue(Lock &lock, std::uint64_t lead)
 {
     look();
     while (m_state == State::Up && m_lead == lead) {
@@ -245,7 +245,7 @@ void RateTimer::runDue(Lock &lock, std::uint64_t lead)
     }
 }
 
-void RateTimer::runHere(Lock &lock, const Task &task, std::uint64_t lead)
+[[gnu::hot]] void RateTimer::runHere(Lock &lock, const Task &task, std::uint64_t lead)
 {
     m_inTaskSince = m_now;
     call(lock, task);
@@ -266,7 +266,7 @@ void RateTimer::runInPool(const Task &task)
     arm();
 }
 
-void RateTimer::call(Lock &lock, const Task &task)
+[[gnu::hot]] void RateTimer::call(Lock &lock, const Task &task)
 {
     if (m_schedule.begin(task)) {
         lock.unlock();
@@ -276,7 +276,7 @@ void RateTimer::call(Lock &lock, const Task &task)
     finish(task);
 }
 
-void RateTimer::finish(const Task &task)
+[[gnu::hot]] void RateTimer::finish(const Task &task)
 {
     m_schedule.finish(task.name, tickAt(look()));
     if (m_state == State::Ending && m_schedule.isQuiet()) // nobody else waits for a call's end

@@ -32,17 +32,17 @@ bool Schedule::remove(const std::string &name)
     return true;
 }
 
-std::optional<Tick> Schedule::nextDue() const
+[[gnu::hot]] std::optional<Tick> Schedule::nextDue() const
 {
     return earliest().first;
 }
 
-std::optional<Tick> Schedule::secondDue() const
+[[gnu::hot]] std::optional<Tick> Schedule::secondDue() const
 {
     return earliest().second;
 }
 
-std::pair<std::optional<Tick>, std::optional<Tick>> Schedule::earliest() const
+[[gnu::hot]] std::pair<std::optional<Tick>, std::optional<Tick>> Schedule::earliest() const
 {
     std::pair<std::optional<Tick>, std::optional<Tick>> due;
     for (const Task &task : m_tasks) {
@@ -56,7 +56,7 @@ std::pair<std::optional<Tick>, std::optional<Tick>> Schedule::earliest() const
     return due;
 }
 
-std::optional<Task> Schedule::claim(Tick now)
+[[gnu::hot]] std::optional<Task> Schedule::claim(Tick now)
 {
     const std::optional<Tick> due = nextDue();
     if (!due || *due > now)
@@ -69,7 +69,7 @@ std::optional<Task> Schedule::claim(Tick now)
     return *task;
 }
 
-bool Schedule::begin(const Task &claimed)
+[[gnu::hot]] bool Schedule::begin(const Task &claimed)
 {
     const auto task = find(claimed.name);
     if (task == m_tasks.end() || task->id != claimed.id)
@@ -79,7 +79,7 @@ bool Schedule::begin(const Task &claimed)
     return true;
 }
 
-void Schedule::finish(const std::string &name, Tick now)
+[[gnu::hot]] void Schedule::finish(const std::string &name, Tick now)
 {
     m_underWay.erase(std::find(m_underWay.begin(), m_underWay.end(), name));
     const auto task = find(name);
@@ -87,13 +87,13 @@ void Schedule::finish(const std::string &name, Tick now)
         skipPast(*task, now);
 }
 
-std::vector<Task>::iterator Schedule::find(const std::string &name)
+[[gnu::hot]] std::vector<Task>::iterator Schedule::find(const std::string &name)
 {
     return std::find_if(m_tasks.begin(), m_tasks.end(),
                         [&](const Task &task) { return task.name == name; });
 }
 
-bool Schedule::isUnderWay(const std::string &name) const
+[[gnu::hot]] bool Schedule::isUnderWay(const std::string &name) const
 {
     return std::find(m_underWay.begin(), m_underWay.end(), name) != m_underWay.end();
 }

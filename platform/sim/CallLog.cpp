@@ -30,7 +30,7 @@ const char *nameOfThread()
 
 } // namespace
 
-void CallLog::add(const char *op, Json args, std::int64_t result, const char *thread)
+[[gnu::hot]] void CallLog::add(const char *op, Json args, std::int64_t result, const char *thread)
 {
     if (m_calls == limit)
         dropOldest();
@@ -87,7 +87,7 @@ void Injections::delay(const std::string &op, int ms)
     m_delays[op] = ms;
 }
 
-Injections::Order Injections::next(const char *op)
+[[gnu::hot]] Injections::Order Injections::next(const char *op)
 {
     if (m_failures.empty() && m_delays.empty())
         return {};
@@ -106,7 +106,7 @@ std::optional<int> Injections::nextResult(const char *op)
     return code;
 }
 
-const char *callingThread()
+[[gnu::hot]] const char *callingThread()
 {
     thread_local const char *const name = nameOfThread();
     return name;

@@ -143,7 +143,7 @@ int CPlatBuzzer::setPwmType(unsigned short tone)
     return setBuzzer("PLATFORM.CPlatBuzzer.setPwmType", "tone", tone, isTone(tone));
 }
 
-int CPlatBuzzer::runBeep()
+[[gnu::hot]] int CPlatBuzzer::runBeep()
 {
     return panel().call("PLATFORM.CPlatBuzzer.runBeep", Json(), [](Json &state) {
         if (!clickWaits)
