@@ -17,8 +17,8 @@ QString imagePath(const QString &name);
 // to compare.
 void setStyleOnce(QWidget *widget, const QString &styleSheet);
 
-// Same for a page that may be hidden: a style sheet that replaces one waits until `widget` is shown,
-// so that a language change pays for what is seen alone.
+// Same for a page that may be hidden: a style sheet that replaces one waits until `widget` is
+// shown, so that a language change pays for what is seen alone.
 void setStyleWhenSeen(QWidget *widget, const QString &styleSheet);
 
 // Shows an image on a label, scaled down to fit: "image: url(...);".
