@@ -157,8 +157,9 @@ QString comStyle()
 
 QString communicationStyle()
 {
-    return withFont(fieldTemplate() + buttonTemplate() +
-                    QStringLiteral("#Communication{background-color:white;}"
-                                   "QLabel#lab_Title{background-color:rgb(139, 159, 189);}"
-                                   "QFrame#frame{border:2px solid #8B9FBD;}"));
+    return withFont(
+        fieldTemplate() + buttonTemplate() +
+        QStringLiteral("#Communication{background-color:white;}"
+                       "QLabel#lab_Title{background-color:rgb(139, 159, 189);border-radius:0px;}"
+                       "QFrame#frame{border:2px solid #8B9FBD;}"));
 }
