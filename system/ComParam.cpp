@@ -13,7 +13,6 @@ constexpr const char *CONNECTIONS = "RS232,RS485_1,RS422,NULL,RS485_2";
 constexpr const char *BAUDS =
     "1200,2400,4800,9600,19200,38400,57600,115200,187500,230400,460800,\t\t\t\t\t\t  500000,576000,"
     "921600,1000000,1152000,1500000,2000000,2500000,3000000,3500000,4000000";
-constexpr const char *PARITIES = "NONE,ODD,EVEN,SPACE,Mark";
 
 constexpr int RS485_2_INDEX = 4;
 constexpr unsigned short RS485_2_WORD = 6;
@@ -53,11 +52,6 @@ const PortBase *findPort(const QString &name)
     return port == std::end(PORTS) ? nullptr : port;
 }
 
-QStringList listOf(const char *items)
-{
-    return QString::fromLatin1(items).split(QLatin1Char(','));
-}
-
 bool isUnused(const QString &settings)
 {
     return settings == QLatin1String("RS232,1200,0,0,NONE,0,0,0,0,0,0");
@@ -89,8 +83,15 @@ int indexOr(int refusal, const QStringList &list, const QString &item)
 
 } // namespace
 
+QStringList comItems(const char *list)
+{
+    return QString::fromLatin1(list).split(QLatin1Char(','));
+}
+
 ComParamLists::ComParamLists()
-    : m_connections(listOf(CONNECTIONS)), m_bauds(listOf(BAUDS)), m_parities(listOf(PARITIES))
+    : m_connections(comItems(CONNECTIONS)),
+      m_bauds(comItems(BAUDS)),
+      m_parities(comItems(COM_PARITIES))
 {
 }
 

@@ -23,6 +23,11 @@ enum ComField {
     COM_FIELDS = 11,
 };
 
+constexpr const char *COM_PARITIES = "NONE,ODD,EVEN,SPACE,Mark";
+
+// The items of a list that is written as one text, joined by ",".
+QStringList comItems(const char *list);
+
 // A port and its settings as text.
 struct ComPort
 {
@@ -39,17 +44,12 @@ class ComParamLists
 public:
     ComParamLists();
 
-    // The items in the order of their indices. "500000" of the baud rates has blanks in front; it
-    // is read, and must be written, with them.
-    const QStringList &connections() const { return m_connections; }
-    const QStringList &bauds() const { return m_bauds; }
-    const QStringList &parities() const { return m_parities; }
-
-    // Reads the port whose words begin at `base`. The text is built in any case: a word that could
-    // not be read counts as 0, and so do those behind it; an index that its list does not have is
-    // shown as "?" and the number, which no write takes. `complete` tells whether all words were
-    // read, which the result does not: -3 goes before -2. Returns 0; -2 if a word could not be
-    // read; -3 if the first five words are all 0, so that the port is not configured.
+    // Reads the port whose words begin at `base`. The baud rate 500000 has white space in front,
+    // and must be written with it. The text is built in any case: a word that could not be read
+    // counts as 0, and so do those behind it; an index that its list does not have is shown as "?"
+    // and the number, which no write takes. `complete` tells whether all words were read, which the
+    // result does not: -3 goes before -2. Returns 0; -2 if a word could not be read; -3 if the
+    // first five words are all 0, so that the port is not configured.
     int readPort(unsigned int base, QString &settings, bool *complete = nullptr) const;
 
     // Writes the port whose words begin at `base`, word by word; numbers that are none from 0 to

@@ -92,11 +92,13 @@ void CommSetting::slot_ButtonPressed()
         editParameters(CommuniCation::TIMEOUTS);
 }
 
-// As ComParamLists::readPort(), and -1 as long as the page has no lists.
-int CommSetting::readPort(const QString &name, QString &settings, bool &complete) const
+// As ComParamLists::readPort() of the port that is shown, and -1 as long as the page has no lists.
+int CommSetting::readPort(QString &settings)
 {
-    complete = false;
-    return m_pLists == nullptr ? NO_LISTS : m_pLists->readPort(name, settings, &complete);
+    m_bComplete = false;
+    return m_pLists == nullptr
+               ? NO_LISTS
+               : m_pLists->readPort(ui->line_ComNum->text(), settings, &m_bComplete);
 }
 
 void CommSetting::load(const QString &name)
@@ -109,7 +111,7 @@ void CommSetting::reload()
 {
     QString settings;
     m_fields.clear();
-    if (readPort(ui->line_ComNum->text(), settings, m_bComplete) != NO_LISTS)
+    if (readPort(settings) != NO_LISTS)
         m_fields = settings.split(QLatin1Char(','));
     showFields();
 }
@@ -127,9 +129,8 @@ void CommSetting::showSummaries()
     const auto joined = [this](int first, int last) {
         return m_fields.mid(first, last - first + 1).join(QLatin1Char(','));
     };
-    const bool known = m_fields.size() == COM_FIELDS;
-    showElided(ui->line_SerialCommiation,
-               known ? joined(COM_CONNECTION, COM_PARITY) : QStringLiteral("NULL,1200,0,0,NONE"));
+    showElided(ui->line_SerialCommiation, m_fields.isEmpty() ? QStringLiteral("NULL,1200,0,0,NONE")
+                                                             : joined(COM_CONNECTION, COM_PARITY));
     showElided(ui->line_TimeCommiation, joined(COM_WAIT_TIMEOUT, COM_RETRY_TIMEOUT));
 }
 
@@ -139,21 +140,22 @@ void CommSetting::editStation(QLineEdit *line, ComField field)
         return;
     const QString station = line->text();
     reload();
-    if (m_fields.size() != COM_FIELDS)
-        return;
     QStringList fields = m_fields;
+    if (fields.isEmpty())
+        return;
     fields[field] = station;
     write(fields);
 }
 
 void CommSetting::editParameters(int page)
 {
+    if (m_pLists == nullptr)
+        return;
     CommuniCation dialog(this);
-    const std::vector<ComPort> ports =
-        m_pLists == nullptr ? std::vector<ComPort>() : m_pLists->portsInUse();
-    dialog.prepare({ui->line_ComNum->text(), m_fields.join(QLatin1Char(','))}, ports);
+    dialog.prepare({ui->line_ComNum->text(), m_fields.join(QLatin1Char(','))},
+                   m_pLists->portsInUse());
     dialog.selectPage(page);
-    if (dialog.exec() != QDialog::Accepted || m_fields.size() != COM_FIELDS)
+    if (dialog.exec() != QDialog::Accepted)
         return;
     QStringList fields = m_fields;
     const int first = CommuniCation::firstField(page);
@@ -167,7 +169,8 @@ void CommSetting::editParameters(int page)
 void CommSetting::write(const QStringList &fields)
 {
     const QString settings = fields.join(QLatin1Char(','));
-    if (!m_bComplete || m_pLists->writePort(ui->line_ComNum->text(), settings) != 0) {
+    if (!m_bComplete || m_pLists == nullptr ||
+        m_pLists->writePort(ui->line_ComNum->text(), settings) != 0) {
         reload();
         return;
     }

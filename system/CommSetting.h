@@ -37,7 +37,7 @@ private slots:
     void slot_ButtonPressed();
 
 private:
-    int readPort(const QString &name, QString &settings, bool &complete) const;
+    int readPort(QString &settings);
     void load(const QString &name);
     void reload();
     void showFields();
