@@ -24,6 +24,14 @@ void showElided(QLineEdit *line, const QString &text)
     line->setText(line->fontMetrics().elidedText(text, Qt::ElideRight, room));
 }
 
+QString joined(const QStringList &fields)
+{
+    QStringList shown;
+    for (const QString &field : fields)
+        shown << field.trimmed();
+    return shown.join(QLatin1Char(','));
+}
+
 } // namespace
 
 CommSetting::CommSetting(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::ComSetting>())
@@ -123,15 +131,17 @@ void CommSetting::showFields()
     showSummaries();
 }
 
-// Shortened on the screen alone; m_fields is what is written.
+// Shortened on the screen alone, the white space of a baud rate included; m_fields is what is
+// written.
 void CommSetting::showSummaries()
 {
-    const auto joined = [this](int first, int last) {
-        return m_fields.mid(first, last - first + 1).join(QLatin1Char(','));
-    };
-    showElided(ui->line_SerialCommiation, m_fields.isEmpty() ? QStringLiteral("NULL,1200,0,0,NONE")
-                                                             : joined(COM_CONNECTION, COM_PARITY));
-    showElided(ui->line_TimeCommiation, joined(COM_WAIT_TIMEOUT, COM_RETRY_TIMEOUT));
+    if (ui->line_ComNum->text().isEmpty())
+        return;
+    showElided(ui->line_SerialCommiation,
+               m_fields.isEmpty() ? QStringLiteral("NULL,1200,0,0,NONE")
+                                  : joined(m_fields.mid(COM_CONNECTION, COM_PARITY + 1)));
+    showElided(ui->line_TimeCommiation,
+               joined(m_fields.mid(COM_WAIT_TIMEOUT, COM_HMI_STATION - COM_WAIT_TIMEOUT)));
 }
 
 void CommSetting::editStation(QLineEdit *line, ComField field)
@@ -141,7 +151,7 @@ void CommSetting::editStation(QLineEdit *line, ComField field)
     const QString station = line->text();
     reload();
     QStringList fields = m_fields;
-    if (fields.isEmpty())
+    if (fields.size() != COM_FIELDS)
         return;
     fields[field] = station;
     write(fields);
@@ -149,7 +159,7 @@ void CommSetting::editStation(QLineEdit *line, ComField field)
 
 void CommSetting::editParameters(int page)
 {
-    if (m_pLists == nullptr)
+    if (m_pLists == nullptr || m_fields.size() != COM_FIELDS)
         return;
     CommuniCation dialog(this);
     dialog.prepare({ui->line_ComNum->text(), m_fields.join(QLatin1Char(','))},

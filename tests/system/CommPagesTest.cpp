@@ -212,14 +212,20 @@ void CommPagesTest::writesWhatTheDialogSaves()
 // Words that the runtime gave too late would be overwritten with 0.
 void CommPagesTest::writesNothingThatItHasNotRead()
 {
+    setWord(FIRST + COM_BAUD, 11);
     setWord(FIRST + COM_WAIT_TIMEOUT, nullptr);
     m_page->init(&m_lists);
     QCOMPARE(lineText(m_page.get(), "line_TimeCommiation"_s), "0,0,0,0"_s);
     setWord(FIRST + COM_WAIT_TIMEOUT, 20);
     pressInDialog({"btn_Parity_R"_s, "btn_Save"_s});
     press(m_page.get(), "btn_CommunIndetail"_s);
-    QCOMPARE(words(FIRST), FIRST_WORDS);
+    QCOMPARE(words(FIRST), "2 11 8 1 0 20 100 3 2 1 1"_s);
     QCOMPARE(lineText(m_page.get(), "line_TimeCommiation"_s), "20,100,3,2"_s);
+    // Now it has; the white space in front of the rate goes back with it.
+    pressInDialog({"btn_Parity_R"_s, "btn_Save"_s});
+    press(m_page.get(), "btn_CommunIndetail"_s);
+    QCOMPARE(words(FIRST), "2 11 8 1 1 20 100 3 2 1 1"_s);
+    QCOMPARE(lineText(m_page.get(), "line_SerialCommiation"_s), "RS422,500000,8,1,ODD"_s);
 }
 
 void CommPagesTest::stepsAField_data()
