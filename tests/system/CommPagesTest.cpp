@@ -147,16 +147,15 @@ void CommPagesTest::setsStation_data()
     QTest::addColumn<QString>("keys");
     QTest::addColumn<sim::Json>("retries"); // word before it is typed
     QTest::addColumn<QString>("after");
-    const auto row = [](const char *name, const char *field, const char *keys,
-                        const sim::Json &retries, const char *after) {
-        QTest::newRow(name) << QString::fromLatin1(field) << QString::fromLatin1(keys) << retries
-                            << QString::fromLatin1(after);
+    const auto row = [](const char *name, const QString &field, const QString &keys,
+                        const sim::Json &retries, const QString &after) {
+        QTest::newRow(name) << field << keys << retries << after;
     };
-    row("own", "line_HmiStation", "255\n", 3, "2 3 8 1 0 20 100 3 2 255 1");
-    row("device", "line_StandStation", "0\n", 3, "2 3 8 1 0 20 100 3 2 1 0");
-    row("too large", "line_HmiStation", "256\n\x1b", 3, "2 3 8 1 0 20 100 3 2 1 1");
-    row("changed by others", "line_HmiStation", "9\n", 4, "2 3 8 1 0 20 100 4 2 9 1");
-    row("not readable", "line_HmiStation", "9\n", nullptr, "2 3 8 1 0 20 100 null 2 1 1");
+    row("own", "line_HmiStation"_s, "255\n"_s, 3, "2 3 8 1 0 20 100 3 2 255 1"_s);
+    row("device", "line_StandStation"_s, "0\n"_s, 3, "2 3 8 1 0 20 100 3 2 1 0"_s);
+    row("too large", "line_HmiStation"_s, "256\n\x1b"_s, 3, "2 3 8 1 0 20 100 3 2 1 1"_s);
+    row("changed by others", "line_HmiStation"_s, "9\n"_s, 4, "2 3 8 1 0 20 100 4 2 9 1"_s);
+    row("not readable", "line_HmiStation"_s, "9\n"_s, nullptr, "2 3 8 1 0 20 100 null 2 1 1"_s);
 }
 
 void CommPagesTest::setsStation()
@@ -231,59 +230,40 @@ void CommPagesTest::writesNothingThatItHasNotRead()
 void CommPagesTest::stepsAField_data()
 {
     QTest::addColumn<int>("field");
-    QTest::addColumn<QString>("from");
-    QTest::addColumn<QString>("left");
-    QTest::addColumn<QString>("right");
-    const auto row = [](ComField field, const char *from, const char *left, const char *right) {
-        QTest::addRow("%d %s", field, from)
-            << int(field) << QString::fromLatin1(from) << QString::fromLatin1(left)
-            << QString::fromLatin1(right);
+    QTest::addColumn<QString>("steps"); // from, to the left, to the right
+    const auto row = [](const char *name, ComField field, const char *steps) {
+        QTest::newRow(name) << int(field) << QString::fromLatin1(steps);
     };
-    row(COM_CONNECTION, "RS232", "RS485_1", "RS422");
-    row(COM_CONNECTION, "NULL", "RS485_1", "RS232");
-    row(COM_BAUD, "4000000", "3500000", "1200");
-    row(COM_BAUD, "1200", "4000000", "2400");
-    row(COM_BAUD, "460800", "230400", "500000");
-    row(COM_BAUD, "\t\t\t\t\t\t  500000", "4000000", "1200");
-    row(COM_BAUD, "?9600", "4000000", "1200");
-    row(COM_DATA_BITS, "8", "7", "7");
-    row(COM_DATA_BITS, "7", "8", "8");
-    row(COM_DATA_BITS, "0", "8", "8");
-    row(COM_DATA_BITS, "65535", "7", "7");
-    row(COM_STOP_BITS, "2", "1", "1");
-    row(COM_STOP_BITS, "1", "2", "2");
-    row(COM_STOP_BITS, "", "2", "1");
-    row(COM_PARITY, "NONE", "Mark", "ODD");
-    row(COM_PARITY, "Mark", "SPACE", "NONE");
-    row(COM_PARITY, "mark", "Mark", "NONE");
-    row(COM_WAIT_TIMEOUT, "995", "985", "1000");
-    row(COM_WAIT_TIMEOUT, "5", "0", "15");
-    row(COM_READ_TIMEOUT, "1000", "990", "1000");
-    row(COM_READ_TIMEOUT, "2147483647", "1000", "1000");
-    row(COM_READ_TIMEOUT, "ten", "0", "10");
-    row(COM_RETRIES, "10", "9", "10");
-    row(COM_RETRIES, "0", "0", "1");
-    row(COM_RETRY_TIMEOUT, "20", "19", "20");
-    row(COM_RETRY_TIMEOUT, "-2147483648", "0", "0");
+    row("Communication", COM_CONNECTION, "RS232/RS485_1/RS422|NULL/RS485_1/RS232");
+    row("BaudRate", COM_BAUD,
+        "4000000/3500000/1200|1200/4000000/2400|460800/230400/500000|?9600/4000000/1200|"
+        "\t\t\t\t\t\t  500000/4000000/1200");
+    row("ByteSize", COM_DATA_BITS, "8/7/7|7/8/8|0/8/8|65535/7/7");
+    row("StopBits", COM_STOP_BITS, "2/1/1|1/2/2|/2/1");
+    row("Parity", COM_PARITY, "NONE/Mark/ODD|Mark/SPACE/NONE|mark/Mark/NONE");
+    row("WaitTimeOut", COM_WAIT_TIMEOUT, "995/985/1000|5/0/15|ten/0/10");
+    row("ReadTimeOut", COM_READ_TIMEOUT, "1000/990/1000|2147483647/1000/1000");
+    row("RetryTime", COM_RETRIES, "10/9/10|0/0/1");
+    row("RetryTimeOut", COM_RETRY_TIMEOUT, "20/19/20|-2147483648/0/0");
 }
 
 void CommPagesTest::stepsAField()
 {
     QFETCH(int, field);
-    QFETCH(QString, from);
-    static const char *const NAMES[] = {"Communication", "BaudRate",  "ByteSize",
-                                        "StopBits",      "Parity",    "WaitTimeOut",
-                                        "ReadTimeOut",   "RetryTime", "RetryTimeOut"};
-    const QString name = QLatin1String(NAMES[field]);
-    QString settings(field, QLatin1Char(','));
-    for (const auto &[side, column] : {std::pair{"L", "left"}, std::pair{"R", "right"}}) {
-        CommuniCation dialog(nullptr);
-        sim::panel().set("machine.sn", nullptr);
-        dialog.prepare({"COM3"_s, settings + from}, {});
-        dialog.selectPage(field / COM_WAIT_TIMEOUT * 7); // any number but 0 is the second page
-        dialog.show();
-        press(&dialog, "btn_%1_%2"_s.arg(name, QLatin1String(side)));
-        QTEST(lineText(&dialog, "line_"_s + name), column);
+    QFETCH(QString, steps);
+    const QString name = QLatin1String(QTest::currentDataTag());
+    sim::panel().set("machine.sn", nullptr);
+    for (const QString &step : steps.split(QLatin1Char('|'))) {
+        const QStringList texts = step.split(QLatin1Char('/'));
+        for (const auto &[button, expected] :
+             {std::pair{"btn_%1_L"_s, texts[1]}, std::pair{"btn_%1_R"_s, texts[2]}}) {
+            CommuniCation dialog(nullptr);
+            dialog.prepare({"COM3"_s, QString(field, QLatin1Char(',')) + texts[0]}, {});
+            dialog.selectPage(field / COM_WAIT_TIMEOUT * 7); // all but 0 is the second page
+            dialog.show();
+            press(&dialog, button.arg(name));
+            QCOMPARE(lineText(&dialog, "line_"_s + name), expected);
+        }
     }
 }
 
@@ -318,20 +298,19 @@ void CommPagesTest::offersFreeConnections_data()
     QTest::addColumn<QString>("own");
     QTest::addColumn<QString>("ports"); // name and connection of those in use
     QTest::addColumn<QString>("offered");
-    const auto row = [](const char *serialNumber, const char *own, const char *ports,
-                        const char *offered) {
-        QTest::addRow("%s %s in %s", serialNumber, own, ports)
-            << QString::fromLatin1(serialNumber) << QString::fromLatin1(own)
-            << QString::fromLatin1(ports) << QString::fromLatin1(offered);
+    const auto row = [](const char *serialNumber, const QString &own, const QString &ports,
+                        const QString &offered) {
+        QTest::addRow("%s %s in %s", serialNumber, qPrintable(own), qPrintable(ports))
+            << QString::fromLatin1(serialNumber) << own << ports << offered;
     };
     for (const char *longer : {"A1", "S", "K2", "U3"})
-        row(longer, "COM3 RS232", "COM3 RS232", "RS232 RS422 RS485_1 RS485_2");
+        row(longer, "COM3 RS232"_s, "COM3 RS232"_s, "RS232 RS422 RS485_1 RS485_2"_s);
     for (const char *shorter : {"", "B1", "a1", "1A"})
-        row(shorter, "COM3 RS232", "COM3 RS232", "RS232 RS422 RS485_1");
-    row("A", "COM1-1 RS232", "COM1-1 RS232,COM1-2 RS422,COM1-3 RS485_2", "RS232 RS485_1");
-    row("A", "COM2-1 RS232", "COM1-2 RS422,COM3 RS485_1", "RS232 RS422 RS485_1 RS485_2");
-    row("A", "COM1-1 RS422", "COM1-2 RS422", "RS232 RS422 RS485_1 RS485_2"); // its own stays
-    row("A", "COM1-1 NULL", "COM1-2 NULL,COM1-3 ?9", "RS232 RS422 RS485_1 RS485_2");
+        row(shorter, "COM3 RS232"_s, "COM3 RS232"_s, "RS232 RS422 RS485_1"_s);
+    row("A", "COM1-1 RS232"_s, "COM1-1 RS232,COM1-2 RS422,COM1-3 RS485_2"_s, "RS232 RS485_1"_s);
+    row("A", "COM2-1 RS232"_s, "COM1-2 RS422,COM3 RS485_1"_s, "RS232 RS422 RS485_1 RS485_2"_s);
+    row("A", "COM1-1 RS422"_s, "COM1-2 RS422"_s, "RS232 RS422 RS485_1 RS485_2"_s); // its own stays
+    row("A", "COM1-1 NULL"_s, "COM1-2 NULL,COM1-3 ?9"_s, "RS232 RS422 RS485_1 RS485_2"_s);
 }
 
 void CommPagesTest::offersFreeConnections()
