@@ -17,6 +17,8 @@
 #include <vector>
 
 class CDownloadThread;
+class CommSetting;
+class ComParamLists;
 class Language;
 class NetEth;
 class QPushButton;
@@ -97,6 +99,7 @@ private:
 
     std::unique_ptr<Ui::Qt_MainWin> ui;
     NetEth *m_pNetEth = nullptr;
+    CommSetting *m_pCommSetting = nullptr;
     Language *m_pLanguage = nullptr;
     std::array<UpdatePage *, 3> m_updatePages{}; // project, firmware, PLC program
     std::array<Group, 4> m_groups{};
@@ -115,6 +118,7 @@ private:
     netT::CAsyncClient m_cloudClient;
     CloudMonitor m_cloudMonitor;
     std::unique_ptr<dsl::CNotifyClient> m_pNotifyClient;
+    std::unique_ptr<ComParamLists> m_pComParams;
     std::unique_ptr<CDownloadThread> m_pDownloadThread;
     std::optional<StatusStrip> m_strip;
 

@@ -37,6 +37,11 @@ QSize screenSize()
     return known;
 }
 
+int touchHeight()
+{
+    return std::max(LEAST_TOUCH, screenSize().height() / 12);
+}
+
 QSize fractionOf(const QSize &size, double widthFactor, double heightFactor)
 {
     return {static_cast<int>(size.width() * widthFactor),

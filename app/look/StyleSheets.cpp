@@ -49,6 +49,17 @@ QString listTemplate()
                           "{height:0px;}");
 }
 
+// Fields that are told apart by the dynamic property "shownOnly".
+QString fieldTemplate()
+{
+    return QStringLiteral("QLabel{color:black;%1border:0px;}"
+                          "QLineEdit{color:black;%1background:transparent;border:0px;"
+                          "border-bottom:2px solid #C4C4C3;}"
+                          "QLineEdit[shownOnly=\"true\"]{background-color:#F2F5F8;"
+                          "border-bottom:0px;border-radius:4px;}"
+                          "QLabel:disabled,QLineEdit:disabled{color:#767676;}");
+}
+
 } // namespace
 
 QString windowStyle()
@@ -138,4 +149,18 @@ QString addressStyle(bool underlined)
                     (underlined ? QStringLiteral("border-bottom:2px solid;"
                                                  "border-bottom-color: #C4C4C3;}")
                                 : QStringLiteral("}")));
+}
+
+QString comStyle()
+{
+    return withFont(fieldTemplate());
+}
+
+QString communicationStyle()
+{
+    return withFont(
+        fieldTemplate() + buttonTemplate() +
+        QStringLiteral("#Communication{background-color:white;}"
+                       "QLabel#lab_Title{background-color:rgb(139, 159, 189);border-radius:0px;}"
+                       "QFrame#frame{border:2px solid #8B9FBD;}"));
 }

@@ -21,3 +21,7 @@ QString keyboardStyle(bool centred);
 QString radioStyle();
 // A block of address fields: underlined while they can be edited, bare while they only show.
 QString addressStyle(bool underlined);
+// The COM page's: underlined where a field opens the keyboard, shaded where it only shows.
+QString comStyle();
+// The communication dialog's, its fields as on the COM page.
+QString communicationStyle();

@@ -2,6 +2,80 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en" sourcelanguage="en">
 <context>
+    <name>ComSetting</name>
+    <message>
+        <source>COM Port:</source>
+        <translation>COM Port:</translation>
+    </message>
+    <message>
+        <source>HMI No.:</source>
+        <translation>HMI No.:</translation>
+    </message>
+    <message>
+        <source>Device No.:</source>
+        <translation>Device No.:</translation>
+    </message>
+    <message>
+        <source>Settings:</source>
+        <translation>Settings:</translation>
+    </message>
+    <message>
+        <source>Timeout:</source>
+        <translation>Timeout:</translation>
+    </message>
+    <message>
+        <source>Set</source>
+        <translation>Set</translation>
+    </message>
+</context>
+<context>
+    <name>Communication</name>
+    <message>
+        <source>Connection:</source>
+        <translation>Connection:</translation>
+    </message>
+    <message>
+        <source>Baud rate:</source>
+        <translation>Baud rate:</translation>
+    </message>
+    <message>
+        <source>Data bits:</source>
+        <translation>Data bits:</translation>
+    </message>
+    <message>
+        <source>Stop bits:</source>
+        <translation>Stop bits:</translation>
+    </message>
+    <message>
+        <source>Parity:</source>
+        <translation>Parity:</translation>
+    </message>
+    <message>
+        <source>Wait Timeout(ms):</source>
+        <translation>Wait Timeout(ms):</translation>
+    </message>
+    <message>
+        <source>Read Timeout(ms):</source>
+        <translation>Read Timeout(ms):</translation>
+    </message>
+    <message>
+        <source>Retry Times:</source>
+        <translation>Retry Times:</translation>
+    </message>
+    <message>
+        <source>Retry Timeout(s):</source>
+        <translation>Retry Timeout(s):</translation>
+    </message>
+    <message>
+        <source>Exit</source>
+        <translation>Exit</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Save</translation>
+    </message>
+</context>
+<context>
     <name>DownLoadHmiImage</name>
     <message>
         <source>Download</source>

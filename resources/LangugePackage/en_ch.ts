@@ -2,6 +2,80 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="zh_CN" sourcelanguage="en">
 <context>
+    <name>ComSetting</name>
+    <message>
+        <source>COM Port:</source>
+        <translation>串口：</translation>
+    </message>
+    <message>
+        <source>HMI No.:</source>
+        <translation>HMI 站号：</translation>
+    </message>
+    <message>
+        <source>Device No.:</source>
+        <translation>设备站号：</translation>
+    </message>
+    <message>
+        <source>Settings:</source>
+        <translation>通信参数：</translation>
+    </message>
+    <message>
+        <source>Timeout:</source>
+        <translation>超时参数：</translation>
+    </message>
+    <message>
+        <source>Set</source>
+        <translation>设置</translation>
+    </message>
+</context>
+<context>
+    <name>Communication</name>
+    <message>
+        <source>Connection:</source>
+        <translation>连接类型：</translation>
+    </message>
+    <message>
+        <source>Baud rate:</source>
+        <translation>波特率：</translation>
+    </message>
+    <message>
+        <source>Data bits:</source>
+        <translation>数据位：</translation>
+    </message>
+    <message>
+        <source>Stop bits:</source>
+        <translation>停止位：</translation>
+    </message>
+    <message>
+        <source>Parity:</source>
+        <translation>校验：</translation>
+    </message>
+    <message>
+        <source>Wait Timeout(ms):</source>
+        <translation>等待超时(ms)：</translation>
+    </message>
+    <message>
+        <source>Read Timeout(ms):</source>
+        <translation>读取超时(ms)：</translation>
+    </message>
+    <message>
+        <source>Retry Times:</source>
+        <translation>重试次数：</translation>
+    </message>
+    <message>
+        <source>Retry Timeout(s):</source>
+        <translation>重试超时(s)：</translation>
+    </message>
+    <message>
+        <source>Exit</source>
+        <translation>退出</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
+    </message>
+</context>
+<context>
     <name>DownLoadHmiImage</name>
     <message>
         <source>Download</source>

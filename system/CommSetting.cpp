@@ -1,0 +1,189 @@
+#include "system/CommSetting.h"
+
+#include "app/look/Screen.h"
+#include "app/look/StyleSheets.h"
+#include "app/look/WidgetLook.h"
+#include "input/FieldKeyboard.h"
+#include "system/CommuniCation.h"
+#include "system/Stepping.h"
+#include "ui_CommSetting.h"
+
+#include <QEvent>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int NO_LISTS = -1;
+constexpr int LARGEST_STATION = 255;
+constexpr int LINE_MARGIN = 2; // pixels that a line edit keeps free at either side of its text
+
+void showElided(QLineEdit *line, const QString &text)
+{
+    const int room = line->contentsRect().width() - 2 * LINE_MARGIN;
+    line->setText(line->fontMetrics().elidedText(text, Qt::ElideRight, room));
+}
+
+QString joined(const QStringList &fields)
+{
+    QStringList shown;
+    for (const QString &field : fields)
+        shown << field.trimmed();
+    return shown.join(QLatin1Char(','));
+}
+
+} // namespace
+
+CommSetting::CommSetting(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::ComSetting>())
+{
+    ui->setupUi(this);
+    for (QPushButton *button :
+         {ui->btn_ComL, ui->btn_ComR, ui->btn_CommunIndetail, ui->btn_TimeOutIndetail}) {
+        button->setMinimumSize(2 * touchHeight(), touchHeight());
+        connect(button, &QPushButton::clicked, this, &CommSetting::slot_ButtonPressed);
+    }
+    for (QLineEdit *line : {ui->line_HmiStation, ui->line_StandStation}) {
+        line->setMinimumHeight(touchHeight());
+        line->installEventFilter(this);
+    }
+    for (QLineEdit *summary : {ui->line_SerialCommiation, ui->line_TimeCommiation})
+        summary->installEventFilter(this);
+}
+
+CommSetting::~CommSetting() = default;
+
+void CommSetting::init(const ComParamLists *lists)
+{
+    m_pLists = lists;
+    setEnabled(true);
+    listSeralType.clear();
+    for (const ComPort &port : lists->portsInUse())
+        listSeralType << port.name;
+    if (listSeralType.isEmpty())
+        setEnabled(false);
+    else
+        load(QStringLiteral("COM1-1"));
+}
+
+void CommSetting::retranslate()
+{
+    ui->retranslateUi(this);
+    setStyleOnce(this, comStyle());
+}
+
+bool CommSetting::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool isStation = watched == ui->line_HmiStation || watched == ui->line_StandStation;
+    if (isStation && event->type() == QEvent::MouseButtonPress && isEnabled()) {
+        // A disabled page still hands its presses to the filter.
+        if (watched == ui->line_HmiStation)
+            editStation(ui->line_HmiStation, COM_HMI_STATION);
+        else
+            editStation(ui->line_StandStation, COM_DEVICE_STATION);
+    } else if (!isStation &&
+               (event->type() == QEvent::Resize || event->type() == QEvent::FontChange)) {
+        showSummaries();
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void CommSetting::slot_ButtonPressed()
+{
+    keyClick();
+    if (sender() == ui->btn_ComL)
+        load(steppedItem(listSeralType, ui->line_ComNum->text(), -1));
+    else if (sender() == ui->btn_ComR)
+        load(steppedItem(listSeralType, ui->line_ComNum->text(), 1));
+    else if (sender() == ui->btn_CommunIndetail)
+        editParameters(CommuniCation::SERIAL);
+    else if (sender() == ui->btn_TimeOutIndetail)
+        editParameters(CommuniCation::TIMEOUTS);
+}
+
+// As ComParamLists::readPort() of the port that is shown, and -1 as long as the page has no lists.
+int CommSetting::readPort(QString &settings)
+{
+    m_bComplete = false;
+    return m_pLists == nullptr
+               ? NO_LISTS
+               : m_pLists->readPort(ui->line_ComNum->text(), settings, &m_bComplete);
+}
+
+void CommSetting::load(const QString &name)
+{
+    ui->line_ComNum->setText(name);
+    reload();
+}
+
+void CommSetting::reload()
+{
+    QString settings;
+    m_fields.clear();
+    if (readPort(settings) != NO_LISTS)
+        m_fields = settings.split(QLatin1Char(','));
+    showFields();
+}
+
+void CommSetting::showFields()
+{
+    ui->line_HmiStation->setText(m_fields.value(COM_HMI_STATION));
+    ui->line_StandStation->setText(m_fields.value(COM_DEVICE_STATION));
+    showSummaries();
+}
+
+// Shortened on the screen alone, the white space of a baud rate included; m_fields is what is
+// written.
+void CommSetting::showSummaries()
+{
+    if (ui->line_ComNum->text().isEmpty())
+        return;
+    showElided(ui->line_SerialCommiation,
+               m_fields.isEmpty() ? QStringLiteral("NULL,1200,0,0,NONE")
+                                  : joined(m_fields.mid(COM_CONNECTION, COM_PARITY + 1)));
+    showElided(ui->line_TimeCommiation,
+               joined(m_fields.mid(COM_WAIT_TIMEOUT, COM_HMI_STATION - COM_WAIT_TIMEOUT)));
+}
+
+void CommSetting::editStation(QLineEdit *line, ComField field)
+{
+    if (!editWithKeyboard(numberRequest(this, line, 0, LARGEST_STATION)))
+        return;
+    const QString station = line->text();
+    reload();
+    QStringList fields = m_fields;
+    if (fields.size() != COM_FIELDS)
+        return;
+    fields[field] = station;
+    write(fields);
+}
+
+void CommSetting::editParameters(int page)
+{
+    if (m_pLists == nullptr || m_fields.size() != COM_FIELDS)
+        return;
+    CommuniCation dialog(this);
+    dialog.prepare({ui->line_ComNum->text(), m_fields.join(QLatin1Char(','))},
+                   m_pLists->portsInUse());
+    dialog.selectPage(page);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    QStringList fields = m_fields;
+    const int first = CommuniCation::firstField(page);
+    const QStringList values = dialog.values(page);
+    std::copy(values.begin(), values.end(), fields.begin() + first);
+    write(fields);
+}
+
+// Fields that were not read would be written as 0, and a refused write leaves the screen ahead of
+// the runtime: both end in what the runtime holds.
+void CommSetting::write(const QStringList &fields)
+{
+    const QString settings = fields.join(QLatin1Char(','));
+    if (!m_bComplete || m_pLists == nullptr ||
+        m_pLists->writePort(ui->line_ComNum->text(), settings) != 0) {
+        reload();
+        return;
+    }
+    m_fields = fields;
+    showFields();
+}
