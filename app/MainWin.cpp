@@ -12,6 +12,8 @@
 #include "platform/board.h"
 #include "platform/cos_process.h"
 #include "platform/cos_thread.h"
+#include "system/ComParam.h"
+#include "system/General.h"
 #include "system/Language.h"
 #include "system/LanguageSettings.h"
 #include "ui_Qt_MainWin.h"
@@ -64,6 +66,8 @@ MainWin::MainWin()
     initLanguage();
     initLook();
     registerHotPlug();
+    m_pComParams = std::make_unique<ComParamLists>();
+    m_pGeneral->init(m_pComParams.get());
 }
 
 MainWin::~MainWin()
@@ -73,6 +77,7 @@ MainWin::~MainWin()
     m_tasks.reset();
     m_pDownloadThread.reset();
     m_pNotifyClient.reset();
+    m_pComParams.reset();
     settle();
     reboot(1);
 }
@@ -111,6 +116,7 @@ void MainWin::openScreen()
 void MainWin::makePages()
 {
     m_pNetEth = ui->wdg_Eth->setPage<NetEth>();
+    m_pGeneral = ui->wdg_Gerneral->setPage<General>();
     m_pLanguage = ui->wdg_Language->setPage<Language>();
     m_updatePages = {ui->wdg_HmiPro->setPage<DownLoadHmiPro>(),
                      ui->wdg_HmiImage->setPage<DownLoadHmiImage>(),
@@ -125,6 +131,7 @@ void MainWin::initLanguage()
     loadLanguageSettings();
     m_nLanguage = g_nLanguge;
     ui->retranslateUi(this);
+    m_pGeneral->retranslate();
     m_pNetEth->retranslate();
     for (UpdatePage *page : m_updatePages)
         page->retranslate();
@@ -305,6 +312,7 @@ void MainWin::slot_LanguageChange(int index)
     ui->retranslateUi(this);
     highlightGroup(m_nGroup);
     applyStyle();
+    m_pGeneral->retranslate();
     m_pNetEth->retranslate();
     for (UpdatePage *page : m_updatePages)
         page->retranslate();

@@ -17,6 +17,8 @@
 #include <vector>
 
 class CDownloadThread;
+class ComParamLists;
+class General;
 class Language;
 class NetEth;
 class QPushButton;
@@ -96,6 +98,7 @@ private:
     std::vector<netT::stAllNetInfo_tag> netRecords() const;
 
     std::unique_ptr<Ui::Qt_MainWin> ui;
+    General *m_pGeneral = nullptr;
     NetEth *m_pNetEth = nullptr;
     Language *m_pLanguage = nullptr;
     std::array<UpdatePage *, 3> m_updatePages{}; // project, firmware, PLC program
@@ -115,6 +118,7 @@ private:
     netT::CAsyncClient m_cloudClient;
     CloudMonitor m_cloudMonitor;
     std::unique_ptr<dsl::CNotifyClient> m_pNotifyClient;
+    std::unique_ptr<ComParamLists> m_pComParams;
     std::unique_ptr<CDownloadThread> m_pDownloadThread;
     std::optional<StatusStrip> m_strip;
 

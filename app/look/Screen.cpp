@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr int LEAST_TOUCH = 32; // pixels
+
 // The main window is the root of every dialog's chain of parents.
 const QWidget *rootOf(const QWidget *widget)
 {
@@ -33,6 +35,11 @@ QSize screenSize()
     if (PLATFORM::CPlatLcd::getResolution(width, height, depth) >= 0 && width > 0 && height > 0)
         known = {width, height};
     return known;
+}
+
+int touchHeight()
+{
+    return std::max(LEAST_TOUCH, screenSize().height() / 12);
 }
 
 QSize fractionOf(const QSize &size, double widthFactor, double heightFactor)

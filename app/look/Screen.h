@@ -10,6 +10,9 @@ class QWidget;
 // size that it had before, or 800 by 480.
 QSize screenSize();
 
+// The least height of what a finger touches, in pixels: a twelfth of the screen's, 32 at least.
+int touchHeight();
+
 // `size` scaled by the two factors, truncated toward zero.
 QSize fractionOf(const QSize &size, double widthFactor, double heightFactor);
 

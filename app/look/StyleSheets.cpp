@@ -34,6 +34,15 @@ QString radioTemplate(int indicatorSide)
         .replace(QLatin1String("%2"), QString::number(indicatorSide));
 }
 
+QString scrollBarTemplate()
+{
+    return QStringLiteral("QScrollBar:vertical{width:32px;background-color:#F2F5F8;border:0px;}"
+                          "QScrollBar::handle:vertical{background-color:#8B9FBD;min-height:40px;"
+                          "border-radius:4px;margin:2px;}"
+                          "QScrollBar::add-line:vertical,QScrollBar::sub-line:vertical"
+                          "{height:0px;}");
+}
+
 QString listTemplate()
 {
     return QStringLiteral("QListWidget{color:black;%1background-color:white;outline:none;"
@@ -41,12 +50,43 @@ QString listTemplate()
                           "QListWidget:disabled{color:#767676;}"
                           "QListWidget::item{padding-left:6px;border:0px;}"
                           "QListWidget::item:selected"
-                          "{color:white;background-color:rgb(0 , 85 ,127);}"
-                          "QScrollBar:vertical{width:32px;background-color:#F2F5F8;border:0px;}"
-                          "QScrollBar::handle:vertical{background-color:#8B9FBD;min-height:40px;"
-                          "border-radius:4px;margin:2px;}"
-                          "QScrollBar::add-line:vertical,QScrollBar::sub-line:vertical"
-                          "{height:0px;}");
+                          "{color:white;background-color:rgb(0 , 85 ,127);}") +
+           scrollBarTemplate();
+}
+
+QString comboTemplate(int arrowWidth, int rowHeight)
+{
+    return QStringLiteral("QComboBox{color:black;%1background-color:white;padding-left:6px;"
+                          "border:2px solid #C4C4C3;border-radius:4px;combobox-popup:0;}"
+                          "QComboBox:disabled{color:#767676;background-color:#F2F5F8;}"
+                          "QComboBox::drop-down{width:%2px;border:0px;}"
+                          "QComboBox QAbstractItemView{color:black;%1background-color:white;"
+                          "outline:none;border:1px solid #C4C4C3;}"
+                          "QComboBox QAbstractItemView::item{min-height:%3px;padding-left:6px;}"
+                          "QComboBox QAbstractItemView::item:selected"
+                          "{color:white;background-color:rgb(0 , 85 ,127);}")
+               .replace(QLatin1String("%2"), QString::number(arrowWidth))
+               .replace(QLatin1String("%3"), QString::number(rowHeight)) +
+           scrollBarTemplate();
+}
+
+// A handle as large as a finger's touch, on a groove a sixth as high.
+QString sliderTemplate(int handle)
+{
+    const int groove = handle / 6;
+    return QStringLiteral("QSlider{min-height:%1px;}"
+                          "QSlider::groove:horizontal{border:0px;height:%2px;}"
+                          "QSlider::sub-page:horizontal,QSlider::add-page:horizontal"
+                          "{background-color:#0080ff;border-radius:3px;}"
+                          "QSlider::handle:horizontal{background-color:white;"
+                          "border:2px solid #C4C4C3;width:%3px;border-radius:%4px;margin:-%5px 0px;}"
+                          "QSlider::handle:horizontal:pressed"
+                          "{background-color:rgb(220, 220, 220);}")
+        .arg(handle)
+        .arg(groove)
+        .arg(handle - 4)
+        .arg(handle / 2 - 1)
+        .arg((handle - groove) / 2);
 }
 
 } // namespace
@@ -137,4 +177,12 @@ QString addressStyle(bool underlined)
                     (underlined ? QStringLiteral("border-bottom:2px solid;"
                                                  "border-bottom-color: #C4C4C3;}")
                                 : QStringLiteral("}")));
+}
+
+QString generalStyle()
+{
+    const int touch = touchHeight();
+    return addressStyle(true) + withFont(comboTemplate(touch, std::max(touch, fontPixelSize() * 8 / 5))) +
+           sliderTemplate(touch) +
+           QStringLiteral("QFrame#line_Halves{background-color:#C4C4C3;border:0px;}");
 }
