@@ -57,8 +57,7 @@ void BacklightBuzzer::init()
     const bool on = isBeepOn();
     PLATFORM::CPlatBuzzer::setEnable(on ? 1 : 0);
     showBeep(on);
-    const auto beepTime =
-        static_cast<unsigned short>(showWord(BEEP_TIME_WORD, m_widgets.beepTime));
+    const auto beepTime = static_cast<unsigned short>(showWord(BEEP_TIME_WORD, m_widgets.beepTime));
     PLATFORM::CPlatBuzzer::setBeepTime(beepTime);
     const auto tone = static_cast<unsigned short>(showWord(TONE_WORD, m_widgets.tone));
     m_widgets.toneSlider->setValue(tone);

@@ -6,6 +6,7 @@
 #include "platform/runtime.h"
 #include "system/TimeZone.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QLineEdit>
@@ -21,6 +22,7 @@ void fillZones(QComboBox *zones)
 {
     // The list's own delegate ignores the row height of the style sheet.
     zones->setItemDelegate(new QStyledItemDelegate(zones));
+    zones->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     for (const TimeZoneRow &row : TIME_ZONE_ROWS)
         zones->addItem(QString::fromLatin1(row.label));
     zones->setCurrentIndex(loadTimeZone());
@@ -42,8 +44,8 @@ ClockPanel::ClockPanel(QWidget *page, const Fields &fields, QComboBox *zones)
 
 void ClockPanel::refresh()
 {
-    const ClockTexts shown = clockTexts(
-        COS::CosTime::TimeStampToZoneTime(COS::CosTime::GetTimeStamp() + m_nTimeOffset));
+    const ClockTexts shown =
+        clockTexts(COS::CosTime::TimeStampToZoneTime(COS::CosTime::GetTimeStamp() + m_nTimeOffset));
     for (std::size_t i = 0; i < m_fields.size(); ++i) {
         if (m_fields[i]->text() != shown[i])
             m_fields[i]->setText(shown[i]);

@@ -26,10 +26,10 @@ General::General(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::Gen
                                        ui->line_Minute, ui->line_Second},
                     ui->comboBox);
     m_backlightBuzzer.emplace(
-        this, BacklightBuzzer::Widgets{ui->line_BacklightTime, ui->line_Backlightness,
-                                       ui->slider_Backlightness, ui->btn_BeepSwitch,
-                                       ui->lab_BeepVal, ui->line_BeepTime, ui->line_BeepType,
-                                       ui->slider_BeepType});
+        this,
+        BacklightBuzzer::Widgets{ui->line_BacklightTime, ui->line_Backlightness,
+                                 ui->slider_Backlightness, ui->btn_BeepSwitch, ui->lab_BeepVal,
+                                 ui->line_BeepTime, ui->line_BeepType, ui->slider_BeepType});
     connectWidgets();
     // A coarse timer would skip a second now and then.
     m_nClockTimer = startTimer(CLOCK_MS, Qt::PreciseTimer);

@@ -22,13 +22,7 @@ constexpr const char *NO_UDISK =
     QT_TRANSLATE_NOOP("QObject", "Failed to recognize U disk, please check it or change new one!");
 
 constexpr std::size_t SHOWN_SIZE = 1024;
-constexpr int LEAST_TOUCH = 32;    // pixels
 constexpr double BOX_SHARE = 0.7; // of the screen
-
-int touchHeight()
-{
-    return std::max(LEAST_TOUCH, screenSize().height() / 12);
-}
 
 std::string numbered(int udisk, const std::string &name)
 {

@@ -9,6 +9,7 @@ namespace {
 
 constexpr int RADIO_SIDE = 20; // pixels
 constexpr int TAB_LINE = 1;
+constexpr int FIELD_LINE = 2; // under a field
 
 QString withFont(const QString &sheetTemplate)
 {
@@ -60,13 +61,18 @@ QString comboTemplate(int arrowWidth, int rowHeight)
                           "border:2px solid #C4C4C3;border-radius:4px;combobox-popup:0;}"
                           "QComboBox:disabled{color:#767676;background-color:#F2F5F8;}"
                           "QComboBox::drop-down{width:%2px;border:0px;}"
+                          "QComboBox::down-arrow{width:%4px;height:%4px;"
+                          "image: url(:/SysSet_images/SysSet_images/chevron.png);}"
+                          "QComboBox::down-arrow:disabled{image:none;}"
                           "QComboBox QAbstractItemView{color:black;%1background-color:white;"
                           "outline:none;border:1px solid #C4C4C3;}"
-                          "QComboBox QAbstractItemView::item{min-height:%3px;padding-left:6px;}"
+                          "QComboBox QAbstractItemView::item{min-height:%3px;padding-left:6px;"
+                          "border:0px;}"
                           "QComboBox QAbstractItemView::item:selected"
                           "{color:white;background-color:rgb(0 , 85 ,127);}")
                .replace(QLatin1String("%2"), QString::number(arrowWidth))
-               .replace(QLatin1String("%3"), QString::number(rowHeight)) +
+               .replace(QLatin1String("%3"), QString::number(rowHeight))
+               .replace(QLatin1String("%4"), QString::number(arrowWidth / 2)) +
            scrollBarTemplate();
 }
 
@@ -74,14 +80,15 @@ QString comboTemplate(int arrowWidth, int rowHeight)
 QString sliderTemplate(int handle)
 {
     const int groove = handle / 6;
-    return QStringLiteral("QSlider{min-height:%1px;}"
-                          "QSlider::groove:horizontal{border:0px;height:%2px;}"
-                          "QSlider::sub-page:horizontal,QSlider::add-page:horizontal"
-                          "{background-color:#0080ff;border-radius:3px;}"
-                          "QSlider::handle:horizontal{background-color:white;"
-                          "border:2px solid #C4C4C3;width:%3px;border-radius:%4px;margin:-%5px 0px;}"
-                          "QSlider::handle:horizontal:pressed"
-                          "{background-color:rgb(220, 220, 220);}")
+    return QStringLiteral(
+               "QSlider{min-height:%1px;}"
+               "QSlider::groove:horizontal{border:0px;height:%2px;}"
+               "QSlider::sub-page:horizontal,QSlider::add-page:horizontal"
+               "{background-color:#0080ff;border-radius:3px;}"
+               "QSlider::handle:horizontal{background-color:white;"
+               "border:2px solid #C4C4C3;width:%3px;border-radius:%4px;margin:-%5px 0px;}"
+               "QSlider::handle:horizontal:pressed"
+               "{background-color:rgb(220, 220, 220);}")
         .arg(handle)
         .arg(groove)
         .arg(handle - 4)
@@ -182,7 +189,9 @@ QString addressStyle(bool underlined)
 QString generalStyle()
 {
     const int touch = touchHeight();
-    return addressStyle(true) + withFont(comboTemplate(touch, std::max(touch, fontPixelSize() * 8 / 5))) +
+    return addressStyle(true) +
+           QStringLiteral("QLineEdit{min-height:%1px;}").arg(touch - FIELD_LINE) +
+           withFont(comboTemplate(touch, std::max(touch, fontPixelSize() * 8 / 5))) +
            sliderTemplate(touch) +
            QStringLiteral("QFrame#line_Halves{background-color:#C4C4C3;border:0px;}");
 }

@@ -21,6 +21,6 @@ QString keyboardStyle(bool centred);
 QString radioStyle();
 // A block of address fields: underlined while they can be edited, bare while they only show.
 QString addressStyle(bool underlined);
-// The General page's: underlined fields, the list of zones with rows as high as a touch, and sliders
-// that follow the screen.
+// The General page's: underlined fields, the list of zones with rows as high as a touch, and
+// sliders that follow the screen.
 QString generalStyle();
