@@ -69,6 +69,7 @@ std::array<char, 256> zoneVariable{'T', 'Z', '='};
 std::vector<std::string> zoneValues()
 {
     std::vector<std::string> values;
+    values.reserve(TIME_ZONES);
     for (const TimeZoneRow &row : TIME_ZONE_ROWS)
         values.emplace_back(row.value);
     return values;
@@ -188,6 +189,6 @@ void makeRoomForTimeZone()
     char *value = &zoneVariable[NAME_LENGTH];
     if (zone == nullptr || zone == value || std::strlen(zone) > roomOf(value))
         return; // one that is too long for the variable has room enough itself
-    std::strcpy(value, zone);
+    std::memcpy(value, zone, std::strlen(zone) + 1);
     putenv(zoneVariable.data()); // NOLINT(concurrency-mt-unsafe): no other threads yet
 }
