@@ -58,7 +58,7 @@ void exportTimeZone()
     std::ifstream file(panelRoot() + "/mnt/data/etc/tz/tz.conf");
     std::string line;
     std::getline(file, line);
-    if (line.rfind("TZ=", 0) == 0)
+    if (line.rfind("TZ=", 0) == 0 && line.size() > 3)
         setenv("TZ", line.c_str() + 3, 0); // NOLINT(concurrency-mt-unsafe): the only thread yet
 }
 
