@@ -70,10 +70,16 @@ bool General::eventFilter(QObject *watched, QEvent *event)
 
 void General::timerEvent(QTimerEvent *event)
 {
-    if (event->timerId() == m_nClockTimer)
-        m_clock->refresh();
-    else
+    if (event->timerId() != m_nClockTimer)
         QWidget::timerEvent(event);
+    else if (isVisible()) // an idle panel pays for every tick
+        m_clock->refresh();
+}
+
+void General::showEvent(QShowEvent *event)
+{
+    m_clock->refresh();
+    QWidget::showEvent(event);
 }
 
 void General::slot_comboxChange(int index)

@@ -36,6 +36,7 @@ public:
 
 protected:
     void timerEvent(QTimerEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private slots:
     void slot_comboxChange(int index);
