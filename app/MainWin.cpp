@@ -14,6 +14,7 @@
 #include "platform/cos_thread.h"
 #include "system/CommSetting.h"
 #include "system/ComParam.h"
+#include "system/General.h"
 #include "system/Language.h"
 #include "system/LanguageSettings.h"
 #include "ui_Qt_MainWin.h"
@@ -68,6 +69,7 @@ MainWin::MainWin()
     registerHotPlug();
     m_pComParams = std::make_unique<ComParamLists>();
     m_pCommSetting->init(m_pComParams.get());
+    m_pGeneral->init(m_pComParams.get());
 }
 
 MainWin::~MainWin()
@@ -117,6 +119,7 @@ void MainWin::makePages()
 {
     m_pNetEth = ui->wdg_Eth->setPage<NetEth>();
     m_pCommSetting = ui->wdg_CommSetting->setPage<CommSetting>();
+    m_pGeneral = ui->wdg_Gerneral->setPage<General>();
     m_pLanguage = ui->wdg_Language->setPage<Language>();
     m_updatePages = {ui->wdg_HmiPro->setPage<DownLoadHmiPro>(),
                      ui->wdg_HmiImage->setPage<DownLoadHmiImage>(),
@@ -132,6 +135,7 @@ void MainWin::initLanguage()
     m_nLanguage = g_nLanguge;
     ui->retranslateUi(this);
     m_pCommSetting->retranslate();
+    m_pGeneral->retranslate();
     m_pNetEth->retranslate();
     for (UpdatePage *page : m_updatePages)
         page->retranslate();
@@ -313,6 +317,7 @@ void MainWin::slot_LanguageChange(int index)
     highlightGroup(m_nGroup);
     applyStyle();
     m_pCommSetting->retranslate();
+    m_pGeneral->retranslate();
     m_pNetEth->retranslate();
     for (UpdatePage *page : m_updatePages)
         page->retranslate();

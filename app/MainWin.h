@@ -19,6 +19,7 @@
 class CDownloadThread;
 class CommSetting;
 class ComParamLists;
+class General;
 class Language;
 class NetEth;
 class QPushButton;
@@ -98,6 +99,7 @@ private:
     std::vector<netT::stAllNetInfo_tag> netRecords() const;
 
     std::unique_ptr<Ui::Qt_MainWin> ui;
+    General *m_pGeneral = nullptr;
     NetEth *m_pNetEth = nullptr;
     CommSetting *m_pCommSetting = nullptr;
     Language *m_pLanguage = nullptr;

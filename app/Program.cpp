@@ -5,6 +5,7 @@
 #include "app/Shutdown.h"
 #include "input/FieldKeyboard.h"
 #include "resources/Resources.h"
+#include "system/TimeZone.h"
 
 #include <QApplication>
 
@@ -45,6 +46,7 @@ void runProgram(int argc, char **argv, const std::function<void()> &shown)
     // Nothing here draws with OpenGL; without it the X11 platform starts faster and smaller.
     if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
         qputenv("QT_XCB_GL_INTEGRATION", "none");
+    makeRoomForTimeZone();
 
     QApplication application(argc, argv);
     loadResources();

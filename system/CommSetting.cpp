@@ -68,7 +68,7 @@ void CommSetting::init(const ComParamLists *lists)
 void CommSetting::retranslate()
 {
     ui->retranslateUi(this);
-    setStyleOnce(this, comStyle());
+    setStyleWhenSeen(this, comStyle());
 }
 
 bool CommSetting::eventFilter(QObject *watched, QEvent *event)

@@ -48,11 +48,6 @@ QSize fractionOf(const QSize &size, double widthFactor, double heightFactor)
             static_cast<int>(size.height() * heightFactor)};
 }
 
-int touchHeight()
-{
-    return std::max(LEAST_TOUCH, screenSize().height() / 12);
-}
-
 void placeOnScreen(QWidget *window, const QSize &size, const QPoint &corner)
 {
     window->setFixedSize(size);

@@ -16,9 +16,6 @@ int touchHeight();
 // `size` scaled by the two factors, truncated toward zero.
 QSize fractionOf(const QSize &size, double widthFactor, double heightFactor);
 
-// Height of what a gloved finger touches, in pixels.
-int touchHeight();
-
 // Fixes the size of the top-level widget `window` and puts its corner at `corner`, a point of the
 // panel's screen. On a panel the main window covers the screen from (0, 0) on; on a desktop it
 // stands anywhere, and what opens over it goes with it.

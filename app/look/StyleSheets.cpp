@@ -9,6 +9,7 @@ namespace {
 
 constexpr int RADIO_SIDE = 20; // pixels
 constexpr int TAB_LINE = 1;
+constexpr int FIELD_LINE = 2; // under a field
 
 QString withFont(const QString &sheetTemplate)
 {
@@ -34,6 +35,15 @@ QString radioTemplate(int indicatorSide)
         .replace(QLatin1String("%2"), QString::number(indicatorSide));
 }
 
+QString scrollBarTemplate()
+{
+    return QStringLiteral("QScrollBar:vertical{width:32px;background-color:#F2F5F8;border:0px;}"
+                          "QScrollBar::handle:vertical{background-color:#8B9FBD;min-height:40px;"
+                          "border-radius:4px;margin:2px;}"
+                          "QScrollBar::add-line:vertical,QScrollBar::sub-line:vertical"
+                          "{height:0px;}");
+}
+
 QString listTemplate()
 {
     return QStringLiteral("QListWidget{color:black;%1background-color:white;outline:none;"
@@ -41,12 +51,49 @@ QString listTemplate()
                           "QListWidget:disabled{color:#767676;}"
                           "QListWidget::item{padding-left:6px;border:0px;}"
                           "QListWidget::item:selected"
-                          "{color:white;background-color:rgb(0 , 85 ,127);}"
-                          "QScrollBar:vertical{width:32px;background-color:#F2F5F8;border:0px;}"
-                          "QScrollBar::handle:vertical{background-color:#8B9FBD;min-height:40px;"
-                          "border-radius:4px;margin:2px;}"
-                          "QScrollBar::add-line:vertical,QScrollBar::sub-line:vertical"
-                          "{height:0px;}");
+                          "{color:white;background-color:rgb(0 , 85 ,127);}") +
+           scrollBarTemplate();
+}
+
+QString comboTemplate(int arrowWidth, int rowHeight)
+{
+    return QStringLiteral("QComboBox{color:black;%1background-color:white;padding-left:6px;"
+                          "border:2px solid #C4C4C3;border-radius:4px;combobox-popup:0;}"
+                          "QComboBox:disabled{color:#767676;background-color:#F2F5F8;}"
+                          "QComboBox::drop-down{width:%2px;border:0px;}"
+                          "QComboBox::down-arrow{width:%4px;height:%4px;"
+                          "image: url(:/SysSet_images/SysSet_images/chevron.png);}"
+                          "QComboBox::down-arrow:disabled{image:none;}"
+                          "QComboBox QAbstractItemView{color:black;%1background-color:white;"
+                          "outline:none;border:1px solid #C4C4C3;}"
+                          "QComboBox QAbstractItemView::item{min-height:%3px;padding-left:6px;"
+                          "border:0px;}"
+                          "QComboBox QAbstractItemView::item:selected"
+                          "{color:white;background-color:rgb(0 , 85 ,127);}")
+               .replace(QLatin1String("%2"), QString::number(arrowWidth))
+               .replace(QLatin1String("%3"), QString::number(rowHeight))
+               .replace(QLatin1String("%4"), QString::number(arrowWidth / 2)) +
+           scrollBarTemplate();
+}
+
+// A handle as large as a finger's touch, on a groove a sixth as high.
+QString sliderTemplate(int handle)
+{
+    const int groove = handle / 6;
+    return QStringLiteral(
+               "QSlider{min-height:%1px;}"
+               "QSlider::groove:horizontal{border:0px;height:%2px;}"
+               "QSlider::sub-page:horizontal,QSlider::add-page:horizontal"
+               "{background-color:#0080ff;border-radius:3px;}"
+               "QSlider::handle:horizontal{background-color:white;"
+               "border:2px solid #C4C4C3;width:%3px;border-radius:%4px;margin:-%5px 0px;}"
+               "QSlider::handle:horizontal:pressed"
+               "{background-color:rgb(220, 220, 220);}")
+        .arg(handle)
+        .arg(groove)
+        .arg(handle - 4)
+        .arg(handle / 2 - 1)
+        .arg((handle - groove) / 2);
 }
 
 // Fields that are told apart by the dynamic property "shownOnly".
@@ -163,4 +210,14 @@ QString communicationStyle()
         QStringLiteral("#Communication{background-color:white;}"
                        "QLabel#lab_Title{background-color:rgb(139, 159, 189);border-radius:0px;}"
                        "QFrame#frame{border:2px solid #8B9FBD;}"));
+}
+
+QString generalStyle()
+{
+    const int touch = touchHeight();
+    return addressStyle(true) +
+           QStringLiteral("QLineEdit{min-height:%1px;}").arg(touch - FIELD_LINE) +
+           withFont(comboTemplate(touch, std::max(touch, fontPixelSize() * 8 / 5))) +
+           sliderTemplate(touch) +
+           QStringLiteral("QFrame#line_Halves{background-color:#C4C4C3;border:0px;}");
 }

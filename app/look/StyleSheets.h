@@ -25,3 +25,6 @@ QString addressStyle(bool underlined);
 QString comStyle();
 // The communication dialog's, its fields as on the COM page.
 QString communicationStyle();
+// The General page's: underlined fields, the list of zones with rows as high as a touch, and
+// sliders that follow the screen.
+QString generalStyle();

@@ -69,8 +69,7 @@ void Panel::set(const std::string &path, const Json &value)
     const std::lock_guard lock(m_mutex);
     const Json before = m_state;
     change(m_state, path, value);
-    m_net.stateChanged(before, m_state);
-    m_update.stateChanged(before, m_state);
+    stateChanged(before);
 }
 
 void Panel::apply(const Json &scenario)
@@ -85,8 +84,15 @@ void Panel::apply(const Json &scenario)
     const Json before = m_state;
     overlay(m_state, part);
     m_injections = orders;
+    stateChanged(before);
+}
+
+void Panel::stateChanged(const Json &before)
+{
     m_net.stateChanged(before, m_state);
     m_update.stateChanged(before, m_state);
+    if (keptPart(before) != keptPart(m_state))
+        m_kept.changed();
 }
 
 void Panel::fail(const std::string &op, int code, int count)
@@ -147,12 +153,19 @@ void Panel::hurry()
     m_hurried.notify_all();
 }
 
+void Panel::keepIn(const std::string &file)
+{
+    const std::lock_guard lock(m_mutex);
+    m_kept.start(file, [this] { return get(std::string()); });
+}
+
 void Panel::stop(std::chrono::milliseconds patience)
 {
     m_net.stop(patience);
     m_media.stop(patience);
     m_update.stop(patience);
     m_serialPlc.stop();
+    m_kept.stop(patience);
 }
 
 void Panel::sleep(std::unique_lock<std::mutex> &lock, int ms)

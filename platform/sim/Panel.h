@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/sim/CallLog.h"
+#include "platform/sim/KeptSettings.h"
 #include "platform/sim/MediaService.h"
 #include "platform/sim/NetService.h"
 #include "platform/sim/SerialPlc.h"
@@ -47,6 +48,8 @@ public:
     void reset();
     // Ends the delays of calls under way, and of all to come, so that the program can end.
     void hurry();
+    // From now on what the panel remembers without power is kept in `file`, up to stop().
+    void keepIn(const std::string &file);
     // Ends the services' threads, as reset() waits for them.
     void stop(std::chrono::milliseconds patience);
 
@@ -63,6 +66,15 @@ public:
     {
         const std::lock_guard lock(m_mutex);
         return action(m_state);
+    }
+
+    // Changes a place of the state that the panel remembers without power. In a call's body.
+    void keep(Json &place, const Json &value)
+    {
+        if (place == value)
+            return;
+        place = value;
+        m_kept.changed();
     }
 
     // One platform call: takes the delay and the answer that are ordered for `op`, else asks
@@ -124,6 +136,7 @@ private:
         return result;
     }
 
+    void stateChanged(const Json &before);
     void sleep(std::unique_lock<std::mutex> &lock, int ms);
 
     std::mutex m_mutex;
@@ -136,6 +149,7 @@ private:
     MediaService m_media;
     UpdateService m_update;
     SerialPlc m_serialPlc;
+    KeptSettings m_kept;
 };
 
 // The panel of this process, made at the first call and never destroyed, because platform threads

@@ -41,7 +41,7 @@ int setBuzzer(const char *op, const char *field, int value, bool valid)
     return panel().call(op, Json::array({value}), [&](Json &state) {
         if (!valid)
             return FAILED;
-        state["buzzer"][field] = value;
+        panel().keep(state["buzzer"][field], value);
         return 0;
     });
 }
@@ -91,7 +91,7 @@ int CPlatLcd::setBrightness(int percent)
                         [&](Json &state) {
                             if (percent < 1 || percent > 100)
                                 return FAILED;
-                            state["lcd"]["brightness"] = percent;
+                            panel().keep(state["lcd"]["brightness"], percent);
                             return 0;
                         });
 }
@@ -111,14 +111,16 @@ int CPlatBuzzer::open()
 
 int CPlatBuzzer::init(int enabled, unsigned short pwmType, unsigned short beepTime)
 {
-    return panel().call(
-        "PLATFORM.CPlatBuzzer.init", Json::array({enabled, pwmType, beepTime}), [&](Json &state) {
-            if (!isTone(pwmType) || !isClickLength(beepTime))
-                return FAILED;
-            state["buzzer"].update(
-                {{"enabled", enabled != 0 ? 1 : 0}, {"tone", pwmType}, {"time", beepTime}});
-            return 0;
-        });
+    return panel().call("PLATFORM.CPlatBuzzer.init", Json::array({enabled, pwmType, beepTime}),
+                        [&](Json &state) {
+                            if (!isTone(pwmType) || !isClickLength(beepTime))
+                                return FAILED;
+                            Json &buzzer = state["buzzer"];
+                            panel().keep(buzzer["enabled"], enabled != 0 ? 1 : 0);
+                            panel().keep(buzzer["tone"], pwmType);
+                            panel().keep(buzzer["time"], beepTime);
+                            return 0;
+                        });
 }
 
 int CPlatBuzzer::setEnable(int enabled)

@@ -52,8 +52,20 @@ void setScreen(const std::string &size)
                         {"height", parseNumber(size.substr(cross + 1), "SYSSET_LCD: the height")}});
 }
 
+// A panel's start scripts put the zone that it keeps into the environment.
+void exportTimeZone()
+{
+    std::ifstream file(panelRoot() + "/mnt/data/etc/tz/tz.conf");
+    std::string line;
+    std::getline(file, line);
+    if (line.rfind("TZ=", 0) == 0 && line.size() > 3)
+        setenv("TZ", line.c_str() + 3, 0); // NOLINT(concurrency-mt-unsafe): the only thread yet
+}
+
+// The scenario has the last word on what it names.
 void applyEnvironment()
 {
+    panel().apply(loadKept(keptFile()));
     const std::string scenario = environment("SYSSET_SCENARIO");
     panel().apply(loadScenario(scenario.empty() ? "full" : scenario));
     const std::string size = environment("SYSSET_LCD");
@@ -143,6 +155,8 @@ int startFromEnvironment()
     try {
         applyEnvironment();
         takeRoot();
+        panel().keepIn(keptFile());
+        exportTimeZone();
     } catch (const BadRequest &error) {
         return refuse(BAD_ENVIRONMENT, error.what());
     } catch (const Unusable &error) {

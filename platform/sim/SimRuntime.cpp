@@ -29,7 +29,7 @@ int writeClock(Json &state, const unsigned short *words)
     const auto stamp = COS::CosTime::TimeToTimeStamp(time);
     if (stamp == -1)
         return FAILED;
-    state["clock"]["offset"] = stamp - static_cast<std::int64_t>(std::time(nullptr));
+    panel().keep(state["clock"]["offset"], stamp - static_cast<std::int64_t>(std::time(nullptr)));
     state["clock"]["written"] = Json(std::vector<unsigned short>(words, words + CLOCK_WORDS));
     return 0;
 }
@@ -80,7 +80,7 @@ int backstage_AddrWrite(unsigned int address, const unsigned short *words, int c
                             if (!allKnown(state["words"], address, count))
                                 return FAILED;
                             for (int i = 0; i < count; ++i)
-                                state["words"][key(address, i)] = words[i];
+                                panel().keep(state["words"][key(address, i)], words[i]);
                             return 0;
                         });
 }

@@ -49,7 +49,7 @@ int CosTime::SetSysLocalTime(const SYS_TIME_T &time)
         const std::int64_t stamp = TimeToTimeStamp(time);
         if (stamp == -1)
             return -1;
-        state["clock"]["offset"] = stamp - hostClock();
+        panel().keep(state["clock"]["offset"], stamp - hostClock());
         return 0;
     });
 }

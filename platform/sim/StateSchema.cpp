@@ -69,7 +69,7 @@ constexpr const char *DEFAULTS_TEXT = R"({
 "machine": {"hmiType": "KV070T", "sn": "A2108150042", "mac": "02:00:5E:10:00:01",
             "deviceId": "0210 8150 0420 7001", "product": "P-070T-0042", "remote": 1,
             "cpuId": "3c00210081500042", "boardModel": "KV070T", "hardwareReset": 1},
-"lcd": {"width": 1024, "height": 600, "brightness": 80},
+"lcd": {"width": 1024, "height": 600, "brightness": 100},
 "buzzer": {"enabled": 1, "tone": 3, "time": 100, "opens": 0, "waiting": 0, "beeps": []},
 "clock": {"allowSet": 1, "offset": 0, "written": []},
 "net": {
@@ -130,7 +130,7 @@ constexpr const char *DEFAULTS_TEXT = R"({
 
 // Backlight off-time and brightness; buzzer off (0 reads as on), tone and time.
 constexpr const char *SETTINGS_WORDS =
-    R"({"10590": 600, "10591": 80, "10612": 0, "10613": 3, "10614": 100})";
+    R"({"10590": 600, "10591": 100, "10612": 0, "10613": 3, "10614": 100})";
 
 // Eleven words a port: connection, baud rate, data bits, stop bits, parity, wait and read
 // time-out, retries, retry time-out, own and other station.

@@ -42,6 +42,12 @@ QSize screenSize()
     return {lcd["width"].get<int>(), lcd["height"].get<int>()};
 }
 
+// How dark a backlight of that many percent leaves a picture; at 1 it can still be read.
+QColor shade(int percent)
+{
+    return {0, 0, 0, 191 * (100 - percent) / 100};
+}
+
 } // namespace
 
 void shootScreen(const QString &path)
@@ -51,6 +57,7 @@ void shootScreen(const QString &path)
     QPainter painter(&screen);
     for (QWidget *window : shownWindows())
         painter.drawPixmap(screenRect(window).topLeft(), window->grab());
+    painter.fillRect(screen.rect(), shade(panel().get("lcd.brightness").get<int>()));
     painter.end();
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || !screen.save(&file, "PNG") || !file.commit())

@@ -29,8 +29,8 @@ QRect screenRect(const QWidget *widget);
 // The widget and all in it as the dump shows them.
 Json dumpWidget(const QWidget *widget);
 
-// What the screen shows, dialogs and pop-ups included, into the PNG file `path`, whole or not at
-// all. Throws BadRequest if it cannot be written.
+// What the screen shows, dialogs and pop-ups included, as dark as the backlight leaves it, into the
+// PNG file `path`, whole or not at all. Throws BadRequest if it cannot be written.
 void shootScreen(const QString &path);
 
 // Puts a press and a release at the centre of `row` of `widget` into the queue: of a list or combo

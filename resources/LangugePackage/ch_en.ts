@@ -361,6 +361,61 @@
     </message>
 </context>
 <context>
+    <name>General</name>
+    <message>
+        <source>Date/Time:</source>
+        <translation>Date/Time:</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>Time Zone:</source>
+        <translation>Time Zone:</translation>
+    </message>
+    <message>
+        <source>Backlight:</source>
+        <translation>Backlight:</translation>
+    </message>
+    <message>
+        <source>s</source>
+        <translation>s</translation>
+    </message>
+    <message>
+        <source>Brightness:</source>
+        <translation>Brightness:</translation>
+    </message>
+    <message>
+        <source>%</source>
+        <translation>%</translation>
+    </message>
+    <message>
+        <source>Beep:</source>
+        <translation>Beep:</translation>
+    </message>
+    <message>
+        <source>Beep Time:</source>
+        <translation>Beep Time:</translation>
+    </message>
+    <message>
+        <source>ms</source>
+        <translation>ms</translation>
+    </message>
+    <message>
+        <source>Beep Tone:</source>
+        <translation>Beep Tone:</translation>
+    </message>
+    <message>
+        <source>level</source>
+        <translation>level</translation>
+    </message>
+    <message>
+        <source>Failed to update time!</source>
+        <translation>Failed to update time!</translation>
+    </message>
+</context>
+<context>
     <name>MainWin</name>
     <message>
         <source>netServer not run</source>

@@ -361,6 +361,61 @@
     </message>
 </context>
 <context>
+    <name>General</name>
+    <message>
+        <source>Date/Time:</source>
+        <translation>日期/时间：</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
+    </message>
+    <message>
+        <source>Time Zone:</source>
+        <translation>时区：</translation>
+    </message>
+    <message>
+        <source>Backlight:</source>
+        <translation>背光时间：</translation>
+    </message>
+    <message>
+        <source>s</source>
+        <translation>秒</translation>
+    </message>
+    <message>
+        <source>Brightness:</source>
+        <translation>背光亮度：</translation>
+    </message>
+    <message>
+        <source>%</source>
+        <translation>%</translation>
+    </message>
+    <message>
+        <source>Beep:</source>
+        <translation>蜂鸣器：</translation>
+    </message>
+    <message>
+        <source>Beep Time:</source>
+        <translation>蜂鸣时间：</translation>
+    </message>
+    <message>
+        <source>ms</source>
+        <translation>毫秒</translation>
+    </message>
+    <message>
+        <source>Beep Tone:</source>
+        <translation>蜂鸣音调：</translation>
+    </message>
+    <message>
+        <source>level</source>
+        <translation>级</translation>
+    </message>
+    <message>
+        <source>Failed to update time!</source>
+        <translation>更新时间失败！</translation>
+    </message>
+</context>
+<context>
     <name>MainWin</name>
     <message>
         <source>netServer not run</source>

@@ -51,7 +51,7 @@ private slots:
         panel().fail("PLATFORM.CPlatLcd.setBrightness", -7, 2);
         QCOMPARE(PLATFORM::CPlatLcd::setBrightness(10), -7);
         QCOMPARE(PLATFORM::CPlatLcd::setBrightness(10), -7);
-        QCOMPARE(panel().get("lcd.brightness").get<int>(), 80);
+        QCOMPARE(panel().get("lcd.brightness").get<int>(), 100);
         QCOMPARE(PLATFORM::CPlatLcd::setBrightness(10), 0);
         panel().fail("Beep", -3);
         for (int i = 0; i < 3; ++i)

@@ -1,0 +1,18 @@
+#include "app/look/PanelCombo.h"
+
+#include "app/look/Screen.h"
+
+#include <QAbstractItemView>
+
+#include <algorithm>
+
+void PanelCombo::showPopup()
+{
+    QComboBox::showPopup();
+    QWidget *list = view()->window();
+    const int frame = list->height() - view()->viewport()->height();
+    const int rows = std::min(count(), maxVisibleItems()) * view()->sizeHintForRow(0);
+    placeOverPage(list, {width(), std::min(rows + frame, screenSize().height())}, this,
+                  {0, height()});
+    view()->scrollTo(view()->currentIndex(), QAbstractItemView::PositionAtCenter);
+}

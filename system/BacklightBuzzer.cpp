@@ -1,0 +1,154 @@
+#include "system/BacklightBuzzer.h"
+
+#include "app/look/WidgetLook.h"
+#include "input/FieldKeyboard.h"
+#include "platform/board.h"
+#include "system/RuntimeWord.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSlider>
+
+namespace {
+
+constexpr unsigned int OFF_TIME_WORD = 10590;
+constexpr unsigned int BRIGHTNESS_WORD = 10591;
+constexpr unsigned int BEEP_WORD = 10612;
+constexpr unsigned int TONE_WORD = 10613;
+constexpr unsigned int BEEP_TIME_WORD = 10614;
+
+constexpr int LONGEST_OFF_TIME = 3600;
+constexpr int LONGEST_BEEP = 1000;
+
+// Returns what the field shows now.
+int showWord(unsigned int address, QLineEdit *field)
+{
+    QString text;
+    readWord(address, text);
+    field->setText(text);
+    return text.toInt();
+}
+
+// An odd word says off. The switch writes 1 for on, so that a buzzer that was turned off sounds
+// again after the next start; this is intended.
+bool isBeepOn()
+{
+    QString text;
+    readWord(BEEP_WORD, text);
+    return text.toInt() % 2 == 0;
+}
+
+} // namespace
+
+BacklightBuzzer::BacklightBuzzer(QWidget *page, const Widgets &widgets)
+    : m_pPage(page), m_widgets(widgets)
+{
+    for (QLineEdit *field :
+         {m_widgets.offTime, m_widgets.brightness, m_widgets.beepTime, m_widgets.tone})
+        field->installEventFilter(page);
+}
+
+void BacklightBuzzer::init()
+{
+    m_bRuntime = true;
+    showWord(OFF_TIME_WORD, m_widgets.offTime);
+    m_widgets.brightnessSlider->setValue(showWord(BRIGHTNESS_WORD, m_widgets.brightness));
+    const bool on = isBeepOn();
+    PLATFORM::CPlatBuzzer::setEnable(on ? 1 : 0);
+    showBeep(on);
+    const auto beepTime = static_cast<unsigned short>(showWord(BEEP_TIME_WORD, m_widgets.beepTime));
+    PLATFORM::CPlatBuzzer::setBeepTime(beepTime);
+    const auto tone = static_cast<unsigned short>(showWord(TONE_WORD, m_widgets.tone));
+    m_widgets.toneSlider->setValue(tone);
+    m_widgets.beepSwitch->setFlat(true);
+    PLATFORM::CPlatBuzzer::init(on ? 1 : 0, tone, beepTime);
+}
+
+bool BacklightBuzzer::edit(const QObject *object)
+{
+    if (object == m_widgets.offTime)
+        editOffTime();
+    else if (object == m_widgets.brightness)
+        editBrightness();
+    else if (object == m_widgets.beepTime)
+        editBeepTime();
+    else if (object == m_widgets.tone)
+        editTone();
+    else
+        return false;
+    return true;
+}
+
+bool BacklightBuzzer::enter(QLineEdit *field, int min, int max)
+{
+    return editWithKeyboard(numberRequest(m_pPage, field, min, max));
+}
+
+void BacklightBuzzer::editOffTime()
+{
+    if (enter(m_widgets.offTime, 0, LONGEST_OFF_TIME))
+        writeWord(OFF_TIME_WORD, m_widgets.offTime->text());
+}
+
+void BacklightBuzzer::editBrightness()
+{
+    const QSlider *slider = m_widgets.brightnessSlider;
+    if (!enter(m_widgets.brightness, slider->minimum(), slider->maximum()))
+        return;
+    const int percent = m_widgets.brightness->text().toInt();
+    writeWord(BRIGHTNESS_WORD, m_widgets.brightness->text());
+    m_widgets.brightnessSlider->setValue(percent);
+    PLATFORM::CPlatLcd::setBrightness(percent);
+}
+
+void BacklightBuzzer::editBeepTime()
+{
+    if (!enter(m_widgets.beepTime, 0, LONGEST_BEEP))
+        return;
+    const QString text = m_widgets.beepTime->text();
+    PLATFORM::CPlatBuzzer::setBeepTime(text.toUShort());
+    writeWord(BEEP_TIME_WORD, text);
+}
+
+void BacklightBuzzer::editTone()
+{
+    const QSlider *slider = m_widgets.toneSlider;
+    if (!enter(m_widgets.tone, slider->minimum(), slider->maximum()))
+        return;
+    const QString text = m_widgets.tone->text();
+    writeWord(TONE_WORD, text);
+    m_widgets.toneSlider->setValue(text.toInt());
+    PLATFORM::CPlatBuzzer::setPwmType(text.toUShort());
+}
+
+void BacklightBuzzer::moveBrightness(int percent)
+{
+    m_widgets.brightness->setText(QString::number(percent));
+    writeWord(BRIGHTNESS_WORD, m_widgets.brightness->text());
+    PLATFORM::CPlatLcd::setBrightness(percent);
+}
+
+void BacklightBuzzer::moveTone(int tone)
+{
+    m_widgets.tone->setText(QString::number(tone));
+    writeWord(TONE_WORD, m_widgets.tone->text());
+    PLATFORM::CPlatBuzzer::setPwmType(static_cast<unsigned short>(tone));
+    PLATFORM::CPlatBuzzer::open(); // to hear it
+}
+
+void BacklightBuzzer::toggleBeep()
+{
+    const bool on = PLATFORM::CPlatBuzzer::getEnable() <= 0;
+    PLATFORM::CPlatBuzzer::setEnable(on ? 1 : 0);
+    showBeep(on);
+    if (m_bRuntime)
+        writeWord(BEEP_WORD, on ? QStringLiteral("1") : QStringLiteral("0"));
+}
+
+void BacklightBuzzer::showBeep(bool on)
+{
+    showSwitch(m_widgets.beepSwitch, on);
+    showIcon(m_widgets.beepIcon,
+             on ? QStringLiteral("voice_Open.png") : QStringLiteral("voice_Close.png"));
+}

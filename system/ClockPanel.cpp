@@ -1,0 +1,103 @@
+#include "system/ClockPanel.h"
+
+#include "app/look/BoxHelpers.h"
+#include "app/look/Screen.h"
+#include "input/FieldKeyboard.h"
+#include "platform/runtime.h"
+#include "system/TimeZone.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QLineEdit>
+#include <QStyledItemDelegate>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int VISIBLE_ZONES = 8;
+
+void fillZones(QComboBox *zones)
+{
+    // The list's own delegate ignores the row height of the style sheet.
+    zones->setItemDelegate(new QStyledItemDelegate(zones));
+    zones->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    for (const TimeZoneRow &row : TIME_ZONE_ROWS)
+        zones->addItem(QString::fromLatin1(row.label));
+    zones->setCurrentIndex(loadTimeZone());
+    const bool allowed = backstage_AllowSetTime() != 0;
+    zones->setEnabled(allowed);
+    if (allowed)
+        zones->setMaxVisibleItems(VISIBLE_ZONES);
+}
+
+} // namespace
+
+ClockPanel::ClockPanel(QWidget *page, const Fields &fields, QComboBox *zones)
+    : m_pPage(page), m_fields(fields)
+{
+    fillZones(zones);
+    for (QLineEdit *field : m_fields)
+        field->installEventFilter(page);
+}
+
+void ClockPanel::refresh()
+{
+    const ClockTexts shown =
+        clockTexts(COS::CosTime::TimeStampToZoneTime(COS::CosTime::GetTimeStamp() + m_nTimeOffset));
+    for (std::size_t i = 0; i < m_fields.size(); ++i) {
+        if (m_fields[i]->text() != shown[i])
+            m_fields[i]->setText(shown[i]);
+    }
+}
+
+ClockTexts ClockPanel::texts() const
+{
+    ClockTexts shown;
+    std::transform(m_fields.begin(), m_fields.end(), shown.begin(),
+                   [](const QLineEdit *field) { return field->text(); });
+    return shown;
+}
+
+bool ClockPanel::edit(const QObject *object)
+{
+    const auto field = std::find(m_fields.begin(), m_fields.end(), object);
+    if (field == m_fields.end())
+        return false;
+    editField(static_cast<ClockField>(field - m_fields.begin()));
+    return true;
+}
+
+void ClockPanel::editField(ClockField field)
+{
+    const ClockRange range = clockRange(field, texts());
+    QLineEdit *line = m_fields[field];
+    QString entered;
+    if (!editWithKeyboard(numberRequest(m_pPage, line, range.min, range.max), &entered))
+        return;
+    // The keyboard has written the field, but a tick may have come before its end.
+    line->setText(QString::number(entered.toInt()));
+    if (field == CLOCK_YEAR)
+        m_fields[CLOCK_DAY]->setText(dayAfterYear(texts()));
+    else if (field == CLOCK_MONTH)
+        m_fields[CLOCK_DAY]->setText(dayAfterMonth(texts()));
+    measureOffset(texts(), m_nTimeOffset);
+    refresh();
+}
+
+void ClockPanel::save()
+{
+    const QStringList values = clockValues(texts());
+    m_nTimeOffset = 0;
+    if (writeClock(values) >= 0)
+        return;
+    const QSize corner = fractionOf(m_pPage->size(), 0.25, 0.25);
+    runBox(BOX_WARNING, m_pPage, QCoreApplication::translate("General", "Failed to update time!"),
+           fractionOf(screenSize(), 0.5, 0.5), {corner.width(), corner.height()});
+}
+
+void ClockPanel::applyZone(int index)
+{
+    applyTimeZone(index, m_nTimeOffset);
+}

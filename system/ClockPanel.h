@@ -1,0 +1,43 @@
+// The upper half of the General page: the clock and the time zone.
+#pragma once
+
+#include "system/Clock.h"
+
+class QComboBox;
+class QLineEdit;
+class QObject;
+class QWidget;
+
+// Shows the panel's clock, ticking from whatever time the operator has typed until it is saved.
+// GUI thread.
+class ClockPanel
+{
+public:
+    // Years first, seconds last; the field of a ClockField has its index.
+    using Fields = std::array<QLineEdit *, CLOCK_FIELDS>;
+
+    // Fills the list with the zones, the kept one chosen. `page` and the widgets must outlive the
+    // object.
+    ClockPanel(QWidget *page, const Fields &fields, QComboBox *zones);
+
+    // Shows the time. Touches only the fields whose text changes: nobody sees most of the ticks.
+    void refresh();
+
+    // Opens the keyboard on the field that `object` is, if it is one of the six; an accepted value
+    // is what the clock goes on from. Returns whether it is one.
+    bool edit(const QObject *object);
+
+    // Sets the panel's clock to what the fields show, and tells the operator if that fails.
+    void save();
+
+    // Chooses the zone of that row.
+    void applyZone(int index);
+
+private:
+    void editField(ClockField field);
+    ClockTexts texts() const;
+
+    QWidget *m_pPage;
+    Fields m_fields;
+    std::int64_t m_nTimeOffset = 0; // seconds from the panel's clock to the typed time
+};

@@ -1,0 +1,54 @@
+// The General page of the System group: clock, time zone, backlight and buzzer.
+#pragma once
+
+#include "system/BacklightBuzzer.h"
+#include "system/ClockPanel.h"
+
+#include <QWidget>
+
+#include <memory>
+#include <optional>
+
+class ComParamLists;
+
+namespace Ui {
+class General;
+}
+
+// Brings the form, touches and ticks to the two halves. GUI thread.
+class General : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit General(QWidget *parent = nullptr);
+    ~General() override;
+
+    // Shows the time and the runtime's words and sets the buzzer up by them. `runtime` is the
+    // settings object of the COM ports; null leaves the words alone, and the page will not write
+    // the beep switch. Once, by the main window.
+    void init(const ComParamLists *runtime);
+
+    // Says the page's texts and takes its style again, after a language change.
+    void retranslate();
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+protected:
+    void timerEvent(QTimerEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
+private slots:
+    void slot_comboxChange(int index);
+    void slot_ButtonPressed();
+    void slot_slider_Backlightness(int percent);
+    void slot_slider_BeepType(int tone);
+
+private:
+    void connectWidgets();
+
+    std::unique_ptr<Ui::General> ui;
+    std::optional<ClockPanel> m_clock;
+    std::optional<BacklightBuzzer> m_backlightBuzzer;
+    int m_nClockTimer = 0;
+};
