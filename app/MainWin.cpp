@@ -328,10 +328,10 @@ void MainWin::applyStyle()
 {
     setStyleOnce(this, windowStyle());
     const QString tabs = tabStyle();
-    setStyleOnce(ui->tab_Machine, tabs);
-    setStyleOnce(ui->tab_Net, tabs);
-    setStyleOnce(ui->tab_UpData, tabs + updateStyle());
-    setStyleOnce(ui->tab_System, tabs);
+    setStyleWhenSeen(ui->tab_Machine, tabs);
+    setStyleWhenSeen(ui->tab_Net, tabs);
+    setStyleWhenSeen(ui->tab_UpData, tabs + updateStyle());
+    setStyleWhenSeen(ui->tab_System, tabs);
     setStyleOnce(ui->btn_Reboot, navigationStyle(false));
 }
 

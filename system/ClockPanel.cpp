@@ -6,11 +6,9 @@
 #include "platform/runtime.h"
 #include "system/TimeZone.h"
 
-#include <QAbstractItemView>
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QLineEdit>
-#include <QStyledItemDelegate>
 
 #include <algorithm>
 
@@ -20,9 +18,6 @@ constexpr int VISIBLE_ZONES = 8;
 
 void fillZones(QComboBox *zones)
 {
-    // The list's own delegate ignores the row height of the style sheet.
-    zones->setItemDelegate(new QStyledItemDelegate(zones));
-    zones->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     for (const TimeZoneRow &row : TIME_ZONE_ROWS)
         zones->addItem(QString::fromLatin1(row.label));
     zones->setCurrentIndex(loadTimeZone());

@@ -7,6 +7,8 @@
 
 #include <QTimerEvent>
 
+#include <utility>
+
 namespace {
 
 constexpr int CLOCK_MS = 1000;
@@ -31,8 +33,7 @@ General::General(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::Gen
                                  ui->slider_Backlightness, ui->btn_BeepSwitch, ui->lab_BeepVal,
                                  ui->line_BeepTime, ui->line_BeepType, ui->slider_BeepType});
     connectWidgets();
-    // A coarse timer would skip a second now and then.
-    m_nClockTimer = startTimer(CLOCK_MS, Qt::PreciseTimer);
+    startClock();
 }
 
 General::~General() = default;
@@ -72,13 +73,23 @@ void General::timerEvent(QTimerEvent *event)
 {
     if (event->timerId() != m_nClockTimer)
         QWidget::timerEvent(event);
-    else if (isVisible()) // an idle panel pays for every tick
+    else if (isVisible())
         m_clock->refresh();
+    else // an idle panel pays for every tick
+        killTimer(std::exchange(m_nClockTimer, 0));
+}
+
+// A coarse timer would skip a second now and then.
+void General::startClock()
+{
+    if (m_nClockTimer == 0)
+        m_nClockTimer = startTimer(CLOCK_MS, Qt::PreciseTimer);
 }
 
 void General::showEvent(QShowEvent *event)
 {
     m_clock->refresh();
+    startClock();
     QWidget::showEvent(event);
 }
 

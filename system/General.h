@@ -46,9 +46,10 @@ private slots:
 
 private:
     void connectWidgets();
+    void startClock();
 
     std::unique_ptr<Ui::General> ui;
     std::optional<ClockPanel> m_clock;
     std::optional<BacklightBuzzer> m_backlightBuzzer;
-    int m_nClockTimer = 0;
+    int m_nClockTimer = 0; // 0: stopped, nobody sees the page
 };

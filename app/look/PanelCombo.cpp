@@ -3,11 +3,18 @@
 #include "app/look/Screen.h"
 
 #include <QAbstractItemView>
+#include <QStyledItemDelegate>
 
 #include <algorithm>
+#include <utility>
 
 void PanelCombo::showPopup()
 {
+    if (!std::exchange(m_hasList, true)) {
+        // The list's own delegate ignores the row height of the style sheet.
+        setItemDelegate(new QStyledItemDelegate(this));
+        view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    }
     QComboBox::showPopup();
     QWidget *list = view()->window();
     const int frame = list->height() - view()->viewport()->height();

@@ -12,4 +12,7 @@ public:
     using QComboBox::QComboBox;
 
     void showPopup() override;
+
+private:
+    bool m_hasList = false; // made when it is first opened: most panels never do
 };

@@ -102,7 +102,7 @@ void ComParamTest::wordAsText_data()
     QTest::newRow("007") << 0 << 7;
     QTest::newRow("65536") << 0 << 0;
     QTest::newRow("ten") << 0 << 0;
-    QTest::newRow("") << -1 << 80;
+    QTest::newRow("") << -1 << 100;
 }
 
 void ComParamTest::wordAsText()
