@@ -1,0 +1,174 @@
+#include "tests/panel/PanelProcess.h"
+#include "tests/support/Text.h"
+
+#include <QFile>
+#include <QtTest>
+
+namespace {
+
+constexpr int GENERAL_TAB = 0;
+constexpr int COM_TAB = 1;
+constexpr int BRASILIA = 14;      // row of the zones
+constexpr int KEY_PAUSE_MS = 170; // the keyboard drops keys that follow too soon
+
+const QStringList KEPT_FIELDS = {
+    "line_BacklightTime"_s, "line_Backlightness"_s, "line_BeepTime"_s, "line_BeepType"_s,
+    "line_Year"_s,          "line_Month"_s,         "line_Day"_s};
+const QStringList COM_FIELDS = {"line_ComNum"_s, "line_HmiStation"_s, "line_StandStation"_s,
+                                "line_SerialCommiation"_s, "line_TimeCommiation"_s};
+
+} // namespace
+
+// Every field of the General and COM pages by touch alone, a restart, and every value again.
+class SettingsStoryTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void clockAndZone();
+    void backlightAndBuzzer();
+    void comPort();
+    void foundAgain();
+
+private:
+    void openTab(int tab);
+    void type(const QString &digits);
+    // Touches the field and types a number into it; it shows `shown` then.
+    void enter(const char *field, const char *digits, const char *shown = nullptr);
+    void pressAll(const QStringList &buttons);
+    QString text(const QString &field) { return m_panel.widget(field, "text"_s).toString(); }
+    QStringList texts(const QStringList &fields);
+
+    PanelProcess m_panel;
+    QStringList m_general;
+    QStringList m_com;
+};
+
+void SettingsStoryTest::initTestCase()
+{
+    QVERIFY(m_panel.start());
+    openTab(GENERAL_TAB);
+    QVERIFY(m_panel.press("line_BeepTime"_s)); // the very first key of a process has no effect
+    QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("SoftKeyboard"_s); }));
+    QVERIFY(m_panel.press("btn_n_1"_s));
+    QTest::qSleep(KEY_PAUSE_MS);
+    QVERIFY(m_panel.press("btn_close"_s));
+    QVERIFY(PanelProcess::wait([this] { return !m_panel.isVisible("SoftKeyboard"_s); }));
+}
+
+void SettingsStoryTest::openTab(int tab)
+{
+    QVERIFY(m_panel.press("btn_Sysset"_s));
+    QVERIFY(m_panel.press("tab_System"_s, tab));
+    const QString page = tab == GENERAL_TAB ? "comboBox"_s : "line_ComNum"_s;
+    QVERIFY(PanelProcess::wait([&] { return m_panel.isVisible(page); }));
+}
+
+void SettingsStoryTest::type(const QString &digits)
+{
+    for (const QChar digit : digits) {
+        QTest::qSleep(KEY_PAUSE_MS);
+        QVERIFY(m_panel.press("btn_n_"_s + digit));
+    }
+    QTest::qSleep(KEY_PAUSE_MS);
+    QVERIFY(m_panel.press("btn_n_enter"_s));
+}
+
+void SettingsStoryTest::enter(const char *field, const char *digits, const char *shown)
+{
+    const QString name = QLatin1String(field);
+    QVERIFY2(m_panel.press(name), field);
+    QVERIFY2(PanelProcess::wait([this] { return m_panel.isVisible("SoftKeyboard"_s); }), field);
+    type(QLatin1String(digits));
+    QVERIFY2(PanelProcess::wait([this] { return !m_panel.isVisible("SoftKeyboard"_s); }), field);
+    QCOMPARE(text(name), QString::fromLatin1(shown == nullptr ? digits : shown));
+}
+
+void SettingsStoryTest::pressAll(const QStringList &buttons)
+{
+    for (const QString &button : buttons)
+        QVERIFY2(m_panel.press(button), qPrintable(button));
+}
+
+QStringList SettingsStoryTest::texts(const QStringList &fields)
+{
+    QStringList all;
+    for (const QString &field : fields)
+        all += text(field);
+    return all;
+}
+
+void SettingsStoryTest::clockAndZone()
+{
+    QVERIFY(m_panel.press("comboBox"_s, BRASILIA));
+    enter("line_Year", "2031");
+    enter("line_Month", "2", "02");
+    enter("line_Day", "28");
+    enter("line_Hour", "7", "07");
+    enter("line_Minute", "9", "09");
+    enter("line_Second", "1", "01");
+    QVERIFY(m_panel.press("btn_SetTime"_s));
+    QVERIFY(PanelProcess::wait([this] {
+        return m_panel.get("clock.written"_s).toArray() == QJsonArray({2031, 2, 28, 7, 9, 9});
+    }));
+    QFile zone(m_panel.file("/mnt/data/etc/tz/tz.conf"_s));
+    QVERIFY(zone.open(QIODevice::ReadOnly));
+    QCOMPARE(zone.readAll(), QByteArray("TZ=GMT+02:00"));
+}
+
+void SettingsStoryTest::backlightAndBuzzer()
+{
+    enter("line_BacklightTime", "45");
+    enter("line_Backlightness", "60");
+    enter("line_BeepTime", "250");
+    QVERIFY(!m_panel.ask({"ui"_s, "slide"_s, "slider_BeepType"_s, "4"_s}).isUndefined());
+    QVERIFY(PanelProcess::wait([this] { return text("line_BeepType"_s) == "4"_s; }));
+    QVERIFY(m_panel.press("btn_BeepSwitch"_s));
+    QVERIFY(PanelProcess::wait([this] { return m_panel.get("buzzer.enabled"_s).toInt() == 0; }));
+    QCOMPARE(m_panel.get("lcd.brightness"_s).toInt(), 60);
+    m_general = texts(KEPT_FIELDS);
+}
+
+void SettingsStoryTest::comPort()
+{
+    openTab(COM_TAB);
+    enter("line_HmiStation", "11");
+    enter("line_StandStation", "12");
+    QVERIFY(m_panel.press("btn_CommunIndetail"_s));
+    QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("line_BaudRate"_s); }));
+    pressAll({"btn_Communication_R"_s, "btn_BaudRate_R"_s, "btn_ByteSize_R"_s, "btn_StopBits_R"_s,
+              "btn_Parity_R"_s, "btn_Save"_s});
+    QVERIFY(PanelProcess::wait([this] { return !m_panel.isVisible("line_BaudRate"_s); }));
+    QVERIFY(m_panel.press("btn_TimeOutIndetail"_s));
+    QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("line_WaitTimeOut"_s); }));
+    enter("line_WaitTimeOut", "70");
+    enter("line_ReadTimeOut", "80");
+    pressAll({"btn_RetryTime_R"_s, "btn_RetryTimeOut_L"_s, "btn_Save"_s});
+    QVERIFY(PanelProcess::wait([this] { return !m_panel.isVisible("line_WaitTimeOut"_s); }));
+    m_com = texts(COM_FIELDS);
+    QCOMPARE(m_com.mid(1), QStringList({"11"_s, "12"_s, "RS485_2,19200,7,2,ODD"_s, "70,80,4,1"_s}));
+    QJsonArray words;
+    for (int address = 10061; address < 10072; ++address)
+        words += m_panel.get("words.%1"_s.arg(address));
+    QCOMPARE(words, QJsonArray({6, 4, 7, 2, 1, 70, 80, 4, 1, 11, 12}));
+}
+
+void SettingsStoryTest::foundAgain()
+{
+    m_panel.ask({"quit"_s});
+    QCOMPARE(m_panel.waitForEnd(), 0);
+    QVERIFY(m_panel.start());
+    openTab(GENERAL_TAB);
+    QCOMPARE(texts(KEPT_FIELDS), m_general);
+    QCOMPARE(m_panel.widget("comboBox"_s, "index"_s).toInt(), BRASILIA);
+    QCOMPARE(m_panel.get("lcd.brightness"_s).toInt(), 60);
+    QCOMPARE(m_panel.get("buzzer.enabled"_s).toInt(), 1); // turned off, it comes back on; intended
+    openTab(COM_TAB);
+    QCOMPARE(texts(COM_FIELDS), m_com);
+    m_panel.ask({"quit"_s});
+    QCOMPARE(m_panel.waitForEnd(), 0);
+}
+
+QTEST_GUILESS_MAIN(SettingsStoryTest)
+#include "SettingsStoryTest.moc"
