@@ -263,7 +263,7 @@ private slots:
         qunsetenv("TZ");
         if (!zone.isEmpty()) {
             qstrcpy(own.data(), ("TZ=" + zone).constData());
-            putenv(own.data());
+            putenv(own.data()); // NOLINT(concurrency-mt-unsafe): the test's only thread
         }
         if (room)
             makeRoomForTimeZone();
