@@ -25,8 +25,10 @@ bool isOnline(const netT::stAllNetInfo_tag &record, bool pinged)
 
 } // namespace
 
-CloudMonitor::CloudMonitor(const netT::CAsyncClient &client, Events events)
+CloudMonitor::CloudMonitor(netT::CAsyncClient &client, netT::CAsyncClient::MessageHandler handler,
+                           void *context, Events events)
     : m_client(client),
+      m_start(client, handler, context),
       m_events(std::move(events)),
       m_links{{{PLATFORM::DEV_ETH, "ETH", true, false},
                {PLATFORM::DEV_WIFI, "WIFI", true, false},
@@ -36,6 +38,9 @@ CloudMonitor::CloudMonitor(const netT::CAsyncClient &client, Events events)
 
 void CloudMonitor::run(const std::vector<netT::stAllNetInfo_tag> &records)
 {
+    if (m_bStopped)
+        return;
+    m_start.run();
     const bool anyOnline = checkLinks(records);
     if (!m_bStopped)
         checkCloud(anyOnline);
@@ -45,7 +50,10 @@ bool CloudMonitor::checkLinks(const std::vector<netT::stAllNetInfo_tag> &records
 {
     std::array<bool, LINK_COUNT> online{}; // the last record of a kind decides
     for (const netT::stAllNetInfo_tag &record : records) {
-        for (std::size_t i = 0; i < LINK_COUNT && !m_bStopped; ++i) {
+        if (m_bStopped)
+            return false;
+        m_events.beforeRecord();
+        for (std::size_t i = 0; i < LINK_COUNT; ++i) {
             if (record.sNetType == m_links[i].kind)
                 online[i] = isOnline(record, m_links[i].pinged);
         }
@@ -62,7 +70,7 @@ bool CloudMonitor::checkLinks(const std::vector<netT::stAllNetInfo_tag> &records
 void CloudMonitor::checkCloud(bool anyOnline)
 {
     const int status = anyOnline ? m_client.getConnectedStatus() : -1;
-    m_events.checked(m_nLoadResult, status);
+    m_events.checked(m_start.loadResult(), status, m_start.region());
     const bool up = status == 1;
     if (up == m_bCloudUp)
         return;

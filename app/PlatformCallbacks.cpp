@@ -36,6 +36,12 @@ int getAllNetInfo(std::vector<netT::stAllNetInfo_tag> &list, void *context)
     return 0;
 }
 
+int OnCloudMessage(const std::string & /*topic*/, const std::string & /*message*/,
+                   void * /*context*/)
+{
+    return 0;
+}
+
 [[gnu::hot]] int Buzzer_Thread(void *)
 {
     PLATFORM::CPlatBuzzer::runBeep();

@@ -1,4 +1,5 @@
 // netT, the client of the remote-access cloud.
+#include "platform/cloud_file.h"
 #include "platform/net.h"
 #include "platform/sim/Panel.h"
 
@@ -23,9 +24,38 @@ Json toJson(const netT::CloudConfig &config)
             {"sResponseTopic", config.sResponseTopic}};
 }
 
+// What a test or a scenario has put in place of a file.
+void takeFrom(const Json &cloud, netT::CloudConfig &config, std::string &text)
+{
+    const Json &known = cloud.at("config");
+    known.at("sUrl").get_to(config.sUrl);
+    known.at("sCertUrl").get_to(config.sCertUrl);
+    known.at("sNtpUrl").get_to(config.sNtpUrl);
+    known.at("nPort").get_to(config.nPort);
+    known.at("nCertPort").get_to(config.nCertPort);
+    cloud.at("text").get_to(text);
+}
+
 } // namespace
 
 namespace netT {
+
+int loadCloudXML(const std::string &path, CloudConfig &config, std::string &text)
+{
+    return panel().call("netT.loadCloudXML", Json::array({path}), [&](Json &state) {
+        Json &cloud = state["cloud"];
+        if (cloud["load"].is_null()) {
+            const int result = readCloudFile(path, config, text);
+            if (result >= 0)
+                cloud["text"] = text;
+            return result;
+        }
+        const int ordered = cloud["load"].get<int>();
+        if (ordered >= 0)
+            takeFrom(cloud, config, text);
+        return ordered;
+    });
+}
 
 CAsyncClient::CAsyncClient()
 {

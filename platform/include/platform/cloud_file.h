@@ -1,0 +1,34 @@
+// The file by which a project binds a panel to the remote-access cloud; the same on every panel.
+#pragma once
+
+#include <string>
+
+namespace netT {
+
+struct CloudConfig;
+
+// Why a cloud file gives no configuration.
+enum CloudFileError {
+    CLOUD_NO_FILE = -1,     // there is none, or it cannot be read
+    CLOUD_BAD_FILE = -2,    // not such a file, incomplete, or above 64 KiB
+    CLOUD_NO_RESOURCE = -3, // the resource file that it names is not beside it
+};
+
+// Reads the file at `path`:
+//
+//   <?xml version="1.0" encoding="UTF-8"?>
+//   <cloud version="1">
+//     <region>China</region>
+//     <server url="mqtt.example.com" port="8883"/>
+//     <certificate url="cert.example.com" port="443"/>
+//     <time url="ntp.example.com"/>
+//     <resource file="root.pem"/>
+//   </cloud>
+//
+// <region> ("China", "ASEAN" or "Europe") and <resource>, a plain file name, may be left out; a
+// port is 1 to 65535. Elements of other names are skipped; a document type, and with it every
+// entity of the file's own, is refused. Returns 0 and fills addresses and ports of `config` and
+// `region`, or a CloudFileError, both untouched. Blocks for the reading. Any thread.
+int readCloudFile(const std::string &path, CloudConfig &config, std::string &region);
+
+} // namespace netT
