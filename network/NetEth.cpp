@@ -1,6 +1,5 @@
 #include "network/NetEth.h"
 
-#include "app/look/Screen.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "network/NetRecord.h"
@@ -19,12 +18,13 @@ constexpr unsigned int TIMEOUT_MS = 5000;
 NetEth::NetEth(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::NetEth>())
 {
     ui->setupUi(this);
-    const int switchHeight = screenSize().height() / 12;
-    ui->btn_EthSwitch->setFixedSize(2 * switchHeight, switchHeight);
-    m_pending.emplace(ui->label_move, ui->label_null);
+    m_switch.emplace(
+        DeviceSwitch::Widgets{ui->btn_EthSwitch, ui->label_move, ui->label_null, ui->lab_EthStatus},
+        PLAIN_SWITCH);
+    m_switch->setTexts(tr("Enable"), tr("Unplugged"));
     m_addresses.emplace(this, ETHERNET_POLICY);
     setEthPage(false);
-    setPresent(false);
+    enableControls();
     connect(ui->btn_EthSwitch, &QPushButton::clicked, this, &NetEth::slot_ButtonPressed);
 }
 
@@ -34,7 +34,8 @@ void NetEth::setNetInfo(const netT::stAllNetInfo_tag &record)
 {
     printRecord(record, m_addresses->stored());
     const bool present = netT::netIsExist(record.sDevName, false, TIMEOUT_MS) >= 0;
-    setPresent(present);
+    m_switch->setPresent(present);
+    enableControls();
     if (!present) {
         std::printf("net [%s] Is not Exist!\n", record.sDevName.c_str());
         return;
@@ -43,8 +44,10 @@ void NetEth::setNetInfo(const netT::stAllNetInfo_tag &record)
     m_addresses->setDevice(m_sDevName);
 
     const bool on = saysEnable(record.sFunction);
-    if (on != m_bOn)
-        completeSwitch(on);
+    if (on != m_switch->isOn()) {
+        setEthPage(on);
+        enableControls();
+    }
     if (!on)
         return;
     showAddressing(record);
@@ -58,7 +61,7 @@ void NetEth::setNetInfo(const netT::stAllNetInfo_tag &record)
 void NetEth::retranslate()
 {
     ui->retranslateUi(this);
-    setPresent(m_bPresent);
+    m_switch->setTexts(tr("Enable"), tr("Unplugged"));
     setStyleWhenSeen(ui->widget_EthIndetail, addressStyle(m_addresses->isEditable()));
 }
 
@@ -88,64 +91,32 @@ void NetEth::press(QObject *target)
 
 void NetEth::slot_ButtonPressed()
 {
-    keyClick();
-    m_bRequestPending = true;
+    m_switch->press();
     enableControls();
-    m_pending->start();
-    if (m_bOn) {
-        const int result = netT::netDeviceDown(m_sDevName, false, TIMEOUT_MS);
-        std::printf(result < 0 ? "netDeviceDown [%s] Err\n" : "netDeviceDown [%s] ok\n",
-                    m_sDevName.c_str());
-    } else {
-        const int result = netT::netDeviceUp(m_sDevName, false, TIMEOUT_MS);
-        std::printf(result < 0 ? "netDeviceUp [%s] Err\n" : "netDeviceUp [%s] ok\n",
-                    m_sDevName.c_str());
-    }
-}
-
-void NetEth::setPresent(bool present)
-{
-    m_bPresent = present;
-    ui->lab_EthStatus->setText(present ? tr("Enable") : tr("Unplugged"));
-    ui->lab_EthStatus->setVisible(!present || !m_bOn);
-    enableControls();
+    m_switch->request(m_sDevName);
 }
 
 // A device that is not there, or that has been asked to change, is left alone.
 void NetEth::enableControls()
 {
-    const bool enabled = m_bPresent && !m_bRequestPending;
-    ui->btn_EthSwitch->setEnabled(enabled);
+    const bool enabled = m_switch->isReady();
     ui->radio_Dhcp->setEnabled(enabled);
     ui->radio_Static->setEnabled(enabled);
     ui->widget_EthIndetail->setEnabled(enabled);
     watchRadios(enabled);
 }
 
-// The record that answers a switch press, or reports a switch made elsewhere.
-void NetEth::completeSwitch(bool on)
-{
-    setEthPage(on);
-    m_pending->stop();
-    m_bOn = on;
-    m_bRequestPending = false;
-    enableControls();
-}
-
 void NetEth::setEthPage(bool on)
 {
     std::printf("NetEth setEthPage [%d]\n", on ? 1 : 0);
-    showSwitch(ui->btn_EthSwitch, on);
+    m_switch->setOn(on);
     ui->radio_Dhcp->setVisible(on);
     ui->radio_Static->setVisible(on);
-    ui->lab_EthStatus->setVisible(!on);
     if (on) {
         showBlock(!m_bDhcp);
         return;
     }
     showDhcpView();
-    m_bOn = false;
-    m_bRequestPending = false;
     m_addresses->forget();
     m_sMac.clear();
 }

@@ -1,8 +1,8 @@
 // The Ethernet page of the Network group.
 #pragma once
 
-#include "app/look/PendingMark.h"
 #include "network/AddressEditor.h"
+#include "network/DeviceSwitch.h"
 #include "platform/net.h"
 
 #include <QWidget>
@@ -39,9 +39,7 @@ private slots:
 
 private:
     void press(QObject *target);
-    void setPresent(bool present);
     void enableControls();
-    void completeSwitch(bool on);
     void setEthPage(bool on);
     void showAddressing(const netT::stAllNetInfo_tag &record);
     void showDhcpView();
@@ -50,12 +48,9 @@ private:
     void watchRadios(bool watched);
 
     std::unique_ptr<Ui::NetEth> ui;
-    std::optional<PendingMark> m_pending;
+    std::optional<DeviceSwitch> m_switch;
     std::optional<AddressEditor> m_addresses;
     std::string m_sDevName;
     std::string m_sMac;
-    bool m_bPresent = false;
-    bool m_bOn = false;
     bool m_bDhcp = true;
-    bool m_bRequestPending = false;
 };
