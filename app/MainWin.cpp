@@ -9,6 +9,7 @@
 #include "app/PlatformCallbacks.h"
 #include "app/Shutdown.h"
 #include "network/NetEth.h"
+#include "network/NetWiFi.h"
 #include "platform/board.h"
 #include "platform/cos_process.h"
 #include "platform/cos_thread.h"
@@ -38,6 +39,7 @@ constexpr int START_BEEP_MS = 480;
 constexpr unsigned int RECORDS_TIMEOUT_MS = 5000;
 
 constexpr std::size_t UPDATE_GROUP = 2;
+constexpr int WIFI_TAB = 1;
 constexpr int LANGUAGE_TAB = 2;
 constexpr int TABS_ACROSS = 5; // tabs that fit side by side on the screen
 
@@ -120,6 +122,7 @@ void MainWin::openScreen()
 void MainWin::makePages()
 {
     m_pNetEth = ui->wdg_Eth->setPage<NetEth>();
+    m_pNetWiFi = ui->wdg_Wifi->setPage<NetWiFi>();
     m_pCommSetting = ui->wdg_CommSetting->setPage<CommSetting>();
     m_pGeneral = ui->wdg_Gerneral->setPage<General>();
     m_pLanguage = ui->wdg_Language->setPage<Language>();
@@ -139,6 +142,7 @@ void MainWin::initLanguage()
     m_pCommSetting->retranslate();
     m_pGeneral->retranslate();
     m_pNetEth->retranslate();
+    m_pNetWiFi->retranslate();
     for (UpdatePage *page : m_updatePages)
         page->retranslate();
     m_pLanguage->retranslate(m_nLanguage);
@@ -183,6 +187,7 @@ void MainWin::checkNetworkService()
     const int result =
         netT::getAllNetInfoCallBack(getAllNetInfo, this, true, RECORDS_TIMEOUT_MS, true);
     std::puts(result >= 0 ? "InitNetWork OK" : "InitNetWork Error");
+    m_pNetWiFi->startRefresh();
 }
 
 void MainWin::openUpdate(const QString &word)
@@ -255,9 +260,12 @@ void MainWin::slot_TabWidgetChange(int)
     keyClick();
 }
 
-// Bound by the form, which runs it once before there are pages. Only the Wi-Fi page cares which tab
-// of its group is seen, and it is not built yet.
-void MainWin::slot_TabNetChange(int) {}
+// Bound by the form, which runs it once before there are pages.
+void MainWin::slot_TabNetChange(int index)
+{
+    if (m_pNetWiFi != nullptr)
+        m_pNetWiFi->setPageVisible(index == WIFI_TAB);
+}
 
 void MainWin::slot_Tarnicloud(bool up)
 {
@@ -308,6 +316,8 @@ void MainWin::slot_NetChange()
                     record.sIpAddr.c_str());
         if (record.sNetType == "ETH")
             m_pNetEth->setNetInfo(record);
+        else if (record.sNetType == "WIFI")
+            m_pNetWiFi->setNetInfo(record);
     }
 }
 
@@ -321,6 +331,7 @@ void MainWin::slot_LanguageChange(int index)
     m_pCommSetting->retranslate();
     m_pGeneral->retranslate();
     m_pNetEth->retranslate();
+    m_pNetWiFi->retranslate();
     for (UpdatePage *page : m_updatePages)
         page->retranslate();
     m_pLanguage->retranslate(m_nLanguage);

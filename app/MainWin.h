@@ -22,6 +22,7 @@ class ComParamLists;
 class General;
 class Language;
 class NetEth;
+class NetWiFi;
 class QPushButton;
 class QTabWidget;
 class UpdatePage;
@@ -101,6 +102,7 @@ private:
     std::unique_ptr<Ui::Qt_MainWin> ui;
     General *m_pGeneral = nullptr;
     NetEth *m_pNetEth = nullptr;
+    NetWiFi *m_pNetWiFi = nullptr;
     CommSetting *m_pCommSetting = nullptr;
     Language *m_pLanguage = nullptr;
     std::array<UpdatePage *, 3> m_updatePages{}; // project, firmware, PLC program

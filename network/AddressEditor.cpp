@@ -13,6 +13,16 @@ const AddressPolicy ETHERNET_POLICY = {
     false, false, "startDhcp [%s] ok \n", "startDhcp [%s] error \n", nullptr, nullptr, true,
 };
 
+const AddressPolicy WIFI_POLICY = {
+    true,
+    true,
+    "startDhcp [%s]  OK \n",
+    "startDhcp [%s]  Err \n",
+    "stopDhcp [%s]  OK \n",
+    "stopDhcp [%s]  Err \n",
+    false,
+};
+
 namespace {
 
 constexpr unsigned int TIMEOUT_MS = 5000;
@@ -60,10 +70,26 @@ void AddressEditor::update(const AddressTexts &texts)
     }
 }
 
-void AddressEditor::fillAll()
+void AddressEditor::showAddress(const std::string &ip, const std::string &mask,
+                                const std::string &gateway)
+{
+    m_stored.sIpAddr = ip;
+    m_stored.sSubnetMask = mask;
+    m_stored.sGateway = gateway;
+    fill(IP, GATEWAY);
+}
+
+void AddressEditor::showDns(const std::string &preferred, const std::string &alternate)
+{
+    m_stored.sPrefDns = preferred;
+    m_stored.sAlterDns = alternate;
+    fill(PREF_DNS, ALTER_DNS);
+}
+
+void AddressEditor::fill(Group first, Group last)
 {
     const auto members = textMembers();
-    for (std::size_t i = 0; i < m_groups.size(); ++i)
+    for (std::size_t i = first; i <= last; ++i)
         m_groups[i].fill(m_stored.*members[i]);
 }
 
@@ -100,7 +126,7 @@ void AddressEditor::edit(QLineEdit *field)
         return;
     if (!m_bEditable) {
         // While the keyboard was open a record took the right to edit away: show what holds.
-        fillAll();
+        fill(IP, ALTER_DNS);
         return;
     }
     if (m_groups[PREF_DNS].contains(field) || m_groups[ALTER_DNS].contains(field))

@@ -25,6 +25,7 @@ struct AddressPolicy
 };
 
 extern const AddressPolicy ETHERNET_POLICY;
+extern const AddressPolicy WIFI_POLICY;
 
 // Works on the twenty line edits of a form named line_Ip1.., line_Mask1.., line_GateWay1..,
 // line_Dns1_1.. and line_Dns2_1... GUI thread; the network calls block it up to their time-out.
@@ -40,6 +41,9 @@ public:
     const AddressTexts &stored() const { return m_stored; }
     // Fills each group whose text differs from the stored one; the others keep what they show.
     void update(const AddressTexts &texts);
+    // Fill their groups, whatever was stored.
+    void showAddress(const std::string &ip, const std::string &mask, const std::string &gateway);
+    void showDns(const std::string &preferred, const std::string &alternate);
     // Forgets the stored texts, so that the next update fills every group.
     void forget() { m_stored = {}; }
 
@@ -59,7 +63,7 @@ public:
 private:
     enum Group { IP, MASK, GATEWAY, PREF_DNS, ALTER_DNS, GROUP_COUNT };
 
-    void fillAll();
+    void fill(Group first, Group last);
     bool areComplete(Group first, Group last) const;
     void applyAddress();
     void applyDns();

@@ -54,6 +54,7 @@ public:
     // Asks the service to turn `device` over; blocks up to the time-out of 5 s.
     void request(const std::string &device) const;
 
+    bool isPresent() const { return m_bPresent; }
     bool isOn() const { return m_bOn; }
     // Whether the device is there, and not about to change.
     bool isReady() const { return m_bPresent && !m_bPending; }

@@ -115,6 +115,7 @@ QString windowStyle()
                     radioTemplate(std::max(RADIO_SIDE, fontPixelSize())) + listTemplate() +
                     QStringLiteral("#Qt_MainWin{background-color:white;}"
                                    "QFrame#wdg_Status{background-color:#F2F5F8;border-radius:4px;}"
+                                   "QFrame#line_Connect{background-color:#C4C4C3;border:0px;}"
                                    "QCheckBox{color:black;%1outline:none;}"));
 }
 
@@ -196,6 +197,13 @@ QString addressStyle(bool underlined)
                     (underlined ? QStringLiteral("border-bottom:2px solid;"
                                                  "border-bottom-color: #C4C4C3;}")
                                 : QStringLiteral("}")));
+}
+
+QString wifiParaStyle()
+{
+    return withFont(QStringLiteral("QLabel{color:black;%1}") + buttonTemplate() +
+                    radioTemplate(std::max(RADIO_SIDE, fontPixelSize())) +
+                    QStringLiteral("#WifiPara{background-color:white;}"));
 }
 
 QString comStyle()

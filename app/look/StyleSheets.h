@@ -21,6 +21,8 @@ QString keyboardStyle(bool centred);
 QString radioStyle();
 // A block of address fields: underlined while they can be edited, bare while they only show.
 QString addressStyle(bool underlined);
+// The Wi-Fi parameters dialog's, behind its block of address fields.
+QString wifiParaStyle();
 // The COM page's: underlined where a field opens the keyboard, shaded where it only shows.
 QString comStyle();
 // The communication dialog's, its fields as on the COM page.

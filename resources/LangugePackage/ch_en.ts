@@ -416,6 +416,13 @@
     </message>
 </context>
 <context>
+    <name>ListItem</name>
+    <message>
+        <source>Hidden network</source>
+        <translation>Hidden network</translation>
+    </message>
+</context>
+<context>
     <name>MainWin</name>
     <message>
         <source>netServer not run</source>
@@ -486,6 +493,33 @@
     <message>
         <source>Unplugged</source>
         <translation>Unplugged</translation>
+    </message>
+</context>
+<context>
+    <name>NetWiFi</name>
+    <message>
+        <source>WLAN</source>
+        <translation>WLAN</translation>
+    </message>
+    <message>
+        <source>WLAN List</source>
+        <translation>WLAN List</translation>
+    </message>
+    <message>
+        <source>Enable</source>
+        <translation>Enable</translation>
+    </message>
+    <message>
+        <source>Unplugged</source>
+        <translation>Unplugged</translation>
+    </message>
+    <message>
+        <source>netServer not run</source>
+        <translation>netServer not run</translation>
+    </message>
+    <message>
+        <source>Failed to connect Network! Wrong password or weak signal, please reconnect.</source>
+        <translation>Failed to connect Network! Wrong password or weak signal, please reconnect.</translation>
     </message>
 </context>
 <context>
@@ -587,6 +621,49 @@
     <message>
         <source>Password error!</source>
         <translation>Password error!</translation>
+    </message>
+</context>
+<context>
+    <name>WifiPara</name>
+    <message>
+        <source>WiFiPara</source>
+        <translation>WiFiPara</translation>
+    </message>
+    <message>
+        <source>DHCP</source>
+        <translation>DHCP</translation>
+    </message>
+    <message>
+        <source>Static IP</source>
+        <translation>Static IP</translation>
+    </message>
+    <message>
+        <source>IP：</source>
+        <translation>IP：</translation>
+    </message>
+    <message>
+        <source>Netmask：</source>
+        <translation>Netmask：</translation>
+    </message>
+    <message>
+        <source>Gateway：</source>
+        <translation>Gateway：</translation>
+    </message>
+    <message>
+        <source>DNS1：</source>
+        <translation>DNS1：</translation>
+    </message>
+    <message>
+        <source>DNS2：</source>
+        <translation>DNS2：</translation>
+    </message>
+    <message>
+        <source>MAC：</source>
+        <translation>MAC：</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Save</translation>
     </message>
 </context>
 </TS>

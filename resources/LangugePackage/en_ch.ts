@@ -416,6 +416,13 @@
     </message>
 </context>
 <context>
+    <name>ListItem</name>
+    <message>
+        <source>Hidden network</source>
+        <translation>隐藏的网络</translation>
+    </message>
+</context>
+<context>
     <name>MainWin</name>
     <message>
         <source>netServer not run</source>
@@ -486,6 +493,33 @@
     <message>
         <source>Unplugged</source>
         <translation>未接入</translation>
+    </message>
+</context>
+<context>
+    <name>NetWiFi</name>
+    <message>
+        <source>WLAN</source>
+        <translation>无线局域网</translation>
+    </message>
+    <message>
+        <source>WLAN List</source>
+        <translation>无线局域网列表</translation>
+    </message>
+    <message>
+        <source>Enable</source>
+        <translation>未启用</translation>
+    </message>
+    <message>
+        <source>Unplugged</source>
+        <translation>未接入</translation>
+    </message>
+    <message>
+        <source>netServer not run</source>
+        <translation>网络服务 netServer 未运行</translation>
+    </message>
+    <message>
+        <source>Failed to connect Network! Wrong password or weak signal, please reconnect.</source>
+        <translation>网络连接失败！密码错误或信号较弱，请重新连接。</translation>
     </message>
 </context>
 <context>
@@ -587,6 +621,49 @@
     <message>
         <source>Password error!</source>
         <translation>密码错误！</translation>
+    </message>
+</context>
+<context>
+    <name>WifiPara</name>
+    <message>
+        <source>WiFiPara</source>
+        <translation>Wi-Fi 参数</translation>
+    </message>
+    <message>
+        <source>DHCP</source>
+        <translation>DHCP</translation>
+    </message>
+    <message>
+        <source>Static IP</source>
+        <translation>静态 IP</translation>
+    </message>
+    <message>
+        <source>IP：</source>
+        <translation>IP 地址：</translation>
+    </message>
+    <message>
+        <source>Netmask：</source>
+        <translation>子网掩码：</translation>
+    </message>
+    <message>
+        <source>Gateway：</source>
+        <translation>网关：</translation>
+    </message>
+    <message>
+        <source>DNS1：</source>
+        <translation>首选 DNS：</translation>
+    </message>
+    <message>
+        <source>DNS2：</source>
+        <translation>备用 DNS：</translation>
+    </message>
+    <message>
+        <source>MAC：</source>
+        <translation>MAC 地址：</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
     </message>
 </context>
 </TS>

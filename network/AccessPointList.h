@@ -1,0 +1,59 @@
+// The networks in range, a row each.
+#pragma once
+
+#include "platform/net.h"
+
+#include <QListWidget>
+
+#include <optional>
+#include <vector>
+
+class ListItem;
+
+// A row as high as a touch for each access point. Only the rows in view have widgets: a handful of
+// ListItems follows the view, so that a scan of five hundred costs what a scan of ten does. A row
+// of the list stays when its access point changes, and the view keeps its place. GUI thread.
+class AccessPointList : public QListWidget
+{
+    Q_OBJECT
+
+public:
+    explicit AccessPointList(QWidget *parent = nullptr);
+
+    // Shows the access points in their order. One whose level is none keeps the one it had.
+    void setAccessPoints(const std::vector<netT::stApInfo_tag> &accessPoints);
+
+    // What a click on `item` is meant for: the access point that the finger went down on, even if
+    // another one has come into the row meanwhile.
+    std::optional<netT::stApInfo_tag> chosen(const QListWidgetItem *item) const;
+
+    // The name in a row, as shown.
+    QString nameIn(int row) const;
+
+    void retranslate();
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+
+private:
+    struct Touch
+    {
+        int row;
+        netT::stApInfo_tag accessPoint;
+    };
+
+    std::optional<netT::stApInfo_tag> in(int row) const;
+    void keepLevels();
+    void placeWidgets();
+    ListItem *newWidget();
+
+    std::vector<netT::stApInfo_tag> m_accessPoints;
+    std::vector<netT::stApInfo_tag> m_former;
+    std::vector<ListItem *> m_widgets; // widget n shows a row that leaves the remainder n
+    std::optional<Touch> m_touch;
+    int m_nRowHeight;
+};

@@ -1,0 +1,53 @@
+// One Wi-Fi network: a row of the list, or the connected one above it.
+#pragma once
+
+#include "platform/net.h"
+
+#include <QWidget>
+
+#include <memory>
+#include <string>
+
+namespace Ui {
+class ListItem;
+}
+
+// Whether joining the network takes a password.
+bool isSecured(const netT::stApInfo_tag &accessPoint);
+
+// Whether `level` is a signal level.
+bool isLevel(int level);
+
+// GUI thread.
+class ListItem : public QWidget
+{
+    Q_OBJECT
+
+public:
+    enum Mode {
+        IDLE = 0,       // no mark
+        CONNECTING = 1, // the loading animation
+        CONNECTED = 2,  // a tick, and the address
+    };
+
+    explicit ListItem(QWidget *parent = nullptr);
+    ~ListItem() override;
+
+    // A network's name as a person can read it; a network that hides its name has a placeholder.
+    static QString shownName(const std::string &ssid);
+
+    // Shows the network. A level that is none leaves the icon of the same network as it was.
+    void setAccessPoint(const netT::stApInfo_tag &accessPoint);
+    void setLevel(int level);
+    void setMode(Mode mode);
+    // The panel's own address in the network.
+    void setAddress(const std::string &address);
+
+    void retranslate();
+
+private:
+    void showSignal();
+
+    std::unique_ptr<Ui::ListItem> ui;
+    netT::stApInfo_tag m_accessPoint;
+};

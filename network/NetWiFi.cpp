@@ -1,0 +1,442 @@
+#include "network/NetWiFi.h"
+
+#include "app/look/BoxHelpers.h"
+#include "app/look/Screen.h"
+#include "app/look/WidgetLook.h"
+#include "input/FieldKeyboard.h"
+#include "network/WifiPara.h"
+#include "platform/cos_process.h"
+#include "platform/cos_thread.h"
+#include "ui_NetWiFi.h"
+
+#include <QMouseEvent>
+
+#include <cstdio>
+#include <utility>
+
+namespace {
+
+constexpr unsigned int TIMEOUT_MS = 5000;
+constexpr int REFRESH_TICK_MS = 200;
+constexpr int REPEAT_FOR_EVER = -1;
+constexpr int LONGEST_PASSWORD = 32;
+constexpr double BOX_SHARE = 0.6; // of the page
+// How long the service may seem idle before a join that was asked for counts as lost.
+constexpr qint64 JOIN_PATIENCE_MS = 15000;
+
+constexpr SwitchPolicy WIFI_SWITCH = {
+    true,
+    "netDeviceUp [%s] ok \n",
+    "netDeviceUp [%s] error \n",
+    "netDeviceDown [%s] ok \n",
+    "netDeviceDown [%s] error \n",
+};
+
+bool isJoining(int state)
+{
+    return state == netT::WIFI_SCANNED || state == netT::WIFI_CONNECTING;
+}
+
+} // namespace
+
+[[gnu::hot]] int UpdataWifiList(void *page)
+{
+    if (page != nullptr)
+        static_cast<NetWiFi *>(page)->refresh();
+    return 0;
+}
+
+NetWiFi::NetWiFi(QWidget *parent)
+    : QWidget(parent),
+      ui(std::make_unique<Ui::NetWiFi>()),
+      m_refresh({[this] { emit sgl_MovieStart(); }, [this] { emit sgl_MovieStop(); },
+                 [this] { emit sgl_RefWifiList(); },
+                 [this] { emit sgl_UpdataState(netT::WIFI_FAILED); }})
+{
+    ui->setupUi(this);
+    m_switch.emplace(DeviceSwitch::Widgets{ui->btn_WifiSwitch, ui->label_move, ui->label_null,
+                                           ui->lab_WifiStatus},
+                     WIFI_SWITCH);
+    m_switch->setTexts(tr("Enable"), tr("Unplugged"));
+    ui->lab_Scan->setFixedSize(touchHeight() / 2, touchHeight() / 2);
+    ui->wid_wifiConnect->setMinimumHeight(touchHeight());
+    ui->wid_wifiConnect->installEventFilter(this);
+    makeConnections();
+    hideTopRow();
+    showDevice();
+}
+
+NetWiFi::~NetWiFi() = default;
+
+void NetWiFi::makeConnections()
+{
+    connect(ui->btn_WifiSwitch, &QPushButton::clicked, this, &NetWiFi::slot_ButtonPressed);
+    connect(ui->list_Wifi, &QListWidget::itemClicked, this, &NetWiFi::slot_itemClicked);
+    connect(this, &NetWiFi::sgl_RefWifiList, this, &NetWiFi::slot_RefWifiList);
+    connect(this, &NetWiFi::sgl_UpdataState, this, &NetWiFi::slot_UpdataState);
+    connect(this, &NetWiFi::sgl_MovieStart, ui->lab_Scan, &LoadingLabel::start);
+    connect(this, &NetWiFi::sgl_MovieStop, ui->lab_Scan, &LoadingLabel::stop);
+    connect(this, &NetWiFi::sgl_SetExist, this, &NetWiFi::slot_SetExist);
+}
+
+void NetWiFi::startRefresh()
+{
+    if (COS::CosOsState::GetProcessPIDByName("netServer") < 0) {
+        runBox(BOX_INFORMATION, this, tr("netServer not run"));
+        return;
+    }
+    COS::CCosRateTimer::addTimer(UpdataWifiList, this, "UpdataWifiList", REFRESH_TICK_MS,
+                                 REPEAT_FOR_EVER, 0);
+}
+
+void NetWiFi::retranslate()
+{
+    ui->retranslateUi(this);
+    m_switch->setTexts(tr("Enable"), tr("Unplugged"));
+    ui->list_Wifi->retranslate();
+    if (m_pTopRow != nullptr)
+        m_pTopRow->retranslate();
+}
+
+// --- Visibility --------------------------------------------------------------------------------
+
+void NetWiFi::setPageVisible(bool visible)
+{
+    m_bTab = visible;
+    updateVisible();
+}
+
+void NetWiFi::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    m_bShown = true;
+    updateVisible();
+}
+
+void NetWiFi::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    m_bShown = false;
+    updateVisible();
+}
+
+void NetWiFi::updateVisible()
+{
+    const bool visible = m_bTab && m_bShown;
+    const bool cameIntoView = visible && !m_refresh.isVisible();
+    m_refresh.setVisible(visible);
+    // Joining is only shown on a page that is seen.
+    if (cameIntoView && isJoining(m_refresh.state()))
+        slot_UpdataState(m_refresh.state());
+}
+
+// --- The device --------------------------------------------------------------------------------
+
+void NetWiFi::setNetInfo(const netT::stAllNetInfo_tag &record)
+{
+    printRecord(record, m_addresses);
+    const bool exists = netT::netIsExist(record.sDevName, false, TIMEOUT_MS) >= 0;
+    emit sgl_SetExist(exists);
+    if (!exists) {
+        std::puts("net [wlan] Is not Exist!");
+        return;
+    }
+    m_sDevName = record.sDevName;
+    const bool on = saysEnable(record.sFunction);
+    if (on != m_switch->isOn())
+        slot_Enable(on);
+    if (!on)
+        return;
+    takeAddressing(record);
+    reportState();
+}
+
+void NetWiFi::slot_SetExist(bool exists)
+{
+    m_switch->setPresent(exists);
+    if (!exists)
+        leaveDevice();
+    showDevice();
+}
+
+void NetWiFi::slot_Enable(bool on)
+{
+    m_switch->setOn(on);
+    if (!on)
+        leaveDevice();
+    showDevice();
+}
+
+void NetWiFi::slot_ButtonPressed()
+{
+    m_switch->press();
+    showDevice();
+    m_switch->request(m_sDevName);
+}
+
+// Nothing that was known of its networks and addresses holds any more.
+void NetWiFi::leaveDevice()
+{
+    m_refresh.setEnabled(false);
+    m_refresh.setState(netT::WIFI_IDLE);
+    m_addresses = {};
+    m_sMac.clear();
+    loseNetwork();
+    if (m_pDialog != nullptr)
+        m_pDialog->hide();
+}
+
+bool NetWiFi::isOn() const
+{
+    return m_switch->isPresent() && m_switch->isOn();
+}
+
+// A device that is not there, is off or has been asked to change, is left alone.
+void NetWiFi::showDevice()
+{
+    const bool usable = isOn() && m_switch->isReady();
+    const bool changed = usable != ui->list_Wifi->isEnabled();
+    m_refresh.setEnabled(usable);
+    slot_MoveShow(usable);
+    ui->wid_wifiConnect->setEnabled(usable);
+    ui->list_Wifi->setEnabled(usable);
+    if (changed)
+        RefWifiList();
+}
+
+void NetWiFi::slot_MoveShow(bool shown)
+{
+    ui->lab_Scan->setVisible(shown);
+}
+
+void NetWiFi::takeAddressing(const netT::stAllNetInfo_tag &record)
+{
+    const AddressTexts former = std::exchange(m_addresses, addressesOf(record));
+    const AddressTexts &now = m_addresses;
+    m_bDhcp = saysEnable(record.sDhcp);
+    emit sgl_DHCP(m_bDhcp);
+    if (now.sIpAddr != former.sIpAddr || now.sSubnetMask != former.sSubnetMask ||
+        now.sGateway != former.sGateway)
+        emit sgl_IpPara(now.sIpAddr, now.sSubnetMask, now.sGateway);
+    if (now.sPrefDns != former.sPrefDns || now.sAlterDns != former.sAlterDns)
+        emit sgl_Dns(now.sPrefDns, now.sAlterDns);
+    if (std::exchange(m_sMac, record.sMacAddr) != m_sMac)
+        emit sgl_Mac(m_sMac);
+    if (m_pTopRow != nullptr)
+        m_pTopRow->setAddress(now.sIpAddr);
+}
+
+// --- The connection ----------------------------------------------------------------------------
+
+// What a record leaves open: how the connection stands.
+void NetWiFi::reportState()
+{
+    netT::WIFI_STATE_T state = netT::WIFI_IDLE;
+    if (netT::getStatus(state, false, TIMEOUT_MS) < 0)
+        return;
+    const int shown = m_refresh.state();
+    // On its way into a network the service passes through states in which it is in none.
+    const bool passing = m_sinceJoin.isValid() && !m_sinceJoin.hasExpired(JOIN_PATIENCE_MS);
+    if (state == netT::WIFI_CONNECTED) {
+        slot_UpdataState(state);
+    } else if (state == netT::WIFI_FAILED) {
+        // Queued: its message would hold up the records behind this one.
+        if (m_refresh.isVisible() && m_refresh.takeFailure())
+            QMetaObject::invokeMethod(
+                this, [this] { slot_UpdataState(netT::WIFI_FAILED); }, Qt::QueuedConnection);
+    } else if (isJoining(state)) {
+        if (state != shown)
+            slot_UpdataState(state);
+    } else if (shown == netT::WIFI_CONNECTED || (isJoining(shown) && !passing)) {
+        slot_UpdataState(state);
+    }
+}
+
+void NetWiFi::slot_UpdataState(int state)
+{
+    std::printf("slot_UpdataState = [%d]\n", state);
+    if (state < netT::WIFI_IDLE || state > netT::WIFI_CONNECTED)
+        return;
+    m_refresh.setState(state);
+    if (isJoining(state)) {
+        if (m_refresh.isVisible())
+            showTopRow(ListItem::CONNECTING);
+        return;
+    }
+    if (state == netT::WIFI_CONNECTED) {
+        m_sinceJoin.invalidate();
+        showTopRow(ListItem::CONNECTED);
+        RefWifiList();
+        return;
+    }
+    loseNetwork();
+    if (state == netT::WIFI_FAILED) {
+        m_sinceJoin.invalidate();
+        m_refresh.suspendPoll();
+        tellFailure();
+    }
+}
+
+// The network that stood on top goes back into the list, if it is in range.
+void NetWiFi::loseNetwork()
+{
+    m_sCurrent.clear();
+    hideTopRow();
+    RefWifiList();
+}
+
+void NetWiFi::tellFailure()
+{
+    if (std::exchange(m_bTelling, true))
+        return;
+    const QSize offset = fractionOf(size(), (1 - BOX_SHARE) / 2, (1 - BOX_SHARE) / 2);
+    runBox(BOX_WARNING, this,
+           tr("Failed to connect Network! Wrong password or weak signal, please reconnect."),
+           fractionOf(size(), BOX_SHARE, BOX_SHARE),
+           mapTo(window(), {offset.width(), offset.height()}));
+    m_bTelling = false;
+}
+
+void NetWiFi::slot_itemClicked(QListWidgetItem *item)
+{
+    const auto accessPoint = ui->list_Wifi->chosen(item);
+    if (!accessPoint || accessPoint->sSsid.empty())
+        return;
+    QString password;
+    if (isSecured(*accessPoint) &&
+        !editWithKeyboard(textRequest(this, nullptr, KB_MODE_HIDDEN_TEXT, LONGEST_PASSWORD),
+                          &password))
+        return;
+    // The device may have gone while the password was typed.
+    if (isOn() && m_switch->isReady())
+        join(*accessPoint, password.toStdString());
+}
+
+void NetWiFi::join(const netT::stApInfo_tag &accessPoint, const std::string &password)
+{
+    m_refresh.suspendPoll();
+    slot_UpdataState(netT::WIFI_IDLE);
+    std::printf("============setConnectInfo =[%s] [%s] [%d]\n", accessPoint.sSsid.c_str(),
+                password.c_str(), accessPoint.nSecurity);
+    const bool taken = netT::setConnectInfo(accessPoint.sSsid, password, false, TIMEOUT_MS) >= 0;
+    std::puts(taken ? "setConnectInfo ===== ok" : "setConnectInfo ===== err");
+    m_sCurrent = accessPoint.sSsid;
+    topRow()->setAccessPoint(accessPoint);
+    netT::connectwifi();
+    // Only now: until the joining has begun the service may still tell the former failure.
+    if (taken)
+        m_refresh.resumePoll();
+    RefWifiList();
+    m_sinceJoin.start();
+    slot_UpdataState(netT::WIFI_CONNECTING);
+}
+
+// --- The rows ----------------------------------------------------------------------------------
+
+void NetWiFi::setAccessPoints(std::vector<netT::stApInfo_tag> list)
+{
+    m_refresh.takeScan(std::move(list));
+}
+
+void NetWiFi::slot_RefWifiList()
+{
+    RefWifiList();
+}
+
+void NetWiFi::RefWifiList()
+{
+    m_refresh.withList([this](const std::vector<netT::stApInfo_tag> &list) {
+        m_rows.clear();
+        const netT::stApInfo_tag *current = nullptr;
+        for (const netT::stApInfo_tag &accessPoint : list) {
+            if (m_sCurrent.empty() || accessPoint.sSsid != m_sCurrent)
+                m_rows.push_back(accessPoint);
+            else if (current == nullptr)
+                current = &accessPoint; // the strongest of that name
+        }
+        if (current != nullptr)
+            topRow()->setLevel(current->nLevel);
+        if (!isOn())
+            m_rows.clear(); // until the device is back
+        ui->list_Wifi->setAccessPoints(m_rows);
+    });
+}
+
+ListItem *NetWiFi::topRow()
+{
+    if (m_pTopRow == nullptr) {
+        m_pTopRow = new ListItem;
+        ui->connectLayout->addWidget(m_pTopRow);
+    }
+    return m_pTopRow;
+}
+
+void NetWiFi::showTopRow(ListItem::Mode mode)
+{
+    netT::stUserInfo_tag info;
+    if (netT::getConnectInfo(info, true, TIMEOUT_MS) == 0) {
+        std::printf("getConnectInfo = [%s][%s][%d]\n", info.sSsid.c_str(), info.sPassword.c_str(),
+                    info.nSecurity);
+        m_sCurrent = info.sSsid;
+        const int level = netT::getSignal(true, TIMEOUT_MS);
+        topRow()->setAccessPoint({info.nId, level, info.sSsid, std::string(), info.nSecurity});
+    }
+    topRow()->setAddress(m_addresses.sIpAddr);
+    topRow()->setMode(mode);
+    ui->wid_wifiConnect->show();
+    ui->line_Connect->show();
+    stretchRows(2, 1, 20);
+}
+
+void NetWiFi::hideTopRow()
+{
+    if (m_pTopRow != nullptr)
+        m_pTopRow->setMode(ListItem::IDLE);
+    ui->wid_wifiConnect->hide();
+    ui->line_Connect->hide();
+    stretchRows(0, 0, 23);
+}
+
+void NetWiFi::stretchRows(int row, int separator, int list)
+{
+    ui->pageLayout->setStretchFactor(ui->wid_wifiConnect, row);
+    ui->pageLayout->setStretchFactor(ui->line_Connect, separator);
+    ui->pageLayout->setStretchFactor(ui->list_Wifi, list);
+}
+
+// --- The parameters ----------------------------------------------------------------------------
+
+bool NetWiFi::eventFilter(QObject *watched, QEvent *event)
+{
+    // A disabled widget still hands its presses to the filter.
+    if (watched == ui->wid_wifiConnect && event->type() == QEvent::MouseButtonPress &&
+        ui->wid_wifiConnect->isEnabled())
+        openParameters();
+    return QWidget::eventFilter(watched, event);
+}
+
+void NetWiFi::openParameters()
+{
+    keyClick();
+    WifiPara dialog(this);
+    connect(this, &NetWiFi::sgl_DHCP, &dialog, &WifiPara::slot_DHCP);
+    connect(this, &NetWiFi::sgl_Dns, &dialog, &WifiPara::slot_Dns);
+    connect(this, &NetWiFi::sgl_IpPara, &dialog, &WifiPara::slot_IpPara);
+    connect(this, &NetWiFi::sgl_Mac, &dialog, &WifiPara::slot_Mac);
+    AddressTexts &now = m_addresses;
+    netT::getIp(m_sDevName, now.sIpAddr, now.sSubnetMask, now.sGateway, false, TIMEOUT_MS);
+    netT::getDns(m_sDevName, now.sPrefDns, now.sAlterDns, false, TIMEOUT_MS);
+    emit sgl_DHCP(m_bDhcp);
+    if (!now.sIpAddr.empty())
+        emit sgl_IpPara(now.sIpAddr, now.sSubnetMask, now.sGateway);
+    emit sgl_Dns(now.sPrefDns, now.sAlterDns);
+    emit sgl_Mac(m_sMac);
+    std::printf("m_strEthIP = [%s], m_strSubnetMask = [%s], m_strGateWay = [%s],"
+                "m_strDnsPrimary = [%s], m_strDnsSecondary = [%s] m_strMac = [%s]\n",
+                now.sIpAddr.c_str(), now.sSubnetMask.c_str(), now.sGateway.c_str(),
+                now.sPrefDns.c_str(), now.sAlterDns.c_str(), m_sMac.c_str());
+    dialog.setDevName(m_sDevName);
+    m_pDialog = &dialog;
+    dialog.exec();
+    m_pDialog = nullptr;
+}
