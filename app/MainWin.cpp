@@ -8,6 +8,7 @@
 #include "app/look/WidgetLook.h"
 #include "app/PlatformCallbacks.h"
 #include "app/Shutdown.h"
+#include "machine/Info.h"
 #include "network/NetEth.h"
 #include "network/NetWiFi.h"
 #include "platform/board.h"
@@ -121,6 +122,7 @@ void MainWin::openScreen()
 
 void MainWin::makePages()
 {
+    m_pInfo = ui->wdg_Info->setPage<Info>();
     m_pNetEth = ui->wdg_Eth->setPage<NetEth>();
     m_pNetWiFi = ui->wdg_Wifi->setPage<NetWiFi>();
     m_pCommSetting = ui->wdg_CommSetting->setPage<CommSetting>();
@@ -139,6 +141,7 @@ void MainWin::initLanguage()
     loadLanguageSettings();
     m_nLanguage = g_nLanguge;
     ui->retranslateUi(this);
+    m_pInfo->retranslate();
     m_pCommSetting->retranslate();
     m_pGeneral->retranslate();
     m_pNetEth->retranslate();
@@ -328,6 +331,7 @@ void MainWin::slot_LanguageChange(int index)
     ui->retranslateUi(this);
     highlightGroup(m_nGroup);
     applyStyle();
+    m_pInfo->retranslate();
     m_pCommSetting->retranslate();
     m_pGeneral->retranslate();
     m_pNetEth->retranslate();

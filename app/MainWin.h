@@ -20,6 +20,7 @@ class CDownloadThread;
 class CommSetting;
 class ComParamLists;
 class General;
+class Info;
 class Language;
 class NetEth;
 class NetWiFi;
@@ -100,6 +101,7 @@ private:
     std::vector<netT::stAllNetInfo_tag> netRecords() const;
 
     std::unique_ptr<Ui::Qt_MainWin> ui;
+    Info *m_pInfo = nullptr;
     General *m_pGeneral = nullptr;
     NetEth *m_pNetEth = nullptr;
     NetWiFi *m_pNetWiFi = nullptr;

@@ -185,6 +185,17 @@ QString keyboardStyle(bool centred)
            (centred ? QStringLiteral("AlignHCenter;}") : QStringLiteral("AlignLeft;}"));
 }
 
+QString infoStyle()
+{
+    return withFont(QStringLiteral("QLabel{color:black;%1border:0px;border-radius:0px;"
+                                   "border-bottom:1px solid #DDE3EA;}"
+                                   "QLabel#label_24,QLabel#label_29,QLabel#label_34,QLabel#label_35"
+                                   "{color:#52637A;padding-right:6px;}"
+                                   "QLabel#label_35,QLabel#lab_ReProduct{border-bottom:0px;}"
+                                   "QLabel#lab_QRcode{background-color:white;"
+                                   "border:1px solid #C4C4C3;border-radius:8px;}"));
+}
+
 QString radioStyle()
 {
     return withFont(radioTemplate(RADIO_SIDE));

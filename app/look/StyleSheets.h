@@ -17,6 +17,8 @@ QString navigationStyle(bool selected);
 QString messageBoxStyle();
 // The keyboard's: its entry line aligned left, or centred for numbers.
 QString keyboardStyle(bool centred);
+// The device information page's: lines between its rows, a card around the code.
+QString infoStyle();
 // Radio buttons with indicators of 20 by 20 pixels.
 QString radioStyle();
 // A block of address fields: underlined while they can be edited, bare while they only show.

@@ -416,6 +416,25 @@
     </message>
 </context>
 <context>
+    <name>Info</name>
+    <message>
+        <source>Model:</source>
+        <translation>Model:</translation>
+    </message>
+    <message>
+        <source>Serial No:</source>
+        <translation>Serial No:</translation>
+    </message>
+    <message>
+        <source>Machine Id:</source>
+        <translation>Machine Id:</translation>
+    </message>
+    <message>
+        <source>Product Id:</source>
+        <translation>Product Id:</translation>
+    </message>
+</context>
+<context>
     <name>ListItem</name>
     <message>
         <source>Hidden network</source>

@@ -416,6 +416,25 @@
     </message>
 </context>
 <context>
+    <name>Info</name>
+    <message>
+        <source>Model:</source>
+        <translation>型号：</translation>
+    </message>
+    <message>
+        <source>Serial No:</source>
+        <translation>序列号：</translation>
+    </message>
+    <message>
+        <source>Machine Id:</source>
+        <translation>机器标识：</translation>
+    </message>
+    <message>
+        <source>Product Id:</source>
+        <translation>产品标识：</translation>
+    </message>
+</context>
+<context>
     <name>ListItem</name>
     <message>
         <source>Hidden network</source>

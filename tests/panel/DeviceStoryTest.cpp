@@ -1,0 +1,78 @@
+#include "tests/panel/PanelProcess.h"
+#include "tests/support/Text.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+
+namespace {
+
+// What an independent reader (zbar) makes of a picture; nothing if it finds no code.
+QString decoded(const QString &picture)
+{
+    QProcess reader;
+    reader.start("zbarimg"_s, {"-q"_s, "--raw"_s, picture});
+    if (!reader.waitForStarted())
+        return "there is no zbarimg (Debian: zbar-tools)"_s;
+    reader.waitForFinished();
+    const QByteArray text = reader.readAllStandardOutput();
+    return QString::fromUtf8(text.chopped(text.endsWith('\n') ? 1 : 0));
+}
+
+} // namespace
+
+// What an operator sees of the panel itself, from the program's own picture of its screen.
+class DeviceStoryTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void codeSaysTheIdentifier_data();
+    void codeSaysTheIdentifier();
+};
+
+void DeviceStoryTest::codeSaysTheIdentifier_data()
+{
+    QTest::addColumn<QString>("screen");
+    QTest::addColumn<QJsonValue>("product");
+    QTest::addColumn<QString>("read");
+    const QString longText = "https://panels.example.com/bind?product=P-070T-0042&line=3&salt="_s +
+                             QString(56, QLatin1Char('x'));
+    const QString machineId = "0210 8150 0420 7001"_s;
+    for (const char *screen : {"480x272", "1280x800"}) {
+        const auto row = [screen](const char *name, const QJsonValue &product,
+                                  const QString &read) {
+            QTest::addRow("%s at %s", name, screen)
+                << QString::fromLatin1(screen) << product << read;
+        };
+        row("plain", "P-070T-0042"_s, "P-070T-0042"_s);
+        row("long", longText, longText);
+        row("UTF-8", "产品 Größe 42"_s, "产品 Größe 42"_s);
+        row("empty", QString(), machineId);
+        row("unreadable", QJsonValue::Null, machineId);
+    }
+}
+
+void DeviceStoryTest::codeSaysTheIdentifier()
+{
+    QFETCH(QString, screen);
+    QFETCH(QJsonValue, product);
+    QFETCH(QString, read);
+    PanelProcess panel;
+    QFile scenario(panel.file("/scenario.json"_s));
+    QVERIFY(scenario.open(QIODevice::WriteOnly));
+    const QJsonObject machine{{"machine"_s, QJsonObject{{"product"_s, product}}}};
+    scenario.write(QJsonDocument(machine).toJson());
+    scenario.close();
+    panel.setEnvironment("SYSSET_LCD"_s, screen);
+    panel.setEnvironment("SYSSET_SCENARIO"_s, scenario.fileName());
+    QVERIFY(panel.start());
+    QVERIFY(PanelProcess::wait([&] { return panel.isVisible("lab_QRcode"_s); }));
+    const QString picture = panel.file("/screen.png"_s);
+    QVERIFY2(!panel.ask({"ui"_s, "shot"_s, picture}).isUndefined(), qPrintable(panel.error()));
+    QCOMPARE(decoded(picture), read);
+}
+
+QTEST_GUILESS_MAIN(DeviceStoryTest)
+#include "DeviceStoryTest.moc"
