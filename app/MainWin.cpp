@@ -9,6 +9,7 @@
 #include "app/PlatformCallbacks.h"
 #include "app/Shutdown.h"
 #include "machine/Info.h"
+#include "machine/Version.h"
 #include "network/NetEth.h"
 #include "network/NetWiFi.h"
 #include "platform/board.h"
@@ -123,6 +124,7 @@ void MainWin::openScreen()
 void MainWin::makePages()
 {
     m_pInfo = ui->wdg_Info->setPage<Info>();
+    m_pVersion = ui->wdg_Version->setPage<Version>();
     m_pNetEth = ui->wdg_Eth->setPage<NetEth>();
     m_pNetWiFi = ui->wdg_Wifi->setPage<NetWiFi>();
     m_pCommSetting = ui->wdg_CommSetting->setPage<CommSetting>();
@@ -142,6 +144,7 @@ void MainWin::initLanguage()
     m_nLanguage = g_nLanguge;
     ui->retranslateUi(this);
     m_pInfo->retranslate();
+    m_pVersion->retranslate();
     m_pCommSetting->retranslate();
     m_pGeneral->retranslate();
     m_pNetEth->retranslate();
@@ -338,6 +341,7 @@ void MainWin::slot_LanguageChange(int index)
     m_pNetWiFi->retranslate();
     for (UpdatePage *page : m_updatePages)
         page->retranslate();
+    m_pVersion->retranslate();
     m_pLanguage->retranslate(m_nLanguage);
 }
 

@@ -27,6 +27,7 @@ class NetWiFi;
 class QPushButton;
 class QTabWidget;
 class UpdatePage;
+class Version;
 
 namespace Ui {
 class Qt_MainWin;
@@ -102,6 +103,7 @@ private:
 
     std::unique_ptr<Ui::Qt_MainWin> ui;
     Info *m_pInfo = nullptr;
+    Version *m_pVersion = nullptr;
     General *m_pGeneral = nullptr;
     NetEth *m_pNetEth = nullptr;
     NetWiFi *m_pNetWiFi = nullptr;

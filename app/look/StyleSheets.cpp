@@ -196,6 +196,16 @@ QString infoStyle()
                                    "border:1px solid #C4C4C3;border-radius:8px;}"));
 }
 
+QString versionStyle()
+{
+    return withFont(QStringLiteral("QTreeWidget{color:black;%1background-color:white;"
+                                   "outline:none;border:0px;}"
+                                   "QTreeWidget::item{min-height:%2px;padding:0px 4px;"
+                                   "border:0px;border-bottom:1px solid #DDE3EA;}") +
+                    scrollBarTemplate())
+        .replace(QLatin1String("%2"), QString::number(fontPixelSize() * 2));
+}
+
 QString radioStyle()
 {
     return withFont(radioTemplate(RADIO_SIDE));

@@ -19,6 +19,8 @@ QString messageBoxStyle();
 QString keyboardStyle(bool centred);
 // The device information page's: lines between its rows, a card around the code.
 QString infoStyle();
+// The version page's: a list of two columns, lines between its rows.
+QString versionStyle();
 // Radio buttons with indicators of 20 by 20 pixels.
 QString radioStyle();
 // A block of address fields: underlined while they can be edited, bare while they only show.

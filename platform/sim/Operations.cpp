@@ -39,6 +39,7 @@ constexpr const char *OPERATIONS[] = {
     "cbl.md5String",
     "dsl.CNotifyClient.connect",
     "dsl.CNotifyClient.disconnect",
+    "dsl.getVersionList",
     "my_reboot",
     "netT.CAsyncClient.getConnectedStatus",
     "netT.CAsyncClient.start",

@@ -1,6 +1,7 @@
-// The small services: notify client, digest, process lookup.
+// The small services: notify client, versions, digest, process lookup.
 #include "platform/cos_process.h"
 #include "platform/services.h"
+#include "platform/sim/NetDevices.h"
 #include "platform/sim/Panel.h"
 
 #include <QCryptographicHash>
@@ -9,6 +10,7 @@
 
 using sim::Json;
 using sim::panel;
+using sim::text;
 
 namespace dsl {
 
@@ -20,6 +22,18 @@ CNotifyClient::CNotifyClient()
 CNotifyClient::~CNotifyClient()
 {
     panel().call("dsl.CNotifyClient.disconnect", Json(), [](Json &) { return 0; });
+}
+
+int getVersionList(std::vector<VersionEntry_T> &list, unsigned int timeoutMs)
+{
+    constexpr int NO_ANSWER = -2;
+    return panel().callWithin("dsl.getVersionList", Json::array({timeoutMs}), timeoutMs, NO_ANSWER,
+                              [&](const Json &state) {
+                                  list.clear();
+                                  for (const Json &entry : state["versions"])
+                                      list.push_back({text(entry, "name"), text(entry, "version")});
+                                  return 0;
+                              });
 }
 
 } // namespace dsl

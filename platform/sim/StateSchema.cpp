@@ -61,6 +61,7 @@ constexpr const char *SCHEMA_TEXT = R"({
         "line": {"answer": "right|none|noise|endless|wrongSum|late",
                  "spoil": "-1..2147483647", "lateMs": "0..60000", "refuse": "0..255",
                  "paced": "bool", "frames": "0..2147483647", "received": "0..2147483647"}},
+"versions": [{"name": "text", "version": "text"}],
 "partition": {"writable": "bool", "remounts": ["-2147483648..2147483647"]},
 "reboots": ["-2147483648..2147483647"]
 })";
@@ -124,6 +125,11 @@ constexpr const char *DEFAULTS_TEXT = R"({
         "hasPassword": 0, "results": {}, "steps": [],
         "line": {"answer": "right", "spoil": -1, "lateMs": 4500, "refuse": 0, "paced": false,
                  "frames": 0, "received": 0}},
+"versions": [{"name": "Runtime", "version": "2.4.1"}, {"name": "Network service", "version": "1.8.0"},
+             {"name": "Update service", "version": "1.3.2"},
+             {"name": "PLC driver", "version": "3.0.7"},
+             {"name": "Touch driver", "version": "1.1.0"},
+             {"name": "Board support", "version": "2023.11"}],
 "partition": {"writable": false, "remounts": []},
 "reboots": []
 })";

@@ -34,12 +34,18 @@ QString asShown(const QString &text)
     return shown;
 }
 
+// Columns stand apart by a tab.
 Json rowsOf(const QAbstractItemView &view)
 {
     Json rows = Json::array();
     const QAbstractItemModel *model = view.model();
-    for (int row = 0; model != nullptr && row < model->rowCount(view.rootIndex()); ++row)
-        rows.push_back(json(model->index(row, 0, view.rootIndex()).data().toString()));
+    const QModelIndex root = view.rootIndex();
+    for (int row = 0; model != nullptr && row < model->rowCount(root); ++row) {
+        QStringList columns;
+        for (int column = 0; column < model->columnCount(root); ++column)
+            columns += model->index(row, column, root).data().toString();
+        rows.push_back(json(columns.join(QLatin1Char('\t'))));
+    }
     return rows;
 }
 

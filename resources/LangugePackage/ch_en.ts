@@ -643,6 +643,37 @@
     </message>
 </context>
 <context>
+    <name>Version</name>
+    <message>
+        <source>Program</source>
+        <translation>Program</translation>
+    </message>
+    <message>
+        <source>Build</source>
+        <translation>Build</translation>
+    </message>
+    <message>
+        <source>Kernel</source>
+        <translation>Kernel</translation>
+    </message>
+    <message>
+        <source>Other software</source>
+        <translation>Other software</translation>
+    </message>
+    <message>
+        <source>Reading...</source>
+        <translation>Reading...</translation>
+    </message>
+    <message>
+        <source>No answer</source>
+        <translation>No answer</translation>
+    </message>
+    <message>
+        <source>The panel is busy</source>
+        <translation>The panel is busy</translation>
+    </message>
+</context>
+<context>
     <name>WifiPara</name>
     <message>
         <source>WiFiPara</source>

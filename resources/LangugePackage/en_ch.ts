@@ -643,6 +643,37 @@
     </message>
 </context>
 <context>
+    <name>Version</name>
+    <message>
+        <source>Program</source>
+        <translation>程序</translation>
+    </message>
+    <message>
+        <source>Build</source>
+        <translation>构建</translation>
+    </message>
+    <message>
+        <source>Kernel</source>
+        <translation>内核</translation>
+    </message>
+    <message>
+        <source>Other software</source>
+        <translation>其他软件</translation>
+    </message>
+    <message>
+        <source>Reading...</source>
+        <translation>正在读取...</translation>
+    </message>
+    <message>
+        <source>No answer</source>
+        <translation>无应答</translation>
+    </message>
+    <message>
+        <source>The panel is busy</source>
+        <translation>系统繁忙</translation>
+    </message>
+</context>
+<context>
     <name>WifiPara</name>
     <message>
         <source>WiFiPara</source>

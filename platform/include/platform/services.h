@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace dsl {
 
@@ -16,6 +17,18 @@ public:
     CNotifyClient(const CNotifyClient &) = delete;
     CNotifyClient &operator=(const CNotifyClient &) = delete;
 };
+
+// One extension or driver of the panel, as the version service names it. Texts are bytes.
+struct VersionEntry_T
+{
+    std::string name;
+    std::string version;
+};
+
+// Asks the panel's version service what else is installed. Returns 0 or more; negative, with `list`
+// untouched, if it refuses (-1) or has not answered within `timeoutMs` milliseconds (-2), which the
+// call never waits beyond. Any thread.
+int getVersionList(std::vector<VersionEntry_T> &list, unsigned int timeoutMs);
 
 } // namespace dsl
 
