@@ -11,7 +11,9 @@
 #include "machine/Info.h"
 #include "machine/Version.h"
 #include "network/NetEth.h"
+#include "network/NetExtend.h"
 #include "network/NetWiFi.h"
+#include "network/NetWorkTestUi.h"
 #include "platform/board.h"
 #include "platform/cos_process.h"
 #include "platform/cos_thread.h"
@@ -82,6 +84,7 @@ MainWin::~MainWin()
 {
     hide();
     m_cloudMonitor.stop(); // else the wait for its task could last many pings
+    m_pNetExtend->diagnosis()->stop();
     m_tasks.reset();
     m_pDownloadThread.reset();
     m_pNotifyClient.reset();
@@ -127,6 +130,7 @@ void MainWin::makePages()
     m_pVersion = ui->wdg_Version->setPage<Version>();
     m_pNetEth = ui->wdg_Eth->setPage<NetEth>();
     m_pNetWiFi = ui->wdg_Wifi->setPage<NetWiFi>();
+    m_pNetExtend = ui->wdg_NetExtend->setPage<NetExtend>();
     m_pCommSetting = ui->wdg_CommSetting->setPage<CommSetting>();
     m_pGeneral = ui->wdg_Gerneral->setPage<General>();
     m_pLanguage = ui->wdg_Language->setPage<Language>();
@@ -152,6 +156,8 @@ void MainWin::initLanguage()
     for (UpdatePage *page : m_updatePages)
         page->retranslate();
     m_pLanguage->retranslate(m_nLanguage);
+    m_pNetExtend->diagnosis()->setLanguage(m_nLanguage);
+    m_pNetExtend->retranslate();
     if (!g_bChange)
         ui->tab_System->removeTab(LANGUAGE_TAB);
 }
@@ -170,6 +176,7 @@ void MainWin::initLook()
     connect(this, qOverload<>(&MainWin::sgl_NetChange), this,
             qOverload<>(&MainWin::slot_NetChange));
     connect(m_pLanguage, &Language::sgl_LanguageChange, this, &MainWin::slot_LanguageChange);
+    connect(this, &MainWin::sgl_Util, m_pNetExtend->diagnosis(), &NetWorkTestUi::slot_Util);
 }
 
 void MainWin::registerHotPlug()
@@ -320,10 +327,15 @@ void MainWin::slot_NetChange()
     for (const netT::stAllNetInfo_tag &record : netRecords()) {
         std::printf("[%s][%s][%s]\n", record.sDevName.c_str(), record.sNetType.c_str(),
                     record.sIpAddr.c_str());
-        if (record.sNetType == "ETH")
+        if (record.sNetType == "ETH") {
             m_pNetEth->setNetInfo(record);
-        else if (record.sNetType == "WIFI")
+            m_pNetExtend->diagnosis()->setEthDevice(record.sDevName);
+        } else if (record.sNetType == "WIFI") {
             m_pNetWiFi->setNetInfo(record);
+            m_pNetExtend->diagnosis()->setWifiDevice(m_pNetWiFi->deviceName());
+        } else if (record.sNetType == "4G") {
+            m_pNetExtend->diagnosis()->set4gDevice(record.sDevName);
+        }
     }
 }
 
@@ -334,6 +346,7 @@ void MainWin::slot_LanguageChange(int index)
     ui->retranslateUi(this);
     highlightGroup(m_nGroup);
     applyStyle();
+    m_pNetExtend->diagnosis()->setLanguage(m_nLanguage);
     m_pInfo->retranslate();
     m_pCommSetting->retranslate();
     m_pGeneral->retranslate();
@@ -342,6 +355,8 @@ void MainWin::slot_LanguageChange(int index)
     for (UpdatePage *page : m_updatePages)
         page->retranslate();
     m_pVersion->retranslate();
+    m_pNetExtend->diagnosis()->retranslate();
+    m_pNetExtend->retranslate();
     m_pLanguage->retranslate(m_nLanguage);
 }
 

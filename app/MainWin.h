@@ -23,6 +23,7 @@ class General;
 class Info;
 class Language;
 class NetEth;
+class NetExtend;
 class NetWiFi;
 class QPushButton;
 class QTabWidget;
@@ -107,6 +108,7 @@ private:
     General *m_pGeneral = nullptr;
     NetEth *m_pNetEth = nullptr;
     NetWiFi *m_pNetWiFi = nullptr;
+    NetExtend *m_pNetExtend = nullptr;
     CommSetting *m_pCommSetting = nullptr;
     Language *m_pLanguage = nullptr;
     std::array<UpdatePage *, 3> m_updatePages{}; // project, firmware, PLC program

@@ -250,3 +250,24 @@ QString generalStyle()
            sliderTemplate(touch) +
            QStringLiteral("QFrame#line_Halves{background-color:#C4C4C3;border:0px;}");
 }
+
+QString extendStyle()
+{
+    const int arrow = fontPixelSize() * 3 / 2;
+    return withFont(QStringLiteral("QLabel{color:black;%1}") + buttonTemplate() +
+                    comboTemplate(arrow, std::max(touchHeight(), arrow)));
+}
+
+QString diagnosisStyle()
+{
+    return withFont(
+        QStringLiteral("QLabel{color:black;%1border:0px;}") + buttonTemplate() +
+        scrollBarTemplate() +
+        QStringLiteral("#NetWorkTestUi,QWidget#rows{background-color:white;}"
+                       "QFrame#frame{border:2px solid #8B9FBD;}"
+                       "QFrame#wdg_Title{background-color:rgb(139, 159, 189);}"
+                       "QPushButton#btn_close{background-color:transparent;border:0px;}"
+                       "QScrollArea{border:1px solid #C4C4C3;}"
+                       "NetWorkTestItem[heading=\"true\"]{background-color:#F2F5F8;}"
+                       "QLabel#lab_solution{background-color:#F2F5F8;border-radius:4px;}"));
+}

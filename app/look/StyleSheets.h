@@ -34,3 +34,8 @@ QString communicationStyle();
 // The General page's: underlined fields, the list of zones with rows as high as a touch, and
 // sliders that follow the screen.
 QString generalStyle();
+// The extended network page's: a list whose arrow is one and a half times as wide as the font is
+// high, with rows as high as a touch.
+QString extendStyle();
+// The network diagnosis's: rows in a list, headings shaded, advice set off.
+QString diagnosisStyle();

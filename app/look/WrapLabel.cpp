@@ -10,7 +10,6 @@ namespace {
 
 constexpr int PADDING = 6; // pixels to the left and right of the text
 constexpr int LEAD = 2;    // above and below
-constexpr int HINTED_LINES = 2;
 
 // Breaks the label's text into lines of `width`. Returns their height.
 int layLines(QTextLayout &layout, int width)
@@ -59,6 +58,12 @@ WrapLabel::WrapLabel(QWidget *parent) : QLabel(parent)
     setSizePolicy(policy);
 }
 
+void WrapLabel::setLeastLines(int lines)
+{
+    m_nLeastLines = lines;
+    updateGeometry();
+}
+
 int WrapLabel::heightForWidth(int width) const
 {
     const QSize frame = size() - contentsRect().size();
@@ -70,7 +75,7 @@ int WrapLabel::heightForWidth(int width) const
 
 QSize WrapLabel::sizeHint() const
 {
-    return {0, HINTED_LINES * fontMetrics().lineSpacing() + 2 * LEAD};
+    return {0, m_nLeastLines * fontMetrics().lineSpacing() + 2 * LEAD};
 }
 
 QSize WrapLabel::minimumSizeHint() const

@@ -11,10 +11,16 @@ class WrapLabel : public QLabel
 public:
     explicit WrapLabel(QWidget *parent = nullptr);
 
+    // How many lines the label is high at least; 2 without this.
+    void setLeastLines(int lines);
+
     int heightForWidth(int width) const override;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+
+private:
+    int m_nLeastLines = 2;
 };

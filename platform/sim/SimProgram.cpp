@@ -1,6 +1,7 @@
 #include "platform/sim/SimProgram.h"
 
 #include "platform/sim/ControlServer.h"
+#include "platform/sim/InstalledFiles.h"
 #include "platform/sim/Panel.h"
 #include "platform/sim/Requests.h"
 #include "platform/sim/Root.h"
@@ -155,6 +156,7 @@ int startFromEnvironment()
     try {
         applyEnvironment();
         takeRoot();
+        installFiles();
         panel().keepIn(keptFile());
         exportTimeZone();
     } catch (const BadRequest &error) {

@@ -515,6 +515,33 @@
     </message>
 </context>
 <context>
+    <name>NetExtend</name>
+    <message>
+        <source>Net Diag：</source>
+        <translation>Net Diag：</translation>
+    </message>
+    <message>
+        <source>Diag</source>
+        <translation>Diag</translation>
+    </message>
+    <message>
+        <source>Connect method：</source>
+        <translation>Connect method：</translation>
+    </message>
+    <message>
+        <source>Ethernet</source>
+        <translation>Ethernet</translation>
+    </message>
+    <message>
+        <source>Wi-Fi</source>
+        <translation>Wi-Fi</translation>
+    </message>
+    <message>
+        <source>4G</source>
+        <translation>4G</translation>
+    </message>
+</context>
+<context>
     <name>NetWiFi</name>
     <message>
         <source>WLAN</source>
@@ -539,6 +566,88 @@
     <message>
         <source>Failed to connect Network! Wrong password or weak signal, please reconnect.</source>
         <translation>Failed to connect Network! Wrong password or weak signal, please reconnect.</translation>
+    </message>
+</context>
+<context>
+    <name>NetWorkTestItem</name>
+    <message>
+        <source>Strong</source>
+        <translation>Strong</translation>
+    </message>
+    <message>
+        <source>Medium</source>
+        <translation>Medium</translation>
+    </message>
+    <message>
+        <source>Weak</source>
+        <translation>Weak</translation>
+    </message>
+    <message>
+        <source>    Get resource file failed!</source>
+        <translation>    Get resource file failed!</translation>
+    </message>
+    <message>
+        <source>    Time synchronize failed!</source>
+        <translation>    Time synchronize failed!</translation>
+    </message>
+    <message>
+        <source>    Certificate download failed!</source>
+        <translation>    Certificate download failed!</translation>
+    </message>
+    <message>
+        <source>    Server connection failed!</source>
+        <translation>    Server connection failed!</translation>
+    </message>
+    <message>
+        <source>    Topic subscribe failed!</source>
+        <translation>    Topic subscribe failed!</translation>
+    </message>
+    <message>
+        <source>:China</source>
+        <translation>:China</translation>
+    </message>
+    <message>
+        <source>:ASEAN</source>
+        <translation>:ASEAN</translation>
+    </message>
+    <message>
+        <source>:Europe</source>
+        <translation>:Europe</translation>
+    </message>
+</context>
+<context>
+    <name>NetWorkTestUi</name>
+    <message>
+        <source>Network diagnosis</source>
+        <translation>Network diagnosis</translation>
+    </message>
+    <message>
+        <source>Start Diag</source>
+        <translation>Start Diag</translation>
+    </message>
+    <message>
+        <source>Press Start Diag to check the way to the cloud.</source>
+        <translation>Press Start Diag to check the way to the cloud.</translation>
+    </message>
+    <message>
+        <source>The panel is busy. Please try again.</source>
+        <translation>The panel is busy. Please try again.</translation>
+    </message>
+    <message>
+        <source>Diagnosing</source>
+        <translation>Diagnosing</translation>
+    </message>
+    <message>
+        <source>The network connection is successful.</source>
+        <translation>The network connection is successful.</translation>
+    </message>
+    <message>
+        <source>There are no cloud settings. The network was not checked.</source>
+        <translation>There are no cloud settings. The network was not checked.</translation>
+    </message>
+    <message>
+        <source>No network reaches the cloud. See the failed items.</source>
+        <translation>No network reaches the cloud. See the failed items.</translation>
     </message>
 </context>
 <context>

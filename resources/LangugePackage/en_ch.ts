@@ -515,6 +515,33 @@
     </message>
 </context>
 <context>
+    <name>NetExtend</name>
+    <message>
+        <source>Net Diag：</source>
+        <translation>网络诊断：</translation>
+    </message>
+    <message>
+        <source>Diag</source>
+        <translation>诊断</translation>
+    </message>
+    <message>
+        <source>Connect method：</source>
+        <translation>首选网络：</translation>
+    </message>
+    <message>
+        <source>Ethernet</source>
+        <translation>以太网</translation>
+    </message>
+    <message>
+        <source>Wi-Fi</source>
+        <translation>Wi-Fi</translation>
+    </message>
+    <message>
+        <source>4G</source>
+        <translation>4G</translation>
+    </message>
+</context>
+<context>
     <name>NetWiFi</name>
     <message>
         <source>WLAN</source>
@@ -539,6 +566,88 @@
     <message>
         <source>Failed to connect Network! Wrong password or weak signal, please reconnect.</source>
         <translation>网络连接失败！密码错误或信号较弱，请重新连接。</translation>
+    </message>
+</context>
+<context>
+    <name>NetWorkTestItem</name>
+    <message>
+        <source>Strong</source>
+        <translation>强</translation>
+    </message>
+    <message>
+        <source>Medium</source>
+        <translation>中</translation>
+    </message>
+    <message>
+        <source>Weak</source>
+        <translation>弱</translation>
+    </message>
+    <message>
+        <source>    Get resource file failed!</source>
+        <translation>    获取资源文件失败！</translation>
+    </message>
+    <message>
+        <source>    Time synchronize failed!</source>
+        <translation>    时间同步失败！</translation>
+    </message>
+    <message>
+        <source>    Certificate download failed!</source>
+        <translation>    证书下载失败！</translation>
+    </message>
+    <message>
+        <source>    Server connection failed!</source>
+        <translation>    服务器连接失败！</translation>
+    </message>
+    <message>
+        <source>    Topic subscribe failed!</source>
+        <translation>    主题订阅失败！</translation>
+    </message>
+    <message>
+        <source>:China</source>
+        <translation>：中国</translation>
+    </message>
+    <message>
+        <source>:ASEAN</source>
+        <translation>：东盟</translation>
+    </message>
+    <message>
+        <source>:Europe</source>
+        <translation>：欧洲</translation>
+    </message>
+</context>
+<context>
+    <name>NetWorkTestUi</name>
+    <message>
+        <source>Network diagnosis</source>
+        <translation>网络诊断</translation>
+    </message>
+    <message>
+        <source>Start Diag</source>
+        <translation>开始诊断</translation>
+    </message>
+    <message>
+        <source>Press Start Diag to check the way to the cloud.</source>
+        <translation>请点击“开始诊断”，检查到云端的网络。</translation>
+    </message>
+    <message>
+        <source>The panel is busy. Please try again.</source>
+        <translation>系统忙，请重试。</translation>
+    </message>
+    <message>
+        <source>Diagnosing</source>
+        <translation>正在诊断</translation>
+    </message>
+    <message>
+        <source>The network connection is successful.</source>
+        <translation>网络连接成功。</translation>
+    </message>
+    <message>
+        <source>There are no cloud settings. The network was not checked.</source>
+        <translation>没有云配置，未检查网络。</translation>
+    </message>
+    <message>
+        <source>No network reaches the cloud. See the failed items.</source>
+        <translation>所有网络均无法连接到云，请查看失败项。</translation>
     </message>
 </context>
 <context>

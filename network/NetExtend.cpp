@@ -1,0 +1,85 @@
+#include "network/NetExtend.h"
+
+#include "app/look/Screen.h"
+#include "app/look/StyleSheets.h"
+#include "app/look/WidgetLook.h"
+#include "network/NetWorkTestUi.h"
+#include "platform/net.h"
+#include "ui_NetExtend.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr unsigned int TIMEOUT_MS = 5000;
+constexpr std::array KINDS = {"ETH", "WIFI", "4G"}; // by the list's index
+
+std::atomic<bool> s_bAnswered{false}; // for the whole process
+
+} // namespace
+
+NetExtend::NetExtend(QWidget *parent)
+    : QWidget(parent), ui(std::make_unique<Ui::NetExtend>()), m_pDiagnosis(new NetWorkTestUi(this))
+{
+    ui->setupUi(this);
+    ui->btn_check->setMinimumHeight(touchHeight());
+    ui->combox->setMinimumHeight(touchHeight());
+    connect(ui->btn_check, &QPushButton::clicked, this, &NetExtend::slot_ButtonPressed);
+    connect(ui->combox, qOverload<int>(&QComboBox::currentIndexChanged), this,
+            &NetExtend::slot_comboxChange);
+}
+
+NetExtend::~NetExtend() = default;
+
+void NetExtend::retranslate()
+{
+    ui->retranslateUi(this);
+    setStyleWhenSeen(this, extendStyle());
+}
+
+void NetExtend::refreshPriority()
+{
+    if (s_bAnswered)
+        return;
+    const int choices = m_nChoices;
+    std::string kind;
+    if (netT::getDevPriority(kind, true, TIMEOUT_MS) < 0 || kind.empty())
+        return;
+    if (s_bAnswered.exchange(true))
+        return;
+    const auto show = [this, kind, choices] {
+        if (choices == m_nChoices) // else it would take back what was chosen meanwhile
+            showPriority(kind);
+    };
+    QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+}
+
+void NetExtend::showPriority(const std::string &kind)
+{
+    const auto found = std::find(KINDS.begin(), KINDS.end(), kind);
+    if (found != KINDS.end())
+        ui->combox->setCurrentIndex(static_cast<int>(found - KINDS.begin()));
+}
+
+void NetExtend::slot_ButtonPressed()
+{
+    keyClick();
+    if (sender() != ui->btn_check)
+        return;
+    const QSize corner = fractionOf(screenSize(), 0.1, 0.1);
+    placeOnScreen(m_pDiagnosis, fractionOf(screenSize(), 0.7, 0.8),
+                  {corner.width(), corner.height()});
+    m_pDiagnosis->exec();
+}
+
+// Runs for the service's own answer too, and sends it back; this is intended.
+void NetExtend::slot_comboxChange(int index)
+{
+    if (index < 0 || index >= static_cast<int>(KINDS.size())) {
+        refreshPriority();
+        return;
+    }
+    netT::setDevPriority(KINDS[static_cast<std::size_t>(index)], false, TIMEOUT_MS);
+    ++m_nChoices;
+}

@@ -1,0 +1,267 @@
+#include "network/NetWorkTestUi.h"
+
+#include "app/look/FontStyle.h"
+#include "app/look/Screen.h"
+#include "app/look/StyleSheets.h"
+#include "app/look/WidgetLook.h"
+#include "network/NetWorkTestItem.h"
+#include "network/NetWorkTestRun.h"
+#include "platform/cos_thread.h"
+#include "ui_NetWorkTestUi.h"
+
+#include <QMovie>
+#include <QScrollBar>
+
+NetWorkTestUi::NetWorkTestUi(QWidget *parent) : QDialog(parent)
+{
+    setObjectName(QStringLiteral("NetWorkTestUi"));
+    setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    connect(this, &NetWorkTestUi::sgl_BtnCheck, this, &NetWorkTestUi::slot_BtnCheck,
+            Qt::QueuedConnection);
+    connect(this, &NetWorkTestUi::sgl_TestStatus, this, &NetWorkTestUi::slot_TestStatus,
+            Qt::QueuedConnection);
+}
+
+NetWorkTestUi::~NetWorkTestUi()
+{
+    stop();
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_jobDone.wait(lock, [this] { return !m_bJob; });
+    }
+    const std::lock_guard<std::mutex> lastRun(m_runMutex);
+}
+
+void NetWorkTestUi::build()
+{
+    if (ui != nullptr)
+        return;
+    ui = std::make_unique<Ui::NetWorkTestUi>();
+    ui->setupUi(this);
+    const int touch = touchHeight();
+    ui->btn_close->setFixedSize(touch, touch);
+    ui->btn_close->setIconSize({touch * 2 / 3, touch * 2 / 3});
+    ui->btn_StartDiag->setMinimumHeight(touch);
+    ui->lab_status->setLeastLines(1);
+    m_pRunning = new QMovie(imagePath(QStringLiteral("loading_more.gif")), QByteArray(), this);
+    connect(ui->btn_close, &QPushButton::clicked, this, &NetWorkTestUi::slot_ButtonPressed);
+    connect(ui->btn_StartDiag, &QPushButton::clicked, this, &NetWorkTestUi::slot_ButtonPressed);
+    QScrollBar *bar = ui->area_rows->verticalScrollBar();
+    connect(bar, &QScrollBar::rangeChanged, this, [this, bar](int, int bottom) {
+        if (m_phase == Phase::Running) // the check under way stays in sight
+            bar->setValue(bottom);
+    });
+    m_texts.load(m_nLanguage);
+    retranslate();
+}
+
+void NetWorkTestUi::showEvent(QShowEvent *event)
+{
+    build();
+    if (!m_texts.isLoaded() && m_texts.load(m_nLanguage))
+        tellRows();
+    QDialog::showEvent(event);
+    animate();
+}
+
+void NetWorkTestUi::hideEvent(QHideEvent *event)
+{
+    QDialog::hideEvent(event);
+    m_pRunning->stop();
+}
+
+// --- Texts -------------------------------------------------------------------------------------
+
+void NetWorkTestUi::setLanguage(int language)
+{
+    m_nLanguage = language;
+    if (ui == nullptr)
+        return;
+    m_texts.load(language);
+    tellRows();
+}
+
+void NetWorkTestUi::retranslate()
+{
+    if (ui == nullptr)
+        return;
+    ui->retranslateUi(this);
+    setStyleWhenSeen(this, diagnosisStyle());
+    m_pRunning->setScaledSize({fontPixelSize(), fontPixelSize()});
+    ui->lab_status->setText(phaseText());
+    for (NetWorkTestItem *row : m_rows) {
+        if (row != nullptr)
+            row->retranslate();
+    }
+}
+
+void NetWorkTestUi::tellRows()
+{
+    for (int item = 0; item < NETWORK_TEST_KEY_COUNT; ++item)
+        tellRow(item);
+}
+
+// Without texts of its own a row at least has its key.
+void NetWorkTestUi::tellRow(int item)
+{
+    const auto index = static_cast<std::size_t>(item);
+    if (m_rows[index] == nullptr)
+        return;
+    NetWorkTestText texts;
+    if (m_texts.find(item, texts) < 0)
+        texts.title = QLatin1String(NETWORK_TEST_KEYS[index]);
+    m_rows[index]->setTexts(texts, m_sRegion);
+}
+
+QString NetWorkTestUi::phaseText() const
+{
+    switch (m_phase) {
+    case Phase::Untested:
+        return tr("Press Start Diag to check the way to the cloud.");
+    case Phase::Refused:
+        return tr("The panel is busy. Please try again.");
+    case Phase::Running:
+        return tr("Diagnosing");
+    case Phase::Done:
+        break;
+    }
+    switch (m_nResult) {
+    case RESULT_PASSED:
+        return tr("The network connection is successful.");
+    case RESULT_NO_CONFIGURATION:
+        return tr("There are no cloud settings. The network was not checked.");
+    default:
+        return tr("No network reaches the cloud. See the failed items.");
+    }
+}
+
+// --- A run, on the worker's thread -------------------------------------------------------------
+
+int NetWorkTest_Thread(void *dialog)
+{
+    static_cast<NetWorkTestUi *>(dialog)->runTest();
+    return 0;
+}
+
+void NetWorkTestUi::runTest()
+{
+    const std::lock_guard<std::mutex> run(m_runMutex);
+    if (m_bStopped)
+        return;
+    emit sgl_BtnCheck(0);
+    m_nResult = 0;
+    NetWorkTestRun::Input input;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        input.devices = m_devices;
+    }
+    input.loadResult = m_nLoadResult;
+    input.connectionStatus = [this] { return m_nConnectionStatus.load(); };
+    input.stopped = [this] { return m_bStopped.load(); };
+    input.report = [this](int item, int state, int value) {
+        m_values[static_cast<std::size_t>(item)] = value;
+        emit sgl_TestStatus(item, state);
+    };
+    m_nResult = NetWorkTestRun(std::move(input)).run();
+    emit sgl_BtnCheck(1);
+}
+
+void NetWorkTestUi::setDevice(std::size_t link, const std::string &device)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_devices[link] = device;
+}
+
+void NetWorkTestUi::startRun()
+{
+    if (m_phase == Phase::Running)
+        return;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_bJob = true;
+    }
+    const auto job = [this] {
+        NetWorkTest_Thread(this);
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_bJob = false;
+        m_jobDone.notify_all(); // under the lock: the dialog may go as soon as it is free
+    };
+    const bool taken = COS::CCosThreadPool::submit(job) >= 0;
+    if (!taken) {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_bJob = false;
+    }
+    setPhase(taken ? Phase::Running : Phase::Refused);
+}
+
+// --- What the worker says ----------------------------------------------------------------------
+
+void NetWorkTestUi::slot_Util(int loadResult, int connectionStatus, QString text)
+{
+    m_nLoadResult = loadResult;
+    m_nConnectionStatus = connectionStatus;
+    if (m_sRegion == text)
+        return;
+    m_sRegion = text;
+    tellRows();
+}
+
+void NetWorkTestUi::slot_TestStatus(int item, int state)
+{
+    if (item < 0 || item >= NETWORK_TEST_KEY_COUNT)
+        return;
+    const auto index = static_cast<std::size_t>(item);
+    build();
+    if (m_rows[index] == nullptr)
+        makeRow(item);
+    m_rows[index]->setState(state, m_values[index]);
+}
+
+void NetWorkTestUi::slot_BtnCheck(int enabled)
+{
+    if (enabled == 0)
+        clearRows();
+    setPhase(enabled == 0 ? Phase::Running : Phase::Done);
+}
+
+void NetWorkTestUi::slot_ButtonPressed()
+{
+    keyClick();
+    if (sender() == ui->btn_close)
+        hide();
+    else
+        startRun();
+}
+
+void NetWorkTestUi::setPhase(Phase phase)
+{
+    build();
+    m_phase = phase;
+    ui->btn_StartDiag->setEnabled(phase != Phase::Running);
+    ui->lab_status->setText(phaseText());
+    animate();
+}
+
+void NetWorkTestUi::animate()
+{
+    if (m_phase == Phase::Running && isVisible())
+        m_pRunning->start();
+    else
+        m_pRunning->stop();
+}
+
+void NetWorkTestUi::clearRows()
+{
+    for (NetWorkTestItem *&row : m_rows) {
+        delete row;
+        row = nullptr;
+    }
+}
+
+void NetWorkTestUi::makeRow(int item)
+{
+    auto *row = new NetWorkTestItem(item, m_pRunning, ui->rows);
+    m_rows[static_cast<std::size_t>(item)] = row;
+    tellRow(item);
+    ui->rowList->insertWidget(ui->rowList->count() - 1, row); // above the stretch
+}
