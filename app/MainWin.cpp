@@ -52,7 +52,8 @@ constexpr int TABS_ACROSS = 5; // tabs that fit side by side on the screen
 MainWin::MainWin()
     : ui(std::make_unique<Ui::Qt_MainWin>()),
       m_cloudMonitor(m_cloudClient, OnCloudMessage, this,
-                     {[] {}, [this](int type, bool online) { emit sgl_NetChange(type, online); },
+                     {[this] { m_pNetExtend->refreshPriority(); },
+                      [this](int type, bool online) { emit sgl_NetChange(type, online); },
                       [this](int load, int status, const std::string &region) {
                           emit sgl_Util(load, status, QString::fromStdString(region));
                       },
