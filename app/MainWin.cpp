@@ -10,6 +10,7 @@
 #include "app/Shutdown.h"
 #include "machine/Info.h"
 #include "machine/Version.h"
+#include "network/Net4G.h"
 #include "network/NetEth.h"
 #include "network/NetExtend.h"
 #include "network/NetWiFi.h"
@@ -131,6 +132,7 @@ void MainWin::makePages()
     m_pVersion = ui->wdg_Version->setPage<Version>();
     m_pNetEth = ui->wdg_Eth->setPage<NetEth>();
     m_pNetWiFi = ui->wdg_Wifi->setPage<NetWiFi>();
+    m_pNet4G = ui->wdg_SIM4G->setPage<Net4G>();
     m_pNetExtend = ui->wdg_NetExtend->setPage<NetExtend>();
     m_pCommSetting = ui->wdg_CommSetting->setPage<CommSetting>();
     m_pGeneral = ui->wdg_Gerneral->setPage<General>();
@@ -156,6 +158,7 @@ void MainWin::initLanguage()
     m_pNetWiFi->retranslate();
     for (UpdatePage *page : m_updatePages)
         page->retranslate();
+    m_pNet4G->retranslate();
     m_pLanguage->retranslate(m_nLanguage);
     m_pNetExtend->diagnosis()->setLanguage(m_nLanguage);
     m_pNetExtend->retranslate();
@@ -202,6 +205,7 @@ void MainWin::checkNetworkService()
         netT::getAllNetInfoCallBack(getAllNetInfo, this, true, RECORDS_TIMEOUT_MS, true);
     std::puts(result >= 0 ? "InitNetWork OK" : "InitNetWork Error");
     m_pNetWiFi->startRefresh();
+    m_pNet4G->start();
 }
 
 void MainWin::openUpdate(const QString &word)
@@ -335,6 +339,7 @@ void MainWin::slot_NetChange()
             m_pNetWiFi->setNetInfo(record);
             m_pNetExtend->diagnosis()->setWifiDevice(m_pNetWiFi->deviceName());
         } else if (record.sNetType == "4G") {
+            m_pNet4G->setNetInfo(record);
             m_pNetExtend->diagnosis()->set4gDevice(record.sDevName);
         }
     }
@@ -355,6 +360,7 @@ void MainWin::slot_LanguageChange(int index)
     m_pNetWiFi->retranslate();
     for (UpdatePage *page : m_updatePages)
         page->retranslate();
+    m_pNet4G->retranslate();
     m_pVersion->retranslate();
     m_pNetExtend->diagnosis()->retranslate();
     m_pNetExtend->retranslate();

@@ -22,6 +22,7 @@ class ComParamLists;
 class General;
 class Info;
 class Language;
+class Net4G;
 class NetEth;
 class NetExtend;
 class NetWiFi;
@@ -109,6 +110,7 @@ private:
     NetEth *m_pNetEth = nullptr;
     NetWiFi *m_pNetWiFi = nullptr;
     NetExtend *m_pNetExtend = nullptr;
+    Net4G *m_pNet4G = nullptr;
     CommSetting *m_pCommSetting = nullptr;
     Language *m_pLanguage = nullptr;
     std::array<UpdatePage *, 3> m_updatePages{}; // project, firmware, PLC program

@@ -5,15 +5,23 @@
 
 #include <algorithm>
 
+std::optional<std::array<QString, 4>> octetsOf(const std::string &dotted)
+{
+    const QStringList parts = QString::fromStdString(dotted).split(QLatin1Char('.'));
+    if (parts.size() != 4)
+        return std::nullopt;
+    return {{parts[0], parts[1], parts[2], parts[3]}};
+}
+
 void OctetGroup::fill(const std::string &dotted)
 {
-    const QStringList octets = QString::fromStdString(dotted).split(QLatin1Char('.'));
-    if (octets.size() != static_cast<int>(m_fields.size())) {
+    const auto octets = octetsOf(dotted);
+    if (!octets) {
         clear();
         return;
     }
     for (std::size_t i = 0; i < m_fields.size(); ++i)
-        m_fields[i]->setText(octets[static_cast<int>(i)]);
+        m_fields[i]->setText((*octets)[i]);
 }
 
 void OctetGroup::clear()

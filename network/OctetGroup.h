@@ -4,10 +4,14 @@
 #include <QString>
 
 #include <array>
+#include <optional>
 #include <string>
 
 class QLineEdit;
 class QObject;
+
+// The parts of a dotted text; nothing unless there are exactly four.
+std::optional<std::array<QString, 4>> octetsOf(const std::string &dotted);
 
 class OctetGroup
 {

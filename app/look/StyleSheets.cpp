@@ -232,6 +232,11 @@ QString comStyle()
     return withFont(fieldTemplate());
 }
 
+QString cellularStyle()
+{
+    return comStyle() + QStringLiteral("QRadioButton:disabled{color:#767676;}");
+}
+
 QString communicationStyle()
 {
     return withFont(

@@ -27,6 +27,8 @@ QString radioStyle();
 QString addressStyle(bool underlined);
 // The Wi-Fi parameters dialog's, behind its block of address fields.
 QString wifiParaStyle();
+// The 4G page's: underlined fields, as on the COM page.
+QString cellularStyle();
 // The COM page's: underlined where a field opens the keyboard, shaded where it only shows.
 QString comStyle();
 // The communication dialog's, its fields as on the COM page.

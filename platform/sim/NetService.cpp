@@ -21,6 +21,11 @@ bool serviceRuns(const Json &state)
     return state.at("net").at("server").get<bool>();
 }
 
+bool hearsModem(Json &state)
+{
+    return serviceRuns(state) && presentDevice(state, "4G") != nullptr;
+}
+
 // A test that sets one of two places that say the same sees it in the other.
 void keepTogether(const Json &before, Json &state, const char *one, const char *other)
 {
@@ -145,7 +150,7 @@ void NetService::deliverAt()
     netT::tag_atCollect info;
     std::vector<AtListener> due;
     panel().locked([&](Json &state) {
-        if (!serviceRuns(state) || presentDevice(state, "4G") == nullptr)
+        if (!hearsModem(state))
             return;
         info = toAtInfo(state["modem"]["at"]);
         for (AtListener &listener : m_atListeners)
@@ -258,7 +263,7 @@ void NetService::modemChanged(const Json &before, Json &state)
     keepTogether(before, state, "/modem/csq", "/modem/at/numbers/0");
     keepTogether(before, state, "/modem/ccid", "/modem/at/texts/0");
     Json old = before;
-    const bool came = !presentDevice(old, "4G") && presentDevice(state, "4G");
+    const bool came = !hearsModem(old) && hearsModem(state);
     if (came || before["modem"]["at"] != state["modem"]["at"])
         atSoon();
 }

@@ -468,6 +468,61 @@
     </message>
 </context>
 <context>
+    <name>Net4G</name>
+    <message>
+        <source>netServer not run</source>
+        <translation>netServer not run</translation>
+    </message>
+    <message>
+        <source>Enable</source>
+        <translation>Enable</translation>
+    </message>
+    <message>
+        <source>Unplugged</source>
+        <translation>Unplugged</translation>
+    </message>
+    <message>
+        <source>4G</source>
+        <translation>4G</translation>
+    </message>
+    <message>
+        <source>IP：</source>
+        <translation>IP：</translation>
+    </message>
+    <message>
+        <source>IMEI:</source>
+        <translation>IMEI:</translation>
+    </message>
+    <message>
+        <source>ICCID:</source>
+        <translation>ICCID:</translation>
+    </message>
+    <message>
+        <source>Default APN</source>
+        <translation>Default APN</translation>
+    </message>
+    <message>
+        <source>Manual APN</source>
+        <translation>Manual APN</translation>
+    </message>
+    <message>
+        <source>Number</source>
+        <translation>Number</translation>
+    </message>
+    <message>
+        <source>Authentication</source>
+        <translation>Authentication</translation>
+    </message>
+    <message>
+        <source>Username</source>
+        <translation>Username</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Password</translation>
+    </message>
+</context>
+<context>
     <name>NetEth</name>
     <message>
         <source>Ethernet</source>

@@ -468,6 +468,61 @@
     </message>
 </context>
 <context>
+    <name>Net4G</name>
+    <message>
+        <source>netServer not run</source>
+        <translation>网络服务 netServer 未运行</translation>
+    </message>
+    <message>
+        <source>Enable</source>
+        <translation>未启用</translation>
+    </message>
+    <message>
+        <source>Unplugged</source>
+        <translation>未接入</translation>
+    </message>
+    <message>
+        <source>4G</source>
+        <translation>4G</translation>
+    </message>
+    <message>
+        <source>IP：</source>
+        <translation>IP 地址：</translation>
+    </message>
+    <message>
+        <source>IMEI:</source>
+        <translation>IMEI：</translation>
+    </message>
+    <message>
+        <source>ICCID:</source>
+        <translation>ICCID：</translation>
+    </message>
+    <message>
+        <source>Default APN</source>
+        <translation>默认 APN</translation>
+    </message>
+    <message>
+        <source>Manual APN</source>
+        <translation>手动 APN</translation>
+    </message>
+    <message>
+        <source>Number</source>
+        <translation>接入点</translation>
+    </message>
+    <message>
+        <source>Authentication</source>
+        <translation>认证方式</translation>
+    </message>
+    <message>
+        <source>Username</source>
+        <translation>用户名</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>密码</translation>
+    </message>
+</context>
+<context>
     <name>NetEth</name>
     <message>
         <source>Ethernet</source>

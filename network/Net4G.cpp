@@ -1,0 +1,309 @@
+#include "network/Net4G.h"
+
+#include "app/look/BoxHelpers.h"
+#include "app/look/OutsideText.h"
+#include "app/look/Screen.h"
+#include "app/look/StyleSheets.h"
+#include "app/look/WidgetLook.h"
+#include "input/FieldKeyboard.h"
+#include "network/OctetGroup.h"
+#include "platform/cos_process.h"
+#include "ui_Net4G.h"
+
+#include <QEvent>
+
+#include <array>
+#include <cstdio>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+constexpr unsigned int DEVICE_TIMEOUT_MS = 5000;
+constexpr unsigned int APN_TIMEOUT_MS = 1000;
+constexpr int LONGEST_APN_TEXT = 15;
+constexpr std::size_t ICCID_TEXT = 0; // of the AT information
+constexpr std::size_t IMEI_TEXT = 4;
+constexpr std::size_t CSQ_NUMBER = 0;
+constexpr int BEST_CSQ = 31;
+constexpr int UNKNOWN_CSQ = 99;
+
+// The signal icon, 0 to 4, for a signal quality; nothing for one that a modem does not report.
+std::optional<int> signalLevel(int csq)
+{
+    if (csq == UNKNOWN_CSQ)
+        return 0;
+    if (csq < 0 || csq > BEST_CSQ)
+        return std::nullopt;
+    return (csq + 7) / 8;
+}
+
+bool isSame(const netT::stApnInfo_tag &one, const netT::stApnInfo_tag &other)
+{
+    const auto fields = [](const netT::stApnInfo_tag &apn) {
+        return std::tie(apn.sName, apn.sAuth, apn.sUser, apn.sPassword, apn.sMode);
+    };
+    return fields(one) == fields(other);
+}
+
+} // namespace
+
+int CallBackup(netT::tag_atCollect &info, void *page)
+{
+    if (page == nullptr)
+        return -1;
+    static_cast<Net4G *>(page)->takeAtInfo(info);
+    return 0;
+}
+
+Net4G::Net4G(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::Net4G>())
+{
+    ui->setupUi(this);
+    const int touch = touchHeight();
+    ui->btn_4G->setFixedSize(2 * touch, touch);
+    ui->lab_4gSignal->setFixedSize(touch, touch);
+    m_pending.emplace(ui->lab_move, ui->lab_null);
+    for (QWidget *control :
+         std::initializer_list<QWidget *>{ui->radio_auto, ui->radio_manual, ui->line_ApnName,
+                                          ui->line_ApnAuth, ui->line_ApnUsr, ui->line_ApnPwd}) {
+        control->setMinimumHeight(touch);
+        control->installEventFilter(this);
+    }
+    showSwitch(ui->btn_4G, false);
+    setPresent(false);
+    showAddress(std::string());
+    showApnMode(false);
+    connect(ui->btn_4G, &QPushButton::clicked, this, &Net4G::slot_ButtonPressed);
+}
+
+Net4G::~Net4G() = default;
+
+void Net4G::start()
+{
+    if (COS::CosOsState::GetProcessPIDByName("netServer") < 0) {
+        runBox(BOX_INFORMATION, this, tr("netServer not run"));
+        return;
+    }
+    std::puts("init 4g At Info NetWork start");
+    const int result = netT::get4gAtInfoCallBackup(CallBackup, this);
+    std::puts(result < 0 ? "init 4g At Info NetWork Error" : "init 4g At Info NetWork OK");
+}
+
+void Net4G::setNetInfo(const netT::stAllNetInfo_tag &record)
+{
+    printRecord(record, m_addresses);
+    const bool present = netT::netIsExist(record.sDevName, false, DEVICE_TIMEOUT_MS) >= 0;
+    setPresent(present);
+    if (!present) {
+        std::printf("net [%s] Is not Exist!\n", record.sDevName.c_str());
+        return;
+    }
+    m_sDevName = record.sDevName;
+    const bool on = saysEnable(record.sFunction);
+    listen(on);
+    if (on != m_bOn)
+        completeSwitch(on);
+    m_addresses = addressesOf(record);
+    showAddress(m_addresses.sIpAddr);
+}
+
+void Net4G::takeAtInfo(const netT::tag_atCollect &info)
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_atMutex);
+        m_atInfo = info;
+    }
+    emit sgl_4GNetChange();
+}
+
+netT::tag_atCollect Net4G::atInfo() const
+{
+    const std::lock_guard<std::mutex> lock(m_atMutex);
+    return m_atInfo;
+}
+
+void Net4G::retranslate()
+{
+    ui->retranslateUi(this);
+    setPresent(m_bPresent);
+    setStyleWhenSeen(this, cellularStyle());
+}
+
+bool Net4G::eventFilter(QObject *watched, QEvent *event)
+{
+    // A disabled widget still hands its presses to the filter.
+    if (event->type() == QEvent::MouseButtonPress && static_cast<QWidget *>(watched)->isEnabled())
+        press(watched);
+    return QWidget::eventFilter(watched, event);
+}
+
+void Net4G::press(QObject *target)
+{
+    const bool manual = target == ui->radio_manual;
+    if (manual || target == ui->radio_auto) {
+        keyClick();
+        m_apn.sMode = manual ? "enable" : "disable";
+        showApnMode(manual);
+        sendApn();
+    } else {
+        edit(static_cast<QLineEdit *>(target));
+    }
+}
+
+// Sends whatever the keyboard leaves in the field: it does not tell an entry of text from none.
+void Net4G::edit(QLineEdit *field)
+{
+    const int mode = field == ui->line_ApnPwd ? KB_MODE_HIDDEN_TEXT : KB_MODE_TEXT;
+    KeyboardRequest request = textRequest(this, field, mode, LONGEST_APN_TEXT);
+    request.sizeOf = KeyboardSizeOf::Page;
+    request.widthFactor = 0.8;
+    request.heightFactor = 0.9;
+    request.xFactor = 0.1;
+    request.yFactor = 0.15;
+    m_bEditing = true;
+    editWithKeyboard(request);
+    m_bEditing = false;
+    if (m_bPresent)
+        sendApn();
+    if (std::exchange(m_bRefreshDue, false))
+        refreshApn();
+}
+
+// In default mode always, in manual mode only with a name.
+void Net4G::sendApn()
+{
+    m_apn.sName = ui->line_ApnName->text().toStdString();
+    m_apn.sAuth = ui->line_ApnAuth->text().toStdString();
+    m_apn.sUser = ui->line_ApnUsr->text().toStdString();
+    m_apn.sPassword = ui->line_ApnPwd->text().toStdString();
+    m_bApnUnsent = saysEnable(m_apn.sMode) && m_apn.sName.empty();
+    if (!m_bApnUnsent && netT::setApn(m_apn, false, APN_TIMEOUT_MS) >= 0)
+        m_servedApn = m_apn;
+}
+
+void Net4G::refreshApn()
+{
+    m_bRefreshDue = m_bEditing;
+    if (m_bEditing) // else it would change what is being typed, and what is sent
+        return;
+    netT::stApnInfo_tag apn;
+    if (netT::getApn(apn, false, APN_TIMEOUT_MS) < 0) {
+        ui->radio_auto->setChecked(true);
+        return;
+    }
+    // The signal changes all the time: news of it do not take away a choice that is being made.
+    if (m_bApnUnsent && isSame(apn, m_servedApn))
+        return;
+    m_bApnUnsent = false;
+    m_apn = m_servedApn = apn;
+    showApnMode(saysEnable(apn.sMode) && m_bOn);
+    ui->line_ApnName->setText(QString::fromStdString(apn.sName));
+    ui->line_ApnAuth->setText(QString::fromStdString(apn.sAuth));
+    ui->line_ApnUsr->setText(QString::fromStdString(apn.sUser));
+    ui->line_ApnPwd->setText(QString::fromStdString(apn.sPassword));
+}
+
+void Net4G::showApnMode(bool manual)
+{
+    (manual ? ui->radio_manual : ui->radio_auto)->setChecked(true);
+    ui->wdg_vpn->setVisible(manual);
+    ui->lab_vpn->setVisible(!manual);
+}
+
+void Net4G::slot_ButtonPressed()
+{
+    keyClick();
+    m_pending->start();
+    m_bRequestPending = true;
+    enableControls();
+    listen(!m_bOn);
+    if (m_bOn) {
+        const int result = netT::netDeviceDown(m_sDevName, false, DEVICE_TIMEOUT_MS);
+        std::printf(result < 0 ? "netDeviceDown [%s] Err\n" : "netDeviceDown [%s] ok\n",
+                    m_sDevName.c_str());
+    } else {
+        const int result = netT::netDeviceUp(m_sDevName, false, DEVICE_TIMEOUT_MS);
+        std::printf(result < 0 ? "netDeviceUp [%s] Err\n" : "netDeviceUp [%s] ok\n",
+                    m_sDevName.c_str());
+    }
+}
+
+void Net4G::slot_4GNetChange()
+{
+    if (!m_bListening) // announced before the device was switched off
+        return;
+    const netT::tag_atCollect info = atInfo();
+    if (m_sIccid != info.texts[ICCID_TEXT]) {
+        m_sIccid = info.texts[ICCID_TEXT];
+        ui->label_iccid->setText(shownBytes(m_sIccid));
+    }
+    if (m_sImei != info.texts[IMEI_TEXT]) {
+        m_sImei = info.texts[IMEI_TEXT];
+        ui->label_Imei->setText(shownBytes(m_sImei));
+    }
+    if (m_nCsq != info.numbers[CSQ_NUMBER]) {
+        m_nCsq = info.numbers[CSQ_NUMBER];
+        m_nLevel = signalLevel(m_nCsq).value_or(m_nLevel);
+        showSignal();
+    }
+    refreshApn();
+}
+
+void Net4G::listen(bool on)
+{
+    if (std::exchange(m_bListening, on) == on)
+        return;
+    if (on)
+        connect(this, &Net4G::sgl_4GNetChange, this, &Net4G::slot_4GNetChange);
+    else
+        disconnect(this, &Net4G::sgl_4GNetChange, this, &Net4G::slot_4GNetChange);
+}
+
+void Net4G::setPresent(bool present)
+{
+    m_bPresent = present;
+    ui->lab_4gStatus->setText(present ? tr("Enable") : tr("Unplugged"));
+    ui->lab_4gStatus->setVisible(!present || !m_bOn);
+    enableControls();
+    showSignal();
+}
+
+// A device that has been asked to change is not asked again; one that is not there, nothing.
+void Net4G::enableControls()
+{
+    ui->btn_4G->setEnabled(m_bPresent && !m_bRequestPending);
+    ui->radio_auto->setEnabled(m_bPresent);
+    ui->radio_manual->setEnabled(m_bPresent);
+    ui->wdg_vpn->setEnabled(m_bPresent);
+}
+
+// The record that answers a switch press, or reports a switch made elsewhere.
+void Net4G::completeSwitch(bool on)
+{
+    m_bOn = on;
+    m_bRequestPending = false;
+    m_pending->stop();
+    showSwitch(ui->btn_4G, on);
+    setPresent(true);
+    if (on)
+        slot_4GNetChange(); // the modem may have spoken before
+    else
+        refreshApn();
+}
+
+void Net4G::showAddress(const std::string &dotted)
+{
+    const std::array<QLabel *, 4> labels = {ui->lab_4gIP_1, ui->lab_4gIP_2, ui->lab_4gIP_3,
+                                            ui->lab_4gIP_4};
+    const auto octets = octetsOf(dotted);
+    for (std::size_t i = 0; i < labels.size(); ++i)
+        labels[i]->setText(octets ? (*octets)[i] : QString());
+    ui->wdg_4gIP->setVisible(octets.has_value());
+}
+
+void Net4G::showSignal()
+{
+    const int level = m_bPresent && m_bOn ? m_nLevel : 0;
+    const QString image = imagePath(QStringLiteral("4G_%1.png").arg(level));
+    setStyleOnce(ui->lab_4gSignal, QStringLiteral("border-image: url(%1);").arg(image));
+}
