@@ -37,6 +37,7 @@ QString joined(const QStringList &fields)
 CommSetting::CommSetting(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::ComSetting>())
 {
     ui->setupUi(this);
+    ui->lab_NotSaved->hide();
     for (QPushButton *button :
          {ui->btn_ComL, ui->btn_ComR, ui->btn_CommunIndetail, ui->btn_TimeOutIndetail}) {
         button->setMinimumSize(2 * touchHeight(), touchHeight());
@@ -112,6 +113,7 @@ int CommSetting::readPort(QString &settings)
 void CommSetting::load(const QString &name)
 {
     ui->line_ComNum->setText(name);
+    ui->lab_NotSaved->hide();
     reload();
 }
 
@@ -175,15 +177,15 @@ void CommSetting::editParameters(int page)
 }
 
 // Fields that were not read would be written as 0, and a refused write leaves the screen ahead of
-// the runtime: both end in what the runtime holds.
+// the runtime: both end in what the runtime holds, and in a line that says so.
 void CommSetting::write(const QStringList &fields)
 {
-    const QString settings = fields.join(QLatin1Char(','));
-    if (!m_bComplete || m_pLists == nullptr ||
-        m_pLists->writePort(ui->line_ComNum->text(), settings) != 0) {
-        reload();
-        return;
-    }
+    const bool written =
+        m_bComplete && m_pLists != nullptr &&
+        m_pLists->writePort(ui->line_ComNum->text(), fields.join(QLatin1Char(','))) == 0;
+    ui->lab_NotSaved->setHidden(written);
+    if (!written)
+        return reload();
     m_fields = fields;
     showFields();
 }

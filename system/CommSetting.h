@@ -15,7 +15,8 @@ class ComSetting;
 
 // Shows the COM ports one at a time, as the control runtime holds them, and writes every change at
 // once. What could not be written, or could not be read in full before, is shown again as the
-// runtime holds it. GUI thread.
+// runtime holds it, and a line below says so until another port is shown or a change is written.
+// GUI thread.
 class CommSetting : public QWidget
 {
     Q_OBJECT

@@ -229,7 +229,7 @@ QString wifiParaStyle()
 
 QString comStyle()
 {
-    return withFont(fieldTemplate());
+    return withFont(fieldTemplate() + QStringLiteral("QLabel#lab_NotSaved{color:#B00020;}"));
 }
 
 QString cellularStyle()

@@ -27,6 +27,10 @@
         <source>Set</source>
         <translation>Set</translation>
     </message>
+    <message>
+        <source>Failed to save the settings!</source>
+        <translation>Failed to save the settings!</translation>
+    </message>
 </context>
 <context>
     <name>Communication</name>

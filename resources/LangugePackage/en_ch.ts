@@ -27,6 +27,10 @@
         <source>Set</source>
         <translation>设置</translation>
     </message>
+    <message>
+        <source>Failed to save the settings!</source>
+        <translation>保存设置失败！</translation>
+    </message>
 </context>
 <context>
     <name>Communication</name>

@@ -4,6 +4,7 @@
 #include "tests/support/Dialogs.h"
 #include "tests/support/Text.h"
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QtTest>
@@ -77,6 +78,8 @@ private slots:
     void offersFreeConnections();
 
 private:
+    bool saysNotSaved() { return m_page->findChild<QLabel *>("lab_NotSaved"_s)->isVisible(); }
+
     ComParamLists m_lists;
     std::unique_ptr<CommSetting> m_page;
 };
@@ -202,6 +205,7 @@ void CommPagesTest::writesWhatTheDialogSaves()
     pressInDialog(presses.mid(1));
     press(m_page.get(), presses.first());
     QTEST(words(FIRST), "after");
+    QCOMPARE(saysNotSaved(), QLatin1String(QTest::currentDataTag()) == QLatin1String("refused"));
     m_page->resize(640, 390);
     QTEST(lineText(m_page.get(), "line_SerialCommiation"_s) + QLatin1Char(' ') +
               lineText(m_page.get(), "line_TimeCommiation"_s),
@@ -220,11 +224,13 @@ void CommPagesTest::writesNothingThatItHasNotRead()
     press(m_page.get(), "btn_CommunIndetail"_s);
     QCOMPARE(words(FIRST), "2 11 8 1 0 20 100 3 2 1 1"_s);
     QCOMPARE(lineText(m_page.get(), "line_TimeCommiation"_s), "20,100,3,2"_s);
+    QVERIFY(saysNotSaved());
     // Now it has; the white space in front of the rate goes back with it.
     pressInDialog({"btn_Parity_R"_s, "btn_Save"_s});
     press(m_page.get(), "btn_CommunIndetail"_s);
     QCOMPARE(words(FIRST), "2 11 8 1 1 20 100 3 2 1 1"_s);
     QCOMPARE(lineText(m_page.get(), "line_SerialCommiation"_s), "RS422,500000,8,1,ODD"_s);
+    QVERIFY(!saysNotSaved());
 }
 
 void CommPagesTest::stepsAField_data()
