@@ -7,16 +7,14 @@
 #include "tests/support/PanelRoot.h"
 #include "tests/support/PrintedBy.h"
 #include "tests/support/Text.h"
+#include "tests/system/Rows.h"
 
 #include <QDir>
 #include <QFile>
-#include <QtTest>
 
 #include <ctime>
 
 namespace {
-
-constexpr std::int64_t DAY = 86400;
 
 // "2024-02-29 10:15:42"
 ClockTexts texts(const QString &time)
@@ -78,68 +76,31 @@ private slots:
         QDir().mkpath(QFileInfo(zoneFile()).path());
     }
 
-    void limitsTheDay_data()
+    void knowsTheDaysOfEveryMonth()
     {
-        QTest::addColumn<QString>("shown");
-        QTest::addColumn<int>("last");
-        for (int month = 1; month <= 12; ++month) {
-            const QString shown = "2023-%1-01 00:00:00"_s.arg(month, 2, 10, QLatin1Char('0'));
-            QTest::newRow(qPrintable(shown)) << shown << QDate(2023, month, 1).daysInMonth();
+        for (QDate month(2000, 1, 1); month.year() <= 2037; month = month.addMonths(1)) {
+            const auto day = [month](const char *format) {
+                return texts(month.toString(QString::fromLatin1(format)) + " 0:0:0"_s);
+            };
+            const int last = month.daysInMonth();
+            QCOMPARE(clockRange(CLOCK_DAY, day("yyyy-MM-01")).min, 1);
+            QCOMPARE(clockRange(CLOCK_DAY, day("yyyy-MM-01")).max, last);
+            QCOMPARE(dayAfterMonth(day("yyyy-M-31")), QString::number(last));
+            QCOMPARE(dayAfterMonth(day("yyyy-M-05")), "05"_s);
+            QCOMPARE(dayAfterYear(day("yyyy-MM-29")), QString::number(std::min(29, last)));
+            QCOMPARE(dayAfterYear(day("yyyy-MM-28")), "28"_s);
         }
-        for (int year : {2000, 2024, 2037})
-            QTest::addRow("February %d", year)
-                << "%1-02-01 00:00:00"_s.arg(year) << QDate(year, 2, 1).daysInMonth();
-        QTest::newRow("month as typed") << "2024-2-01 00:00:00"_s << 30;
-    }
-    void limitsTheDay()
-    {
-        QFETCH(QString, shown);
-        const ClockRange range = clockRange(CLOCK_DAY, texts(shown));
-        QCOMPARE(range.min, 1);
-        QTEST(range.max, "last");
+        QCOMPARE(dayAfterYear(texts("2023-03-31 0:0:0"_s)), "31"_s);
+        QCOMPARE(clockRange(CLOCK_DAY, texts("2023-2-01 0:0:0"_s)).max, 30); // not as displayed
     }
 
-    void correctsTheDay_data()
-    {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<bool>("month"); // typed into the month, else into the year
-        QTest::addColumn<QString>("day");
-        const auto row = [](const char *typed, bool month, const char *day) {
-            QTest::addRow("%s %s", typed, month ? "month" : "year")
-                << QString::fromLatin1(typed) + " 0:0:0"_s << month << QString::fromLatin1(day);
-        };
-        row("2023-02-29", false, "28");
-        row("2024-02-29", false, "29");
-        row("2023-02-28", false, "28");
-        row("2023-03-31", false, "31");
-        row("2023-2-31", true, "28");
-        row("2024-2-31", true, "29");
-        row("2024-2-05", true, "05");
-        for (const char *month : {"1", "3", "5", "7", "8", "10", "12"})
-            row(("2023-" + QByteArray(month) + "-31").constData(), true, "31");
-        for (const char *month : {"4", "6", "9", "11"})
-            row(("2023-" + QByteArray(month) + "-31").constData(), true, "30");
-    }
-    void correctsTheDay()
-    {
-        QFETCH(QString, typed);
-        QFETCH(bool, month);
-        QTEST(month ? dayAfterMonth(texts(typed)) : dayAfterYear(texts(typed)), "day");
-    }
-
-    void showsAnyTime_data()
-    {
-        QTest::addColumn<std::int64_t>("stamp");
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("epoch") << std::int64_t{0} << "1970-01-01 08:00:00"_s;
-        QTest::newRow("before 1970") << -DAY << "1969-12-31 08:00:00"_s;
-        QTest::newRow("after 2037") << std::int64_t{4102444800} << "2100-01-01 08:00:00"_s;
-        QTest::newRow("year 800") << std::int64_t{-36920448000} << "0800-01-15 08:00:00"_s;
-    }
     void showsAnyTime()
     {
-        QFETCH(std::int64_t, stamp);
-        QTEST(joined(clockTexts(COS::CosTime::TimeStampToZoneTime(stamp))), "shown");
+        for (const auto &[stamp, shown] : {std::pair{0LL, "1970-01-01 08:00:00"_s},
+                                           {-86400LL, "1969-12-31 08:00:00"_s},
+                                           {4102444800LL, "2100-01-01 08:00:00"_s},
+                                           {-36920448000LL, "0800-01-15 08:00:00"_s}})
+            QCOMPARE(joined(clockTexts(COS::CosTime::TimeStampToZoneTime(stamp))), shown);
     }
 
     void writesSixWords()
@@ -153,111 +114,86 @@ private slots:
         QCOMPARE(writeClock(values), -3);
     }
 
-    void appliesEveryZone_data()
-    {
-        QTest::addColumn<int>("row");
-        QTest::addColumn<QString>("label");
-        QTest::addColumn<QByteArray>("zone");
-        for (int row = 0; row < int(TIME_ZONES); ++row) {
-            const QString label =
-                QString::fromLatin1(TIME_ZONE_ROWS[static_cast<std::size_t>(row)].label);
-            // The label says how far east; the variable how far west, with the sign also at zero.
-            QByteArray zone = "GMT" + label.mid(3, 6).toLatin1();
-            zone[3] = label[3] == QLatin1Char('+') ? '-' : '+';
-            if (row == 14)
-                zone = "GMT+02:00"; // its label says three hours; this is intended
-            QTest::addRow("%d %s", row, qPrintable(label)) << row << label << zone;
-        }
-    }
     void appliesEveryZone()
     {
-        QFETCH(int, row);
-        QFETCH(QByteArray, zone);
         QCOMPARE(g_vecGmt.size(), TIME_ZONES);
-        const std::int64_t before = COS::CosTime::GetTimeStamp();
-        applyTimeZone(row, 0);
-        QVERIFY(COS::CosTime::GetTimeStamp() - before <= 1); // another zone is no other moment
-        QCOMPARE(zoneContent(), "TZ=" + zone);
-        QCOMPARE(qgetenv("TZ"), zone);
-
-        // London at 16:00 on a summer and a winter day, and the last second of 2037.
-        for (const std::int64_t stamp : {1782921600LL, 1798646400LL, 2145916799LL}) {
+        for (std::size_t row = 0; row < TIME_ZONES; ++row) {
+            // The label says how far east; the variable how far west, with the sign also at zero.
+            const QByteArray label = TIME_ZONE_ROWS[row].label;
+            QByteArray zone = "GMT" + label.mid(3, 6);
+            zone[3] = label[3] == '+' ? '-' : '+';
+            if (row == 14)
+                zone = "GMT+02:00"; // its label says three hours; this is intended
             qputenv("TZ", "GMT-08:00");
-            applyTimeZone(row, 0);
-            const QString shown = joined(clockTexts(COS::CosTime::TimeStampToZoneTime(stamp)));
-            QCOMPARE(shown, wallClock(zone.constData(), static_cast<std::time_t>(stamp)));
+            const std::int64_t before = COS::CosTime::GetTimeStamp();
+            applyTimeZone(int(row), 0);
+            QVERIFY(COS::CosTime::GetTimeStamp() - before <= 1); // no other moment
+            QCOMPARE(zoneContent(), "TZ=" + zone);
+            QCOMPARE(qgetenv("TZ"), zone);
+
+            // London at 16:00 on a summer and a winter day, and the last second of 2037.
+            QString shown;
+            QString expected;
+            for (const std::int64_t stamp : {1782921600LL, 1798646400LL, 2145916799LL})
+                shown += joined(clockTexts(COS::CosTime::TimeStampToZoneTime(stamp)));
+            for (const std::time_t stamp : {1782921600LL, 1798646400LL, 2145916799LL})
+                expected += wallClock(zone.constData(), stamp);
+            QCOMPARE(shown, expected);
+            // The first row that has the value is found again.
+            const auto found = static_cast<std::size_t>(loadTimeZone());
+            QVERIFY(found <= row && g_vecGmt[found] == zone.toStdString());
         }
-        // The first row that has the value is found again.
-        const int found = loadTimeZone();
-        QVERIFY(found <= row && g_vecGmt[static_cast<std::size_t>(found)] == zone.toStdString());
     }
 
-    void loadsTheZone_data()
-    {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<int>("row");
-        QTest::newRow("a row") << QByteArray("TZ=GMT-05:45") << 25;
-        QTest::newRow("with a line end") << QByteArray("TZ=GMT-05:45\nTZ=GMT-09:00\n") << 25;
-        QTest::newRow("doubled value") << QByteArray("TZ=GMT+02:00") << 14;
-        QTest::newRow("empty") << QByteArray() << 0;
-        QTest::newRow("no value") << QByteArray("TZ=") << 0;
-        QTest::newRow("no row") << QByteArray("TZ=Europe/Berlin") << 0;
-        QTest::newRow("longer than a row") << QByteArray("TZ=GMT-05:455") << 0;
-        QTest::newRow("another name") << QByteArray("ZT=GMT-05:45") << 0;
-        QTest::newRow("10 kB") << "TZ=" + QByteArray(10240, 'G') << 0;
-        QTest::newRow("10 kB behind") << "TZ=GMT-05:45 " + QByteArray(10240, 'G') << 25;
-        QTest::newRow("binary") << QByteArray("\0\xff\x01TZ=GMT-05:45", 15) << 0;
-        QTest::newRow("binary value") << QByteArray("TZ=\xff\xfe\0GMT", 9) << 0;
-    }
     void loadsTheZone()
     {
-        QFETCH(QByteArray, content);
-        writeZone(content);
-        QTEST(loadTimeZone(), "row");
-        QCOMPARE(zoneContent(), content);
+        const QByteArray much(10240, 'G');
+        const std::initializer_list<std::pair<QByteArray, int>> files = {
+            {"TZ=GMT-05:45", 25},
+            {"TZ=GMT-05:45\nTZ=GMT-09:00\n", 25},
+            {"TZ=GMT+02:00", 14}, // two rows have it
+            {"", 0},
+            {"TZ=", 0},
+            {"TZ=Europe/Berlin", 0},
+            {"TZ=GMT-05:455", 0},
+            {"ZT=GMT-05:45", 0},
+            {"TZ=" + much, 0},
+            {"TZ=GMT-05:45 " + much, 25},
+            {QByteArray("\0\xff\x01TZ=GMT-05:45", 15), 0},
+            {QByteArray("TZ=\xff\xfe\0GMT", 9), 0},
+        };
+        for (const auto &[content, row] : files) {
+            writeZone(content);
+            QVERIFY2(loadTimeZone() == row, content.left(40).constData());
+            QCOMPARE(zoneContent(), content);
+        }
     }
 
-    void makesAMissingFile_data()
-    {
-        QTest::addColumn<QByteArray>("zone");
-        QTest::addColumn<int>("row");
-        QTest::newRow("known") << QByteArray("GMT+12:00") << 1;
-        QTest::newRow("unknown") << QByteArray("Europe/Berlin") << 0;
-        QTest::newRow("none") << QByteArray() << 0;
-    }
+    // the process's zone | row
+    void makesAMissingFile_data() { rows({"GMT+12:00 | 1", "Europe/Berlin | 0", " | 0"}); }
     void makesAMissingFile()
     {
-        QFETCH(QByteArray, zone);
+        const QByteArray zone = cell(0).toLatin1();
         m_root.clear();
         zone.isEmpty() ? qunsetenv("TZ") : qputenv("TZ", zone);
         int row = -1;
         QCOMPARE(printedBy([&] { row = loadTimeZone(); }), "--------------[TZ=" + zone + "]\n");
-        QTEST(row, "row");
+        QCOMPARE(row, cell(1).toInt());
         QCOMPARE(zoneContent(), "TZ=" + zone);
     }
 
+    // the process's zone, with room made or not | then | printed
     void overwritesOnlyWhatHasRoom_data()
     {
-        QTest::addColumn<QByteArray>("zone"); // empty: none
-        QTest::addColumn<bool>("room");       // made beforehand
-        QTest::addColumn<QByteArray>("then");
-        QTest::addColumn<QByteArray>("printed");
-        const QByteArray chosen = "GMT+02:00";
-        const QByteArray longZone(300, 'Z');
-        QTest::newRow("none") << QByteArray() << true << QByteArray()
-                              << QByteArray("get TZ env err [");
-        QTest::newRow("short") << QByteArray("UTC") << false << QByteArray("UTC")
-                               << QByteArray("no room for TZ [GMT+02:00]\n");
-        QTest::newRow("short, room made") << QByteArray("UTC") << true << chosen << QByteArray();
-        QTest::newRow("as long") << QByteArray("GMT-08:00") << false << chosen << QByteArray();
-        QTest::newRow("longer") << QByteArray("Europe/Berlin") << false << chosen << QByteArray();
-        QTest::newRow("longer than the room") << longZone << true << chosen << QByteArray();
+        rows({" | made | | get TZ env err [", "UTC | none | UTC | no room for TZ [GMT+02:00]",
+              "UTC | made | GMT+02:00", "GMT-08:00 | none | GMT+02:00",
+              "Europe/Berlin | none | GMT+02:00", "longer than the room | made | GMT+02:00"});
     }
     void overwritesOnlyWhatHasRoom()
     {
-        QFETCH(QByteArray, zone);
-        QFETCH(bool, room);
-        QFETCH(QByteArray, printed);
+        const QByteArray name = cell(0).toLatin1();
+        const QByteArray zone = name.startsWith("longer") ? QByteArray(300, 'Z') : name;
+        const QByteArray printed = cell(3).toLatin1();
         // A string of the environment's own, that a write past its end would be seen at.
         std::vector<char> own(3 + static_cast<std::size_t>(zone.size()) + 1);
         qunsetenv("TZ");
@@ -265,12 +201,12 @@ private slots:
             qstrcpy(own.data(), ("TZ=" + zone).constData());
             putenv(own.data()); // NOLINT(concurrency-mt-unsafe): the test's only thread
         }
-        if (room)
+        if (cell(1) == "made"_s)
             makeRoomForTimeZone();
         const QByteArray lines = printedBy([] { applyTimeZone(14, 0); });
         QVERIFY2(lines.startsWith(printed) && lines.isEmpty() == printed.isEmpty(),
                  lines.constData());
-        QTEST(qgetenv("TZ"), "then");
+        QCOMPARE(qgetenv("TZ"), cell(2).toLatin1());
         QCOMPARE(zoneContent(), QByteArray("TZ=GMT+02:00"));
         const bool set = sim::panel().calls().dump().find("SetSysLocalTime") != std::string::npos;
         QCOMPARE(set, printed.isEmpty());
