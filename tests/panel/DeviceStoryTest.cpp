@@ -30,6 +30,7 @@ class DeviceStoryTest : public QObject
 private slots:
     void codeSaysTheIdentifier_data();
     void codeSaysTheIdentifier();
+    void mobileNetworkByTouch();
 };
 
 void DeviceStoryTest::codeSaysTheIdentifier_data()
@@ -72,6 +73,35 @@ void DeviceStoryTest::codeSaysTheIdentifier()
     const QString picture = panel.file("/screen.png"_s);
     QVERIFY2(!panel.ask({"ui"_s, "shot"_s, picture}).isUndefined(), qPrintable(panel.error()));
     QCOMPARE(decoded(picture), read);
+}
+
+void DeviceStoryTest::mobileNetworkByTouch()
+{
+    PanelProcess panel;
+    const auto hasIcon = [&](int level) {
+        return panel.widget("lab_4gSignal"_s, "style"_s).toString().contains("4G_%1"_s.arg(level));
+    };
+    panel.setEnvironment("SYSSET_LCD"_s, "480x272"_s);
+    QVERIFY(panel.start());
+    QVERIFY(panel.press("btn_Net"_s) && panel.press("tab_Net"_s, 2));
+    QVERIFY(PanelProcess::wait([&] { return hasIcon(3); }));
+    QVERIFY(panel.press("btn_4G"_s));
+    QVERIFY(PanelProcess::wait([&] { return panel.isVisible("lab_4gStatus"_s) && hasIcon(0); }));
+    QVERIFY(panel.press("btn_4G"_s));
+    QVERIFY(PanelProcess::wait(
+        [&] { return hasIcon(3) && panel.widget("lab_4gIP_4"_s, "text"_s).toString() == "2"_s; }));
+    QVERIFY(panel.press("radio_manual"_s) && panel.press("line_ApnName"_s));
+    QVERIFY(PanelProcess::wait([&] { return panel.isVisible("SoftKeyboard"_s); }));
+    for (const char *key : {"btn_c_q", "btn_c_a", "btn_c_p", "btn_c_n", "btn_c_enter"}) {
+        QVERIFY(panel.press(QLatin1String(key))); // the first one of the process has no effect
+        QTest::qSleep(170);                       // the keyboard drops keys that follow too soon
+    }
+    QVERIFY(PanelProcess::wait([&] { return panel.get("modem.apn.name"_s) == "apn"_s; }));
+    QCOMPARE(panel.get("modem.apn.mode"_s).toString(), "enable"_s);
+    QVERIFY(panel.set("modem.csq"_s, "9"));
+    QVERIFY(PanelProcess::wait([&] { return hasIcon(2); }));
+    QCOMPARE(panel.widget("line_ApnName"_s, "text"_s).toString(), "apn"_s);
+    QVERIFY(panel.isVisible("wdg_vpn"_s));
 }
 
 QTEST_GUILESS_MAIN(DeviceStoryTest)
