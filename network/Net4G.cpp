@@ -60,16 +60,17 @@ Net4G::Net4G(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::Net4G>(
 {
     ui->setupUi(this);
     const int touch = touchHeight();
-    ui->btn_4G->setFixedSize(2 * touch, touch);
     ui->lab_4gSignal->setFixedSize(touch, touch);
-    m_pending.emplace(ui->lab_move, ui->lab_null);
+    m_switch.emplace(
+        DeviceSwitch::Widgets{ui->btn_4G, ui->lab_move, ui->lab_null, ui->lab_4gStatus},
+        PLAIN_SWITCH);
+    m_switch->setTexts(tr("Enable"), tr("Unplugged"));
     for (QWidget *control :
          std::initializer_list<QWidget *>{ui->radio_auto, ui->radio_manual, ui->line_ApnName,
                                           ui->line_ApnAuth, ui->line_ApnUsr, ui->line_ApnPwd}) {
         control->setMinimumHeight(touch);
         control->installEventFilter(this);
     }
-    showSwitch(ui->btn_4G, false);
     setPresent(false);
     showAddress(std::string());
     showApnMode(false);
@@ -101,8 +102,8 @@ void Net4G::setNetInfo(const netT::stAllNetInfo_tag &record)
     m_sDevName = record.sDevName;
     const bool on = saysEnable(record.sFunction);
     listen(on);
-    if (on != m_bOn)
-        completeSwitch(on);
+    if (on != m_switch->isOn())
+        setOn(on);
     m_addresses = addressesOf(record);
     showAddress(m_addresses.sIpAddr);
 }
@@ -125,7 +126,7 @@ netT::tag_atCollect Net4G::atInfo() const
 void Net4G::retranslate()
 {
     ui->retranslateUi(this);
-    setPresent(m_bPresent);
+    m_switch->setTexts(tr("Enable"), tr("Unplugged"));
     setStyleWhenSeen(this, cellularStyle());
 }
 
@@ -163,7 +164,7 @@ void Net4G::edit(QLineEdit *field)
     m_bEditing = true;
     editWithKeyboard(request);
     m_bEditing = false;
-    if (m_bPresent)
+    if (m_switch->isPresent())
         sendApn();
     if (std::exchange(m_bRefreshDue, false))
         refreshApn();
@@ -196,7 +197,7 @@ void Net4G::refreshApn()
         return;
     m_bApnUnsent = false;
     m_apn = m_servedApn = apn;
-    showApnMode(saysEnable(apn.sMode) && m_bOn);
+    showApnMode(saysEnable(apn.sMode) && m_switch->isOn());
     ui->line_ApnName->setText(QString::fromStdString(apn.sName));
     ui->line_ApnAuth->setText(QString::fromStdString(apn.sAuth));
     ui->line_ApnUsr->setText(QString::fromStdString(apn.sUser));
@@ -212,20 +213,9 @@ void Net4G::showApnMode(bool manual)
 
 void Net4G::slot_ButtonPressed()
 {
-    keyClick();
-    m_pending->start();
-    m_bRequestPending = true;
-    enableControls();
-    listen(!m_bOn);
-    if (m_bOn) {
-        const int result = netT::netDeviceDown(m_sDevName, false, DEVICE_TIMEOUT_MS);
-        std::printf(result < 0 ? "netDeviceDown [%s] Err\n" : "netDeviceDown [%s] ok\n",
-                    m_sDevName.c_str());
-    } else {
-        const int result = netT::netDeviceUp(m_sDevName, false, DEVICE_TIMEOUT_MS);
-        std::printf(result < 0 ? "netDeviceUp [%s] Err\n" : "netDeviceUp [%s] ok\n",
-                    m_sDevName.c_str());
-    }
+    m_switch->press();
+    listen(!m_switch->isOn());
+    m_switch->request(m_sDevName);
 }
 
 void Net4G::slot_4GNetChange()
@@ -259,32 +249,21 @@ void Net4G::listen(bool on)
         disconnect(this, &Net4G::sgl_4GNetChange, this, &Net4G::slot_4GNetChange);
 }
 
+// A device that is not there is asked nothing.
 void Net4G::setPresent(bool present)
 {
-    m_bPresent = present;
-    ui->lab_4gStatus->setText(present ? tr("Enable") : tr("Unplugged"));
-    ui->lab_4gStatus->setVisible(!present || !m_bOn);
-    enableControls();
+    m_switch->setPresent(present);
+    ui->radio_auto->setEnabled(present);
+    ui->radio_manual->setEnabled(present);
+    ui->wdg_vpn->setEnabled(present);
     showSignal();
 }
 
-// A device that has been asked to change is not asked again; one that is not there, nothing.
-void Net4G::enableControls()
-{
-    ui->btn_4G->setEnabled(m_bPresent && !m_bRequestPending);
-    ui->radio_auto->setEnabled(m_bPresent);
-    ui->radio_manual->setEnabled(m_bPresent);
-    ui->wdg_vpn->setEnabled(m_bPresent);
-}
-
 // The record that answers a switch press, or reports a switch made elsewhere.
-void Net4G::completeSwitch(bool on)
+void Net4G::setOn(bool on)
 {
-    m_bOn = on;
-    m_bRequestPending = false;
-    m_pending->stop();
-    showSwitch(ui->btn_4G, on);
-    setPresent(true);
+    m_switch->setOn(on);
+    showSignal();
     if (on)
         slot_4GNetChange(); // the modem may have spoken before
     else
@@ -303,7 +282,8 @@ void Net4G::showAddress(const std::string &dotted)
 
 void Net4G::showSignal()
 {
-    const int level = m_bPresent && m_bOn ? m_nLevel : 0;
+    const bool working = m_switch->isPresent() && m_switch->isOn();
+    const int level = working ? m_nLevel : 0;
     const QString image = imagePath(QStringLiteral("4G_%1.png").arg(level));
     setStyleOnce(ui->lab_4gSignal, QStringLiteral("border-image: url(%1);").arg(image));
 }

@@ -1,7 +1,7 @@
 // The 4G page of the Network group.
 #pragma once
 
-#include "app/look/PendingMark.h"
+#include "network/DeviceSwitch.h"
 #include "network/NetRecord.h"
 #include "platform/net.h"
 
@@ -59,8 +59,7 @@ private:
     void press(QObject *target);
     void edit(QLineEdit *field);
     void setPresent(bool present);
-    void enableControls();
-    void completeSwitch(bool on);
+    void setOn(bool on);
     void listen(bool on);
     void showAddress(const std::string &dotted);
     void showSignal();
@@ -70,7 +69,7 @@ private:
     netT::tag_atCollect atInfo() const;
 
     std::unique_ptr<Ui::Net4G> ui;
-    std::optional<PendingMark> m_pending;
+    std::optional<DeviceSwitch> m_switch;
     std::string m_sDevName;
     AddressTexts m_addresses; // of the latest record
     std::string m_sIccid;
@@ -79,10 +78,7 @@ private:
     int m_nLevel = 0;                // the signal icon's, while the device is on
     netT::stApnInfo_tag m_apn;       // what the page shows
     netT::stApnInfo_tag m_servedApn; // what the service holds, as far as known
-    bool m_bPresent = false;
-    bool m_bOn = false;
     bool m_bListening = false;
-    bool m_bRequestPending = false;
     bool m_bApnUnsent = false;  // chosen by the operator, not yet complete enough to send
     bool m_bEditing = false;    // the keyboard is open
     bool m_bRefreshDue = false; // an APN refresh waits for it to close
