@@ -16,7 +16,7 @@ constexpr const char *SCHEMA_TEXT = R"({
 "words": {"#": "0..65535?"},
 "clock": {"allowSet": "0..1", "offset": "-99999999999..99999999999", "written": ["0..65535"]},
 "net": {
-  "server": "bool", "priority": "ETH|WIFI|4G", "serverAddr": "text",
+  "server": "bool", "priority": "text", "serverAddr": "text",
   "devices": [{"sDevName": "text", "sNetType": "text=ETH", "sDhcp": "text=disable",
                "sMacAddr": "text", "sIpAddr": "text", "sSubnetMask": "text", "sGateway": "text",
                "sPrefDns": "text", "sAlterDns": "text", "sFunction": "text=enable",

@@ -85,7 +85,8 @@ private slots:
         row("words.10591", "18446744073709551615", "must be a whole number");
         row("words.x", "1", "words.x: must be named by a number");
         row("net.server", "1", "net.server: must be true or false");
-        row("net.priority", "\"LTE\"", "net.priority: must be one of ETH|WIFI|4G");
+        row("update.reply", "\"LTE\"",
+            "update.reply: must be one of whole|empty|short|long|unterminated|noise");
         row("net.ping.*", "5", "must be a whole number from -2147483648 to -1");
         row("net.ping.*", R"({"min": 1, "typical": 2})", "no such path: net.ping.*.typical");
         row("net.devices", R"([{"sDevName": "eth0"}, 7])", "net.devices.1: must be an object");

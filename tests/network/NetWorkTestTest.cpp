@@ -1,0 +1,462 @@
+#include "network/NetWorkTestItem.h"
+#include "network/NetWorkTestRun.h"
+#include "network/NetWorkTestUi.h"
+#include "platform/cos_thread.h"
+#include "platform/paths.h"
+#include "platform/sim/Panel.h"
+#include "resources/Resources.h"
+#include "tests/support/PanelRoot.h"
+#include "tests/support/PrintedBy.h"
+#include "tests/support/Text.h"
+
+#include <QLabel>
+#include <QMovie>
+#include <QPushButton>
+#include <QtTest>
+
+#include <mutex>
+
+namespace {
+
+const QString ENGLISH = "/mnt/tarni/app/hmiapp/bin/NetWorkTest/NetWorkTest_en.json"_s;
+const QString CHINESE = "/mnt/tarni/app/hmiapp/bin/NetWorkTest/NetWorkTest_ch.json"_s;
+constexpr const char *CABLE_EN = R"({"EthConnect": {"ItemString": "Cable", "success": "in",
+                                     "failure": "out", "Solution": "Plug it in"}})";
+constexpr const char *CABLE_CH = R"({"EthConnect": {"ItemString": "网线", "Solution": "插好"}})";
+
+void write(const QString &path, const QByteArray &bytes)
+{
+    const QString file = QString::fromStdString(panelPath(path.toStdString()));
+    QDir().mkpath(QFileInfo(file).path());
+    QFile out(file);
+    QVERIFY(out.open(QIODevice::WriteOnly) && out.write(bytes) == bytes.size());
+}
+
+// "6×" an item and its state, "8!-4" a reason, "9:600" a value.
+QString reported(int item, int state, int value)
+{
+    static const QMap<int, QString> marks = {{1, "×"_s}, {2, "√"_s}, {3, "#"_s}};
+    const QString mark = state > TEST_HEADING ? ":%1"_s.arg(value) : "!%1"_s.arg(state);
+    return QString::number(item) + marks.value(state, mark);
+}
+
+// What a run reports, and its result at the end.
+QString runOf(
+    int load, int status, const std::function<bool()> &stopped = [] { return false; })
+{
+    QStringList told;
+    NetWorkTestRun::Input input{{"eth0", "wlan0", "usb0"},
+                                load,
+                                [=] { return status; },
+                                stopped,
+                                [&](int item, int state, int value) {
+                                    if (state != TEST_RUNNING)
+                                        told << reported(item, state, value);
+                                }};
+    const int result = NetWorkTestRun(std::move(input)).run();
+    return told.join(QLatin1Char(' ')) + " = %1"_s.arg(result);
+}
+
+// The network service's calls so far, with their arguments.
+QStringList calls()
+{
+    QStringList all;
+    for (const auto &call : sim::panel().calls()) {
+        const std::string op = call.at("op");
+        if (op.rfind("netT.", 0) == 0 && op.find("CAsync") == std::string::npos)
+            all << QString::fromStdString(op.substr(5) + call.at("args").dump());
+    }
+    return all;
+}
+
+} // namespace
+
+class NetWorkTestTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void readsItemFiles_data();
+    void readsItemFiles();
+    void findsNothing();
+    void itemFilesAreComplete();
+    void chains_data();
+    void chains();
+    void asks();
+    void prints();
+    void showsStates_data();
+    void showsStates();
+    void runsOnceAndCanBeClosed();
+    void saysThatThePoolIsFull();
+    void speaksAnotherLanguageInTheMiddle();
+    void canGoInTheMiddle();
+
+private:
+    QString text(const char *row, const char *label);
+    QPushButton *button() { return m_dialog->findChild<QPushButton *>("btn_StartDiag"_s); }
+    QString status() { return m_dialog->findChild<QLabel *>("lab_status"_s)->text(); }
+
+    PanelRoot m_root;
+    std::unique_ptr<NetWorkTestUi> m_dialog;
+};
+
+void NetWorkTestTest::initTestCase()
+{
+    loadResources();
+    COS::CCosThreadPool::init(0, 1, 1);
+}
+
+void NetWorkTestTest::init()
+{
+    sim::panel().reset();
+    m_root.clear();
+    write(ENGLISH, CABLE_EN);
+    write(CHINESE, CABLE_CH);
+    m_dialog = std::make_unique<NetWorkTestUi>();
+    m_dialog->setLanguage(1);
+    m_dialog->setEthDevice("eth0");
+    m_dialog->slot_Util(0, 1, "Europe"_s);
+}
+
+void NetWorkTestTest::cleanup()
+{
+    sim::panel().hurry();
+    m_dialog.reset();
+}
+
+QString NetWorkTestTest::text(const char *row, const char *label)
+{
+    const auto *found = m_dialog->findChild<NetWorkTestItem *>(QLatin1String(row));
+    const auto *shown =
+        found == nullptr ? nullptr : found->findChild<QLabel *>(QLatin1String(label));
+    return shown == nullptr || shown->isHidden() ? QString() : shown->text();
+}
+
+// --- Item files --------------------------------------------------------------------------------
+
+void NetWorkTestTest::readsItemFiles_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("found"); // of the cable's item
+    QTest::addColumn<QString>("solution");
+    const auto row = [](const char *name, const QByteArray &content, int found,
+                        const QByteArray &solution = {}) {
+        QTest::newRow(name) << content << found << QString::fromUtf8(solution);
+    };
+    row("good", CABLE_EN, 0, "Plug it in");
+    row("empty", "", LOOKUP_NO_FILE);
+    row("cut off", QByteArray(CABLE_EN).chopped(5), LOOKUP_NO_FILE);
+    row("50 MB", QByteArray(50'000'000, ' ') + "{}", LOOKUP_NO_FILE);
+    row("a list", "[]", LOOKUP_NO_FILE);
+    row("bytes", QByteArray("\0\xff\xfe", 3), LOOKUP_NO_FILE);
+    row("deep", QByteArray(100'000, '['), LOOKUP_NO_FILE);
+    row("unknown keys", R"({"Eth": {"Solution": "x"}})", LOOKUP_NO_OBJECT);
+    row("no object", R"({"EthConnect": "x"})", LOOKUP_NO_OBJECT);
+    row("wrong types", R"({"EthConnect": {"Solution": 7, "failure": {}}})", 0);
+    row("long text", R"({"EthConnect": {"Solution": ")" + QByteArray(900'000, 'x') + "\"}}", 0,
+        QByteArray(500, 'x'));
+}
+
+void NetWorkTestTest::readsItemFiles()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, found);
+    write(ENGLISH, content);
+    NetWorkTestTexts texts;
+    NetWorkTestText text;
+    QCOMPARE(texts.load(1), found != LOOKUP_NO_FILE);
+    QCOMPARE(texts.find(ITEM_ETH_CABLE, text), found);
+    QTEST(text.solution, "solution");
+    QVERIFY(text.failure.size() <= 3);
+}
+
+void NetWorkTestTest::findsNothing()
+{
+    NetWorkTestTexts texts;
+    NetWorkTestText text;
+    QVERIFY(texts.load(1));
+    for (const auto &[item, code] : {std::pair(30, -4), {31, -3}, {32, -2}, {-1, -3}})
+        QCOMPARE(texts.find(item, text), code);
+    QVERIFY(!texts.load(2)); // no such file, and nothing left of the one before
+    QCOMPARE(texts.find(ITEM_ETH_CABLE, text), -1);
+    m_root.clear();
+    QVERIFY(!texts.load(1));
+    write(ENGLISH + "/a"_s, ""); // a folder of that name
+    QVERIFY(!texts.load(1));
+}
+
+void NetWorkTestTest::itemFilesAreComplete()
+{
+    NetWorkTestTexts texts;
+    for (const int language : {0, 1}) {
+        const QString file = language == 0 ? CHINESE : ENGLISH;
+        QFile source(QStringLiteral(ITEM_FILES) + file.mid(file.lastIndexOf(QLatin1Char('/'))));
+        QVERIFY(source.open(QIODevice::ReadOnly));
+        write(file, source.readAll());
+        QVERIFY(texts.load(language));
+        for (int item = 0; item < NETWORK_TEST_KEY_COUNT; ++item) {
+            NetWorkTestText text;
+            QCOMPARE(texts.find(item, text), 0);
+            for (const QString &said : {text.title, text.success, text.failure, text.solution})
+                QVERIFY2(!said.isEmpty() && said.size() < 250, qPrintable(said));
+            const bool chinese = text.solution.at(0).script() == QChar::Script_Han;
+            QCOMPARE(chinese, language == 0);
+        }
+    }
+}
+
+// --- The run -----------------------------------------------------------------------------------
+
+void NetWorkTestTest::chains_data()
+{
+    QTest::addColumn<QString>("panel"); // the trouble, as a scenario
+    QTest::addColumn<int>("load");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("told");
+    const auto row = [](const char *name, const char *panel, const QString &told, int load = 0,
+                        int status = 1) {
+        QTest::newRow(name) << QString::fromUtf8(panel) << load << status << told;
+    };
+    const QString eth = "3# 4√ 5√ 6√ 7√ 8√ 9:12"_s;
+    row("all well", "{}", "0√ "_s + eth + " = 0"_s);
+    row("loaded with a remark", "{}", "0√ "_s + eth + " = 0"_s, 7);
+    row("no configuration", "{}", "0× = -1"_s, -1);
+    row("bad configuration", "{}", "0× = -1"_s, -2);
+    row("no resource", "{}", "0!-1 "_s + eth + " = 0"_s, -3);
+    row("unknown trouble", "{}", "0× = -1"_s, -4);
+
+    const auto ethernet = [&](const char *name, const char *panel, const char *checks) {
+        row(name, panel,
+            "0√ 3# %1 10# 11√ 12√ 13√ 14:88 15√ 16√ 17:12 = 0"_s.arg(QString::fromUtf8(checks)));
+    };
+    ethernet("absent", R"({"fail": [["netT.netIsExist", -4, 1]]})", "4×");
+    ethernet("off", R"({"fail": [["netT.isNetUp", 1, 1]]})", "4√ 5×");
+    ethernet("state unknown", R"({"fail": [["netT.isNetUp", -1, 1]]})", "4√ 5×");
+    ethernet("unplugged", R"({"net": {"cable": {"eth0": -1}}})", "4√ 5√ 6×");
+    ethernet("address unknown", R"({"fail": [["netT.getIp", -1, 1]]})", "4√ 5√ 6√ 7×");
+    ethernet("gateway silent", R"({"net": {"ping": {"192.168.1.1": -1}}})", "4√ 5√ 6√ 7×");
+    ethernet("server unknown", R"({"fail": [["netT.getNetServerAddr", -1, 1]]})",
+             "4√ 5√ 6√ 7√ 8√ 9×");
+
+    const char *const worst = R"({"net": {"ping": {"cloud.example.com":
+                                  {"min": 1, "avg": %d, "max": %d, "lost": 0}}}})";
+    const auto delay = [&](const char *name, int average, int most, int shown) {
+        row(name, QString::asprintf(worst, average, most).toUtf8().constData(),
+            "0√ 3# 4√ 5√ 6√ 7√ 8√ 9:%1 = 0"_s.arg(shown));
+    };
+    delay("average", 300, 500, 300);
+    delay("worst", 20, 501, 501);
+
+    const QString all = "0√ 3# 4√ 5√ 6√ 7√ 8%1 10# 11√ 12√ 13√ 14:88 15√ 16%1 "
+                        "18# 19√ 20√ 21:22 22√ 24√ 23√ 25%1 = -2"_s;
+    for (const auto &[status, code] :
+         {std::pair(-5, -5), {-4, -4}, {-3, -3}, {-2, -2}, {-1, -4}, {0, -4}, {-6, -4}, {2, -4}})
+        row(qPrintable("cloud %1"_s.arg(status)), "{}", all.arg("!%1"_s.arg(code)), 0, status);
+
+    const auto modem = [&](const char *name, const char *panel, const char *checks) {
+        const QString cut = R"({"net": {"cable": {"eth0": -1, "wlan0": -1%1)"_s;
+        row(name, qPrintable(cut.arg(QString::fromUtf8(panel))),
+            "0√ 3# 4√ 5√ 6× 10# 11√ 12√ 13× 18# 19√ 20√ "_s + QString::fromUtf8(checks));
+    };
+    modem("4G", "}}}", "21:22 22√ 24√ 23√ 25√ 26:12 = 0");
+    modem("signal unreadable", R"(}}, "fail": [["netT.getCsqSignal", -2]]})",
+          "21:-2 22√ 24√ 23√ 25√ 26:12 = 0");
+    modem("no card", R"(}}, "modem": {"ccid": ""}})", "21:22 22× = -2");
+    modem("card unreadable", R"(}}, "fail": [["netT.getCCID", -1]]})", "21:22 22× = -2");
+    modem("not attached goes on", R"(}}, "modem": {"dialUp": 0}})",
+          "21:22 22√ 24× 23√ 25√ 26:12 = 0");
+    modem("mode unreadable goes on", R"(}}, "fail": [["netT.get4gDialUpMode", 1]]})",
+          "21:22 22√ 24× 23√ 25√ 26:12 = 0");
+    modem("no link", R"(, "usb0": -1}}})", "21:22 22√ 24√ 23× = -2");
+}
+
+void NetWorkTestTest::chains()
+{
+    QFETCH(QString, panel);
+    QFETCH(int, load);
+    QFETCH(int, status);
+    sim::panel().apply(nlohmann::json::parse(panel.toStdString()));
+    QTEST(runOf(load, status), "told");
+}
+
+// All three links as far as they go, and what each call gets.
+void NetWorkTestTest::asks()
+{
+    sim::panel().set("net.ping", {{"*", {{"min", 1}, {"avg", 1}, {"max", 1}, {"lost", 0}}},
+                                  {"cloud.example.com", -1}});
+    const auto pinged = [](const char *device, const char *own) {
+        return R"(netTping["%1","cloud.example.com","%2",false,5,false,50000])"_s.arg(
+            QLatin1String(device), QLatin1String(own));
+    };
+    const QStringList link = {"netIsExist[\"%1\",false,5000]"_s, "isNetUp[\"%1\",false,5000]"_s,
+                              "checkEthCableLink[\"%1\",false,5000]"_s};
+    const QString address = "getIp[\"%1\",false,5000]"_s;
+    const QString server = "getNetServerAddr[false,5000]"_s;
+    const QString gateway = R"(netTping["%1","%2","%3",false,1,false,50000])"_s;
+    QStringList expected;
+    for (const QString &call : link)
+        expected << call.arg("eth0"_s);
+    expected << address.arg("eth0"_s) << gateway.arg("eth0"_s, "192.168.1.1"_s, "192.168.1.50"_s)
+             << server << address.arg("eth0"_s) << pinged("eth0", "192.168.1.50");
+    for (const QString &call : link)
+        expected << call.arg("wlan0"_s);
+    expected << "getSignal[false,5000]"_s << address.arg("wlan0"_s)
+             << gateway.arg("wlan0"_s, "192.168.2.1"_s, "192.168.2.60"_s) << server
+             << address.arg("wlan0"_s) << pinged("wlan0", "192.168.2.60");
+    expected << link[0].arg("usb0"_s) << link[1].arg("usb0"_s) << "getCsqSignal[false,1000]"_s
+             << "getCCID[false,1000]"_s
+             << "get4gDialUpMode[false,1000]"_s << link[2].arg("usb0"_s) << server
+             << address.arg("usb0"_s) << pinged("usb0", "10.64.0.2");
+    QVERIFY(runOf(0, 1).endsWith("26:9999 = -2"_s));
+    QCOMPARE(calls(), expected);
+
+    // Stopped, it ends after the call under way, whichever that is.
+    for (int last = 1; last < expected.size(); ++last) {
+        sim::panel().clearCalls();
+        runOf(0, 1, [last] { return calls().size() >= last; });
+        QCOMPARE(calls(), expected.mid(0, last));
+    }
+}
+
+void NetWorkTestTest::prints()
+{
+    sim::panel().set("net.ping", {{"*", {{"min", 2}, {"avg", 5}, {"max", 9}, {"lost", 20}}}});
+    QCOMPARE(printedBy([] { runOf(0, 1); }),
+             QByteArray("-----------------[0]\nnTestCloudRet = [0]\n"
+                        "getNetServerAddr = [cloud.example.com]\n"
+                        "nRet = [0] nMaxPacketTransTime=[9] nMinPacketTransTime = [2] "
+                        "\tnAvgPacketTransTime = [5] nLostPackagePercentage = [20]\n"));
+}
+
+// --- The dialog --------------------------------------------------------------------------------
+
+void NetWorkTestTest::showsStates_data()
+{
+    QTest::addColumn<int>("item");
+    QTest::addColumn<int>("state");
+    QTest::addColumn<int>("value");
+    QTest::addColumn<QString>("shown"); // mark, colour, title, result, advice
+    const auto row = [](int item, int state, int value, const char *shown) {
+        QTest::addRow("%d %d %d", item, state, value)
+            << item << state << value << QString::fromUtf8(shown);
+    };
+    row(6, 0, 0, "|0, 170, 255|T||");
+    row(3, 3, 0, "|0, 170, 255|T||");
+    row(6, 1, 0, "×|255, 0, 0|T|bad|do");
+    row(6, 2, 0, "√|0, 170, 255|T|good|");
+    row(0, -1, 0, "×|255, 0, 0|T|bad    Get resource file failed!|do");
+    row(8, -2, 0, "×|255, 0, 0|T:Europe|bad    Time synchronize failed!|do");
+    row(16, -3, 0, "×|255, 0, 0|T:Europe|bad    Certificate download failed!|do");
+    row(25, -4, 0, "×|255, 0, 0|T:Europe|bad    Server connection failed!|do");
+    row(8, -5, 0, "×|255, 0, 0|T:Europe|bad    Topic subscribe failed!|do");
+    for (const int strong : {76, 100})
+        row(14, 4, strong, "Strong|0, 170, 255|T||");
+    for (const int medium : {51, 75})
+        row(14, 4, medium, "Medium|206, 206, 0|T||");
+    for (const int weak : {50, 0, -1})
+        row(14, 4, weak, "Weak|255, 0, 0|T||do");
+    for (const int strong : {25, 31})
+        row(21, 4, strong, "Strong|0, 170, 255|T||");
+    for (const int medium : {17, 24})
+        row(21, 4, medium, "Medium|206, 206, 0|T||");
+    for (const int weak : {16, -1, 99}) // 99: not known
+        row(21, 4, weak, "Weak|255, 0, 0|T||do");
+    row(9, 5, 99, "99ms|0, 170, 255|T||");
+    row(17, 5, 100, "100ms|206, 206, 0|T||");
+    row(26, 5, 499, "499ms|206, 206, 0|T||");
+    row(9, 5, 500, "500ms|255, 0, 0|T||do");
+    row(9, 5, 9999, "9999ms|255, 0, 0|T|bad|do");
+}
+
+void NetWorkTestTest::showsStates()
+{
+    QFETCH(int, item);
+    QFETCH(int, state);
+    QFETCH(int, value);
+    QMovie movie;
+    NetWorkTestItem row(item, &movie, nullptr);
+    row.setTexts({"T"_s, "good"_s, "bad"_s, "do"_s}, "Europe"_s);
+    row.setState(state, value);
+    const auto label = [&row](const char *name) {
+        return row.findChild<QLabel *>(QLatin1String(name));
+    };
+    const QString style = label("lab_state")->styleSheet();
+    QCOMPARE(label("lab_state")->movie() != nullptr, state == TEST_RUNNING);
+    QStringList shown{label("lab_state")->text(), style.mid(11).chopped(2)}; // color: rgb(...);
+    for (const char *name : {"lab_title", "lab_result", "lab_solution"})
+        shown << label(name)->text();
+    QTEST(shown.join(QLatin1Char('|')), "shown");
+}
+
+void NetWorkTestTest::runsOnceAndCanBeClosed()
+{
+    m_dialog->show();
+    sim::panel().delay("netT.isNetUp", 200);
+    button()->click();
+    QCOMPARE(status(), "Diagnosing"_s);
+    QTRY_COMPARE(text("EthIdentified", "lab_state"), "√"_s);
+    QVERIFY(!button()->isEnabled());
+    button()->click();
+    m_dialog->findChild<QPushButton *>("btn_close"_s)->click();
+    QVERIFY(!m_dialog->isVisible());
+    QTRY_COMPARE(status(), "The network connection is successful."_s);
+    QVERIFY(button()->isEnabled());
+    QCOMPARE(calls().filter("netIsExist"_s).size(), 1);
+    QCOMPARE(text("EthNetDelay", "lab_state"), "12ms"_s);
+
+    m_dialog->slot_Util(-1, -1, QString());
+    m_dialog->show();
+    button()->click(); // a run clears what the one before has left
+    QTRY_VERIFY(button()->isEnabled());
+    QCOMPARE(status(), "There are no cloud settings. The network was not checked."_s);
+    QCOMPARE(m_dialog->findChildren<NetWorkTestItem *>().size(), 1);
+}
+
+void NetWorkTestTest::saysThatThePoolIsFull()
+{
+    m_dialog->show();
+    std::mutex held;
+    std::unique_lock<std::mutex> hold(held);
+    const auto wait = [&held] { const std::lock_guard<std::mutex> until(held); };
+    while (COS::CCosThreadPool::submit(wait) >= 0) {
+    }
+    button()->click();
+    QCOMPARE(status(), "The panel is busy. Please try again."_s);
+    QVERIFY(button()->isEnabled());
+    hold.unlock();
+    QTRY_VERIFY((button()->click(), status() == "Diagnosing"_s));
+}
+
+void NetWorkTestTest::speaksAnotherLanguageInTheMiddle()
+{
+    sim::panel().set("net.cable.eth0", -1);
+    sim::panel().delay("netT.checkEthCableLink", 200);
+    m_dialog->show();
+    button()->click();
+    QTRY_COMPARE(text("EthConnect", "lab_title"), "Cable"_s);
+    m_dialog->setLanguage(0);
+    QCOMPARE(text("EthConnect", "lab_title"), "网线"_s);
+    QTRY_COMPARE(text("EthConnect", "lab_solution"), "插好"_s);
+    m_dialog->setLanguage(1);
+    QCOMPARE(text("EthConnect", "lab_solution"), "Plug it in"_s);
+    QCOMPARE(text("EthConnect", "lab_result"), "out"_s);
+    m_dialog->setLanguage(2); // no file: the key is all that is known
+    QCOMPARE(text("EthConnect", "lab_title"), "EthConnect"_s);
+    QCOMPARE(text("EthConnect", "lab_solution"), QString());
+}
+
+void NetWorkTestTest::canGoInTheMiddle()
+{
+    sim::panel().delay("netT.isNetUp", 300);
+    m_dialog->show();
+    button()->click();
+    QTRY_COMPARE(text("EthIdentified", "lab_state"), "√"_s);
+    m_dialog.reset();
+    QVERIFY(calls().last().startsWith("isNetUp"_s));
+}
+
+QTEST_MAIN(NetWorkTestTest)
+#include "NetWorkTestTest.moc"

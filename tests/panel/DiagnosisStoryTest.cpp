@@ -1,0 +1,331 @@
+#include "tests/panel/PanelProcess.h"
+#include "tests/support/Text.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+
+namespace {
+
+constexpr int EXTEND_TAB = 3;
+constexpr int LANGUAGE_TAB = 2;
+
+// The rows of each link, as they are checked.
+const QMap<QString, QStringList> CHAINS = {
+    {"eth"_s,
+     {"EthIdentified"_s, "EthEnable"_s, "EthConnect"_s, "EthGateaway"_s, "EthMQTT"_s,
+      "EthNetDelay"_s}},
+    {"wifi"_s,
+     {"WifiIdentified"_s, "WifiEnable"_s, "WifiHotspotConnect"_s, "WifiHotspotSignal"_s,
+      "WifiHotsGateaway"_s, "WifiHotsMQTT"_s, "WifiNetDelay"_s}},
+    {"4g"_s,
+     {"4GIdentified"_s, "4GEnable"_s, "4GSignal"_s, "4GCard"_s, "4GBaseStationConnect"_s,
+      "4GConnect"_s, "4GMQTT"_s, "4GNetDelay"_s}},
+    {"cloud"_s, {"Gocloud"_s}},
+};
+
+// English to Chinese, where the two differ.
+const QMap<QString, QString> CHINESE = {
+    {"Strong"_s, "强"_s},
+    {"Medium"_s, "中"_s},
+    {"Weak"_s, "弱"_s},
+    {"    Get resource file failed!"_s, "    获取资源文件失败！"_s},
+    {"    Time synchronize failed!"_s, "    时间同步失败！"_s},
+    {"    Certificate download failed!"_s, "    证书下载失败！"_s},
+    {"    Server connection failed!"_s, "    服务器连接失败！"_s},
+    {"    Topic subscribe failed!"_s, "    主题订阅失败！"_s},
+    {"The network connection is successful."_s, "网络连接成功。"_s},
+    {"There are no cloud settings. The network was not checked."_s, "没有云配置，未检查网络。"_s},
+    {"No network reaches the cloud. See the failed items."_s,
+     "所有网络均无法连接到云，请查看失败项。"_s},
+};
+
+QJsonObject readObject(const QString &path)
+{
+    QFile file(QStringLiteral(SOURCE_FOLDER "/") + path);
+    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object()
+                                          : QJsonObject();
+}
+
+QJsonObject scenario(const QString &name)
+{
+    return readObject("platform/sim/scenarios/%1.json"_s.arg(name));
+}
+
+// As a scenario is laid over the state: objects merge, the rest replaces.
+QJsonValue merged(const QJsonValue &base, const QJsonValue &part)
+{
+    if (!base.isObject() || !part.isObject())
+        return part;
+    QJsonObject result = base.toObject();
+    const QJsonObject changes = part.toObject();
+    for (auto change = changes.begin(); change != changes.end(); ++change)
+        result[change.key()] = merged(result.value(change.key()), change.value());
+    return result;
+}
+
+// The shown texts in the widget of a dump that is named `name`, by the names of their labels.
+void collectTexts(const QJsonObject &widget, const QString &name, bool within,
+                  QMap<QString, QString> &texts)
+{
+    const QString own = widget.value("name"_s).toString();
+    within = within || own == name;
+    if (within && widget.value("visible"_s).toBool())
+        texts[own] = widget.value("text"_s).toString();
+    for (const QJsonValue child : widget.value("children"_s).toArray())
+        collectTexts(child.toObject(), name, within, texts);
+}
+
+} // namespace
+
+// Faults of every kind, each diagnosed by touch, and the advice read in both languages.
+class DiagnosisStoryTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void faults_data();
+    void faults();
+    void closedAndEndedInTheMiddle();
+    void faultsOfTheStart_data();
+    void faultsOfTheStart();
+
+private:
+    void start(const QString &scenario = "full"_s);
+    void touch(const QString &object, int index = -1);
+    void openDiagnosis();
+    void diagnose();
+    // Reads what is shown, changes the language and reads it again.
+    void readInBothLanguages(const QString &link, const QString &marks, const QString &result,
+                             const QString &reason);
+    void read(const QString &link, const QString &marks, const QString &result,
+              const QString &reason);
+    void put(const QJsonObject &parts);
+    // Waits until the cloud monitor has read that status.
+    void awaitCloud(int status);
+    QString said(const QString &text) { return m_english ? text : CHINESE.value(text, text); }
+
+    std::unique_ptr<PanelProcess> m_panel;
+    bool m_english = true;
+    QJsonObject m_healthy;
+};
+
+void DiagnosisStoryTest::start(const QString &scenario)
+{
+    m_panel = std::make_unique<PanelProcess>();
+    m_english = true;
+    m_panel->setEnvironment("SYSSET_SCENARIO"_s, scenario);
+    const QString data = m_panel->file("/mnt/data/prj"_s);
+    QVERIFY(QDir().mkpath(data + "/cloud"_s));
+    QVERIFY(QFile::copy(QStringLiteral(SOURCE_FOLDER "/platform/sim/samples/cloud.xml"),
+                        data + "/cloud/cloud.xml"_s));
+    QFile language(data + "/LangugeSet.cof"_s);
+    QVERIFY(language.open(QIODevice::WriteOnly));
+    language.write("[HMI]\nLANGUAGEID=1\nALLOWSCHANGE=1\n");
+    language.close();
+    QVERIFY(m_panel->start());
+    openDiagnosis();
+}
+
+void DiagnosisStoryTest::touch(const QString &object, int index)
+{
+    QVERIFY2(PanelProcess::wait([&] { return m_panel->press(object, index); }), qPrintable(object));
+}
+
+void DiagnosisStoryTest::openDiagnosis()
+{
+    touch("btn_Net"_s);
+    touch("tab_Net"_s, EXTEND_TAB);
+    touch("btn_check"_s);
+    QVERIFY(PanelProcess::wait([this] { return m_panel->isVisible("btn_StartDiag"_s); }));
+}
+
+void DiagnosisStoryTest::diagnose()
+{
+    touch("btn_StartDiag"_s);
+    QVERIFY(PanelProcess::wait(
+        [this] { return m_panel->widget("btn_StartDiag"_s, "enabled"_s).toBool(); }));
+}
+
+void DiagnosisStoryTest::put(const QJsonObject &parts)
+{
+    for (auto part = parts.begin(); part != parts.end(); ++part) {
+        const QJsonObject whole{{"value"_s, part.value()}};
+        const QByteArray json = QJsonDocument(whole).toJson(QJsonDocument::Compact);
+        QVERIFY2(m_panel->set(part.key(), json.mid(9).chopped(1)), // {"value": ... }
+                 qPrintable(m_panel->error()));
+    }
+}
+
+void DiagnosisStoryTest::awaitCloud(int status)
+{
+    m_panel->ask({"calls"_s, "clear"_s});
+    QVERIFY(PanelProcess::wait([&] {
+        for (const QJsonValue call : m_panel->ask({"calls"_s}).toArray()) {
+            if (call["op"_s] == "netT.CAsyncClient.getConnectedStatus"_s &&
+                call["result"_s] == status)
+                return true;
+        }
+        return false;
+    }));
+}
+
+void DiagnosisStoryTest::read(const QString &link, const QString &marks, const QString &result,
+                              const QString &reason)
+{
+    const QJsonObject dialog =
+        m_panel->ask({"ui"_s, "dump"_s, "NetWorkTestUi"_s}).toArray().first().toObject();
+    const QJsonObject items = readObject(m_english ? "resources/NetWorkTest/NetWorkTest_en.json"_s
+                                                   : "resources/NetWorkTest/NetWorkTest_ch.json"_s);
+    QStringList expected;
+    for (const QString &mark : marks.split(QLatin1Char(' ')))
+        expected << said(mark);
+    QStringList seen;
+    for (const QString &key : CHAINS[link]) {
+        QMap<QString, QString> row;
+        collectTexts(dialog, key, false, row);
+        if (row.isEmpty())
+            continue;
+        const QString mark = row["lab_state"_s];
+        const QJsonObject texts = items.value(key).toObject();
+        const QString region = key.endsWith("MQTT"_s) ? m_english ? ":Europe"_s : "：欧洲"_s : ""_s;
+        QCOMPARE(row["lab_title"_s], texts.value("ItemString"_s).toString() + region);
+        const bool failed = mark == "×"_s || mark == "9999ms"_s;
+        const bool bad = failed || mark == said("Weak"_s) || mark == "600ms"_s;
+        if (failed)
+            QCOMPARE(row["lab_result"_s], texts.value("failure"_s).toString() + said(reason));
+        QCOMPARE(row["lab_solution"_s], bad ? texts.value("Solution"_s).toString() : QString());
+        seen << mark;
+    }
+    QCOMPARE(seen, expected);
+    QCOMPARE(m_panel->widget("lab_status"_s, "text"_s).toString(), said(result));
+}
+
+void DiagnosisStoryTest::readInBothLanguages(const QString &link, const QString &marks,
+                                             const QString &result, const QString &reason)
+{
+    read(link, marks, result, reason);
+    touch("btn_close"_s);
+    touch("btn_Sysset"_s);
+    touch("tab_System"_s, LANGUAGE_TAB);
+    m_english = !m_english;
+    touch(m_english ? "ENBtn"_s : "CHBtn"_s);
+    openDiagnosis();
+    read(link, marks, result, reason);
+}
+
+void DiagnosisStoryTest::initTestCase()
+{
+    start();
+    awaitCloud(1);
+    for (const QString &part : {"net"_s, "wifi"_s, "modem"_s, "cloud"_s})
+        m_healthy[part] = m_panel->get(part);
+}
+
+void DiagnosisStoryTest::faults_data()
+{
+    QTest::addColumn<QString>("marks"); // of the link's rows, in order
+    QTest::addColumn<QString>("result");
+    QTest::addColumn<QString>("reason");
+    const auto row = [](const char *name, const char *marks, const QString &result,
+                        const char *reason = "") {
+        QTest::newRow(name) << QString::fromUtf8(marks) << result << QString::fromLatin1(reason);
+    };
+    const QString good = "The network connection is successful."_s;
+    const QString none = "No network reaches the cloud. See the failed items."_s;
+    row("eth-absent", "×", good);
+    row("eth-off", "√ ×", good);
+    row("eth-unplugged", "√ √ ×", good);
+    row("eth-no-address", "√ √ √ ×", good);
+    row("eth-gateway-silent", "√ √ √ ×", good);
+    row("eth-server-silent", "√ √ √ √ √ 9999ms", none);
+    row("eth-slow", "√ √ √ √ √ 600ms", good);
+    row("wifi-absent", "×", good);
+    row("wifi-off", "√ ×", good);
+    row("wifi-not-joined", "√ √ ×", good);
+    row("wifi-weak", "√ √ √ Weak √ √ 12ms", good);
+    row("wifi-no-address", "√ √ √ Strong ×", good);
+    row("wifi-gateway-silent", "√ √ √ Strong ×", good);
+    row("wifi-server-silent", "√ √ √ Strong √ √ 9999ms", none);
+    row("wifi-slow", "√ √ √ Strong √ √ 600ms", good);
+    row("4g-absent", "×", none);
+    row("4g-off", "√ ×", none);
+    row("4g-weak", "√ √ Weak √ √ √ √ 12ms", good);
+    row("4g-no-signal", "√ √ Weak √ √ √ √ 12ms", good);
+    row("4g-no-sim", "√ √ Medium ×", none);
+    row("4g-not-attached", "√ √ Medium √ × √ √ 12ms", good);
+    row("4g-no-link", "√ √ Medium √ √ ×", none);
+    row("4g-server-silent", "√ √ Medium √ √ √ √ 9999ms", none);
+    row("4g-slow", "√ √ Medium √ √ √ √ 600ms", good);
+    row("cloud-no-server-address", "√ √ √ √ √ ×", none);
+    row("cloud-connecting", "√ √ √ √ ×", none, "    Server connection failed!");
+    row("cloud-no-time", "√ √ √ √ ×", none, "    Time synchronize failed!");
+    row("cloud-no-certificate", "√ √ √ √ ×", none, "    Certificate download failed!");
+    row("cloud-no-server", "√ √ √ √ ×", none, "    Server connection failed!");
+    row("cloud-no-subscription", "√ √ √ √ ×", none, "    Topic subscribe failed!");
+}
+
+void DiagnosisStoryTest::faults()
+{
+    QFETCH(QString, marks);
+    QFETCH(QString, result);
+    QFETCH(QString, reason);
+    const QString name = QString::fromLatin1(QTest::currentDataTag());
+    const QString link = name.section(QLatin1Char('-'), 0, 0);
+    QJsonObject fault = scenario(name);
+    QVERIFY(!fault.isEmpty());
+    for (const QString &part : fault.keys())
+        fault[part] = merged(m_healthy.value(part), fault.value(part));
+    put(fault);
+    if (fault.contains("cloud"_s))
+        awaitCloud(fault.value("cloud"_s)["status"_s].toInt());
+    diagnose();
+    readInBothLanguages(link == "cloud"_s ? "eth"_s : link, marks, result, reason);
+    for (const QString &part : fault.keys())
+        fault[part] = m_healthy.value(part);
+    put(fault);
+    if (link == "cloud"_s || link == "4g"_s) // no link may have been online
+        awaitCloud(1);
+}
+
+void DiagnosisStoryTest::closedAndEndedInTheMiddle()
+{
+    m_panel->ask({"delay"_s, "netT.netTping"_s, "30000"_s});
+    touch("btn_StartDiag"_s);
+    touch("btn_close"_s);
+    openDiagnosis();
+    QVERIFY(!m_panel->press("btn_StartDiag"_s));
+    QCOMPARE(m_panel->error(), "btn_StartDiag is disabled"_s);
+    QCOMPARE(m_panel->widget("lab_status"_s, "text"_s).toString(),
+             m_english ? "Diagnosing"_s : "正在诊断"_s);
+    m_panel->ask({"quit"_s});
+    QCOMPARE(m_panel->waitForEnd(), 0);
+}
+
+void DiagnosisStoryTest::faultsOfTheStart_data()
+{
+    QTest::addColumn<QString>("result");
+    QTest::addColumn<QString>("reason");
+    const QString unchecked = "There are no cloud settings. The network was not checked."_s;
+    QTest::newRow("cloud-no-configuration") << unchecked << QString();
+    QTest::newRow("cloud-bad-configuration") << unchecked << QString();
+    QTest::newRow("cloud-no-resource") << "No network reaches the cloud. See the failed items."_s
+                                       << "    Get resource file failed!"_s;
+}
+
+void DiagnosisStoryTest::faultsOfTheStart()
+{
+    QFETCH(QString, result);
+    QFETCH(QString, reason);
+    start(QString::fromLatin1(QTest::currentDataTag()));
+    QVERIFY(PanelProcess::wait([this] { return m_panel->output().contains("loadCloudXML"); }));
+    awaitCloud(-1); // the first period has told the dialog
+    diagnose();
+    readInBothLanguages("cloud"_s, "×"_s, result, reason);
+}
+
+QTEST_GUILESS_MAIN(DiagnosisStoryTest)
+#include "DiagnosisStoryTest.moc"
