@@ -152,8 +152,8 @@ Link::Outcome NetWorkTestLink::delay() const
                 "\tnAvgPacketTransTime = [%d] nLostPackagePercentage = [%d]\n",
                 result, times.nMaxPacketTransTime, times.nMinPacketTransTime,
                 times.nAvgPacketTransTime, times.nLostPackagePercentage);
-    if (result < 0)
-        return {TEST_DELAY, NO_ANSWER_MS};
+    if (result < 0) // the client is connected all the same: some servers do not answer pings
+        return {TEST_DELAY, NO_ANSWER_MS, true};
     const bool slow = times.nMaxPacketTransTime > SHOW_MAX_ABOVE_MS;
     return {TEST_DELAY, slow ? times.nMaxPacketTransTime : times.nAvgPacketTransTime, true};
 }

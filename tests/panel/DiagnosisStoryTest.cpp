@@ -241,7 +241,7 @@ void DiagnosisStoryTest::faults_data()
     row("eth-unplugged", "√ √ ×", good);
     row("eth-no-address", "√ √ √ ×", good);
     row("eth-gateway-silent", "√ √ √ ×", good);
-    row("eth-server-silent", "√ √ √ √ √ 9999ms", none);
+    row("eth-server-silent", "√ √ √ √ √ 9999ms", good);
     row("eth-slow", "√ √ √ √ √ 600ms", good);
     row("wifi-absent", "×", good);
     row("wifi-off", "√ ×", good);
@@ -249,7 +249,7 @@ void DiagnosisStoryTest::faults_data()
     row("wifi-weak", "√ √ √ Weak √ √ 12ms", good);
     row("wifi-no-address", "√ √ √ Strong ×", good);
     row("wifi-gateway-silent", "√ √ √ Strong ×", good);
-    row("wifi-server-silent", "√ √ √ Strong √ √ 9999ms", none);
+    row("wifi-server-silent", "√ √ √ Strong √ √ 9999ms", good);
     row("wifi-slow", "√ √ √ Strong √ √ 600ms", good);
     row("4g-absent", "×", none);
     row("4g-off", "√ ×", none);
@@ -258,7 +258,7 @@ void DiagnosisStoryTest::faults_data()
     row("4g-no-sim", "√ √ Medium ×", none);
     row("4g-not-attached", "√ √ Medium √ × √ √ 12ms", good);
     row("4g-no-link", "√ √ Medium √ √ ×", none);
-    row("4g-server-silent", "√ √ Medium √ √ √ √ 9999ms", none);
+    row("4g-server-silent", "√ √ Medium √ √ √ √ 9999ms", good);
     row("4g-slow", "√ √ Medium √ √ √ √ 600ms", good);
     row("cloud-no-server-address", "√ √ √ √ √ ×", none);
     row("cloud-connecting", "√ √ √ √ ×", none, "    Server connection failed!");
