@@ -161,18 +161,38 @@ void AccessPointList::placeWidgets()
         return;
     const int top = verticalScrollBar()->value();
     const int first = top / m_nRowHeight;
-    const int rows = std::min(viewport()->height() / m_nRowHeight + 2, count());
-    while (static_cast<int>(m_widgets.size()) < rows)
-        m_widgets.push_back(newWidget());
-    const int widgets = static_cast<int>(m_widgets.size());
-    for (int row = first; row < first + widgets; ++row) {
-        ListItem *widget = m_widgets[static_cast<std::size_t>(row % widgets)];
-        widget->setVisible(row < count());
-        if (row >= count())
-            continue;
+    const int last = (top + viewport()->height() - 1) / m_nRowHeight;
+    const int end = std::max(first, std::min(last + 1, count()));
+    arrangeWidgets(first, end);
+    for (int row = first; row < end; ++row) {
+        ListItem *widget = m_widgets[static_cast<std::size_t>(row - first)];
         widget->setAccessPoint(m_accessPoints[static_cast<std::size_t>(row)]);
         widget->setGeometry(0, row * m_nRowHeight - top, viewport()->width(), m_nRowHeight);
+        widget->show();
     }
+    for (std::size_t i = static_cast<std::size_t>(end - first); i < m_widgets.size(); ++i)
+        m_widgets[i]->hide();
+}
+
+// A widget goes with its network into another row: moving it costs far less than rewriting it.
+void AccessPointList::arrangeWidgets(int first, int end)
+{
+    while (static_cast<int>(m_widgets.size()) < end - first)
+        m_widgets.push_back(newWidget());
+    const std::vector<ListItem *> former = m_widgets;
+    auto place = m_widgets.begin();
+    for (int row = first; row < end; ++row, ++place) {
+        const netT::stApInfo_tag &accessPoint = m_accessPoints[static_cast<std::size_t>(row)];
+        const auto found = std::find_if(place, m_widgets.end(), [&](const ListItem *widget) {
+            return widget->shows(accessPoint);
+        });
+        if (found != m_widgets.end())
+            std::iter_swap(place, found);
+    }
+    if (m_widgets == former)
+        return;
+    for (ListItem *widget : m_widgets)
+        widget->raise(); // who walks the widgets meets them in the order of the rows
 }
 
 ListItem *AccessPointList::newWidget()

@@ -49,11 +49,12 @@ private:
     std::optional<netT::stApInfo_tag> in(int row) const;
     void keepLevels();
     void placeWidgets();
+    void arrangeWidgets(int first, int end);
     ListItem *newWidget();
 
     std::vector<netT::stApInfo_tag> m_accessPoints;
     std::vector<netT::stApInfo_tag> m_former;
-    std::vector<ListItem *> m_widgets; // widget n shows a row that leaves the remainder n
+    std::vector<ListItem *> m_widgets; // in the order of the rows in view
     std::optional<Touch> m_touch;
     int m_nRowHeight;
 };

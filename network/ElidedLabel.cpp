@@ -1,7 +1,7 @@
 #include "network/ElidedLabel.h"
 
+#include <QEvent>
 #include <QPainter>
-#include <QStyle>
 
 QSize ElidedLabel::minimumSizeHint() const
 {
@@ -10,9 +10,28 @@ QSize ElidedLabel::minimumSizeHint() const
 
 void ElidedLabel::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
     const QRect room = contentsRect();
-    style()->drawItemText(&painter, room, Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(),
-                          fontMetrics().elidedText(text(), Qt::ElideRight, room.width()),
-                          foregroundRole());
+    if (text() != m_text || room.width() != m_nWidth)
+        layOut();
+    QPainter painter(this);
+    painter.setPen(palette().color(foregroundRole()));
+    const QSizeF size = m_line.size();
+    painter.drawStaticText(QPointF(room.left(), room.top() + (room.height() - size.height()) / 2),
+                           m_line);
+}
+
+void ElidedLabel::changeEvent(QEvent *event)
+{
+    QLabel::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        m_nWidth = 0;
+}
+
+void ElidedLabel::layOut()
+{
+    m_text = text();
+    m_nWidth = contentsRect().width();
+    m_line.setTextFormat(Qt::PlainText);
+    m_line.setText(fontMetrics().elidedText(m_text, Qt::ElideRight, m_nWidth));
+    m_line.prepare(QTransform(), font());
 }

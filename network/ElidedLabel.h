@@ -2,9 +2,11 @@
 #pragma once
 
 #include <QLabel>
+#include <QStaticText>
 
 // Shows its text on one line as plain text, elided where it is wider than the label; QLabel would
-// push its neighbours away. GUI thread.
+// push its neighbours away. The line is laid out once, since rows of a list are painted often. GUI
+// thread.
 class ElidedLabel : public QLabel
 {
 public:
@@ -14,4 +16,12 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    void layOut();
+
+    QStaticText m_line;
+    QString m_text;   // as laid out
+    int m_nWidth = 0; // of the room that it was laid out for
 };

@@ -46,11 +46,18 @@ QString ListItem::shownName(const std::string &ssid)
     return ssid.empty() ? tr("Hidden network") : shownBytes(ssid);
 }
 
+bool ListItem::shows(const netT::stApInfo_tag &accessPoint) const
+{
+    return m_bNamed && accessPoint.sSsid == m_accessPoint.sSsid &&
+           isSecured(accessPoint) == isSecured(m_accessPoint);
+}
+
 void ListItem::setAccessPoint(const netT::stApInfo_tag &accessPoint)
 {
-    const bool renamed = accessPoint.sSsid != m_accessPoint.sSsid || ui->lab_ssid->text().isEmpty();
+    const bool another = !shows(accessPoint);
     m_accessPoint = accessPoint;
-    if (renamed) {
+    m_bNamed = true;
+    if (another) {
         ui->lab_ssid->setText(shownName(accessPoint.sSsid));
         if (!isLevel(accessPoint.nLevel))
             setStyleOnce(ui->lab_signal, QString());
@@ -99,5 +106,6 @@ void ListItem::setAddress(const std::string &address)
 
 void ListItem::retranslate()
 {
-    ui->lab_ssid->setText(shownName(m_accessPoint.sSsid));
+    if (m_bNamed)
+        ui->lab_ssid->setText(shownName(m_accessPoint.sSsid));
 }

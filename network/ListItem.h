@@ -36,6 +36,8 @@ public:
     // A network's name as a person can read it; a network that hides its name has a placeholder.
     static QString shownName(const std::string &ssid);
 
+    // Whether it shows this network already, at whatever level.
+    bool shows(const netT::stApInfo_tag &accessPoint) const;
     // Shows the network. A level that is none leaves the icon of the same network as it was.
     void setAccessPoint(const netT::stApInfo_tag &accessPoint);
     void setLevel(int level);
@@ -50,4 +52,5 @@ private:
 
     std::unique_ptr<Ui::ListItem> ui;
     netT::stApInfo_tag m_accessPoint;
+    bool m_bNamed = false; // shows an access point at all
 };

@@ -59,6 +59,9 @@ NetWiFi::NetWiFi(QWidget *parent)
                      WIFI_SWITCH);
     m_switch->setTexts(tr("Enable"), tr("Unplugged"));
     ui->lab_Scan->setFixedSize(touchHeight() / 2, touchHeight() / 2);
+    QSizePolicy policy = ui->lab_Scan->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    ui->lab_Scan->setSizePolicy(policy);
     ui->wid_wifiConnect->setMinimumHeight(touchHeight());
     ui->wid_wifiConnect->installEventFilter(this);
     makeConnections();
@@ -181,7 +184,7 @@ void NetWiFi::leaveDevice()
     m_refresh.setState(netT::WIFI_IDLE);
     m_addresses = {};
     m_sMac.clear();
-    loseNetwork();
+    hideTopRow();
     if (m_pDialog != nullptr)
         m_pDialog->hide();
 }
@@ -258,31 +261,20 @@ void NetWiFi::slot_UpdataState(int state)
     if (state < netT::WIFI_IDLE || state > netT::WIFI_CONNECTED)
         return;
     m_refresh.setState(state);
-    if (isJoining(state)) {
+    if (state == netT::WIFI_CONNECTED || state == netT::WIFI_FAILED)
+        m_sinceJoin.invalidate();
+    if (state == netT::WIFI_CONNECTED) {
+        showTopRow(ListItem::CONNECTED);
+    } else if (isJoining(state)) {
         if (m_refresh.isVisible())
             showTopRow(ListItem::CONNECTING);
-        return;
+    } else {
+        hideTopRow();
     }
-    if (state == netT::WIFI_CONNECTED) {
-        m_sinceJoin.invalidate();
-        showTopRow(ListItem::CONNECTED);
-        RefWifiList();
-        return;
-    }
-    loseNetwork();
     if (state == netT::WIFI_FAILED) {
-        m_sinceJoin.invalidate();
         m_refresh.suspendPoll();
         tellFailure();
     }
-}
-
-// The network that stood on top goes back into the list, if it is in range.
-void NetWiFi::loseNetwork()
-{
-    m_sCurrent.clear();
-    hideTopRow();
-    RefWifiList();
 }
 
 void NetWiFi::tellFailure()
@@ -386,15 +378,19 @@ void NetWiFi::showTopRow(ListItem::Mode mode)
     ui->wid_wifiConnect->show();
     ui->line_Connect->show();
     stretchRows(2, 1, 20);
+    RefWifiList();
 }
 
+// The network that stood there goes back into the list, if it is in range.
 void NetWiFi::hideTopRow()
 {
+    m_sCurrent.clear();
     if (m_pTopRow != nullptr)
         m_pTopRow->setMode(ListItem::IDLE);
     ui->wid_wifiConnect->hide();
     ui->line_Connect->hide();
     stretchRows(0, 0, 23);
+    RefWifiList();
 }
 
 void NetWiFi::stretchRows(int row, int separator, int list)

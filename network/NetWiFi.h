@@ -93,7 +93,6 @@ private:
 
     void takeAddressing(const netT::stAllNetInfo_tag &record);
     void reportState();
-    void loseNetwork();
     void tellFailure();
 
     void join(const netT::stApInfo_tag &accessPoint, const std::string &password);

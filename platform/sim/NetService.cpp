@@ -2,6 +2,7 @@
 
 #include "platform/sim/NetDevices.h"
 #include "platform/sim/Panel.h"
+#include "platform/sim/WifiDrift.h"
 
 #include <algorithm>
 #include <utility>
@@ -236,6 +237,7 @@ void NetService::joinWifi(Json &state, Json &device)
 
 void NetService::stateChanged(const Json &before, Json &state)
 {
+    wifiChanged(before, state);
     for (Json &device : state["net"]["devices"])
         deviceChanged(before, state, device);
     modemChanged(before, state);
@@ -266,6 +268,43 @@ void NetService::modemChanged(const Json &before, Json &state)
     const bool came = !hearsModem(old) && hearsModem(state);
     if (came || before["modem"]["at"] != state["modem"]["at"])
         atSoon();
+}
+
+// A joined network is as strong as its access point and goes with it; one that is back is joined
+// again.
+void NetService::wifiChanged(const Json &before, Json &state)
+{
+    Json &wifi = state["wifi"];
+    if (before["wifi"]["drift"] != wifi["drift"])
+        driftLater(state);
+    if (before["wifi"]["aps"] == wifi["aps"])
+        return;
+    const std::string &ssid = text(wifi["user"], "ssid");
+    const Json *ap = accessPoint(state, ssid);
+    const bool cameBack = !ssid.empty() && ap != nullptr && accessPoint(before, ssid) == nullptr;
+    Json *device = presentDevice(state, "WIFI");
+    if (wifi["state"] == int(netT::WIFI_CONNECTED) && ap != nullptr)
+        wifi["signal"] = ap->at("level");
+    else if (wifi["state"] == int(netT::WIFI_CONNECTED))
+        wifi["state"] = int(netT::WIFI_DISCONNECTED);
+    else if (wifi["state"] == int(netT::WIFI_DISCONNECTED) && cameBack && device != nullptr)
+        joinWifi(state, *device);
+}
+
+void NetService::driftLater(const Json &state)
+{
+    const int pause = state["wifi"]["drift"].get<int>();
+    const int drift = ++m_drifts;
+    if (pause == 0)
+        return;
+    later(std::chrono::milliseconds(pause), [this, drift](Json &later) {
+        if (drift != m_drifts)
+            return;
+        const Json before = later;
+        driftWifi(later["wifi"], m_air);
+        stateChanged(before, later);
+        driftLater(later);
+    });
 }
 
 } // namespace sim

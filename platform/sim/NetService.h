@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <functional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -56,6 +57,8 @@ private:
     void leaseSoon(const std::string &device);
     void deviceChanged(const Json &before, Json &state, Json &device);
     void modemChanged(const Json &before, Json &state);
+    void wifiChanged(const Json &before, Json &state);
+    void driftLater(const Json &state);
     void atSoon();
     void postRecords();
     void deliverRecords();
@@ -67,6 +70,8 @@ private:
     std::vector<AtListener> m_atListeners;
     bool m_recordsPosted = false;
     int m_joins = 0;
+    int m_drifts = 0;
+    std::minstd_rand m_air; // the same course every time
 };
 
 // A record as get4gAtInfoCallBackup delivers it.

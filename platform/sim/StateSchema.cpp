@@ -32,6 +32,9 @@ constexpr const char *SCHEMA_TEXT = R"({
                     "sPrefDns": "text", "sAlterDns": "text"}}},
 "wifi": {"aps": [{"id": "-2147483648..2147483647", "level": "-2147483648..2147483647",
                   "ssid": "text", "text": "text", "security": "-2147483648..2147483647"}],
+         "away": [{"id": "-2147483648..2147483647", "level": "-2147483648..2147483647",
+                   "ssid": "text", "text": "text", "security": "-2147483648..2147483647"}],
+         "drift": "0..600000",
          "state": "0..7",
          "user": {"ssid": "text", "password": "text", "security": "-2147483648..2147483647",
                   "id": "-2147483648..2147483647"},
@@ -104,7 +107,7 @@ constexpr const char *DEFAULTS_TEXT = R"({
           {"id": 1, "level": 63, "ssid": "Office", "text": "", "security": 4},
           {"id": 2, "level": 47, "ssid": "Guests", "text": "", "security": 0},
           {"id": 3, "level": 12, "ssid": "Warehouse", "text": "", "security": 3}],
-  "state": 7, "user": {"ssid": "Workshop", "password": "workshop1", "security": 4, "id": 0},
+  "away": [], "drift": 0, "state": 7, "user": {"ssid": "Workshop", "password": "workshop1", "security": 4, "id": 0},
   "signal": 88,
   "passwords": {"Workshop": "workshop1", "Office": "office123", "Warehouse": "warehouse1"}},
 "modem": {

@@ -232,6 +232,32 @@ private slots:
         }
     }
 
+    void joinedNetworkFollowsItsAccessPoint()
+    {
+        Records records;
+        const Json inRange = panel().get("wifi.aps");
+        panel().set("wifi.aps.0.level", 31);
+        QCOMPARE(panel().get("wifi.signal").get<int>(), 31);
+        panel().set("wifi.aps", Json::array({inRange[1]}));
+        QVERIFY(records.wait("wlan0", [](const Record &r) { return !hasAddress(r); }));
+        panel().set("wifi.aps", inRange);
+        QTRY_COMPARE(panel().get("wifi.state").get<int>(), int(netT::WIFI_CONNECTED));
+        QVERIFY(records.wait("wlan0", hasAddress));
+    }
+
+    void accessPointsComeAndGo()
+    {
+        const Json before = panel().get("wifi.aps");
+        panel().set("wifi.drift", 5);
+        QTRY_VERIFY(!panel().get("wifi.away").empty());
+        QTRY_COMPARE(panel().get("wifi.aps").size(), before.size());
+        QVERIFY(panel().get("wifi.aps") != before);
+        panel().set("wifi.drift", 0);
+        const Json last = panel().get("wifi.aps");
+        QTest::qWait(30);
+        QVERIFY(panel().get("wifi.aps") == last);
+    }
+
     void modemIsReportedOnChange()
     {
         std::atomic<int> quality{-1};
