@@ -5,73 +5,33 @@
 #include "system/RuntimeWord.h"
 #include "tests/support/PrintedBy.h"
 #include "tests/support/Text.h"
-
-#include <QtTest>
+#include "tests/system/Rows.h"
 
 namespace {
 
-using Words = QVector<int>;
-
 constexpr unsigned int BASE = 10061;
-constexpr const char *BLANKS = "\t\t\t\t\t\t  ";
-
-const Words SAMPLE = {2, 0, 8, 1, 0, 20, 100, 3, 2, 1, 1};
-const QString SAMPLE_TEXT = "RS422,1200,8,1,NONE,20,100,3,2,1,1"_s;
+const QString SAMPLE = "RS422,1200,8,1,NONE,20,100,3,2,1,1"_s;
 
 std::string path(unsigned int address)
 {
     return "words." + std::to_string(address);
 }
 
-Words portWords(unsigned int base)
+// The words of a port as text; "x" is one that the runtime refuses.
+QString portWords(unsigned int base)
 {
-    Words words;
+    QStringList words;
     for (unsigned int i = 0; i < COM_FIELDS; ++i) {
         unsigned short word = 0;
-        words << (backstage_AddrRead(base + i, &word, 1) == 0 ? word : -1);
+        words << (backstage_AddrRead(base + i, &word, 1) == 0 ? QString::number(word) : "x"_s);
     }
-    return words;
+    return words.join(QLatin1Char(' '));
 }
 
-// The sample with some of its words changed.
-Words with(const QMap<int, int> &changes)
+void setWords(unsigned int base, const QString &words)
 {
-    Words words = SAMPLE;
-    for (auto it = changes.begin(); it != changes.end(); ++it)
-        words[it.key()] = it.value();
-    return words;
-}
-
-QString withField(int field, const QString &text)
-{
-    QStringList fields = SAMPLE_TEXT.split(QLatin1Char(','));
-    fields[field] = text;
-    return fields.join(QLatin1Char(','));
-}
-
-// How many combinations of list items, of all, a port keeps: words to text and back, and the text
-// again.
-int combinationsKept(const QString &name, unsigned int base, int all)
-{
-    const ComParamLists lists;
-    const std::vector<unsigned short> other(COM_FIELDS, 9);
-    int kept = 0;
-    for (int i = 0; i < all; ++i) {
-        const int connection = i / 110 == 4 ? 6 : i / 110;
-        const Words words = {connection, i / 5 % 22, 8, 1, i % 5, 1, 2, 3, 4, 5, i};
-        const std::vector<unsigned short> stored(words.begin(), words.end());
-        QString text;
-        QString again;
-        backstage_AddrWrite(base, stored.data(), COM_FIELDS);
-        const int read = lists.readPort(name, text);
-        backstage_AddrWrite(base, other.data(), COM_FIELDS);
-        const int written = lists.writePort(name, text);
-        lists.readPort(base, again);
-        if (read == 0 && written == 0 && portWords(base) == words && again == text)
-            ++kept;
-        sim::panel().clearCalls();
-    }
-    return kept;
+    for (const QString &word : words.split(QLatin1Char(' ')))
+        sim::panel().set(path(base++), word == "x"_s ? sim::Json() : sim::Json(word.toInt()));
 }
 
 } // namespace
@@ -82,167 +42,138 @@ class ComParamTest : public QObject
 
 private slots:
     void init() { sim::panel().reset(); }
-    void wordAsText_data();
-    void wordAsText();
-    void wordThatTheRuntimeRefuses();
-    void reads_data();
-    void reads();
-    void writes_data();
-    void writes();
-    void writesWhatTheRuntimeTakes();
-    void keepsEveryCombination();
-    void knowsNoOtherPort();
+
+    // text to write | result | the word then, 100 before
+    void wordAsText_data()
+    {
+        rows({"65535 | 0 | 65535", "007 | 0 | 7", "65536 | 0 | 0", "ten | 0 | 0", " | -1 | 100"});
+    }
+    void wordAsText()
+    {
+        constexpr unsigned int ADDRESS = 10591;
+        const QByteArray printed =
+            printedBy([] { QCOMPARE(writeWord(ADDRESS, cell(0)), cell(1).toInt()); });
+        const QRegularExpression traced(
+            R"(^\[\d+\]\{SetAddrData\} Write dwAddr = 10591 Data is %1\n$)"_s.arg(cell(2)));
+        QCOMPARE(traced.match(QString::fromLatin1(printed)).hasMatch(), cell(1) == "0"_s);
+        QString read;
+        QCOMPARE(readWord(ADDRESS, read), 0);
+        QCOMPARE(read, cell(2));
+    }
+
+    void wordThatTheRuntimeRefuses()
+    {
+        sim::panel().set(path(BASE), nullptr);
+        QString read = "80"_s;
+        QCOMPARE(readWord(BASE, read), -1);
+        QVERIFY(read.isEmpty());
+        sim::panel().fail("backstage.AddrWrite", -5);
+        QCOMPARE(printedBy([] { QCOMPARE(writeWord(BASE, "1"_s), -2); }), QByteArray());
+    }
+
+    // words, "x" where the runtime refuses | text, BLANKS for white space | result of the read, and
+    // of a write of that text
+    void reads_data()
+    {
+        rows({"2 0 8 1 0 20 100 3 2 1 1 | RS422,1200,8,1,NONE,20,100,3,2,1,1 | 0 0",
+              "6 0 8 1 0 20 100 3 2 1 1 | RS485_2,1200,8,1,NONE,20,100,3,2,1,1 | 0 0",
+              "4 0 8 1 0 20 100 3 2 1 1 | RS485_2,1200,8,1,NONE,20,100,3,2,1,1 | 0 0",
+              "2 11 8 1 0 20 100 3 2 1 1 | RS422,BLANKS500000,8,1,NONE,20,100,3,2,1,1 | 0 0",
+              "3 21 65535 65535 4 65535 65535 65535 65535 65535 65535 | "
+              "NULL,4000000,65535,65535,Mark,65535,65535,65535,65535,65535,65535 | 0 0",
+              "5 0 8 1 0 20 100 3 2 1 1 | ?5,1200,8,1,NONE,20,100,3,2,1,1 | 0 -3",
+              "9 0 8 1 0 20 100 3 2 1 1 | ?9,1200,8,1,NONE,20,100,3,2,1,1 | 0 -3",
+              "2 22 8 1 0 20 100 3 2 1 1 | RS422,?22,8,1,NONE,20,100,3,2,1,1 | 0 -4",
+              "2 9600 8 1 0 20 100 3 2 1 1 | RS422,?9600,8,1,NONE,20,100,3,2,1,1 | 0 -4",
+              "2 65535 8 1 0 20 100 3 2 1 1 | RS422,?65535,8,1,NONE,20,100,3,2,1,1 | 0 -4",
+              "2 0 8 1 7 20 100 3 2 1 1 | RS422,1200,8,1,?7,20,100,3,2,1,1 | 0 -5",
+              "0 0 0 0 0 0 0 0 0 0 0 | RS232,1200,0,0,NONE,0,0,0,0,0,0 | -3 0",
+              "0 0 0 0 0 20 100 3 2 1 1 | RS232,1200,0,0,NONE,20,100,3,2,1,1 | -3 0",
+              "2 0 x 1 0 20 100 3 2 1 1 | RS422,1200,0,0,NONE,0,0,0,0,0,0 | -2 0",
+              "2 0 8 1 0 20 100 x 2 1 1 | RS422,1200,8,1,NONE,20,100,0,0,0,0 | -2 0",
+              "x 0 8 1 0 20 100 3 2 1 1 | RS232,1200,0,0,NONE,0,0,0,0,0,0 | -3 0"});
+    }
+    void reads()
+    {
+        setWords(BASE, cell(0));
+        const ComParamLists lists;
+        QString text;
+        bool complete = false;
+        const int read = lists.readPort(BASE, text, &complete);
+        QCOMPARE(text, cell(1).replace("BLANKS"_s, "\t\t\t\t\t\t  "_s));
+        QCOMPARE(complete, !cell(0).contains(QLatin1Char('x')));
+        QCOMPARE("%1 %2"_s.arg(read).arg(lists.writePort(BASE, text)), cell(2));
+        if (complete && !cell(0).startsWith(QLatin1Char('4'))) // 4 is written as 6
+            QCOMPARE(portWords(BASE), cell(0));
+    }
+
+    // text | result of its write | the words then, if it was written
+    void writes_data()
+    {
+        rows({"RS422,500000,8,1,NONE,20,100,3,2,1,1 | -4", // without the white space
+              "RS422,1200,8,1,NONE,20,100,3,2,1 | -2", "RS422,1200,8,1,NONE,20,100,3,2,1,1,1 | -2",
+              " | -2", "rs422,1200,8,1,NONE,20,100,3,2,1,1 | -3", "x,x,8,1,x,0,0,0,0,0,0 | -3",
+              "NULL,x,8,1,x,0,0,0,0,0,0 | -4", "RS422,1200,8,1,MARK,20,100,3,2,1,1 | -5",
+              "RS422,1200,8,1,NONE,,x,-1,65536,1,1 | 0 | 2 0 8 1 0 0 0 0 0 1 1"});
+    }
+    void writes()
+    {
+        const QString before = portWords(BASE);
+        QCOMPARE(ComParamLists().writePort("COM1-1"_s, cell(0)), cell(1).toInt());
+        QCOMPARE(portWords(BASE), cell(2).isEmpty() ? before : cell(2));
+    }
+
+    // Around the four words that belong to no port: the simulated runtime does not take them.
+    void writesWhatTheRuntimeTakes_data()
+    {
+        rows({"10112 | -6 | 2 0 8 1 x x x x 2 1 1", "10111 | -7 | 2 0 8 1 0 x x x x 1 1",
+              "10119 | -6 | x 0 8 1 0 20 100 3 2 1 1"});
+    }
+    void writesWhatTheRuntimeTakes()
+    {
+        const unsigned int base = cell(0).toUInt();
+        QCOMPARE(ComParamLists().writePort(base, SAMPLE), cell(1).toInt());
+        QCOMPARE(portWords(base), cell(2));
+    }
+
+    // Words to text, and back over a port that was cleared, for every item of the lists.
+    void keepsEveryItem_data()
+    {
+        rows({"COM1-1 | 10061", "COM2-1 | 10072", "COM3 | 10083", "COM1-2 | 10094",
+              "COM2-2 | 10105", "COM1-3 | 10120"});
+    }
+    void keepsEveryItem()
+    {
+        const unsigned int base = cell(1).toUInt();
+        const ComParamLists lists;
+        for (int i = 0; i < 22; ++i) {
+            const int connection = i % 5 == 4 ? 6 : i % 5;
+            const QString words =
+                "%1 %2 8 1 %3 1 2 3 4 5 %4"_s.arg(connection).arg(i).arg(i / 5).arg(i);
+            QString text;
+            QString again;
+            setWords(base, words);
+            QCOMPARE(lists.readPort(cell(0), text), 0);
+            setWords(base, "9 9 9 9 9 9 9 9 9 9 9"_s);
+            printedBy([&] { QCOMPARE(lists.writePort(cell(0), text), 0); });
+            QCOMPARE(portWords(base), words);
+            QCOMPARE(lists.readPort(base, again), 0);
+            QCOMPARE(again, text);
+        }
+    }
+
+    void knowsNoOtherPort()
+    {
+        sim::panel().clearCalls();
+        for (const QString &name : {"COM4"_s, "com3"_s, QString(), "COM1"_s}) {
+            QString text = "untouched"_s;
+            QCOMPARE(ComParamLists().readPort(name, text), -2);
+            QCOMPARE(text, "untouched"_s);
+            QCOMPARE(ComParamLists().writePort(name, SAMPLE), -2);
+        }
+        QVERIFY(sim::panel().calls().empty());
+    }
 };
-
-void ComParamTest::wordAsText_data()
-{
-    QTest::addColumn<int>("result");
-    QTest::addColumn<int>("word"); // then; 80 before
-    QTest::newRow("65535") << 0 << 65535;
-    QTest::newRow("007") << 0 << 7;
-    QTest::newRow("65536") << 0 << 0;
-    QTest::newRow("ten") << 0 << 0;
-    QTest::newRow("") << -1 << 100;
-}
-
-void ComParamTest::wordAsText()
-{
-    QFETCH(int, result);
-    QFETCH(int, word);
-    constexpr unsigned int ADDRESS = 10591;
-    const QString text = QLatin1String(QTest::currentDataTag());
-    const QByteArray printed = printedBy([&] { QCOMPARE(writeWord(ADDRESS, text), result); });
-    const QRegularExpression traced(
-        R"(^\[\d+\]\{SetAddrData\} Write dwAddr = 10591 Data is %1\n$)"_s.arg(word));
-    QCOMPARE(traced.match(QString::fromLatin1(printed)).hasMatch(), result == 0);
-    QString read;
-    QCOMPARE(readWord(ADDRESS, read), 0);
-    QCOMPARE(read, QString::number(word));
-}
-
-void ComParamTest::wordThatTheRuntimeRefuses()
-{
-    sim::panel().set(path(BASE), nullptr);
-    QString read = "80"_s;
-    QCOMPARE(readWord(BASE, read), -1);
-    QVERIFY(read.isEmpty());
-    sim::panel().fail("backstage.AddrWrite", -5);
-    QCOMPARE(printedBy([] { QCOMPARE(writeWord(BASE, "1"_s), -2); }), QByteArray());
-}
-
-void ComParamTest::reads_data()
-{
-    QTest::addColumn<Words>("words"); // -1: refused
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("result");
-    QTest::addColumn<int>("rewritten"); // result of a write of that text
-    const auto row = [](const char *name, const Words &words, const QString &text, int result,
-                        int rewritten) {
-        QTest::newRow(name) << words << text << result << rewritten;
-    };
-    row("sample", SAMPLE, SAMPLE_TEXT, 0, 0);
-    row("RS485_2 is 6", with({{0, 6}}), withField(0, "RS485_2"_s), 0, 0);
-    row("and 4", with({{0, 4}}), withField(0, "RS485_2"_s), 0, 0);
-    row("baud item with blanks", with({{1, 11}}), withField(1, QLatin1String(BLANKS) + "500000"_s),
-        0, 0);
-    row("largest words", {3, 21, 65535, 65535, 4, 65535, 65535, 65535, 65535, 65535, 65535},
-        "NULL,4000000,65535,65535,Mark,65535,65535,65535,65535,65535,65535"_s, 0, 0);
-    row("connection 5", with({{0, 5}}), withField(0, "?5"_s), 0, -3);
-    row("connection 9", with({{0, 9}}), withField(0, "?9"_s), 0, -3);
-    row("baud 22", with({{1, 22}}), withField(1, "?22"_s), 0, -4);
-    row("baud 9600 is not index 3", with({{1, 9600}}), withField(1, "?9600"_s), 0, -4);
-    row("baud 65535", with({{1, 65535}}), withField(1, "?65535"_s), 0, -4);
-    row("parity 7", with({{4, 7}}), withField(4, "?7"_s), 0, -5);
-    row("not in use", Words(COM_FIELDS, 0), "RS232,1200,0,0,NONE,0,0,0,0,0,0"_s, -3, 0);
-    row("time-outs alone", {0, 0, 0, 0, 0, 20, 100, 3, 2, 1, 1},
-        "RS232,1200,0,0,NONE,20,100,3,2,1,1"_s, -3, 0);
-    row("word 2 not read", with({{2, -1}}), "RS422,1200,0,0,NONE,0,0,0,0,0,0"_s, -2, 0);
-    row("word 7 not read", with({{7, -1}}), "RS422,1200,8,1,NONE,20,100,0,0,0,0"_s, -2, 0);
-    row("word 0 not read", with({{0, -1}}), "RS232,1200,0,0,NONE,0,0,0,0,0,0"_s, -3, 0);
-}
-
-void ComParamTest::reads()
-{
-    QFETCH(Words, words);
-    for (int i = 0; i < COM_FIELDS; ++i) {
-        const sim::Json word = words[i] < 0 ? sim::Json() : sim::Json(words[i]);
-        sim::panel().set(path(BASE + static_cast<unsigned int>(i)), word);
-    }
-    const ComParamLists lists;
-    QString text;
-    bool complete = false;
-    QTEST(lists.readPort(BASE, text, &complete), "result");
-    QTEST(text, "text");
-    QCOMPARE(complete, !words.contains(-1));
-    QTEST(lists.writePort(BASE, text), "rewritten");
-    if (complete && words[0] != 4) // 4 is written as 6
-        QCOMPARE(portWords(BASE), words);
-}
-
-void ComParamTest::writes_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("result");
-    QTest::addColumn<Words>("words");
-    QTest::newRow("baud item without blanks") << withField(1, "500000"_s) << -4 << Words();
-    QTest::newRow("ten fields") << SAMPLE_TEXT.left(SAMPLE_TEXT.size() - 2) << -2 << Words();
-    QTest::newRow("twelve fields") << SAMPLE_TEXT + ",1"_s << -2 << Words();
-    QTest::newRow("empty") << QString() << -2 << Words();
-    QTest::newRow("connection in small letters") << withField(0, "rs422"_s) << -3 << Words();
-    QTest::newRow("connection first") << "x,x,8,1,x,0,0,0,0,0,0"_s << -3 << Words();
-    QTest::newRow("baud before parity") << "NULL,x,8,1,x,0,0,0,0,0,0"_s << -4 << Words();
-    QTest::newRow("parity") << withField(4, "MARK"_s) << -5 << Words();
-    QTest::newRow("no numbers") << "RS422,1200,8,1,NONE,,x,-1,65536,1,1"_s << 0
-                                << with({{5, 0}, {6, 0}, {7, 0}, {8, 0}});
-}
-
-void ComParamTest::writes()
-{
-    QFETCH(QString, text);
-    QFETCH(int, result);
-    QFETCH(Words, words);
-    const Words before = portWords(BASE);
-    QCOMPARE(ComParamLists().writePort("COM1-1"_s, text), result);
-    QCOMPARE(portWords(BASE), result == 0 ? words : before);
-}
-
-// Around the four words that belong to no port: the simulated runtime does not take them.
-void ComParamTest::writesWhatTheRuntimeTakes()
-{
-    const ComParamLists lists;
-    QCOMPARE(lists.writePort(10112U, SAMPLE_TEXT), -6);
-    QCOMPARE(portWords(10112), Words({2, 0, 8, 1, -1, -1, -1, -1, 2, 1, 1}));
-    QCOMPARE(lists.writePort(10111U, SAMPLE_TEXT), -7);
-    QCOMPARE(portWords(10111), Words({2, 0, 8, 1, 0, -1, -1, -1, -1, 1, 1}));
-    QCOMPARE(lists.writePort(10119U, SAMPLE_TEXT), -6);
-    QCOMPARE(portWords(10119), Words({-1, 0, 8, 1, 0, 20, 100, 3, 2, 1, 1}));
-}
-
-void ComParamTest::keepsEveryCombination()
-{
-    constexpr int COMBINATIONS = 5 * 22 * 5;
-    for (const auto &[name, base] :
-         {std::pair{"COM1-1", 10061U}, std::pair{"COM2-1", 10072U}, std::pair{"COM3", 10083U},
-          std::pair{"COM1-2", 10094U}, std::pair{"COM2-2", 10105U}, std::pair{"COM1-3", 10120U}}) {
-        int kept = 0;
-        printedBy([&, port = QString::fromLatin1(name), first = base] {
-            kept = combinationsKept(port, first, COMBINATIONS);
-        });
-        QCOMPARE(kept, COMBINATIONS);
-    }
-}
-
-void ComParamTest::knowsNoOtherPort()
-{
-    sim::panel().clearCalls();
-    for (const QString &name : {"COM4"_s, "com3"_s, QString(), "COM1"_s}) {
-        QString text = "untouched"_s;
-        QCOMPARE(ComParamLists().readPort(name, text), -2);
-        QCOMPARE(text, "untouched"_s);
-        QCOMPARE(ComParamLists().writePort(name, SAMPLE_TEXT), -2);
-    }
-    QVERIFY(sim::panel().calls().empty());
-}
 
 QTEST_GUILESS_MAIN(ComParamTest)
 #include "ComParamTest.moc"
