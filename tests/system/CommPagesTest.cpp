@@ -3,11 +3,11 @@
 #include "system/CommuniCation.h"
 #include "tests/support/Dialogs.h"
 #include "tests/support/Text.h"
+#include "tests/system/Rows.h"
 
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QtTest>
 
 namespace {
 
@@ -36,6 +36,21 @@ void pressInDialog(const QStringList &buttons)
     }
 }
 
+// Touches fields of the dialog that opens next, types into each, and saves.
+void touchInDialog(std::initializer_list<std::pair<const char *, const char *>> edits)
+{
+    for (const auto &[name, keys] : edits) {
+        // Queued, for the press does not return before the keyboard has closed.
+        whenOpen("CommuniCation", [field = QLatin1String(name)](const QWidget *dialog) {
+            auto *line = dialog->findChild<QLineEdit *>(field);
+            QTimer::singleShot(0, line, [line] { QTest::mouseClick(line, Qt::LeftButton); });
+            return true;
+        });
+        typeOnKeyboard(QLatin1String(keys));
+    }
+    pressInDialog({"btn_Save"_s});
+}
+
 QString words(unsigned int base)
 {
     QStringList texts;
@@ -51,300 +66,235 @@ void setWord(unsigned int address, const sim::Json &word)
 }
 
 constexpr unsigned int FIRST = 10061;
-const QString FIRST_WORDS = "2 3 8 1 0 20 100 3 2 1 1"_s;
 
 } // namespace
-
-Q_DECLARE_METATYPE(sim::Json)
 
 class CommPagesTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void stepsThroughPortsInUse();
-    void isDisabledWithoutPorts();
-    void showsNoFieldsBeforeItHasLists();
-    void setsStation_data();
-    void setsStation();
-    void writesWhatTheDialogSaves_data();
-    void writesWhatTheDialogSaves();
-    void writesNothingThatItHasNotRead();
-    void stepsAField_data();
-    void stepsAField();
-    void fieldsTakeTheKeyboard();
-    void offersFreeConnections_data();
-    void offersFreeConnections();
+    void init()
+    {
+        sim::panel().reset();
+        listSeralType.clear();
+        m_page = std::make_unique<CommSetting>();
+        m_page->retranslate();
+        m_page->resize(640, 390);
+        m_page->show();
+    }
+
+    void stepsThroughPortsInUse()
+    {
+        for (const unsigned int base : {10072U, 10083U, 10120U}) // one word is enough
+            setWord(base + COM_DEVICE_STATION, 1);
+        m_page->init(&m_lists);
+        QString ports = shown("line_ComNum");
+        for (const QChar step : "LRRRRRRR"_s) {
+            press(m_page.get(), "btn_Com"_s + step);
+            ports += QLatin1Char(' ') + shown("line_ComNum");
+        }
+        QCOMPARE(ports, "COM1-1 COM3 COM1-1 COM1-2 COM1-3 COM2-1 COM3 COM1-1 COM1-2"_s);
+        QCOMPARE(summaries(), "RS485_1,115200,8,1,EVEN 50,500,3,5"_s);
+        QCOMPARE(shown("line_HmiStation") + shown("line_StandStation"), "12"_s);
+
+        for (unsigned int i = 0; i < COM_FIELDS; ++i)
+            setWord(FIRST + i, 0);
+        for (const auto &[button, port] :
+             {std::pair{"btn_ComL"_s, "COM3"_s}, {"btn_ComR"_s, "COM1-2"_s}}) {
+            m_page->init(&m_lists); // COM1-1 comes first, though not in use
+            QCOMPARE(shown("line_ComNum"), "COM1-1"_s);
+            press(m_page.get(), button);
+            QCOMPARE(shown("line_ComNum"), port);
+        }
+    }
+
+    void isDisabledWithoutPorts()
+    {
+        sim::panel().fail("backstage.AddrRead", -1);
+        m_page->init(&m_lists);
+        QVERIFY(!m_page->isEnabled() && listSeralType.isEmpty());
+        press(m_page.get(), "line_HmiStation"_s); // would not return from an open keyboard
+        sim::panel().clearFailures();
+        m_page->init(&m_lists);
+        QVERIFY(m_page->isEnabled());
+    }
+
+    void showsNoFieldsBeforeItHasLists()
+    {
+        listSeralType << "COM3"_s;
+        press(m_page.get(), "btn_ComR"_s);
+        QCOMPARE(shown("line_ComNum"), "COM3"_s);
+        QCOMPARE(summaries(), "NULL,1200,0,0,NONE "_s);
+        press(m_page.get(), "btn_CommunIndetail"_s); // would not return from an open dialog
+        typeOnKeyboard("7\n"_s);
+        press(m_page.get(), "line_HmiStation"_s);
+        QCOMPARE(words(10083), "0 0 0 0 0 0 0 0 0 0 0"_s);
+    }
+
+    // field | keys | retry word when they are typed, 3 before | the port then
+    void setsStation_data()
+    {
+        rows({"line_HmiStation | 255 | 3 | 2 3 8 1 0 20 100 3 2 255 1",
+              "line_StandStation | 0 | 3 | 2 3 8 1 0 20 100 3 2 1 0",
+              "line_HmiStation | 256 | 3 | 2 3 8 1 0 20 100 3 2 1 1",
+              "line_HmiStation | 9 | 4 | 2 3 8 1 0 20 100 4 2 9 1",
+              "line_HmiStation | 9 | null | 2 3 8 1 0 20 100 null 2 1 1"});
+    }
+    void setsStation()
+    {
+        m_page->init(&m_lists);
+        setWord(FIRST + COM_RETRIES, sim::Json::parse(cell(2).toStdString()));
+        typeOnKeyboard(cell(1) + (cell(1) == "256"_s ? "\n\x1b"_s : "\n"_s));
+        press(m_page.get(), cell(0));
+        QCOMPARE(words(FIRST), cell(3));
+    }
+
+    // button of the page | buttons of the dialog | the port then | the page then
+    void writesWhatTheDialogSaves_data()
+    {
+        rows({"btn_CommunIndetail | btn_Communication_L btn_Parity_R btn_StopBits_R btn_Save | "
+              "0 3 8 2 1 20 100 3 2 1 1 | RS232,9600,8,2,ODD 20,100,3,2",
+              "btn_TimeOutIndetail | btn_WaitTimeOut_R btn_RetryTimeOut_L btn_Save | "
+              "2 3 8 1 0 30 100 3 1 1 1 | RS422,9600,8,1,NONE 30,100,3,1",
+              "btn_TimeOutIndetail | btn_WaitTimeOut_R btn_Canl | "
+              "2 3 8 1 0 20 100 3 2 1 1 | RS422,9600,8,1,NONE 20,100,3,2",
+              // Eighth behind 9600 stands the rate that the codec has with blanks alone.
+              "btn_CommunIndetail | btn_Parity_R btn_BaudRate_R btn_BaudRate_R btn_BaudRate_R "
+              "btn_BaudRate_R btn_BaudRate_R btn_BaudRate_R btn_BaudRate_R btn_BaudRate_R "
+              "btn_Save | 2 3 8 1 0 20 100 3 2 1 1 | RS422,9600,8,1,NONE 20,100,3,2 | not saved"});
+    }
+    // On a page that is too narrow for its summaries.
+    void writesWhatTheDialogSaves()
+    {
+        m_page->resize(300, 390);
+        m_page->init(&m_lists);
+        QVERIFY(shown("line_SerialCommiation").endsWith(QChar(0x2026)));
+        pressInDialog(cell(1).split(QLatin1Char(' ')));
+        press(m_page.get(), cell(0));
+        QCOMPARE(words(FIRST), cell(2));
+        QCOMPARE(saysNotSaved(), !cell(4).isEmpty());
+        m_page->resize(640, 390);
+        QCOMPARE(summaries(), cell(3));
+    }
+
+    // Words that the runtime gave too late would be overwritten with 0.
+    void writesNothingThatItHasNotRead()
+    {
+        setWord(FIRST + COM_BAUD, 11);
+        setWord(FIRST + COM_WAIT_TIMEOUT, nullptr);
+        m_page->init(&m_lists);
+        QCOMPARE(shown("line_TimeCommiation"), "0,0,0,0"_s);
+        setWord(FIRST + COM_WAIT_TIMEOUT, 20);
+        pressInDialog({"btn_Parity_R"_s, "btn_Save"_s});
+        press(m_page.get(), "btn_CommunIndetail"_s);
+        QCOMPARE(words(FIRST), "2 11 8 1 0 20 100 3 2 1 1"_s);
+        QCOMPARE(summaries(), "RS422,500000,8,1,NONE 20,100,3,2"_s);
+        QVERIFY(saysNotSaved());
+        // Now it has; the white space in front of the rate goes back with it.
+        pressInDialog({"btn_Parity_R"_s, "btn_Save"_s});
+        press(m_page.get(), "btn_CommunIndetail"_s);
+        QCOMPARE(words(FIRST), "2 11 8 1 1 20 100 3 2 1 1"_s);
+        QCOMPARE(summaries(), "RS422,500000,8,1,ODD 20,100,3,2"_s);
+        QVERIFY(!saysNotSaved());
+    }
+
+    // field | its number | text, with the left button, with the right one
+    void stepsAField_data()
+    {
+        rows({"Communication | 0 | RS232/RS485_1/RS422 NULL/RS485_1/RS232",
+              "BaudRate | 1 | 4000000/3500000/1200 1200/4000000/2400 460800/230400/500000 "
+              "?9600/4000000/1200 BLANKS500000/4000000/1200",
+              "ByteSize | 2 | 8/7/7 7/8/8 0/8/8 65535/7/7", "StopBits | 3 | 2/1/1 1/2/2 /2/1",
+              "Parity | 4 | NONE/Mark/ODD Mark/SPACE/NONE mark/Mark/NONE",
+              "WaitTimeOut | 5 | 995/985/1000 5/0/15 ten/0/10",
+              "ReadTimeOut | 6 | 1000/990/1000 2147483647/1000/1000",
+              "RetryTime | 7 | 10/9/10 0/0/1", "RetryTimeOut | 8 | 20/19/20 -2147483648/0/0"});
+    }
+    void stepsAField()
+    {
+        const int field = cell(1).toInt();
+        sim::panel().set("machine.sn", nullptr);
+        for (const QString &step : cell(2).split(QLatin1Char(' '))) {
+            const QStringList texts = step.split(QLatin1Char('/'));
+            const QString from = QString(texts[0]).replace("BLANKS"_s, "\t\t\t\t\t\t  "_s);
+            for (const auto &[button, expected] :
+                 {std::pair{"btn_%1_L"_s, texts[1]}, {"btn_%1_R"_s, texts[2]}}) {
+                CommuniCation dialog(nullptr);
+                dialog.prepare({"COM3"_s, QString(field, QLatin1Char(',')) + from}, {});
+                dialog.selectPage(field / COM_WAIT_TIMEOUT * 7); // all but 0 is the second page
+                dialog.show();
+                press(&dialog, button.arg(cell(0)));
+                QCOMPARE(lineText(&dialog, "line_"_s + cell(0)), expected);
+            }
+        }
+    }
+
+    // Each with a number out of its range first, which the keyboard does not give away.
+    void fieldsTakeTheKeyboard()
+    {
+        m_page->init(&m_lists);
+        touchInDialog({{"line_ByteSize", "9\n\b7\n"}, {"line_StopBits", "3\n\b2\n"}});
+        press(m_page.get(), "btn_CommunIndetail"_s);
+        touchInDialog({{"line_WaitTimeOut", "1000\n"},
+                       {"line_ReadTimeOut", "1001\n\b0\n"},
+                       {"line_RetryTime", "11\n\b0\n"},
+                       {"line_RetryTimeOut", "21\n\b0\n"}});
+        press(m_page.get(), "btn_TimeOutIndetail"_s);
+        QCOMPARE(words(FIRST), "2 3 7 2 0 1000 1000 10 20 1 1"_s);
+    }
+
+    // serial number | the port with its connection | those in use | offered
+    void offersFreeConnections_data()
+    {
+        rows({"A1 | COM3 RS232 | COM3 RS232 | RS232 RS422 RS485_1 RS485_2",
+              "S | COM3 RS232 | COM3 RS232 | RS232 RS422 RS485_1 RS485_2",
+              "K2 | COM3 RS232 | COM3 RS232 | RS232 RS422 RS485_1 RS485_2",
+              "U3 | COM3 RS232 | COM3 RS232 | RS232 RS422 RS485_1 RS485_2",
+              " | COM3 RS232 | COM3 RS232 | RS232 RS422 RS485_1",
+              "B1 | COM3 RS232 | COM3 RS232 | RS232 RS422 RS485_1",
+              "a1 | COM3 RS232 | COM3 RS232 | RS232 RS422 RS485_1",
+              "1A | COM3 RS232 | COM3 RS232 | RS232 RS422 RS485_1",
+              "A | COM1-1 RS232 | COM1-1 RS232,COM1-2 RS422,COM1-3 RS485_2 | RS232 RS485_1",
+              "A | COM2-1 RS232 | COM1-2 RS422,COM3 RS485_1 | RS232 RS422 RS485_1 RS485_2",
+              "A | COM1-1 RS422 | COM1-2 RS422 | RS232 RS422 RS485_1 RS485_2", // its own stays
+              "A | COM1-1 NULL | COM1-2 NULL,COM1-3 ?9 | RS232 RS422 RS485_1 RS485_2"});
+    }
+    void offersFreeConnections()
+    {
+        sim::panel().set("machine.sn", cell(0).toStdString());
+        const auto port = [](const QString &text) {
+            return ComPort{text.section(QLatin1Char(' '), 0, 0), text.section(QLatin1Char(' '), 1)};
+        };
+        std::vector<ComPort> inUse;
+        for (const QString &text : cell(2).split(QLatin1Char(',')))
+            inUse.push_back(port(text));
+        CommuniCation dialog(nullptr);
+        dialog.show();
+        dialog.prepare(port(cell(1)), inUse);
+        auto *line = dialog.findChild<QLineEdit *>("line_Communication"_s);
+        line->clear();
+        QStringList offered;
+        for (int i = 0; i <= cell(3).count(QLatin1Char(' ')); ++i) {
+            press(&dialog, "btn_Communication_R"_s);
+            offered << line->text();
+        }
+        QCOMPARE(offered.join(QLatin1Char(' ')), cell(3));
+        press(&dialog, "btn_Communication_R"_s);
+        QCOMPARE(line->text(), offered.first());
+    }
 
 private:
+    QString shown(const char *name) { return lineText(m_page.get(), QLatin1String(name)); }
+    QString summaries()
+    {
+        return shown("line_SerialCommiation") + QLatin1Char(' ') + shown("line_TimeCommiation");
+    }
     bool saysNotSaved() { return m_page->findChild<QLabel *>("lab_NotSaved"_s)->isVisible(); }
 
     ComParamLists m_lists;
     std::unique_ptr<CommSetting> m_page;
 };
-
-void CommPagesTest::init()
-{
-    sim::panel().reset();
-    listSeralType.clear();
-    m_page = std::make_unique<CommSetting>();
-    m_page->retranslate();
-    m_page->resize(640, 390);
-    m_page->show();
-}
-
-void CommPagesTest::stepsThroughPortsInUse()
-{
-    for (const unsigned int base : {10072U, 10083U, 10120U}) // one word is enough
-        setWord(base + COM_DEVICE_STATION, 1);
-    m_page->init(&m_lists);
-    QString shown = lineText(m_page.get(), "line_ComNum"_s);
-    for (const char *button : {"btn_ComL", "btn_ComR", "btn_ComR", "btn_ComR", "btn_ComR",
-                               "btn_ComR", "btn_ComR", "btn_ComR"}) {
-        press(m_page.get(), QLatin1String(button));
-        shown += QLatin1Char(' ') + lineText(m_page.get(), "line_ComNum"_s);
-    }
-    QCOMPARE(shown, "COM1-1 COM3 COM1-1 COM1-2 COM1-3 COM2-1 COM3 COM1-1 COM1-2"_s);
-    QCOMPARE(lineText(m_page.get(), "line_SerialCommiation"_s), "RS485_1,115200,8,1,EVEN"_s);
-    QCOMPARE(lineText(m_page.get(), "line_TimeCommiation"_s), "50,500,3,5"_s);
-    QCOMPARE(lineText(m_page.get(), "line_HmiStation"_s), "1"_s);
-    QCOMPARE(lineText(m_page.get(), "line_StandStation"_s), "2"_s);
-
-    for (unsigned int i = 0; i < COM_FIELDS; ++i)
-        setWord(FIRST + i, 0);
-    for (const char *step : {"btn_ComL COM3", "btn_ComR COM1-2"}) {
-        m_page->init(&m_lists); // COM1-1 comes first, though not in use
-        QCOMPARE(lineText(m_page.get(), "line_ComNum"_s), "COM1-1"_s);
-        press(m_page.get(), QLatin1String(step).left(8));
-        QCOMPARE(lineText(m_page.get(), "line_ComNum"_s), QString(QLatin1String(step).mid(9)));
-    }
-}
-
-void CommPagesTest::isDisabledWithoutPorts()
-{
-    sim::panel().fail("backstage.AddrRead", -1);
-    m_page->init(&m_lists);
-    QVERIFY(!m_page->isEnabled() && listSeralType.isEmpty());
-    press(m_page.get(), "line_HmiStation"_s); // would not return from an open keyboard
-    sim::panel().clearFailures();
-    m_page->init(&m_lists);
-    QVERIFY(m_page->isEnabled());
-}
-
-void CommPagesTest::showsNoFieldsBeforeItHasLists()
-{
-    listSeralType << "COM3"_s;
-    press(m_page.get(), "btn_ComR"_s);
-    QCOMPARE(lineText(m_page.get(), "line_ComNum"_s), "COM3"_s);
-    QCOMPARE(lineText(m_page.get(), "line_SerialCommiation"_s), "NULL,1200,0,0,NONE"_s);
-    press(m_page.get(), "btn_CommunIndetail"_s); // would not return from an open dialog
-    typeOnKeyboard("7\n"_s);
-    press(m_page.get(), "line_HmiStation"_s);
-    QCOMPARE(words(10083), "0 0 0 0 0 0 0 0 0 0 0"_s);
-}
-
-void CommPagesTest::setsStation_data()
-{
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("keys");
-    QTest::addColumn<sim::Json>("retries"); // word before it is typed
-    QTest::addColumn<QString>("after");
-    const auto row = [](const char *name, const QString &field, const QString &keys,
-                        const sim::Json &retries, const QString &after) {
-        QTest::newRow(name) << field << keys << retries << after;
-    };
-    row("own", "line_HmiStation"_s, "255\n"_s, 3, "2 3 8 1 0 20 100 3 2 255 1"_s);
-    row("device", "line_StandStation"_s, "0\n"_s, 3, "2 3 8 1 0 20 100 3 2 1 0"_s);
-    row("too large", "line_HmiStation"_s, "256\n\x1b"_s, 3, "2 3 8 1 0 20 100 3 2 1 1"_s);
-    row("changed by others", "line_HmiStation"_s, "9\n"_s, 4, "2 3 8 1 0 20 100 4 2 9 1"_s);
-    row("not readable", "line_HmiStation"_s, "9\n"_s, nullptr, "2 3 8 1 0 20 100 null 2 1 1"_s);
-}
-
-void CommPagesTest::setsStation()
-{
-    QFETCH(QString, field);
-    QFETCH(QString, keys);
-    QFETCH(sim::Json, retries);
-    m_page->init(&m_lists);
-    setWord(FIRST + COM_RETRIES, retries);
-    typeOnKeyboard(keys);
-    press(m_page.get(), field);
-    QTEST(words(FIRST), "after");
-}
-
-void CommPagesTest::writesWhatTheDialogSaves_data()
-{
-    QTest::addColumn<QStringList>("presses"); // on the page, then in the dialog
-    QTest::addColumn<QString>("after");
-    QTest::addColumn<QString>("shown"); // the summaries
-    const auto row = [](const char *name, const QString &presses, const QString &after,
-                        const char *shown) {
-        QTest::newRow(name) << presses.split(QLatin1Char(' ')) << after
-                            << QString::fromLatin1(shown);
-    };
-    row("serial", "btn_CommunIndetail btn_Communication_L btn_Parity_R btn_StopBits_R btn_Save"_s,
-        "0 3 8 2 1 20 100 3 2 1 1"_s, "RS232,9600,8,2,ODD 20,100,3,2");
-    row("time-outs", "btn_TimeOutIndetail btn_WaitTimeOut_R btn_RetryTimeOut_L btn_Save"_s,
-        "2 3 8 1 0 30 100 3 1 1 1"_s, "RS422,9600,8,1,NONE 30,100,3,1");
-    row("left", "btn_TimeOutIndetail btn_WaitTimeOut_R btn_Canl"_s, FIRST_WORDS,
-        "RS422,9600,8,1,NONE 20,100,3,2");
-    // Eighth behind 9600 stands the rate that the codec has with blanks alone.
-    row("refused",
-        "btn_CommunIndetail btn_Parity_R"_s + " btn_BaudRate_R"_s.repeated(8) + " btn_Save"_s,
-        FIRST_WORDS, "RS422,9600,8,1,NONE 20,100,3,2");
-}
-
-// On a page that is too narrow for its summaries.
-void CommPagesTest::writesWhatTheDialogSaves()
-{
-    QFETCH(QStringList, presses);
-    m_page->resize(300, 390);
-    m_page->init(&m_lists);
-    QVERIFY(lineText(m_page.get(), "line_SerialCommiation"_s).endsWith(QChar(0x2026)));
-    pressInDialog(presses.mid(1));
-    press(m_page.get(), presses.first());
-    QTEST(words(FIRST), "after");
-    QCOMPARE(saysNotSaved(), QLatin1String(QTest::currentDataTag()) == QLatin1String("refused"));
-    m_page->resize(640, 390);
-    QTEST(lineText(m_page.get(), "line_SerialCommiation"_s) + QLatin1Char(' ') +
-              lineText(m_page.get(), "line_TimeCommiation"_s),
-          "shown");
-}
-
-// Words that the runtime gave too late would be overwritten with 0.
-void CommPagesTest::writesNothingThatItHasNotRead()
-{
-    setWord(FIRST + COM_BAUD, 11);
-    setWord(FIRST + COM_WAIT_TIMEOUT, nullptr);
-    m_page->init(&m_lists);
-    QCOMPARE(lineText(m_page.get(), "line_TimeCommiation"_s), "0,0,0,0"_s);
-    setWord(FIRST + COM_WAIT_TIMEOUT, 20);
-    pressInDialog({"btn_Parity_R"_s, "btn_Save"_s});
-    press(m_page.get(), "btn_CommunIndetail"_s);
-    QCOMPARE(words(FIRST), "2 11 8 1 0 20 100 3 2 1 1"_s);
-    QCOMPARE(lineText(m_page.get(), "line_TimeCommiation"_s), "20,100,3,2"_s);
-    QVERIFY(saysNotSaved());
-    // Now it has; the white space in front of the rate goes back with it.
-    pressInDialog({"btn_Parity_R"_s, "btn_Save"_s});
-    press(m_page.get(), "btn_CommunIndetail"_s);
-    QCOMPARE(words(FIRST), "2 11 8 1 1 20 100 3 2 1 1"_s);
-    QCOMPARE(lineText(m_page.get(), "line_SerialCommiation"_s), "RS422,500000,8,1,ODD"_s);
-    QVERIFY(!saysNotSaved());
-}
-
-void CommPagesTest::stepsAField_data()
-{
-    QTest::addColumn<int>("field");
-    QTest::addColumn<QString>("steps"); // from, to the left, to the right
-    const auto row = [](const char *name, ComField field, const char *steps) {
-        QTest::newRow(name) << int(field) << QString::fromLatin1(steps);
-    };
-    row("Communication", COM_CONNECTION, "RS232/RS485_1/RS422|NULL/RS485_1/RS232");
-    row("BaudRate", COM_BAUD,
-        "4000000/3500000/1200|1200/4000000/2400|460800/230400/500000|?9600/4000000/1200|"
-        "\t\t\t\t\t\t  500000/4000000/1200");
-    row("ByteSize", COM_DATA_BITS, "8/7/7|7/8/8|0/8/8|65535/7/7");
-    row("StopBits", COM_STOP_BITS, "2/1/1|1/2/2|/2/1");
-    row("Parity", COM_PARITY, "NONE/Mark/ODD|Mark/SPACE/NONE|mark/Mark/NONE");
-    row("WaitTimeOut", COM_WAIT_TIMEOUT, "995/985/1000|5/0/15|ten/0/10");
-    row("ReadTimeOut", COM_READ_TIMEOUT, "1000/990/1000|2147483647/1000/1000");
-    row("RetryTime", COM_RETRIES, "10/9/10|0/0/1");
-    row("RetryTimeOut", COM_RETRY_TIMEOUT, "20/19/20|-2147483648/0/0");
-}
-
-void CommPagesTest::stepsAField()
-{
-    QFETCH(int, field);
-    QFETCH(QString, steps);
-    const QString name = QLatin1String(QTest::currentDataTag());
-    sim::panel().set("machine.sn", nullptr);
-    for (const QString &step : steps.split(QLatin1Char('|'))) {
-        const QStringList texts = step.split(QLatin1Char('/'));
-        for (const auto &[button, expected] :
-             {std::pair{"btn_%1_L"_s, texts[1]}, std::pair{"btn_%1_R"_s, texts[2]}}) {
-            CommuniCation dialog(nullptr);
-            dialog.prepare({"COM3"_s, QString(field, QLatin1Char(',')) + texts[0]}, {});
-            dialog.selectPage(field / COM_WAIT_TIMEOUT * 7); // all but 0 is the second page
-            dialog.show();
-            press(&dialog, button.arg(name));
-            QCOMPARE(lineText(&dialog, "line_"_s + name), expected);
-        }
-    }
-}
-
-// Each with a number out of its range first, which the keyboard does not give away.
-void CommPagesTest::fieldsTakeTheKeyboard()
-{
-    m_page->init(&m_lists);
-    for (const auto &[button, edits] :
-         {std::pair{"btn_CommunIndetail"_s, "line_ByteSize 9\n\b7\n line_StopBits 3\n\b2\n"_s},
-          std::pair{"btn_TimeOutIndetail"_s, "line_WaitTimeOut 1000\n line_ReadTimeOut 1001\n\b0\n "
-                                             "line_RetryTime 11\n\b0\n "
-                                             "line_RetryTimeOut 21\n\b0\n"_s}}) {
-        const QStringList parts = edits.split(QLatin1Char(' '));
-        for (int i = 0; i < parts.size(); i += 2) {
-            // Queued, for the press does not return before the keyboard has closed.
-            whenOpen("CommuniCation", [name = parts[i]](const QWidget *dialog) {
-                auto *line = dialog->findChild<QLineEdit *>(name);
-                QTimer::singleShot(0, line, [line] { QTest::mouseClick(line, Qt::LeftButton); });
-                return true;
-            });
-            typeOnKeyboard(parts[i + 1]);
-        }
-        pressInDialog({"btn_Save"_s});
-        press(m_page.get(), button);
-    }
-    QCOMPARE(words(FIRST), "2 3 7 2 0 1000 1000 10 20 1 1"_s);
-}
-
-void CommPagesTest::offersFreeConnections_data()
-{
-    QTest::addColumn<QString>("serialNumber");
-    QTest::addColumn<QString>("own");
-    QTest::addColumn<QString>("ports"); // name and connection of those in use
-    QTest::addColumn<QString>("offered");
-    const auto row = [](const char *serialNumber, const QString &own, const QString &ports,
-                        const QString &offered) {
-        QTest::addRow("%s %s in %s", serialNumber, qPrintable(own), qPrintable(ports))
-            << QString::fromLatin1(serialNumber) << own << ports << offered;
-    };
-    for (const char *longer : {"A1", "S", "K2", "U3"})
-        row(longer, "COM3 RS232"_s, "COM3 RS232"_s, "RS232 RS422 RS485_1 RS485_2"_s);
-    for (const char *shorter : {"", "B1", "a1", "1A"})
-        row(shorter, "COM3 RS232"_s, "COM3 RS232"_s, "RS232 RS422 RS485_1"_s);
-    row("A", "COM1-1 RS232"_s, "COM1-1 RS232,COM1-2 RS422,COM1-3 RS485_2"_s, "RS232 RS485_1"_s);
-    row("A", "COM2-1 RS232"_s, "COM1-2 RS422,COM3 RS485_1"_s, "RS232 RS422 RS485_1 RS485_2"_s);
-    row("A", "COM1-1 RS422"_s, "COM1-2 RS422"_s, "RS232 RS422 RS485_1 RS485_2"_s); // its own stays
-    row("A", "COM1-1 NULL"_s, "COM1-2 NULL,COM1-3 ?9"_s, "RS232 RS422 RS485_1 RS485_2"_s);
-}
-
-void CommPagesTest::offersFreeConnections()
-{
-    QFETCH(QString, serialNumber);
-    QFETCH(QString, own);
-    QFETCH(QString, ports);
-    sim::panel().set("machine.sn", serialNumber.toStdString());
-    const auto port = [](const QString &text) {
-        return ComPort{text.section(QLatin1Char(' '), 0, 0), text.section(QLatin1Char(' '), 1)};
-    };
-    std::vector<ComPort> inUse;
-    for (const QString &text : ports.split(QLatin1Char(',')))
-        inUse.push_back(port(text));
-    CommuniCation dialog(nullptr);
-    dialog.show();
-    dialog.prepare(port(own), inUse);
-    dialog.findChild<QLineEdit *>("line_Communication"_s)->clear();
-    QStringList offered;
-    for (;;) {
-        press(&dialog, "btn_Communication_R"_s);
-        const QString next = lineText(&dialog, "line_Communication"_s);
-        if (offered.contains(next))
-            break;
-        offered << next;
-    }
-    QTEST(offered.join(QLatin1Char(' ')), "offered");
-}
 
 QTEST_MAIN(CommPagesTest)
 #include "CommPagesTest.moc"
