@@ -55,7 +55,6 @@ QByteArray zoneContent()
 
 void writeZone(const QByteArray &content)
 {
-    QDir().mkpath(QFileInfo(zoneFile()).path());
     QFile file(zoneFile());
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(content);
