@@ -6,6 +6,7 @@
 #include "app/look/Screen.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
+#include "app/PageStack.h"
 #include "app/PlatformCallbacks.h"
 #include "app/Shutdown.h"
 #include "machine/Info.h"
@@ -257,12 +258,13 @@ void MainWin::slot_ButtonPressed()
 
 void MainWin::showGroup(std::size_t index)
 {
-    ui->stackedWidget->setCurrentIndex(static_cast<int>(index));
+    // The tab first, so that the one before it does not come into view for a moment.
     QTabWidget *tabs = m_groups[index].tabs;
     if (tabs->currentIndex() == 0)
         keyClick();
     else
         tabs->setCurrentIndex(0); // clicks in slot_TabWidgetChange
+    ui->stackedWidget->setCurrentIndex(static_cast<int>(index));
     highlightGroup(index);
 }
 
@@ -349,6 +351,8 @@ void MainWin::slot_LanguageChange(int index)
 {
     m_nLanguage = index == LANGUAGE_ENGLISH ? LANGUAGE_ENGLISH : LANGUAGE_CHINESE;
     applyLanguage(m_nLanguage);
+    for (PageTab *tab : findChildren<PageTab *>())
+        tab->parkPage();
     ui->retranslateUi(this);
     highlightGroup(m_nGroup);
     applyStyle();

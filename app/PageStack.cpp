@@ -8,7 +8,17 @@ void PageTab::showEvent(QShowEvent *event)
         auto *room = new QVBoxLayout(this);
         room->setContentsMargins(0, 0, 0, 0);
         room->addWidget(m_page.release());
+        room->itemAt(0)->widget()->show();
         room->activate();
     }
     QWidget::showEvent(event);
+}
+
+void PageTab::parkPage()
+{
+    if (layout() == nullptr || isVisible())
+        return;
+    m_page.reset(layout()->itemAt(0)->widget());
+    delete layout();
+    m_page->setParent(nullptr);
 }

@@ -29,6 +29,8 @@ public:
 // everything in it, hidden or not, and a style sheet set on it goes through everything again.
 class PageTab : public QWidget
 {
+    Q_OBJECT
+
 public:
     using QWidget::QWidget;
 
@@ -42,9 +44,13 @@ public:
         return made;
     }
 
+    // Takes a page that is not seen out of the window again, until it is; before the window gets
+    // another style sheet.
+    void parkPage();
+
 protected:
     void showEvent(QShowEvent *event) override;
 
 private:
-    std::unique_ptr<QWidget> m_page; // until it is in the window
+    std::unique_ptr<QWidget> m_page; // while it is not in the window
 };

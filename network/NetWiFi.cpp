@@ -2,6 +2,7 @@
 
 #include "app/look/BoxHelpers.h"
 #include "app/look/Screen.h"
+#include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "input/FieldKeyboard.h"
 #include "network/WifiPara.h"
@@ -95,6 +96,7 @@ void NetWiFi::startRefresh()
 void NetWiFi::retranslate()
 {
     ui->retranslateUi(this);
+    setStyleWhenSeen(this, wifiStyle());
     m_switch->setTexts(tr("Enable"), tr("Unplugged"));
     ui->list_Wifi->retranslate();
     if (m_pTopRow != nullptr)

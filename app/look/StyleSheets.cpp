@@ -115,7 +115,6 @@ QString windowStyle()
                     radioTemplate(std::max(RADIO_SIDE, fontPixelSize())) + listTemplate() +
                     QStringLiteral("#Qt_MainWin{background-color:white;}"
                                    "QFrame#wdg_Status{background-color:#F2F5F8;border-radius:4px;}"
-                                   "QFrame#line_Connect{background-color:#C4C4C3;border:0px;}"
                                    "QCheckBox{color:black;%1outline:none;}"));
 }
 
@@ -187,13 +186,14 @@ QString keyboardStyle(bool centred)
 
 QString infoStyle()
 {
-    return withFont(QStringLiteral("QLabel{color:black;%1border:0px;border-radius:0px;"
-                                   "border-bottom:1px solid #DDE3EA;}"
-                                   "QLabel#label_24,QLabel#label_29,QLabel#label_34,QLabel#label_35"
-                                   "{color:#52637A;padding-right:6px;}"
-                                   "QLabel#label_35,QLabel#lab_ReProduct{border-bottom:0px;}"
-                                   "QLabel#lab_QRcode{background-color:white;"
-                                   "border:1px solid #C4C4C3;border-radius:8px;}"));
+    // Without the font, which is the window's: a language change leaves this alone.
+    return QStringLiteral("QLabel{color:black;border:0px;border-radius:0px;"
+                          "border-bottom:1px solid #DDE3EA;}"
+                          "QLabel#label_24,QLabel#label_29,QLabel#label_34,QLabel#label_35"
+                          "{color:#52637A;padding-right:6px;}"
+                          "QLabel#label_35,QLabel#lab_ReProduct{border-bottom:0px;}"
+                          "QLabel#lab_QRcode{background-color:white;"
+                          "border:1px solid #C4C4C3;border-radius:8px;}");
 }
 
 QString versionStyle()
@@ -218,6 +218,11 @@ QString addressStyle(bool underlined)
                     (underlined ? QStringLiteral("border-bottom:2px solid;"
                                                  "border-bottom-color: #C4C4C3;}")
                                 : QStringLiteral("}")));
+}
+
+QString wifiStyle()
+{
+    return QStringLiteral("QFrame#line_Connect{background-color:#C4C4C3;border:0px;}");
 }
 
 QString wifiParaStyle()

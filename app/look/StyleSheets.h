@@ -25,6 +25,8 @@ QString versionStyle();
 QString radioStyle();
 // A block of address fields: underlined while they can be edited, bare while they only show.
 QString addressStyle(bool underlined);
+// The Wi-Fi page's, behind the window's list style.
+QString wifiStyle();
 // The Wi-Fi parameters dialog's, behind its block of address fields.
 QString wifiParaStyle();
 // The 4G page's: underlined fields, as on the COM page.
