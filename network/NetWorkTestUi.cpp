@@ -48,7 +48,7 @@ void NetWorkTestUi::build()
     connect(ui->btn_StartDiag, &QPushButton::clicked, this, &NetWorkTestUi::slot_ButtonPressed);
     QScrollBar *bar = ui->area_rows->verticalScrollBar();
     connect(bar, &QScrollBar::rangeChanged, this, [this, bar](int, int bottom) {
-        if (m_phase == Phase::Running) // the check under way stays in sight
+        if (m_bFollow)
             bar->setValue(bottom);
     });
     m_texts.load(m_nLanguage);
@@ -58,6 +58,7 @@ void NetWorkTestUi::build()
 void NetWorkTestUi::showEvent(QShowEvent *event)
 {
     build();
+    m_bFollow = m_phase == Phase::Running;
     if (!m_texts.isLoaded() && m_texts.load(m_nLanguage))
         tellRows();
     QDialog::showEvent(event);
@@ -219,8 +220,10 @@ void NetWorkTestUi::slot_TestStatus(int item, int state)
 
 void NetWorkTestUi::slot_BtnCheck(int enabled)
 {
-    if (enabled == 0)
+    if (enabled == 0) {
         clearRows();
+        m_bFollow = true;
+    }
     setPhase(enabled == 0 ? Phase::Running : Phase::Done);
 }
 

@@ -86,6 +86,7 @@ private:
     int m_nLanguage = 0;
     QString m_sRegion;
     Phase m_phase = Phase::Untested;
+    bool m_bFollow = false; // the list keeps its newest row in sight
 
     // Shared with the worker.
     std::mutex m_runMutex; // held for a whole run

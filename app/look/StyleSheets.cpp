@@ -277,7 +277,9 @@ QString diagnosisStyle()
                        "QFrame#frame{border:2px solid #8B9FBD;}"
                        "QFrame#wdg_Title{background-color:rgb(139, 159, 189);}"
                        "QPushButton#btn_close{background-color:transparent;border:0px;}"
+                       "QPushButton#btn_StartDiag{padding:0px 8px;}"
                        "QScrollArea{border:1px solid #C4C4C3;}"
                        "NetWorkTestItem[heading=\"true\"]{background-color:#F2F5F8;}"
+                       "QLabel#lab_result{color:#595959;}"
                        "QLabel#lab_solution{background-color:#F2F5F8;border-radius:4px;}"));
 }
