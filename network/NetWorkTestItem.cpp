@@ -21,8 +21,8 @@ constexpr int ANY = std::numeric_limits<int>::min();
 // How a value from `from` on is shown.
 struct Level
 {
-    int from;
     const char *word;
+    int from;
     Tone tone;
 };
 
@@ -30,13 +30,13 @@ constexpr const char *STRONG = QT_TRANSLATE_NOOP("NetWorkTestItem", "Strong");
 constexpr const char *MEDIUM = QT_TRANSLATE_NOOP("NetWorkTestItem", "Medium");
 constexpr const char *WEAK = QT_TRANSLATE_NOOP("NetWorkTestItem", "Weak");
 
-constexpr Level WIFI_LEVELS[] = {{76, STRONG, GOOD}, {51, MEDIUM, FAIR}, {ANY, WEAK, BAD}};
-constexpr Level MODEM_LEVELS[] = {{CSQ_UNKNOWN + 1, STRONG, GOOD},
-                                  {CSQ_UNKNOWN, WEAK, BAD}, // the modem has no signal to measure
-                                  {25, STRONG, GOOD},
-                                  {17, MEDIUM, FAIR},
-                                  {ANY, WEAK, BAD}};
-constexpr Level DELAYS[] = {{500, nullptr, BAD}, {100, nullptr, FAIR}, {ANY, nullptr, GOOD}};
+constexpr Level WIFI_LEVELS[] = {{STRONG, 76, GOOD}, {MEDIUM, 51, FAIR}, {WEAK, ANY, BAD}};
+constexpr Level MODEM_LEVELS[] = {{STRONG, CSQ_UNKNOWN + 1, GOOD},
+                                  {WEAK, CSQ_UNKNOWN, BAD}, // the modem has no signal to measure
+                                  {STRONG, 25, GOOD},
+                                  {MEDIUM, 17, FAIR},
+                                  {WEAK, ANY, BAD}};
+constexpr Level DELAYS[] = {{nullptr, 500, BAD}, {nullptr, 100, FAIR}, {nullptr, ANY, GOOD}};
 
 template <std::size_t Count>
 const Level &levelOf(const Level (&levels)[Count], int value)

@@ -22,37 +22,37 @@ constexpr int LOADED_WITHOUT_RESOURCE = -3;
 
 struct Check
 {
-    int item;
     Link::Outcome (Link::*run)() const;
+    int item;
     bool stopsLink = true; // whether its failure does
 };
 
 constexpr Check ETHERNET_CHECKS[] = {
-    {ITEM_ETH_EXISTS, &Link::exists},      {ITEM_ETH_UP, &Link::isUp},
-    {ITEM_ETH_CABLE, &Link::isLinked},     {ITEM_ETH_GATEWAY, &Link::reachesGateway},
-    {ITEM_ETH_CLOUD, &Link::reachesCloud}, {ITEM_ETH_DELAY, &Link::delay},
+    {&Link::exists, ITEM_ETH_EXISTS},      {&Link::isUp, ITEM_ETH_UP},
+    {&Link::isLinked, ITEM_ETH_CABLE},     {&Link::reachesGateway, ITEM_ETH_GATEWAY},
+    {&Link::reachesCloud, ITEM_ETH_CLOUD}, {&Link::delay, ITEM_ETH_DELAY},
 };
 
 constexpr Check WIFI_CHECKS[] = {
-    {ITEM_WIFI_EXISTS, &Link::exists},
-    {ITEM_WIFI_UP, &Link::isUp},
-    {ITEM_WIFI_LINK, &Link::isLinked},
-    {ITEM_WIFI_SIGNAL, &Link::wifiSignal},
-    {ITEM_WIFI_GATEWAY, &Link::reachesGateway},
-    {ITEM_WIFI_CLOUD, &Link::reachesCloud},
-    {ITEM_WIFI_DELAY, &Link::delay},
+    {&Link::exists, ITEM_WIFI_EXISTS},
+    {&Link::isUp, ITEM_WIFI_UP},
+    {&Link::isLinked, ITEM_WIFI_LINK},
+    {&Link::wifiSignal, ITEM_WIFI_SIGNAL},
+    {&Link::reachesGateway, ITEM_WIFI_GATEWAY},
+    {&Link::reachesCloud, ITEM_WIFI_CLOUD},
+    {&Link::delay, ITEM_WIFI_DELAY},
 };
 
 // Not in the order of the numbers; this is intended.
 constexpr Check MODEM_CHECKS[] = {
-    {ITEM_4G_EXISTS, &Link::exists},
-    {ITEM_4G_UP, &Link::isUp},
-    {ITEM_4G_SIGNAL, &Link::modemSignal},
-    {ITEM_4G_CARD, &Link::hasCard},
-    {ITEM_4G_ATTACHED, &Link::isAttached, false},
-    {ITEM_4G_LINK, &Link::isLinked},
-    {ITEM_4G_CLOUD, &Link::reachesCloud},
-    {ITEM_4G_DELAY, &Link::delay},
+    {&Link::exists, ITEM_4G_EXISTS},
+    {&Link::isUp, ITEM_4G_UP},
+    {&Link::modemSignal, ITEM_4G_SIGNAL},
+    {&Link::hasCard, ITEM_4G_CARD},
+    {&Link::isAttached, ITEM_4G_ATTACHED, false},
+    {&Link::isLinked, ITEM_4G_LINK},
+    {&Link::reachesCloud, ITEM_4G_CLOUD},
+    {&Link::delay, ITEM_4G_DELAY},
 };
 
 struct Chain

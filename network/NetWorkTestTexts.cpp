@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char *FOLDER = "/mnt/tarni/app/hmiapp/bin/";
 constexpr std::array FILES = {"NetWorkTest/NetWorkTest_ch.json", "NetWorkTest/NetWorkTest_en.json"};
-constexpr std::size_t MAX_BYTES = 1024 * 1024;
+constexpr std::size_t MAX_BYTES = 1 << 20;
 constexpr int MAX_TEXT = 500;   // characters; a longer one is no advice, and slow to lay out
 constexpr int LAST_NUMBER = 31; // the file format's; has no key
 

@@ -230,7 +230,7 @@ void NetWorkTestUi::slot_BtnCheck(int enabled)
 void NetWorkTestUi::slot_ButtonPressed()
 {
     keyClick();
-    if (sender() == ui->btn_close)
+    if (ui != nullptr && sender() == ui->btn_close)
         hide();
     else
         startRun();

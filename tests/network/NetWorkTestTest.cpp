@@ -216,61 +216,49 @@ void NetWorkTestTest::chains_data()
     QTest::addColumn<int>("load");
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("told");
-    const auto row = [](const char *name, const char *panel, const QString &told, int load = 0,
-                        int status = 1) {
-        QTest::newRow(name) << QString::fromUtf8(panel) << load << status << told;
-    };
-    const QString eth = "3# 4√ 5√ 6√ 7√ 8√ 9:12"_s;
-    row("all well", "{}", "0√ "_s + eth + " = 0"_s);
-    row("loaded with a remark", "{}", "0√ "_s + eth + " = 0"_s, 7);
-    row("no configuration", "{}", "0× = -1"_s, -1);
-    row("bad configuration", "{}", "0× = -1"_s, -2);
-    row("no resource", "{}", "0!-1 "_s + eth + " = 0"_s, -3);
-    row("unknown trouble", "{}", "0× = -1"_s, -4);
+    const QString eth = "3# 4√ 5√ 6√ 7√ 8√ 9:12 = 0"_s;
+    for (const auto &[load, told] : {std::pair(0, "0√ "_s + eth),
+                                     {7, "0√ "_s + eth},
+                                     {-1, "0× = -1"_s},
+                                     {-2, "0× = -1"_s},
+                                     {-3, "0!-1 "_s + eth},
+                                     {-4, "0× = -1"_s}})
+        QTest::addRow("load %d", load) << "{}"_s << load << 1 << told;
 
-    const auto ethernet = [&](const char *name, const char *panel, const char *checks) {
-        row(name, panel,
-            "0√ 3# %1 10# 11√ 12√ 13√ 14:88 15√ 16√ 17:12 = 0"_s.arg(QString::fromUtf8(checks)));
-    };
-    ethernet("absent", R"({"fail": [["netT.netIsExist", -4, 1]]})", "4×");
-    ethernet("off", R"({"fail": [["netT.isNetUp", 1, 1]]})", "4√ 5×");
-    ethernet("state unknown", R"({"fail": [["netT.isNetUp", -1, 1]]})", "4√ 5×");
-    ethernet("unplugged", R"({"net": {"cable": {"eth0": -1}}})", "4√ 5√ 6×");
-    ethernet("address unknown", R"({"fail": [["netT.getIp", -1, 1]]})", "4√ 5√ 6√ 7×");
-    ethernet("gateway silent", R"({"net": {"ping": {"192.168.1.1": -1}}})", "4√ 5√ 6√ 7×");
-    ethernet("server unknown", R"({"fail": [["netT.getNetServerAddr", -1, 1]]})",
-             "4√ 5√ 6√ 7√ 8√ 9×");
-
-    const char *const worst = R"({"net": {"ping": {"cloud.example.com":
-                                  {"min": 1, "avg": %d, "max": %d, "lost": 0}}}})";
-    const auto delay = [&](const char *name, int average, int most, int shown) {
-        row(name, QString::asprintf(worst, average, most).toUtf8().constData(),
-            "0√ 3# 4√ 5√ 6√ 7√ 8√ 9:%1 = 0"_s.arg(shown));
-    };
-    delay("average", 300, 500, 300);
-    delay("worst", 20, 501, 501);
-
-    const QString all = "0√ 3# 4√ 5√ 6√ 7√ 8%1 10# 11√ 12√ 13√ 14:88 15√ 16%1 "
-                        "18# 19√ 20√ 21:22 22√ 24√ 23√ 25%1 = -2"_s;
+    const QString all = "0√ 3# 4√ 5√ 6√ 7√ 8!%1 10# 11√ 12√ 13√ 14:88 15√ 16!%1 "
+                        "18# 19√ 20√ 21:22 22√ 24√ 23√ 25!%1 = -2"_s;
     for (const auto &[status, code] :
          {std::pair(-5, -5), {-4, -4}, {-3, -3}, {-2, -2}, {-1, -4}, {0, -4}, {-6, -4}, {2, -4}})
-        row(qPrintable("cloud %1"_s.arg(status)), "{}", all.arg("!%1"_s.arg(code)), 0, status);
+        QTest::addRow("cloud %d", status) << "{}"_s << 0 << status << all.arg(code);
 
-    const auto modem = [&](const char *name, const char *panel, const char *checks) {
-        const QString cut = R"({"net": {"cable": {"eth0": -1, "wlan0": -1%1)"_s;
-        row(name, qPrintable(cut.arg(QString::fromUtf8(panel))),
-            "0√ 3# 4√ 5√ 6× 10# 11√ 12√ 13× 18# 19√ 20√ "_s + QString::fromUtf8(checks));
+    const QString ethernet = "0√ 3# %1 10# 11√ 12√ 13√ 14:88 15√ 16√ 17:12 = 0"_s;
+    const QString modem = "0√ 3# 4√ 5√ 6× 10# 11√ 12√ 13× 18# 19√ 20√ %1"_s;
+    const auto trouble = [](const char *name, const QString &panel, const QString &told) {
+        QTest::newRow(name) << panel << 0 << 1 << told;
     };
-    modem("4G", "}}}", "21:22 22√ 24√ 23√ 25√ 26:12 = 0");
-    modem("signal unreadable", R"(}}, "fail": [["netT.getCsqSignal", -2]]})",
-          "21:-2 22√ 24√ 23√ 25√ 26:12 = 0");
-    modem("no card", R"(}}, "modem": {"ccid": ""}})", "21:22 22× = -2");
-    modem("card unreadable", R"(}}, "fail": [["netT.getCCID", -1]]})", "21:22 22× = -2");
-    modem("not attached goes on", R"(}}, "modem": {"dialUp": 0}})",
-          "21:22 22√ 24× 23√ 25√ 26:12 = 0");
-    modem("mode unreadable goes on", R"(}}, "fail": [["netT.get4gDialUpMode", 1]]})",
-          "21:22 22√ 24× 23√ 25√ 26:12 = 0");
-    modem("no link", R"(, "usb0": -1}}})", "21:22 22√ 24√ 23× = -2");
+    const auto fail = [](const char *operation, const char *cable = "") {
+        return R"({"fail": [["netT.%1]], "net": {"cable": {%2}}})"_s.arg(QLatin1String(operation),
+                                                                         QLatin1String(cable));
+    };
+    const auto slow = [](int average, int most) {
+        return R"({"net": {"ping": {"cloud.example.com":
+                  {"min": 1, "avg": %1, "max": %2, "lost": 0}}}})"_s.arg(average)
+            .arg(most);
+    };
+    trouble("state unknown", fail("isNetUp\", -2, 1"), ethernet.arg("4√ 5×"_s));
+    trouble("address unknown", fail("getIp\", -1, 1"), ethernet.arg("4√ 5√ 6√ 7×"_s));
+    trouble("server unknown", fail("getNetServerAddr\", -1, 1"),
+            ethernet.arg("4√ 5√ 6√ 7√ 8√ 9×"_s));
+    trouble("average", slow(300, 500), "0√ 3# 4√ 5√ 6√ 7√ 8√ 9:300 = 0"_s);
+    trouble("worst", slow(20, 501), "0√ 3# 4√ 5√ 6√ 7√ 8√ 9:501 = 0"_s);
+    trouble("server silent", R"({"net": {"ping": {"cloud.example.com": -1}}})"_s,
+            "0√ 3# 4√ 5√ 6√ 7√ 8√ 9:9999 = 0"_s);
+    const char *const cut = R"("eth0": -1, "wlan0": -1)";
+    trouble("signal unknown", fail("getCsqSignal\", -2", cut),
+            modem.arg("21:-2 22√ 24√ 23√ 25√ 26:12 = 0"_s));
+    trouble("card unknown", fail("getCCID\", -1", cut), modem.arg("21:22 22× = -2"_s));
+    trouble("mode unknown", fail("get4gDialUpMode\", 1", cut),
+            modem.arg("21:22 22√ 24× 23√ 25√ 26:12 = 0"_s));
 }
 
 void NetWorkTestTest::chains()
@@ -285,27 +273,31 @@ void NetWorkTestTest::chains()
 // All three links as far as they go, and what each call gets.
 void NetWorkTestTest::asks()
 {
+    // So that Ethernet and Wi-Fi go as far as their last check, and fail there.
     const auto failTwice = [] { sim::panel().fail("netT.getNetServerAddr", -1, 2); };
-    failTwice(); // so that Ethernet and Wi-Fi go as far as their last check, and fail there
-    const QStringList link = {"netIsExist[\"%1\",false,5000]"_s, "isNetUp[\"%1\",false,5000]"_s,
-                              "checkEthCableLink[\"%1\",false,5000]"_s};
-    const QString address = "getIp[\"%1\",false,5000]"_s;
-    const QString server = "getNetServerAddr[false,5000]"_s;
-    const QString gateway = R"(netTping["%1","%2","%3",false,1,false,50000])"_s;
-    QStringList expected;
-    for (const QString &call : link)
-        expected << call.arg("eth0"_s);
-    expected << address.arg("eth0"_s) << gateway.arg("eth0"_s, "192.168.1.1"_s, "192.168.1.50"_s)
-             << server;
-    for (const QString &call : link)
-        expected << call.arg("wlan0"_s);
-    expected << "getSignal[false,5000]"_s << address.arg("wlan0"_s)
-             << gateway.arg("wlan0"_s, "192.168.2.1"_s, "192.168.2.60"_s) << server;
-    expected << link[0].arg("usb0"_s) << link[1].arg("usb0"_s) << "getCsqSignal[false,1000]"_s
-             << "getCCID[false,1000]"_s
-             << "get4gDialUpMode[false,1000]"_s << link[2].arg("usb0"_s) << server
-             << address.arg("usb0"_s)
-             << R"(netTping["usb0","cloud.example.com","10.64.0.2",false,5,false,50000])"_s;
+    failTwice();
+    const QStringList expected = R"(netIsExist["eth0",false,5000]
+isNetUp["eth0",false,5000]
+checkEthCableLink["eth0",false,5000]
+getIp["eth0",false,5000]
+netTping["eth0","192.168.1.1","192.168.1.50",false,1,false,50000]
+getNetServerAddr[false,5000]
+netIsExist["wlan0",false,5000]
+isNetUp["wlan0",false,5000]
+checkEthCableLink["wlan0",false,5000]
+getSignal[false,5000]
+getIp["wlan0",false,5000]
+netTping["wlan0","192.168.2.1","192.168.2.60",false,1,false,50000]
+getNetServerAddr[false,5000]
+netIsExist["usb0",false,5000]
+isNetUp["usb0",false,5000]
+getCsqSignal[false,1000]
+getCCID[false,1000]
+get4gDialUpMode[false,1000]
+checkEthCableLink["usb0",false,5000]
+getNetServerAddr[false,5000]
+getIp["usb0",false,5000]
+netTping["usb0","cloud.example.com","10.64.0.2",false,5,false,50000])"_s.split(QLatin1Char('\n'));
     QVERIFY(runOf(0, 1).endsWith("26:12 = 0"_s));
     QCOMPARE(calls(), expected);
 

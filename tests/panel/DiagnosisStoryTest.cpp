@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <QtTest>
 
 namespace {
@@ -26,21 +27,16 @@ const QMap<QString, QStringList> CHAINS = {
     {"cloud"_s, {"Gocloud"_s}},
 };
 
-// English to Chinese, where the two differ.
-const QMap<QString, QString> CHINESE = {
-    {"Strong"_s, "强"_s},
-    {"Medium"_s, "中"_s},
-    {"Weak"_s, "弱"_s},
-    {"    Get resource file failed!"_s, "    获取资源文件失败！"_s},
-    {"    Time synchronize failed!"_s, "    时间同步失败！"_s},
-    {"    Certificate download failed!"_s, "    证书下载失败！"_s},
-    {"    Server connection failed!"_s, "    服务器连接失败！"_s},
-    {"    Topic subscribe failed!"_s, "    主题订阅失败！"_s},
-    {"The network connection is successful."_s, "网络连接成功。"_s},
-    {"There are no cloud settings. The network was not checked."_s, "没有云配置，未检查网络。"_s},
-    {"No network reaches the cloud. See the failed items."_s,
-     "所有网络均无法连接到云，请查看失败项。"_s},
-};
+// As the program says an English text in Chinese.
+QString inChinese(const QString &english)
+{
+    QFile file(QStringLiteral(SOURCE_FOLDER "/resources/LangugePackage/en_ch.ts"));
+    const QRegularExpression entry("<source>%1</source>\\s*<translation>(.*)</translation>"_s.arg(
+        QRegularExpression::escape(english)));
+    const bool open = file.open(QIODevice::ReadOnly);
+    const auto found = entry.match(open ? QString::fromUtf8(file.readAll()) : QString());
+    return found.hasMatch() ? found.captured(1) : english;
+}
 
 QJsonObject readObject(const QString &path)
 {
@@ -106,7 +102,7 @@ private:
     void put(const QJsonObject &parts);
     // Waits until the cloud monitor has read that status.
     void awaitCloud(int status);
-    QString said(const QString &text) { return m_english ? text : CHINESE.value(text, text); }
+    QString said(const QString &text) { return m_english ? text : inChinese(text); }
 
     std::unique_ptr<PanelProcess> m_panel;
     bool m_english = true;
@@ -191,7 +187,7 @@ void DiagnosisStoryTest::read(const QString &link, const QString &marks, const Q
             continue;
         const QString mark = row["lab_state"_s];
         const QJsonObject texts = items.value(key).toObject();
-        const QString region = key.endsWith("MQTT"_s) ? m_english ? ":Europe"_s : "：欧洲"_s : ""_s;
+        const QString region = key.endsWith("MQTT"_s) ? said(":Europe"_s) : ""_s;
         QCOMPARE(row["lab_title"_s], texts.value("ItemString"_s).toString() + region);
         const bool failed = mark == "×"_s || mark == "9999ms"_s;
         const bool bad = failed || mark == said("Weak"_s) || mark == "600ms"_s;
@@ -299,8 +295,7 @@ void DiagnosisStoryTest::closedAndEndedInTheMiddle()
     openDiagnosis();
     QVERIFY(!m_panel->press("btn_StartDiag"_s));
     QCOMPARE(m_panel->error(), "btn_StartDiag is disabled"_s);
-    QCOMPARE(m_panel->widget("lab_status"_s, "text"_s).toString(),
-             m_english ? "Diagnosing"_s : "正在诊断"_s);
+    QCOMPARE(m_panel->widget("lab_status"_s, "text"_s).toString(), said("Diagnosing"_s));
     m_panel->ask({"quit"_s});
     QCOMPARE(m_panel->waitForEnd(), 0);
 }
