@@ -130,7 +130,7 @@ QString NetWorkTestUi::phaseText() const
     case RESULT_PASSED:
         return tr("The network connection is successful.");
     case RESULT_NO_CONFIGURATION:
-        return tr("There are no cloud settings. The network was not checked.");
+        return tr("The cloud settings are missing or damaged. The network was not checked.");
     default:
         return tr("No network reaches the cloud. See the failed items.");
     }

@@ -701,8 +701,8 @@
         <translation>The network connection is successful.</translation>
     </message>
     <message>
-        <source>There are no cloud settings. The network was not checked.</source>
-        <translation>There are no cloud settings. The network was not checked.</translation>
+        <source>The cloud settings are missing or damaged. The network was not checked.</source>
+        <translation>The cloud settings are missing or damaged. The network was not checked.</translation>
     </message>
     <message>
         <source>No network reaches the cloud. See the failed items.</source>

@@ -701,8 +701,8 @@
         <translation>网络连接成功。</translation>
     </message>
     <message>
-        <source>There are no cloud settings. The network was not checked.</source>
-        <translation>没有云配置，未检查网络。</translation>
+        <source>The cloud settings are missing or damaged. The network was not checked.</source>
+        <translation>云配置缺失或损坏，未检查网络。</translation>
     </message>
     <message>
         <source>No network reaches the cloud. See the failed items.</source>

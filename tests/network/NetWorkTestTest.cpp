@@ -401,7 +401,7 @@ void NetWorkTestTest::runsOnceAndCanBeClosed()
     m_dialog->show();
     button()->click(); // a run clears what the one before has left
     QTRY_VERIFY(button()->isEnabled());
-    QCOMPARE(status(), "There are no cloud settings. The network was not checked."_s);
+    QCOMPARE(status(), "The cloud settings are missing or damaged. The network was not checked."_s);
     QCOMPARE(m_dialog->findChildren<NetWorkTestItem *>().size(), 1);
 }
 

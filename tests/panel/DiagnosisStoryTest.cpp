@@ -304,7 +304,8 @@ void DiagnosisStoryTest::faultsOfTheStart_data()
 {
     QTest::addColumn<QString>("result");
     QTest::addColumn<QString>("reason");
-    const QString unchecked = "There are no cloud settings. The network was not checked."_s;
+    const QString unchecked =
+        "The cloud settings are missing or damaged. The network was not checked."_s;
     QTest::newRow("cloud-no-configuration") << unchecked << QString();
     QTest::newRow("cloud-bad-configuration") << unchecked << QString();
     QTest::newRow("cloud-no-resource") << "No network reaches the cloud. See the failed items."_s
