@@ -114,6 +114,7 @@ void Net4G::takeAtInfo(const netT::tag_atCollect &info)
         const std::lock_guard<std::mutex> lock(m_atMutex);
         m_atInfo = info;
     }
+    m_bAtNews = true;
     emit sgl_4GNetChange();
 }
 
@@ -218,10 +219,16 @@ void Net4G::slot_ButtonPressed()
     m_switch->request(m_sDevName);
 }
 
+// The announcement may be from before the device was switched off. One run shows all that has come
+// until then: a burst must not queue up before a service that is slow to say the APN.
 void Net4G::slot_4GNetChange()
 {
-    if (!m_bListening) // announced before the device was switched off
-        return;
+    if (m_bListening && m_bAtNews.exchange(false))
+        showAtInfo();
+}
+
+void Net4G::showAtInfo()
+{
     const netT::tag_atCollect info = atInfo();
     if (m_sIccid != info.texts[ICCID_TEXT]) {
         m_sIccid = info.texts[ICCID_TEXT];
@@ -265,7 +272,7 @@ void Net4G::setOn(bool on)
     m_switch->setOn(on);
     showSignal();
     if (on)
-        slot_4GNetChange(); // the modem may have spoken before
+        showAtInfo(); // the modem may have spoken before
     else
         refreshApn();
 }

@@ -7,6 +7,7 @@
 
 #include <QWidget>
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -66,6 +67,7 @@ private:
     void refreshApn();
     void showApnMode(bool manual);
     void sendApn();
+    void showAtInfo();
     netT::tag_atCollect atInfo() const;
 
     std::unique_ptr<Ui::Net4G> ui;
@@ -85,4 +87,5 @@ private:
 
     mutable std::mutex m_atMutex; // guards the copy, which the network client's thread writes
     netT::tag_atCollect m_atInfo;
+    std::atomic<bool> m_bAtNews{false}; // the copy has not been shown since it was written
 };

@@ -12,6 +12,8 @@
 #include <QRadioButton>
 #include <QtTest>
 
+#include <thread>
+
 namespace {
 
 using Record = netT::stAllNetInfo_tag;
@@ -58,20 +60,16 @@ class Net4GTest : public QObject
 private slots:
     void initTestCase() { loadResources(); }
     void init();
-    void showsTheSignal_data();
     void showsTheSignal();
     void showsTheRecord_data();
     void showsTheRecord();
-    void switchWaitsForTheRecord_data();
     void switchWaitsForTheRecord();
     void hearsTheModemOnlyWhileOn();
     void showsTheApn_data();
     void showsTheApn();
     void sendsTheApn_data();
     void sendsTheApn();
-    void keyboardIsThePagesOwn();
     void signalTakesNoChoiceAway();
-    void registersWithTheService_data();
     void registersWithTheService();
 
 private:
@@ -115,29 +113,21 @@ QString Net4GTest::iconOf(int level)
     return "border-image: url(:/SysSet_images/SysSet_images/4G_%1.png);"_s.arg(level);
 }
 
-void Net4GTest::showsTheSignal_data()
-{
-    QTest::addColumn<int>("csq");
-    QTest::addColumn<int>("level");
-    const std::pair<int, int> cases[] = {{0, 0},  {99, 0}, {1, 1},  {8, 1},   {9, 2},
-                                         {16, 2}, {17, 3}, {24, 3}, {25, 4},  {31, 4},
-                                         {32, 3}, {40, 3}, {98, 3}, {100, 3}, {-1, 3}};
-    for (const auto &[csq, level] : cases)
-        QTest::addRow("%d", csq) << csq << level;
-}
-
 void Net4GTest::showsTheSignal()
 {
-    QFETCH(int, csq);
-    QFETCH(int, level);
-    m_page->setNetInfo(record(true));
-    modemSays("", "", 20);
-    modemSays("", "", csq);
-    QCOMPARE(icon(), iconOf(level));
-    m_page->setNetInfo(record(false));
-    QCOMPARE(icon(), iconOf(0));
-    m_page->setNetInfo(record(true));
-    QCOMPARE(icon(), iconOf(level));
+    const std::pair<int, int> levels[] = {{0, 0},  {99, 0}, {1, 1},  {8, 1},   {9, 2},
+                                          {16, 2}, {17, 3}, {24, 3}, {25, 4},  {31, 4},
+                                          {32, 3}, {40, 3}, {98, 3}, {100, 3}, {-1, 3}};
+    for (const auto &[csq, level] : levels) {
+        m_page->setNetInfo(record(true));
+        modemSays("", "", 20);
+        modemSays("", "", csq);
+        QCOMPARE(icon(), iconOf(level));
+        m_page->setNetInfo(record(false));
+        QCOMPARE(icon(), iconOf(0));
+        m_page->setNetInfo(record(true));
+        QCOMPARE(icon(), iconOf(level));
+    }
 }
 
 void Net4GTest::showsTheRecord_data()
@@ -178,37 +168,22 @@ void Net4GTest::showsTheRecord()
     QCOMPARE(icon(), iconOf(on && present ? 4 : 0));
 }
 
-void Net4GTest::switchWaitsForTheRecord_data()
-{
-    QTest::addColumn<bool>("wasOn");
-    QTest::addColumn<int>("result");
-    QTest::addColumn<QByteArray>("printed");
-    QTest::newRow("off") << true << 0 << QByteArray("netDeviceDown [usb0] ok\n");
-    QTest::newRow("off, refused") << true << -1 << QByteArray("netDeviceDown [usb0] Err\n");
-    QTest::newRow("on") << false << 0 << QByteArray("netDeviceUp [usb0] ok\n");
-    QTest::newRow("on, refused") << false << -2 << QByteArray("netDeviceUp [usb0] Err\n");
-}
-
 void Net4GTest::switchWaitsForTheRecord()
 {
-    QFETCH(bool, wasOn);
-    QFETCH(int, result);
-    const char *operation = wasOn ? "netT.netDeviceDown" : "netT.netDeviceUp";
-    m_page->setNetInfo(record(wasOn));
-    if (result < 0)
-        sim::panel().fail(operation, result);
-    const QString look = find<QPushButton>("btn_4G")->styleSheet();
-    QTEST(printedBy([&] { press("btn_4G"); }), "printed");
-    QCOMPARE(lastCall(operation), R"(["usb0",false,5000])"_s);
-    m_page->setNetInfo(record(wasOn)); // completes nothing
-    press("btn_4G");
-    QCOMPARE(count(operation), std::size_t(1));
-    QVERIFY(shown("lab_move") && !shown("lab_null") && !enabled("btn_4G"));
-    QCOMPARE(find<QPushButton>("btn_4G")->styleSheet(), look);
-
-    m_page->setNetInfo(record(!wasOn));
-    QVERIFY(!shown("lab_move") && shown("lab_null") && enabled("btn_4G"));
-    QVERIFY(find<QPushButton>("btn_4G")->styleSheet() != look);
+    for (const bool wasOn : {true, false}) {
+        const char *operation = wasOn ? "netT.netDeviceDown" : "netT.netDeviceUp";
+        m_page->setNetInfo(record(wasOn));
+        sim::panel().fail(operation, -2);
+        const QByteArray printed = printedBy([this] { press("btn_4G"); });
+        QCOMPARE(printed, QByteArray(wasOn ? "netDeviceDown" : "netDeviceUp") + " [usb0] Err\n");
+        QCOMPARE(lastCall(operation), R"(["usb0",false,5000])"_s);
+        m_page->setNetInfo(record(wasOn)); // completes nothing
+        press("btn_4G");
+        QCOMPARE(count(operation), std::size_t(1));
+        QVERIFY(shown("lab_move") && !shown("lab_null") && !enabled("btn_4G"));
+        m_page->setNetInfo(record(!wasOn));
+        QVERIFY(!shown("lab_move") && shown("lab_null") && enabled("btn_4G"));
+    }
 }
 
 void Net4GTest::hearsTheModemOnlyWhileOn()
@@ -226,6 +201,13 @@ void Net4GTest::hearsTheModemOnlyWhileOn()
     modemSays("", "87", 31);
     QCOMPARE(count("netT.getApn"), before + 1); // heard once
     QCOMPARE(label("label_iccid") + label("label_Imei"), "87"_s);
+
+    std::thread([this] {
+        for (int csq = 0; csq < 5; ++csq)
+            modemSays("", "87", csq);
+    }).join();
+    QCoreApplication::processEvents();
+    QCOMPARE(count("netT.getApn"), before + 2); // a burst, once
 
     press("btn_4G");
     modemSays("", "88", 31);
@@ -302,6 +284,13 @@ void Net4GTest::sendsTheApn()
     QFETCH(QString, sent);
     sim::panel().set("modem.apn", apn(name.constData(), "enable"));
     m_page->setNetInfo(record(true));
+    if (!keys.isEmpty()) {
+        whenOpen("SoftKeyboard", [&](QWidget *keyboard) {
+            const QRect place = keyboard->geometry().translated(-m_page->mapToGlobal({0, 0}));
+            const bool masked = keyboard->findChild<QWidget *>("btn_Eye"_s)->isVisible();
+            return place == QRect(80, 75, 640, 450) && masked == (pressed == "line_ApnPwd"_s);
+        });
+    }
     typeOnKeyboard(keys);
     press(qPrintable(pressed));
     QVERIFY(dialogsDone());
@@ -316,25 +305,6 @@ void Net4GTest::sendsTheApn()
         lastCall("netT.setApn"),
         R"([{"auth":"pap","mode":"%1","name":"%2","password":"%3","user":"u"},false,1000])"_s.arg(
             parts[2], parts[0], parts[1]));
-}
-
-void Net4GTest::keyboardIsThePagesOwn()
-{
-    sim::panel().set("modem.apn", apn("a", "enable"));
-    m_page->setNetInfo(record(true));
-    for (const char *field : {"line_ApnPwd", "line_ApnUsr"}) {
-        QRect place;
-        bool hidden = false;
-        whenOpen("SoftKeyboard", [&](QWidget *keyboard) {
-            place = keyboard->geometry().translated(-m_page->mapToGlobal({0, 0}));
-            hidden = keyboard->findChild<QWidget *>("btn_Eye"_s)->isVisible();
-            return true;
-        });
-        typeOnKeyboard("\x1b"_s);
-        press(field);
-        QCOMPARE(place, QRect(80, 75, 640, 450)); // of a page of 800 by 500
-        QCOMPARE(hidden, qstrcmp(field, "line_ApnPwd") == 0);
-    }
 }
 
 void Net4GTest::signalTakesNoChoiceAway()
@@ -359,34 +329,24 @@ void Net4GTest::signalTakesNoChoiceAway()
     QCOMPARE(field("line_ApnName"), "other"_s);
 }
 
-void Net4GTest::registersWithTheService_data()
-{
-    QTest::addColumn<bool>("runs");
-    QTest::addColumn<int>("result");
-    QTest::addColumn<QByteArray>("printed");
-    const QByteArray first = "init 4g At Info NetWork start\n";
-    QTest::newRow("taken") << true << 0 << first + "init 4g At Info NetWork OK\n";
-    QTest::newRow("refused") << true << -1 << first + "init 4g At Info NetWork Error\n";
-    QTest::newRow("no service") << false << 0 << QByteArray();
-}
-
 void Net4GTest::registersWithTheService()
 {
-    QFETCH(bool, runs);
-    QFETCH(int, result);
-    sim::panel().set("net.server", runs);
-    if (result < 0)
-        sim::panel().fail("netT.get4gAtInfoCallBackup", result);
+    const QByteArray first = "init 4g At Info NetWork start\n";
+    sim::panel().set("net.server", false);
     QString said;
-    if (!runs)
-        answerNextBox(1, &said);
-    QTEST(printedBy([this] { m_page->start(); }), "printed");
-    QCOMPARE(said, runs ? QString() : "netServer not run"_s);
-    if (!runs || result < 0)
-        return;
+    answerNextBox(1, &said);
+    QCOMPARE(printedBy([this] { m_page->start(); }), QByteArray());
+    QCOMPARE(said, "netServer not run"_s);
+    sim::panel().set("net.server", true);
+    sim::panel().fail("netT.get4gAtInfoCallBackup", -1, 1);
+    QCOMPARE(printedBy([this] { m_page->start(); }), first + "init 4g At Info NetWork Error\n");
+    QCOMPARE(printedBy([this] { m_page->start(); }), first + "init 4g At Info NetWork OK\n");
+
     m_page->setNetInfo(record(true));
     QTRY_COMPARE(label("label_Imei"), "860000000000017"_s); // from the service's own thread
+    sim::panel().set("net.devices.2.present", false);
     sim::panel().set("modem.csq", 5);
+    sim::panel().set("net.devices.2.present", true); // the modem speaks when it is there again
     QTRY_COMPARE(icon(), iconOf(1));
     sim::panel().reset(); // no callback outlives the page
 }
