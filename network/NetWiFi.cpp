@@ -127,12 +127,9 @@ void NetWiFi::hideEvent(QHideEvent *event)
 
 void NetWiFi::updateVisible()
 {
-    const bool visible = m_bTab && m_bShown;
-    const bool cameIntoView = visible && !m_refresh.isVisible();
-    m_refresh.setVisible(visible);
-    // Joining is only shown on a page that is seen.
-    if (cameIntoView && isJoining(m_refresh.state()))
-        slot_UpdataState(m_refresh.state());
+    m_refresh.setVisible(m_bTab && m_bShown);
+    if (m_bTopRowDue && m_refresh.isVisible())
+        showTopRow();
 }
 
 // --- The device --------------------------------------------------------------------------------
@@ -265,14 +262,11 @@ void NetWiFi::slot_UpdataState(int state)
     m_refresh.setState(state);
     if (state == netT::WIFI_CONNECTED || state == netT::WIFI_FAILED)
         m_sinceJoin.invalidate();
-    if (state == netT::WIFI_CONNECTED) {
-        showTopRow(ListItem::CONNECTED);
-    } else if (isJoining(state)) {
-        if (m_refresh.isVisible())
-            showTopRow(ListItem::CONNECTING);
-    } else {
+    m_bTopRowDue = isJoining(state) || state == netT::WIFI_CONNECTED;
+    if (!m_bTopRowDue)
         hideTopRow();
-    }
+    else if (m_refresh.isVisible())
+        showTopRow();
     if (state == netT::WIFI_FAILED) {
         m_refresh.suspendPoll();
         tellFailure();
@@ -365,8 +359,10 @@ ListItem *NetWiFi::topRow()
     return m_pTopRow;
 }
 
-void NetWiFi::showTopRow(ListItem::Mode mode)
+// Asks the service: only for a page that is seen.
+void NetWiFi::showTopRow()
 {
+    m_bTopRowDue = false;
     netT::stUserInfo_tag info;
     if (netT::getConnectInfo(info, true, TIMEOUT_MS) == 0) {
         std::printf("getConnectInfo = [%s][%s][%d]\n", info.sSsid.c_str(), info.sPassword.c_str(),
@@ -376,7 +372,7 @@ void NetWiFi::showTopRow(ListItem::Mode mode)
         topRow()->setAccessPoint({info.nId, level, info.sSsid, std::string(), info.nSecurity});
     }
     topRow()->setAddress(m_addresses.sIpAddr);
-    topRow()->setMode(mode);
+    topRow()->setMode(isJoining(m_refresh.state()) ? ListItem::CONNECTING : ListItem::CONNECTED);
     ui->wid_wifiConnect->show();
     ui->line_Connect->show();
     stretchRows(2, 1, 20);

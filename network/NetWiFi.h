@@ -97,7 +97,7 @@ private:
 
     void join(const netT::stApInfo_tag &accessPoint, const std::string &password);
     ListItem *topRow();
-    void showTopRow(ListItem::Mode mode);
+    void showTopRow();
     void hideTopRow();
     void stretchRows(int row, int separator, int list);
     void openParameters();
@@ -116,6 +116,7 @@ private:
     bool m_bDhcp = true;
     bool m_bTab = false;       // is the tab that is seen of its group
     bool m_bShown = false;     // is on the screen
+    bool m_bTopRowDue = false; // a network is to be shown once the page is seen
     bool m_bTelling = false;   // the message of a failure is open
     QElapsedTimer m_sinceJoin; // while it is not known how joining ended
 };

@@ -246,7 +246,7 @@ void NetWiFiTest::states_data()
         QTest::addRow("%d", state) << state << true << QString();
     QTest::newRow("1") << 1 << true << "color: rgb(0, 0, 0);"_s;
     QTest::newRow("3") << 3 << true << "color: rgb(0, 0, 0);"_s;
-    QTest::newRow("3 unseen") << 3 << false << QString();
+    QTest::newRow("3 unseen") << 3 << false << "color: rgb(0, 0, 0);"_s;
     QTest::newRow("7") << 7 << true << "color: rgb(71, 148, 214);"_s;
     QTest::newRow("7 unseen") << 7 << false << "color: rgb(71, 148, 214);"_s;
 }
@@ -258,7 +258,11 @@ void NetWiFiTest::states()
     QFETCH(QString, look);
     panel().set("wifi", {{"user", {{"ssid", "Office"}, {"password", "p"}}}, {"signal", 30}});
     m_page->setPageVisible(visible);
-    const QByteArray printed = printedBy([&] { m_page->slot_UpdataState(state); });
+    const QByteArray printed = printedBy([&] {
+        m_page->slot_UpdataState(state);
+        QCOMPARE(topRowShown(), visible && !look.isEmpty());
+        m_page->setPageVisible(true);
+    });
     QCOMPARE(stateLines(printed), QString::number(state));
     QCOMPARE(printed.contains("getConnectInfo = [Office][p][4]\n"), !look.isEmpty());
     QCOMPARE(topRowShown(), !look.isEmpty());
