@@ -12,7 +12,9 @@
 
 #include <QMouseEvent>
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -63,10 +65,10 @@ NetWiFi::NetWiFi(QWidget *parent)
     QSizePolicy policy = ui->lab_Scan->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     ui->lab_Scan->setSizePolicy(policy);
-    ui->wid_wifiConnect->setMinimumHeight(touchHeight());
+    m_topRow.emplace(ConnectedRow::Widgets{ui->pageLayout, ui->wid_wifiConnect, ui->line_Connect,
+                                           ui->list_Wifi});
     ui->wid_wifiConnect->installEventFilter(this);
     makeConnections();
-    hideTopRow();
     showDevice();
 }
 
@@ -99,8 +101,7 @@ void NetWiFi::retranslate()
     setStyleWhenSeen(this, wifiStyle());
     m_switch->setTexts(tr("Enable"), tr("Unplugged"));
     ui->list_Wifi->retranslate();
-    if (m_pTopRow != nullptr)
-        m_pTopRow->retranslate();
+    m_topRow->retranslate();
 }
 
 // --- Visibility --------------------------------------------------------------------------------
@@ -181,6 +182,7 @@ void NetWiFi::leaveDevice()
 {
     m_refresh.setEnabled(false);
     m_refresh.setState(netT::WIFI_IDLE);
+    m_sinceJoin.invalidate();
     m_addresses = {};
     m_sMac.clear();
     hideTopRow();
@@ -224,8 +226,7 @@ void NetWiFi::takeAddressing(const netT::stAllNetInfo_tag &record)
         emit sgl_Dns(now.sPrefDns, now.sAlterDns);
     if (std::exchange(m_sMac, record.sMacAddr) != m_sMac)
         emit sgl_Mac(m_sMac);
-    if (m_pTopRow != nullptr)
-        m_pTopRow->setAddress(now.sIpAddr);
+    m_topRow->setAddress(now.sIpAddr);
 }
 
 // --- The connection ----------------------------------------------------------------------------
@@ -244,14 +245,20 @@ void NetWiFi::reportState()
     } else if (state == netT::WIFI_FAILED) {
         // Queued: its message would hold up the records behind this one.
         if (m_refresh.isVisible() && m_refresh.takeFailure())
-            QMetaObject::invokeMethod(
-                this, [this] { slot_UpdataState(netT::WIFI_FAILED); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(this, &NetWiFi::reportFailure, Qt::QueuedConnection);
     } else if (isJoining(state)) {
         if (state != shown)
             slot_UpdataState(state);
     } else if (shown == netT::WIFI_CONNECTED || (isJoining(shown) && !passing)) {
         slot_UpdataState(state);
     }
+}
+
+void NetWiFi::reportFailure()
+{
+    // Unless the device has gone, or another network is being joined, meanwhile.
+    if (m_refresh.state() == netT::WIFI_FAILED)
+        slot_UpdataState(netT::WIFI_FAILED);
 }
 
 void NetWiFi::slot_UpdataState(int state)
@@ -309,7 +316,7 @@ void NetWiFi::join(const netT::stApInfo_tag &accessPoint, const std::string &pas
     const bool taken = netT::setConnectInfo(accessPoint.sSsid, password, false, TIMEOUT_MS) >= 0;
     std::puts(taken ? "setConnectInfo ===== ok" : "setConnectInfo ===== err");
     m_sCurrent = accessPoint.sSsid;
-    topRow()->setAccessPoint(accessPoint);
+    m_topRow->setAccessPoint(accessPoint);
     netT::connectwifi();
     // Only now: until the joining has begun the service may still tell the former failure.
     if (taken)
@@ -326,37 +333,37 @@ void NetWiFi::setAccessPoints(std::vector<netT::stApInfo_tag> list)
     m_refresh.takeScan(std::move(list));
 }
 
+// A new scan also tells how strong the network of the top row is by now.
 void NetWiFi::slot_RefWifiList()
 {
     RefWifiList();
+    m_refresh.withList([this](const std::vector<netT::stApInfo_tag> &list) {
+        const auto current =
+            std::find_if(list.begin(), list.end(), [this](const netT::stApInfo_tag &accessPoint) {
+                return isCurrent(accessPoint);
+            });
+        if (current != list.end())
+            m_topRow->setLevel(current->nLevel);
+    });
 }
 
 void NetWiFi::RefWifiList()
 {
     m_refresh.withList([this](const std::vector<netT::stApInfo_tag> &list) {
         m_rows.clear();
-        const netT::stApInfo_tag *current = nullptr;
-        for (const netT::stApInfo_tag &accessPoint : list) {
-            if (m_sCurrent.empty() || accessPoint.sSsid != m_sCurrent)
-                m_rows.push_back(accessPoint);
-            else if (current == nullptr)
-                current = &accessPoint; // the strongest of that name
+        if (isOn()) {
+            std::copy_if(
+                list.begin(), list.end(), std::back_inserter(m_rows),
+                [this](const netT::stApInfo_tag &accessPoint) { return !isCurrent(accessPoint); });
         }
-        if (current != nullptr)
-            topRow()->setLevel(current->nLevel);
-        if (!isOn())
-            m_rows.clear(); // until the device is back
         ui->list_Wifi->setAccessPoints(m_rows);
     });
 }
 
-ListItem *NetWiFi::topRow()
+// By its name, which is all that joining goes by.
+bool NetWiFi::isCurrent(const netT::stApInfo_tag &accessPoint) const
 {
-    if (m_pTopRow == nullptr) {
-        m_pTopRow = new ListItem;
-        ui->connectLayout->addWidget(m_pTopRow);
-    }
-    return m_pTopRow;
+    return !m_sCurrent.empty() && accessPoint.sSsid == m_sCurrent;
 }
 
 // Asks the service: only for a page that is seen.
@@ -369,33 +376,20 @@ void NetWiFi::showTopRow()
                     info.nSecurity);
         m_sCurrent = info.sSsid;
         const int level = netT::getSignal(true, TIMEOUT_MS);
-        topRow()->setAccessPoint({info.nId, level, info.sSsid, std::string(), info.nSecurity});
+        m_topRow->setAccessPoint({info.nId, level, info.sSsid, std::string(), info.nSecurity});
     }
-    topRow()->setAddress(m_addresses.sIpAddr);
-    topRow()->setMode(isJoining(m_refresh.state()) ? ListItem::CONNECTING : ListItem::CONNECTED);
-    ui->wid_wifiConnect->show();
-    ui->line_Connect->show();
-    stretchRows(2, 1, 20);
+    m_topRow->show(isJoining(m_refresh.state()) ? ListItem::CONNECTING : ListItem::CONNECTED);
+    m_topRow->setAddress(m_addresses.sIpAddr);
     RefWifiList();
 }
 
 // The network that stood there goes back into the list, if it is in range.
 void NetWiFi::hideTopRow()
 {
+    m_bTopRowDue = false;
     m_sCurrent.clear();
-    if (m_pTopRow != nullptr)
-        m_pTopRow->setMode(ListItem::IDLE);
-    ui->wid_wifiConnect->hide();
-    ui->line_Connect->hide();
-    stretchRows(0, 0, 23);
+    m_topRow->hide();
     RefWifiList();
-}
-
-void NetWiFi::stretchRows(int row, int separator, int list)
-{
-    ui->pageLayout->setStretchFactor(ui->wid_wifiConnect, row);
-    ui->pageLayout->setStretchFactor(ui->line_Connect, separator);
-    ui->pageLayout->setStretchFactor(ui->list_Wifi, list);
 }
 
 // --- The parameters ----------------------------------------------------------------------------

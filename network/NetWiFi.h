@@ -1,8 +1,8 @@
 // The Wi-Fi page of the Network group.
 #pragma once
 
+#include "network/ConnectedRow.h"
 #include "network/DeviceSwitch.h"
-#include "network/ListItem.h"
 #include "network/NetRecord.h"
 #include "network/WifiRefresh.h"
 #include "platform/net.h"
@@ -93,18 +93,18 @@ private:
 
     void takeAddressing(const netT::stAllNetInfo_tag &record);
     void reportState();
+    void reportFailure();
     void tellFailure();
 
     void join(const netT::stApInfo_tag &accessPoint, const std::string &password);
-    ListItem *topRow();
+    bool isCurrent(const netT::stApInfo_tag &accessPoint) const;
     void showTopRow();
     void hideTopRow();
-    void stretchRows(int row, int separator, int list);
     void openParameters();
 
     std::unique_ptr<Ui::NetWiFi> ui;
     std::optional<DeviceSwitch> m_switch;
-    ListItem *m_pTopRow = nullptr; // from the first network on
+    std::optional<ConnectedRow> m_topRow;
     WifiPara *m_pDialog = nullptr; // while it is open
     WifiRefresh m_refresh;
     std::vector<netT::stApInfo_tag> m_rows; // of the list, as last shown

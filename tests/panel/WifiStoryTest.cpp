@@ -22,7 +22,6 @@ private slots:
     void openNetwork();
     void wrongPasswordThenRight();
     void linkLostAndBack();
-    void addressByHand();
     void end();
 
 private:
@@ -120,25 +119,6 @@ void WifiStoryTest::linkLostAndBack()
     QVERIFY(PanelProcess::wait([this] { return !m_panel.isVisible("wid_wifiConnect"_s); }));
     QVERIFY(m_panel.set("wifi.aps"_s, QJsonDocument(inRange).toJson()));
     QVERIFY(isJoined("Office"_s));
-}
-
-void WifiStoryTest::addressByHand()
-{
-    QVERIFY(m_panel.press("wid_wifiConnect"_s));
-    QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("WifiPara"_s); }));
-    QVERIFY(m_panel.press("radio_Static"_s));
-    QVERIFY(PanelProcess::wait(
-        [this] { return m_panel.get("net.devices.1.sDhcp"_s).toString() == "disable"_s; }));
-    QVERIFY(m_panel.press("line_Ip4"_s));
-    QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("SoftKeyboard"_s); }));
-    for (const char *key : {"btn_n_7", "btn_n_7", "btn_n_enter"}) {
-        QTest::qSleep(KEY_PAUSE_MS);
-        QVERIFY(m_panel.press(QLatin1String(key)));
-    }
-    QVERIFY(PanelProcess::wait(
-        [this] { return m_panel.get("net.devices.1.sIpAddr"_s).toString() == "192.168.2.77"_s; }));
-    QVERIFY(m_panel.press("pushButton_2"_s));
-    QVERIFY(PanelProcess::wait([this] { return onTop("lab_ip") == "192.168.2.77"_s; }));
 }
 
 void WifiStoryTest::end()
