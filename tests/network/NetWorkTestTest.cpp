@@ -384,7 +384,7 @@ void NetWorkTestTest::showsStates()
 void NetWorkTestTest::runsOnceAndCanBeClosed()
 {
     m_dialog->show();
-    sim::panel().delay("netT.isNetUp", 200);
+    sim::panel().delay("netT.isNetUp", 4500); // until it is hurried
     button()->click();
     QCOMPARE(status(), "Diagnosing"_s);
     QTRY_COMPARE(text("EthIdentified", "lab_state"), "√"_s);
@@ -392,6 +392,7 @@ void NetWorkTestTest::runsOnceAndCanBeClosed()
     button()->click();
     m_dialog->findChild<QPushButton *>("btn_close"_s)->click();
     QVERIFY(!m_dialog->isVisible());
+    sim::panel().hurry();
     QTRY_COMPARE(status(), "The network connection is successful."_s);
     QVERIFY(button()->isEnabled());
     QCOMPARE(calls().filter("netIsExist"_s).size(), 1);
@@ -423,12 +424,13 @@ void NetWorkTestTest::saysThatThePoolIsFull()
 void NetWorkTestTest::speaksAnotherLanguageInTheMiddle()
 {
     sim::panel().set("net.cable.eth0", -1);
-    sim::panel().delay("netT.checkEthCableLink", 200);
+    sim::panel().delay("netT.checkEthCableLink", 4500);
     m_dialog->show();
     button()->click();
     QTRY_COMPARE(text("EthConnect", "lab_title"), "Cable"_s);
     m_dialog->setLanguage(0);
     QCOMPARE(text("EthConnect", "lab_title"), "网线"_s);
+    sim::panel().hurry();
     QTRY_COMPARE(text("EthConnect", "lab_solution"), "插好"_s);
     m_dialog->setLanguage(1);
     QCOMPARE(text("EthConnect", "lab_solution"), "Plug it in"_s);
@@ -440,7 +442,7 @@ void NetWorkTestTest::speaksAnotherLanguageInTheMiddle()
 
 void NetWorkTestTest::canGoInTheMiddle()
 {
-    sim::panel().delay("netT.isNetUp", 300);
+    sim::panel().delay("netT.isNetUp", 1500);
     m_dialog->show();
     button()->click();
     QTRY_COMPARE(text("EthIdentified", "lab_state"), "√"_s);
