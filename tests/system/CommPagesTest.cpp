@@ -203,8 +203,8 @@ private slots:
     void stepsAField_data()
     {
         rows({"Communication | 0 | RS232/RS485_1/RS422 NULL/RS485_1/RS232",
-              "BaudRate | 1 | 4000000/3500000/1200 1200/4000000/2400 460800/230400/500000 "
-              "?9600/4000000/1200 BLANKS500000/4000000/1200",
+              ("BaudRate | 1 | 4000000/3500000/1200 1200/4000000/2400 460800/230400/500000 "
+               "?9600/4000000/1200 BLANKS500000/4000000/1200"),
               "ByteSize | 2 | 8/7/7 7/8/8 0/8/8 65535/7/7", "StopBits | 3 | 2/1/1 1/2/2 /2/1",
               "Parity | 4 | NONE/Mark/ODD Mark/SPACE/NONE mark/Mark/NONE",
               "WaitTimeOut | 5 | 995/985/1000 5/0/15 ten/0/10",
@@ -252,6 +252,7 @@ private slots:
               "A | COM1-1 RS232 | COM1-1 RS232,COM1-2 RS422,COM1-3 RS485_2 | RS232 RS485_1",
               "A | COM2-1 RS232 | COM1-2 RS422,COM3 RS485_1 | RS232 RS422 RS485_1 RS485_2",
               "A | COM1-1 RS422 | COM1-2 RS422 | RS232 RS422 RS485_1 RS485_2", // its own stays
+              "A | COM3 RS232 | COM3 RS422 | RS232 RS422 RS485_1 RS485_2",     // changed by others
               "A | COM1-1 NULL | COM1-2 NULL,COM1-3 ?9 | RS232 RS422 RS485_1 RS485_2"});
     }
     void offersFreeConnections()
