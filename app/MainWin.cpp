@@ -375,10 +375,15 @@ void MainWin::applyStyle()
 {
     setStyleOnce(this, windowStyle());
     const QString tabs = tabStyle();
-    setStyleWhenSeen(ui->tab_Machine, tabs);
-    setStyleWhenSeen(ui->tab_Net, tabs);
-    setStyleWhenSeen(ui->tab_UpData, tabs + updateStyle());
-    setStyleWhenSeen(ui->tab_System, tabs);
+    for (const Group &group : m_groups) {
+        const bool updates = group.tabs == ui->tab_UpData;
+        const QString style = updates ? tabs + updateStyle() : tabs;
+        // Before the first show all at once, which goes through everything anyway.
+        if (group.tabs->styleSheet().isEmpty())
+            setStyleOnce(group.tabs, style);
+        else
+            setStyleWhenSeen(group.tabs, style);
+    }
     setStyleOnce(ui->btn_Reboot, navigationStyle(false));
 }
 

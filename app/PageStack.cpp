@@ -1,10 +1,13 @@
 #include "app/PageStack.h"
 
+#include "app/look/WidgetLook.h"
+
 #include <QVBoxLayout>
 
 void PageTab::showEvent(QShowEvent *event)
 {
     if (m_page != nullptr) {
+        wearLateStyles(m_page.get());
         auto *room = new QVBoxLayout(this);
         room->setContentsMargins(0, 0, 0, 0);
         room->addWidget(m_page.release());

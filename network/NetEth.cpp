@@ -140,7 +140,7 @@ void NetEth::showDhcpView()
     m_addresses->setEditable(false);
     ui->radio_Dhcp->setChecked(true);
     showBlock(false);
-    setStyleOnce(ui->widget_EthIndetail, addressStyle(false));
+    underline(false);
 }
 
 void NetEth::showStaticView()
@@ -149,7 +149,14 @@ void NetEth::showStaticView()
     showBlock(true);
     ui->radio_Static->setChecked(true);
     m_addresses->setEditable(true);
-    setStyleOnce(ui->widget_EthIndetail, addressStyle(true));
+    underline(true);
+}
+
+// A page that nobody sees yet takes its look later.
+void NetEth::underline(bool underlined)
+{
+    const auto setStyle = isVisible() ? setStyleOnce : setStyleWhenSeen;
+    setStyle(ui->widget_EthIndetail, addressStyle(underlined));
 }
 
 void NetEth::showBlock(bool visible)

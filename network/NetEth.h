@@ -44,6 +44,7 @@ private:
     void showAddressing(const netT::stAllNetInfo_tag &record);
     void showDhcpView();
     void showStaticView();
+    void underline(bool underlined);
     void showBlock(bool visible);
     void watchRadios(bool watched);
 

@@ -23,7 +23,7 @@ void Language::checkLanguage(int id)
 void Language::retranslate(int id)
 {
     ui->retranslateUi(this);
-    setStyleOnce(this, radioStyle());
+    setStyleWhenSeen(this, radioStyle());
     checkLanguage(id);
 }
 

@@ -24,15 +24,21 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (event->type() == QEvent::Show) {
-            static_cast<QWidget *>(watched)->setStyleSheet(m_styleSheet);
-            deleteLater();
-        }
+        if (event->type() == QEvent::Show && !m_bWorn)
+            wear();
         return QObject::eventFilter(watched, event);
+    }
+
+    void wear()
+    {
+        m_bWorn = true;
+        static_cast<QWidget *>(parent())->setStyleSheet(m_styleSheet);
+        deleteLater();
     }
 
 private:
     const QString m_styleSheet;
+    bool m_bWorn = false;
 };
 
 void forgetLateStyle(QWidget *widget)
@@ -61,13 +67,19 @@ void setStyleOnce(QWidget *widget, const QString &styleSheet)
 
 void setStyleWhenSeen(QWidget *widget, const QString &styleSheet)
 {
-    if (widget->isVisible() || widget->styleSheet().isEmpty()) {
+    if (widget->isVisible()) {
         setStyleOnce(widget, styleSheet);
         return;
     }
     forgetLateStyle(widget);
     if (widget->styleSheet() != styleSheet)
         new LateStyle(widget, styleSheet);
+}
+
+void wearLateStyles(QWidget *page)
+{
+    for (LateStyle *style : page->findChildren<LateStyle *>())
+        style->wear();
 }
 
 void showIcon(QLabel *label, const QString &imageName)

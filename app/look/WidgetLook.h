@@ -17,9 +17,13 @@ QString imagePath(const QString &name);
 // to compare.
 void setStyleOnce(QWidget *widget, const QString &styleSheet);
 
-// Same for a page that may be hidden: a style sheet that replaces one waits until `widget` is
-// shown, so that a language change pays for what is seen alone.
+// Same for a page that may be hidden: the style sheet waits until `widget` is shown, so that start
+// and language change pay for what is seen alone.
 void setStyleWhenSeen(QWidget *widget, const QString &styleSheet);
+
+// Sets what waits on `page` and in it: right before it joins a window that is seen, which goes
+// through all of it anyway.
+void wearLateStyles(QWidget *page);
 
 // Shows an image on a label, scaled down to fit: "image: url(...);".
 void showIcon(QLabel *label, const QString &imageName);

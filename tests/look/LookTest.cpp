@@ -131,8 +131,7 @@ void LookTest::hiddenWidgetWaitsForItsStyle()
     const auto style = [](const char *colour) {
         return QStringLiteral("color:%1;").arg(QLatin1String(colour));
     };
-    setStyleWhenSeen(&label, style("red")); // its first one does not wait
-    QCOMPARE(label.styleSheet(), style("red"));
+    setStyleOnce(&label, style("red"));
     setStyleWhenSeen(&label, style("green"));
     setStyleWhenSeen(&label, style("blue"));
     QCOMPARE(label.styleSheet(), style("red"));
@@ -143,6 +142,10 @@ void LookTest::hiddenWidgetWaitsForItsStyle()
     setStyleOnce(&label, style("black")); // the newest holds
     label.show();
     QCOMPARE(label.styleSheet(), style("black"));
+    label.hide();
+    setStyleWhenSeen(&label, style("red"));
+    wearLateStyles(&label);
+    QCOMPARE(label.styleSheet(), style("red"));
 }
 
 void LookTest::dialogsStayOnTheScreen_data()
