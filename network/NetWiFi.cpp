@@ -237,21 +237,24 @@ void NetWiFi::reportState()
     netT::WIFI_STATE_T state = netT::WIFI_IDLE;
     if (netT::getStatus(state, false, TIMEOUT_MS) < 0)
         return;
-    const int shown = m_refresh.state();
-    // On its way into a network the service passes through states in which it is in none.
-    const bool passing = m_sinceJoin.isValid() && !m_sinceJoin.hasExpired(JOIN_PATIENCE_MS);
-    if (state == netT::WIFI_CONNECTED) {
-        slot_UpdataState(state);
-    } else if (state == netT::WIFI_FAILED) {
+    if (state == netT::WIFI_FAILED) {
         // Queued: its message would hold up the records behind this one.
         if (m_refresh.isVisible() && m_refresh.takeFailure())
             QMetaObject::invokeMethod(this, &NetWiFi::reportFailure, Qt::QueuedConnection);
-    } else if (isJoining(state)) {
-        if (state != shown)
-            slot_UpdataState(state);
-    } else if (shown == netT::WIFI_CONNECTED || (isJoining(shown) && !passing)) {
+    } else if (isNews(state)) {
         slot_UpdataState(state);
     }
+}
+
+bool NetWiFi::isNews(int state) const
+{
+    const int shown = m_refresh.state();
+    if (isJoining(state))
+        return state != shown;
+    // On its way into a network the service passes through states in which it is in none.
+    const bool passing = m_sinceJoin.isValid() && !m_sinceJoin.hasExpired(JOIN_PATIENCE_MS);
+    return state == netT::WIFI_CONNECTED || shown == netT::WIFI_CONNECTED ||
+           (isJoining(shown) && !passing);
 }
 
 void NetWiFi::reportFailure()

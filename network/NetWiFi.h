@@ -93,6 +93,7 @@ private:
 
     void takeAddressing(const netT::stAllNetInfo_tag &record);
     void reportState();
+    bool isNews(int state) const;
     void reportFailure();
     void tellFailure();
 
