@@ -32,7 +32,7 @@ std::optional<MachineTexts> readMachine()
     MachineTexts texts;
     if (machine.GetSN(texts.serialNumber) == 0 || texts.serialNumber.size() < LEAST_SERIAL_LENGTH)
         return std::nullopt;
-    if (machine.GetHMIType(texts.model) == 0)
+    if (machine.GetHMIType(texts.model) <= 0)
         return std::nullopt;
     std::string mac;
     if (machine.GetMac(mac) == 0 || mac.size() < LEAST_MAC_LENGTH)

@@ -15,6 +15,7 @@ private slots:
     void init() { sim::panel().reset(); }
     void showsWhatThePanelKnows_data();
     void showsWhatThePanelKnows();
+    void showsNothingWithoutTheModel();
     void showsTextsPlain();
     void codeIsTwoFifthsOfTheScreen();
     void codeFillsTheTopLeftSquare();
@@ -71,6 +72,14 @@ void InfoTest::showsWhatThePanelKnows()
     QCOMPARE(page.findChild<QRWidget *>() != nullptr, !values.isEmpty());
     QCOMPARE(texts(page, {"label_24"_s, "label_29"_s, "label_34"_s, "label_35"_s}),
              "Model:|Serial No:|Machine Id:|"_s + (productCaption ? "Product Id:"_s : QString()));
+}
+
+void InfoTest::showsNothingWithoutTheModel()
+{
+    sim::panel().fail("KVCORE.GetHMIType", -1); // 0 is a panel without one, this a failed read
+    const Info page;
+    QCOMPARE(texts(page, {"lab_Model"_s, "lab_Sn"_s}), "|"_s);
+    QVERIFY(page.findChild<QRWidget *>() == nullptr);
 }
 
 void InfoTest::showsTextsPlain()
