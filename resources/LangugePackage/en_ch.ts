@@ -686,7 +686,7 @@
     </message>
     <message>
         <source>Press Start Diag to check the way to the cloud.</source>
-        <translation>请点击“开始诊断”，检查到云端的网络。</translation>
+        <translation>请点击“开始诊断”，检查与云的连接。</translation>
     </message>
     <message>
         <source>The panel is busy. Please try again.</source>
