@@ -160,6 +160,11 @@ void NetWorkTestItem::setState(int state, int value)
     retranslate();
 }
 
+bool NetWorkTestItem::hasFailed() const
+{
+    return isFailure(m_nState, m_nValue);
+}
+
 void NetWorkTestItem::setTexts(const NetWorkTestText &texts, const QString &region)
 {
     m_texts = texts;
@@ -187,7 +192,7 @@ void NetWorkTestItem::showTexts()
 {
     ui->lab_title->setText(m_texts.title + regionOf(m_nItem, m_sRegion));
     QString result;
-    if (isFailure(m_nState, m_nValue))
+    if (hasFailed())
         result = m_texts.failure + reasonOf(m_nState);
     else if (m_nState == TEST_PASSED)
         result = m_texts.success;

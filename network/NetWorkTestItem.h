@@ -26,6 +26,7 @@ public:
 
     // `state` is a NetWorkTestState, `value` goes with it.
     void setState(int state, int value);
+    bool hasFailed() const;
     // `region` is the cloud's, as the cloud names it; the rows of the cloud client show it.
     void setTexts(const NetWorkTestText &texts, const QString &region);
     // Says everything again in the program's language.

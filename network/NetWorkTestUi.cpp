@@ -11,6 +11,7 @@
 
 #include <QMovie>
 #include <QScrollBar>
+#include <QTimer>
 
 NetWorkTestUi::NetWorkTestUi(QWidget *parent) : QDialog(parent)
 {
@@ -27,7 +28,7 @@ NetWorkTestUi::~NetWorkTestUi()
     stop();
     {
         std::unique_lock<std::mutex> lock(m_mutex);
-        m_jobDone.wait(lock, [this] { return !m_bJob; });
+        m_jobDone.wait(lock, [this] { return m_nJobs == 0; });
     }
     const std::lock_guard<std::mutex> lastRun(m_runMutex);
 }
@@ -46,11 +47,8 @@ void NetWorkTestUi::build()
     m_pRunning = new QMovie(imagePath(QStringLiteral("loading_more.gif")), QByteArray(), this);
     connect(ui->btn_close, &QPushButton::clicked, this, &NetWorkTestUi::slot_ButtonPressed);
     connect(ui->btn_StartDiag, &QPushButton::clicked, this, &NetWorkTestUi::slot_ButtonPressed);
-    QScrollBar *bar = ui->area_rows->verticalScrollBar();
-    connect(bar, &QScrollBar::rangeChanged, this, [this, bar](int, int bottom) {
-        if (m_bFollow)
-            bar->setValue(bottom);
-    });
+    connect(ui->area_rows->verticalScrollBar(), &QScrollBar::rangeChanged, this,
+            &NetWorkTestUi::scroll);
     m_texts.load(m_nLanguage);
     retranslate();
 }
@@ -58,11 +56,11 @@ void NetWorkTestUi::build()
 void NetWorkTestUi::showEvent(QShowEvent *event)
 {
     build();
-    m_bFollow = m_phase == Phase::Running;
     if (!m_texts.isLoaded() && m_texts.load(m_nLanguage))
         tellRows();
     QDialog::showEvent(event);
     animate();
+    scrollSoon();
 }
 
 void NetWorkTestUi::hideEvent(QHideEvent *event)
@@ -179,18 +177,18 @@ void NetWorkTestUi::startRun()
         return;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_bJob = true;
+        ++m_nJobs;
     }
     const auto job = [this] {
         NetWorkTest_Thread(this);
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_bJob = false;
+        --m_nJobs;
         m_jobDone.notify_all(); // under the lock: the dialog may go as soon as it is free
     };
     const bool taken = COS::CCosThreadPool::submit(job) >= 0;
     if (!taken) {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_bJob = false;
+        --m_nJobs;
     }
     setPhase(taken ? Phase::Running : Phase::Refused);
 }
@@ -220,11 +218,10 @@ void NetWorkTestUi::slot_TestStatus(int item, int state)
 
 void NetWorkTestUi::slot_BtnCheck(int enabled)
 {
-    if (enabled == 0) {
+    if (enabled == 0)
         clearRows();
-        m_bFollow = true;
-    }
     setPhase(enabled == 0 ? Phase::Running : Phase::Done);
+    scrollSoon();
 }
 
 void NetWorkTestUi::slot_ButtonPressed()
@@ -251,6 +248,34 @@ void NetWorkTestUi::animate()
         m_pRunning->start();
     else
         m_pRunning->stop();
+}
+
+// After the rows have found their places. The list's range alone does not tell: two runs may end
+// with the same one.
+void NetWorkTestUi::scrollSoon()
+{
+    QTimer::singleShot(0, this, &NetWorkTestUi::scroll);
+}
+
+// The newest row while a run goes on, then the first that failed.
+void NetWorkTestUi::scroll()
+{
+    QScrollBar *bar = ui->area_rows->verticalScrollBar();
+    if (m_phase == Phase::Running)
+        bar->setValue(bar->maximum());
+    else if (const NetWorkTestItem *row = firstFailed())
+        bar->setValue(row->y());
+}
+
+// In the order of the list, which is not the items'.
+const NetWorkTestItem *NetWorkTestUi::firstFailed() const
+{
+    const NetWorkTestItem *first = nullptr;
+    for (const NetWorkTestItem *row : m_rows) {
+        if (row != nullptr && row->hasFailed() && (first == nullptr || row->y() < first->y()))
+            first = row;
+    }
+    return first;
 }
 
 void NetWorkTestUi::clearRows()

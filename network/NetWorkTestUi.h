@@ -76,6 +76,9 @@ private:
     void makeRow(int item);
     void tellRows();
     void tellRow(int item);
+    void scrollSoon();
+    void scroll();
+    const NetWorkTestItem *firstFailed() const;
     void animate();
     void setDevice(std::size_t link, const std::string &device);
 
@@ -86,13 +89,12 @@ private:
     int m_nLanguage = 0;
     QString m_sRegion;
     Phase m_phase = Phase::Untested;
-    bool m_bFollow = false; // the list keeps its newest row in sight
 
     // Shared with the worker.
     std::mutex m_runMutex; // held for a whole run
     std::mutex m_mutex;    // of the members down to the next blank line
     std::array<std::string, 3> m_devices;
-    bool m_bJob = false; // the pool has a job of this dialog
+    int m_nJobs = 0; // of this dialog in the pool; one may still be ending when the next is there
     std::condition_variable m_jobDone;
 
     std::atomic<bool> m_bStopped{false};

@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QMovie>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QtTest>
 
 #include <mutex>
@@ -90,12 +91,15 @@ private slots:
     void showsStates_data();
     void showsStates();
     void runsOnceAndCanBeClosed();
+    void keepsTheRowThatMattersInSight();
     void saysThatThePoolIsFull();
     void speaksAnotherLanguageInTheMiddle();
     void canGoInTheMiddle();
 
 private:
     QString text(const char *row, const char *label);
+    // Where a row begins in what is seen of the list; -1 if it is not wholly there.
+    int topInSight(const char *row);
     QPushButton *button() { return m_dialog->findChild<QPushButton *>("btn_StartDiag"_s); }
     QString status() { return m_dialog->findChild<QLabel *>("lab_status"_s)->text(); }
 
@@ -133,6 +137,15 @@ QString NetWorkTestTest::text(const char *row, const char *label)
     const auto *shown =
         found == nullptr ? nullptr : found->findChild<QLabel *>(QLatin1String(label));
     return shown == nullptr || shown->isHidden() ? QString() : shown->text();
+}
+
+int NetWorkTestTest::topInSight(const char *row)
+{
+    const auto *found = m_dialog->findChild<NetWorkTestItem *>(QLatin1String(row));
+    const auto *view = m_dialog->findChild<QScrollArea *>("area_rows"_s)->viewport();
+    const QRect place =
+        found == nullptr ? QRect() : QRect(found->mapTo(view, QPoint()), found->size());
+    return view->rect().contains(place) ? place.top() : -1;
 }
 
 // --- Item files --------------------------------------------------------------------------------
@@ -404,6 +417,25 @@ void NetWorkTestTest::runsOnceAndCanBeClosed()
     QTRY_VERIFY(button()->isEnabled());
     QCOMPARE(status(), "The cloud settings are missing or damaged. The network was not checked."_s);
     QCOMPARE(m_dialog->findChildren<NetWorkTestItem *>().size(), 1);
+}
+
+void NetWorkTestTest::keepsTheRowThatMattersInSight()
+{
+    sim::panel().set("net.cable.eth0", -1);
+    m_dialog->setWifiDevice("wlan0");
+    m_dialog->setFixedSize(336, 250);
+    m_dialog->show();
+    sim::panel().delay("netT.netTping", 300);
+    button()->click();
+    QTRY_VERIFY(topInSight("WifiHotsGateaway") > 0); // the newest
+    QTRY_VERIFY(button()->isEnabled());
+    QTRY_COMPARE(topInSight("EthConnect"), 0); // the first that failed
+
+    button()->click();
+    m_dialog->hide();
+    QTRY_VERIFY(button()->isEnabled());
+    m_dialog->show();
+    QTRY_COMPARE(topInSight("EthConnect"), 0);
 }
 
 void NetWorkTestTest::saysThatThePoolIsFull()
