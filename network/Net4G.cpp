@@ -292,5 +292,5 @@ void Net4G::showSignal()
     const bool working = m_switch->isPresent() && m_switch->isOn();
     const int level = working ? m_nLevel : 0;
     const QString image = imagePath(QStringLiteral("4G_%1.png").arg(level));
-    setStyleOnce(ui->lab_4gSignal, QStringLiteral("border-image: url(%1);").arg(image));
+    setStyleWhenSeen(ui->lab_4gSignal, QStringLiteral("border-image: url(%1);").arg(image));
 }

@@ -84,18 +84,18 @@ void wearLateStyles(QWidget *page)
 
 void showIcon(QLabel *label, const QString &imageName)
 {
-    setStyleOnce(label, QStringLiteral("image: url(%1);").arg(imagePath(imageName)));
+    setStyleWhenSeen(label, QStringLiteral("image: url(%1);").arg(imagePath(imageName)));
 }
 
 void showSwitch(QPushButton *button, bool on)
 {
     const QString image =
         imagePath(on ? QStringLiteral("Switch_Open.png") : QStringLiteral("Switch_Close.png"));
-    setStyleOnce(button,
-                 QStringLiteral("QPushButton{ border:0px;outline: none;border-image: url(%1);}"
-                                "QPushButton:pressed{border:0px;"
-                                "background-color:rgb(255 , 255 ,255);}")
-                     .arg(image));
+    setStyleWhenSeen(button,
+                     QStringLiteral("QPushButton{ border:0px;outline: none;border-image: url(%1);}"
+                                    "QPushButton:pressed{border:0px;"
+                                    "background-color:rgb(255 , 255 ,255);}")
+                         .arg(image));
 }
 
 #include "WidgetLook.moc"

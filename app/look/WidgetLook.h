@@ -25,7 +25,8 @@ void setStyleWhenSeen(QWidget *widget, const QString &styleSheet);
 // through all of it anyway.
 void wearLateStyles(QWidget *page);
 
-// Shows an image on a label, scaled down to fit: "image: url(...);".
+// Shows an image on a label, scaled down to fit: "image: url(...);". Like the switch's, it is
+// loaded when it is first seen.
 void showIcon(QLabel *label, const QString &imageName);
 
 // The look of an on/off switch.
