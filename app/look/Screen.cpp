@@ -2,6 +2,7 @@
 
 #include "platform/board.h"
 
+#include <QApplication>
 #include <QWidget>
 
 #include <algorithm>
@@ -10,12 +11,20 @@ namespace {
 
 constexpr int LEAST_TOUCH = 32; // pixels
 
-// The main window is the root of every dialog's chain of parents.
+// The main window is the root of every dialog's chain of parents, but for one of a page that stands
+// outside the window while nobody sees it.
 const QWidget *rootOf(const QWidget *widget)
 {
-    while (widget->parentWidget() != nullptr)
-        widget = widget->parentWidget();
-    return widget;
+    const QWidget *root = widget;
+    while (root->parentWidget() != nullptr)
+        root = root->parentWidget();
+    if (root == widget || root->isVisible())
+        return root;
+    for (const QWidget *window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && window->parentWidget() == nullptr)
+            return window;
+    }
+    return root;
 }
 
 QPoint screenOrigin(const QWidget *widget)

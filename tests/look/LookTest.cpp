@@ -170,6 +170,10 @@ void LookTest::dialogsStayOnTheScreen()
     QDialog dialog(&page);
     placeOverPage(&dialog, {400, 300}, &page, offset);
     QTEST(dialog.pos() - window.mapToGlobal(QPoint(0, 0)), "place");
+
+    page.setParent(nullptr); // taken out of the window, and raises a box all the same
+    placeOnScreen(&dialog, {400, 300}, {5, 6});
+    QCOMPARE(dialog.pos() - window.mapToGlobal(QPoint(0, 0)), QPoint(5, 6));
 }
 
 QTEST_MAIN(LookTest)
