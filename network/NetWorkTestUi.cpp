@@ -13,6 +13,8 @@
 #include <QScrollBar>
 #include <QTimer>
 
+#include <algorithm>
+
 NetWorkTestUi::NetWorkTestUi(QWidget *parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("NetWorkTestUi"));
@@ -257,14 +259,15 @@ void NetWorkTestUi::scrollSoon()
     QTimer::singleShot(0, this, &NetWorkTestUi::scroll);
 }
 
-// The newest row while a run goes on, then the first that failed.
+// To the newest row while a run goes on, then to the first that failed: below as much of its link
+// as there is room for, since the titles are the same for every link.
 void NetWorkTestUi::scroll()
 {
     QScrollBar *bar = ui->area_rows->verticalScrollBar();
     if (m_phase == Phase::Running)
         bar->setValue(bar->maximum());
     else if (const NetWorkTestItem *row = firstFailed())
-        bar->setValue(row->y());
+        bar->setValue(std::min(row->y(), row->geometry().bottom() + 1 - bar->pageStep()));
 }
 
 // In the order of the list, which is not the items'.
