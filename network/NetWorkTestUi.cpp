@@ -7,6 +7,7 @@
 #include "network/NetWorkTestItem.h"
 #include "network/NetWorkTestRun.h"
 #include "platform/cos_thread.h"
+#include "platform/cos_time.h"
 #include "ui_NetWorkTestUi.h"
 
 #include <QMovie>
@@ -14,6 +15,14 @@
 #include <QTimer>
 
 #include <algorithm>
+
+namespace {
+
+// The monitor of the cloud first tells of it some two seconds after the program's start.
+constexpr int FIRST_WORD_MS = 4000;
+constexpr int STEP_MS = 50;
+
+} // namespace
 
 NetWorkTestUi::NetWorkTestUi(QWidget *parent) : QDialog(parent)
 {
@@ -144,6 +153,14 @@ int NetWorkTest_Thread(void *dialog)
     return 0;
 }
 
+// Until then nobody knows whether there are cloud settings, and the run would say that there are
+// none.
+void NetWorkTestUi::awaitFirstWord() const
+{
+    for (int waited = 0; waited < FIRST_WORD_MS && !m_bTold && !m_bStopped; waited += STEP_MS)
+        COS::CosTime::SleepCos(STEP_MS);
+}
+
 void NetWorkTestUi::runTest()
 {
     const std::lock_guard<std::mutex> run(m_runMutex);
@@ -151,6 +168,7 @@ void NetWorkTestUi::runTest()
         return;
     emit sgl_BtnCheck(0);
     m_nResult = 0;
+    awaitFirstWord();
     NetWorkTestRun::Input input;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -201,6 +219,7 @@ void NetWorkTestUi::slot_Util(int loadResult, int connectionStatus, QString text
 {
     m_nLoadResult = loadResult;
     m_nConnectionStatus = connectionStatus;
+    m_bTold = true;
     if (m_sRegion == text)
         return;
     m_sRegion = text;

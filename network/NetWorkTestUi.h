@@ -69,6 +69,7 @@ private:
     enum class Phase { Untested, Refused, Running, Done };
 
     void build();
+    void awaitFirstWord() const;
     void startRun();
     void setPhase(Phase phase);
     QString phaseText() const;
@@ -98,6 +99,7 @@ private:
     std::condition_variable m_jobDone;
 
     std::atomic<bool> m_bStopped{false};
+    std::atomic<bool> m_bTold{false}; // what the next two hold is of the cloud
     std::atomic<int> m_nLoadResult{-1};
     std::atomic<int> m_nConnectionStatus{-1};
     std::atomic<int> m_nResult{0};

@@ -92,6 +92,7 @@ private slots:
     void showsStates();
     void runsOnceAndCanBeClosed();
     void keepsTheRowThatMattersInSight();
+    void waitsForTheFirstWordOfTheCloud();
     void saysThatThePoolIsFull();
     void speaksAnotherLanguageInTheMiddle();
     void canGoInTheMiddle();
@@ -436,6 +437,18 @@ void NetWorkTestTest::keepsTheRowThatMattersInSight()
     QTRY_VERIFY(button()->isEnabled());
     m_dialog->show();
     QTRY_VERIFY(topInSight("EthConnect") >= 0);
+}
+
+void NetWorkTestTest::waitsForTheFirstWordOfTheCloud()
+{
+    m_dialog = std::make_unique<NetWorkTestUi>(); // as soon after the program's start
+    m_dialog->setEthDevice("eth0");
+    m_dialog->show();
+    QSignalSpy begun(m_dialog.get(), &NetWorkTestUi::sgl_BtnCheck);
+    button()->click();
+    QVERIFY(begun.wait());
+    m_dialog->slot_Util(0, 1, QString());
+    QTRY_COMPARE(status(), "The network connection is successful."_s);
 }
 
 void NetWorkTestTest::saysThatThePoolIsFull()
