@@ -41,16 +41,23 @@ void DeviceSwitch::setTexts(const QString &enable, const QString &unplugged)
 void DeviceSwitch::setPresent(bool present)
 {
     m_bPresent = present;
+    if (!present)
+        endWait(); // what was asked of it went with it
     refresh();
 }
 
 void DeviceSwitch::setOn(bool on)
 {
     m_bOn = on;
+    endWait();
+    refresh();
+}
+
+void DeviceSwitch::endWait()
+{
     m_bPending = false;
     if (m_mark)
         m_mark->stop();
-    refresh();
 }
 
 void DeviceSwitch::press()

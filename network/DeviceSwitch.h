@@ -45,8 +45,9 @@ public:
     // What the status says of a device that is there, and of one that is not.
     void setTexts(const QString &enable, const QString &unplugged);
 
+    // A device that is gone also ends the wait for its answer.
     void setPresent(bool present);
-    // Also ends the wait for an answer.
+    // Also ends the wait.
     void setOn(bool on);
 
     // A press: sounds the key click and waits from now on.
@@ -60,6 +61,7 @@ public:
     bool isReady() const { return m_bPresent && !m_bPending; }
 
 private:
+    void endWait();
     void refresh();
 
     Widgets m_widgets;

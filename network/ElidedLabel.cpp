@@ -15,9 +15,9 @@ void ElidedLabel::paintEvent(QPaintEvent *)
         layOut();
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    const QSizeF size = m_line.size();
-    painter.drawStaticText(QPointF(room.left(), room.top() + (room.height() - size.height()) / 2),
-                           m_line);
+    // The size counts a gap to a next line, which there is not.
+    const qreal height = m_line.size().height() - QFontMetricsF(font()).leading();
+    painter.drawStaticText(QPointF(room.left(), room.top() + (room.height() - height) / 2), m_line);
 }
 
 void ElidedLabel::changeEvent(QEvent *event)

@@ -97,6 +97,7 @@ void Net4G::setNetInfo(const netT::stAllNetInfo_tag &record)
     setPresent(present);
     if (!present) {
         std::printf("net [%s] Is not Exist!\n", record.sDevName.c_str());
+        showAddress(std::string());
         return;
     }
     m_sDevName = record.sDevName;

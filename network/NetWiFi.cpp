@@ -26,6 +26,8 @@ constexpr int LONGEST_PASSWORD = 32;
 constexpr double BOX_SHARE = 0.6; // of the page
 // How long the service may seem idle before a join that was asked for counts as lost.
 constexpr qint64 JOIN_PATIENCE_MS = 15000;
+// What no record has told is asked for again, after the patience with a join has ended.
+constexpr int ASK_AGAIN_MS = 16000;
 
 constexpr SwitchPolicy WIFI_SWITCH = {
     true,
@@ -83,6 +85,9 @@ void NetWiFi::makeConnections()
     connect(this, &NetWiFi::sgl_MovieStart, ui->lab_Scan, &LoadingLabel::start);
     connect(this, &NetWiFi::sgl_MovieStop, ui->lab_Scan, &LoadingLabel::stop);
     connect(this, &NetWiFi::sgl_SetExist, this, &NetWiFi::slot_SetExist);
+    m_askAgain.setSingleShot(true);
+    m_askAgain.setInterval(ASK_AGAIN_MS);
+    connect(&m_askAgain, &QTimer::timeout, this, &NetWiFi::askAgain);
 }
 
 void NetWiFi::startRefresh()
@@ -151,7 +156,8 @@ void NetWiFi::setNetInfo(const netT::stAllNetInfo_tag &record)
     if (!on)
         return;
     takeAddressing(record);
-    reportState();
+    if (!reportState())
+        m_askAgain.start();
 }
 
 void NetWiFi::slot_SetExist(bool exists)
@@ -183,6 +189,7 @@ void NetWiFi::leaveDevice()
     m_refresh.setEnabled(false);
     m_refresh.setState(netT::WIFI_IDLE);
     m_sinceJoin.invalidate();
+    m_askAgain.stop();
     m_addresses = {};
     m_sMac.clear();
     hideTopRow();
@@ -231,12 +238,12 @@ void NetWiFi::takeAddressing(const netT::stAllNetInfo_tag &record)
 
 // --- The connection ----------------------------------------------------------------------------
 
-// What a record leaves open: how the connection stands.
-void NetWiFi::reportState()
+// What a record leaves open: how the connection stands. Returns whether the service has answered.
+bool NetWiFi::reportState()
 {
     netT::WIFI_STATE_T state = netT::WIFI_IDLE;
     if (netT::getStatus(state, false, TIMEOUT_MS) < 0)
-        return;
+        return false;
     if (state == netT::WIFI_FAILED) {
         // Queued: its message would hold up the records behind this one.
         if (m_refresh.isVisible() && m_refresh.takeFailure())
@@ -244,6 +251,18 @@ void NetWiFi::reportState()
     } else if (isNews(state)) {
         slot_UpdataState(state);
     }
+    return true;
+}
+
+// The record that told the end of joining may have met a service too busy to say more, and joining
+// that was never begun ends without one. A service that does not answer now either is let be: the
+// question holds the page up.
+void NetWiFi::askAgain()
+{
+    if (!m_refresh.isVisible())
+        m_askAgain.start();
+    else if (isOn() && reportState() && isJoining(m_refresh.state()))
+        m_askAgain.start();
 }
 
 bool NetWiFi::isNews(int state) const
@@ -272,6 +291,10 @@ void NetWiFi::slot_UpdataState(int state)
     m_refresh.setState(state);
     if (state == netT::WIFI_CONNECTED || state == netT::WIFI_FAILED)
         m_sinceJoin.invalidate();
+    if (isJoining(state))
+        m_askAgain.start();
+    else
+        m_askAgain.stop();
     m_bTopRowDue = isJoining(state) || state == netT::WIFI_CONNECTED;
     if (!m_bTopRowDue)
         hideTopRow();
@@ -380,6 +403,9 @@ void NetWiFi::showTopRow()
         m_sCurrent = info.sSsid;
         const int level = netT::getSignal(true, TIMEOUT_MS);
         m_topRow->setAccessPoint({info.nId, level, info.sSsid, std::string(), info.nSecurity});
+    } else if (m_sCurrent.empty()) {
+        m_askAgain.start(); // a row without a name would show the one that stood there before
+        return;
     }
     m_topRow->show(isJoining(m_refresh.state()) ? ListItem::CONNECTING : ListItem::CONNECTED);
     m_topRow->setAddress(m_addresses.sIpAddr);

@@ -8,6 +8,7 @@
 #include "platform/net.h"
 
 #include <QElapsedTimer>
+#include <QTimer>
 #include <QWidget>
 
 #include <memory>
@@ -92,7 +93,8 @@ private:
     void updateVisible();
 
     void takeAddressing(const netT::stAllNetInfo_tag &record);
-    void reportState();
+    bool reportState();
+    void askAgain();
     bool isNews(int state) const;
     void reportFailure();
     void tellFailure();
@@ -120,6 +122,7 @@ private:
     bool m_bTopRowDue = false; // a network is to be shown once the page is seen
     bool m_bTelling = false;   // the message of a failure is open
     QElapsedTimer m_sinceJoin; // while it is not known how joining ended
+    QTimer m_askAgain{this};   // while an answer about the connection is owed
 };
 
 // The refresh job. `page` is the NetWiFi; nothing is done without one. Returns 0. Rate timer's
