@@ -444,9 +444,10 @@ void NetWorkTestTest::waitsForTheFirstWordOfTheCloud()
     m_dialog = std::make_unique<NetWorkTestUi>(); // as soon after the program's start
     m_dialog->setEthDevice("eth0");
     m_dialog->show();
-    QSignalSpy begun(m_dialog.get(), &NetWorkTestUi::sgl_BtnCheck);
+    bool begun = false;
+    connect(m_dialog.get(), &NetWorkTestUi::sgl_BtnCheck, this, [&begun] { begun = true; });
     button()->click();
-    QVERIFY(begun.wait());
+    QTRY_VERIFY(begun);
     m_dialog->slot_Util(0, 1, QString());
     QTRY_COMPARE(status(), "The network connection is successful."_s);
 }

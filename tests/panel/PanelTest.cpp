@@ -249,7 +249,7 @@ void PanelTest::navigationClicksOnce()
         const int before = panel.get(text("buzzer.opens")).toInt();
         if (!panel.press(text(button), index))
             return -1;
-        PanelProcess::wait([&] { return panel.get(text("buzzer.opens")).toInt() > before; }, 300);
+        PanelProcess::wait([&] { return panel.get(text("buzzer.opens")).toInt() > before; }, 1500);
         return panel.get(text("buzzer.opens")).toInt() - before;
     };
     const auto marked = [&](const char *button) {
