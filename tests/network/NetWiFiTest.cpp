@@ -90,6 +90,7 @@ private slots:
     void joining();
     void joinsNothing();
     void passingStateDoesNotEndJoining();
+    void busyServiceIsAskedAgain();
     void joinsWhatTheFingerWentDownOn();
     void refreshRules_data();
     void refreshRules();
@@ -420,6 +421,31 @@ void NetWiFiTest::passingStateDoesNotEndJoining()
     QVERIFY(topRowShown());
 }
 
+void NetWiFiTest::busyServiceIsAskedAgain()
+{
+    auto *again = m_page->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
+    again->setInterval(0);
+    touch(1);
+    panel().set("wifi.state", 7);
+    panel().fail("netT.getStatus", -2, 1);
+    m_page->setNetInfo(ON); // the only record of it
+    QTRY_VERIFY(onTop("lab_Ok")->styleSheet().contains("tick.png"_s));
+    QVERIFY(!again->isActive());
+
+    m_page->slot_UpdataState(4);
+    panel().set("wifi.user.ssid", "Other");
+    panel().fail("netT.getConnectInfo", -2, 1);
+    m_page->slot_UpdataState(7);
+    QVERIFY(!topRowShown()); // with the name that stood there before
+    QTRY_COMPARE(onTop("lab_ssid")->text(), "Other"_s);
+
+    panel().fail("netT.getStatus", -2);
+    m_page->setNetInfo(ON);
+    panel().clearCalls();
+    QTRY_VERIFY(!serviceCalls().isEmpty());
+    QVERIFY(!again->isActive()); // nobody there
+}
+
 void NetWiFiTest::joinsWhatTheFingerWentDownOn()
 {
     const QPoint guests = list()->visualItemRect(list()->item(1)).center();
@@ -545,6 +571,12 @@ void NetWiFiTest::switchIsPressed()
             m_page->setNetInfo(on ? ON : OFF); // says nothing new
             QVERIFY(!list()->isEnabled());
             QVERIFY(!find("label_move")->isHidden());
+            m_page->setNetInfo(on ? OFF : ON);
+            QVERIFY(find("label_move")->isHidden());
+            QVERIFY(find("btn_WifiSwitch")->isEnabled());
+
+            QTest::mouseClick(find("btn_WifiSwitch"), Qt::LeftButton);
+            m_page->slot_SetExist(false); // and the answer never comes
             m_page->setNetInfo(on ? OFF : ON);
             QVERIFY(find("label_move")->isHidden());
             QVERIFY(find("btn_WifiSwitch")->isEnabled());
