@@ -115,6 +115,13 @@ void WifiPara::slot_ButtonPressed()
     hide();
 }
 
+// The device may go while a keyboard is open: what is typed then is no longer applied.
+void WifiPara::hideEvent(QHideEvent *event)
+{
+    m_addresses->setEditable(false);
+    QDialog::hideEvent(event);
+}
+
 void WifiPara::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);

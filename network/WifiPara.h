@@ -39,6 +39,7 @@ public slots:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
 
 private:
     void press(QObject *target);
