@@ -259,9 +259,8 @@ bool NetWiFi::reportState()
 // question holds the page up.
 void NetWiFi::askAgain()
 {
-    if (!m_refresh.isVisible())
-        m_askAgain.start();
-    else if (isOn() && reportState() && isJoining(m_refresh.state()))
+    const bool later = !m_refresh.isVisible();
+    if (later || (isOn() && reportState() && isJoining(m_refresh.state())))
         m_askAgain.start();
 }
 
