@@ -9,7 +9,7 @@
 namespace netT {
 namespace {
 
-constexpr qint64 LARGEST_FILE = 64 * 1024;
+constexpr qint64 LARGEST_FILE = 65536;
 constexpr int LARGEST_PORT = 65535;
 
 // What the file says; a port that is missing or makes no sense is 0.
