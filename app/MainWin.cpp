@@ -175,6 +175,7 @@ void MainWin::initLook()
     m_strip.emplace(
         StatusStrip::Labels{ui->lab_usb, ui->lab_Eth, ui->lab_wifi, ui->lab_4g, ui->lab_cloud});
     highlightGroup(0);
+    wearLateStyles(this); // the strip's: the first show goes through them anyway
     applyStyle();
     connect(this, qOverload<int, bool>(&MainWin::sgl_NetChange), this,
             qOverload<int, bool>(&MainWin::slot_NetChange));
