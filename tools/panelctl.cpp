@@ -29,6 +29,7 @@ constexpr const char *HELP =
   ui press OBJECT [INDEX]             a press; of a list, combo box or tab widget on that row
   ui slide OBJECT VALUE               drags a slider
   ui shot FILE                        what the screen shows, as PNG
+  ui fit                              what on the screen cannot be read or touched
   quit                                ends the program
 The panel is found by SYSSET_ROOT, the folder that it runs in.
 )";

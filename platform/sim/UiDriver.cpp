@@ -1,6 +1,7 @@
 #include "platform/sim/UiDriver.h"
 
 #include "platform/sim/Panel.h"
+#include "platform/sim/UiFit.h"
 #include "platform/sim/UiWidgets.h"
 
 #include <QCoreApplication>
@@ -80,6 +81,11 @@ Json shot(const Args &args)
     return nullptr;
 }
 
+Json fit(const Args &)
+{
+    return fitFindings();
+}
+
 struct Action
 {
     const char *name;
@@ -88,8 +94,11 @@ struct Action
     Json (*run)(const Args &args);
 };
 
-constexpr Action ACTIONS[] = {
-    {"dump", 0, 1, dump}, {"press", 1, 2, press}, {"slide", 2, 2, slide}, {"shot", 1, 1, shot}};
+constexpr Action ACTIONS[] = {{"dump", 0, 1, dump},
+                              {"press", 1, 2, press},
+                              {"slide", 2, 2, slide},
+                              {"shot", 1, 1, shot},
+                              {"fit", 0, 0, fit}};
 
 } // namespace
 
@@ -124,7 +133,7 @@ Json runUiRequest(const Request &request)
             throw BadRequest("ui " + request.args[0] + ": wrong number of arguments");
         return action.run(args);
     }
-    throw BadRequest("ui dump, ui press, ui slide or ui shot");
+    throw BadRequest("ui dump, ui press, ui slide, ui shot or ui fit");
 }
 
 } // namespace sim

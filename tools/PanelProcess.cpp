@@ -1,10 +1,10 @@
-#include "tests/panel/PanelProcess.h"
+#include "tools/PanelProcess.h"
 
 #include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocalSocket>
-#include <QtTest>
+#include <QThread>
 
 namespace {
 
@@ -122,7 +122,7 @@ bool PanelProcess::wait(const std::function<bool()> &condition, int timeoutMs)
     while (!condition()) {
         if (timer.elapsed() > timeoutMs)
             return false;
-        QTest::qSleep(20);
+        QThread::msleep(20);
     }
     return true;
 }

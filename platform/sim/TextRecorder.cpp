@@ -1,0 +1,105 @@
+#include "platform/sim/TextRecorder.h"
+
+#include <QFontMetricsF>
+#include <QTransform>
+
+namespace sim {
+namespace {
+
+// Keeps texts, and lets everything else that is painted pass.
+class RecordingEngine : public QPaintEngine
+{
+public:
+    RecordingEngine() : QPaintEngine(AllFeatures) {}
+
+    bool begin(QPaintDevice *) override { return true; }
+    bool end() override { return true; }
+    Type type() const override { return User; }
+    void updateState(const QPaintEngineState &now) override
+    {
+        if (now.state() & DirtyPen)
+            m_color = now.pen().color();
+        if (now.state() & DirtyTransform)
+            m_transform = now.transform();
+    }
+    void drawTextItem(const QPointF &baseline, const QTextItem &item) override
+    {
+        const QRectF ink =
+            QFontMetricsF(item.font()).tightBoundingRect(item.text()).translated(baseline);
+        if (!item.text().trimmed().isEmpty())
+            m_texts.append({item.text(), item.font(), m_color, m_transform.mapRect(ink)});
+    }
+    void drawPixmap(const QRectF &, const QPixmap &, const QRectF &) override {}
+    void drawImage(const QRectF &, const QImage &, const QRectF &,
+                   Qt::ImageConversionFlags) override
+    {
+    }
+    void drawTiledPixmap(const QRectF &, const QPixmap &, const QPointF &) override {}
+    void drawPath(const QPainterPath &) override {}
+    void drawPolygon(const QPointF *, int, PolygonDrawMode) override {}
+    void drawPolygon(const QPoint *, int, PolygonDrawMode) override {}
+    void drawEllipse(const QRectF &) override {}
+    void drawEllipse(const QRect &) override {}
+    void drawLines(const QLineF *, int) override {}
+    void drawLines(const QLine *, int) override {}
+    void drawPoints(const QPointF *, int) override {}
+    void drawPoints(const QPoint *, int) override {}
+    void drawRects(const QRectF *, int) override {}
+    void drawRects(const QRect *, int) override {}
+
+    const QVector<PaintedText> &texts() const { return m_texts; }
+
+private:
+    QColor m_color = Qt::black;
+    QTransform m_transform;
+    QVector<PaintedText> m_texts;
+};
+
+// A sheet as large as the widget that keeps what is written on it.
+class RecordingSheet : public QPaintDevice
+{
+public:
+    explicit RecordingSheet(const QWidget *widget) : m_size(widget->size()), m_source(*widget) {}
+
+    QPaintEngine *paintEngine() const override { return &m_engine; }
+    const QVector<PaintedText> &texts() const { return m_engine.texts(); }
+
+protected:
+    int metric(PaintDeviceMetric metric) const override
+    {
+        switch (metric) {
+        case PdmWidth:
+            return m_size.width();
+        case PdmHeight:
+            return m_size.height();
+        case PdmDpiX:
+            return m_source.logicalDpiX();
+        case PdmDpiY:
+            return m_source.logicalDpiY();
+        case PdmDepth:
+            return m_source.depth();
+        case PdmDevicePixelRatio:
+            return 1;
+        case PdmDevicePixelRatioScaled:
+            return static_cast<int>(devicePixelRatioFScale());
+        default:
+            return 1;
+        }
+    }
+
+private:
+    QSize m_size;
+    const QWidget &m_source;
+    mutable RecordingEngine m_engine;
+};
+
+} // namespace
+
+QVector<PaintedText> paintedTexts(QWidget *widget)
+{
+    RecordingSheet sheet(widget);
+    widget->render(&sheet, QPoint(), QRegion(), QWidget::RenderFlags());
+    return sheet.texts();
+}
+
+} // namespace sim
