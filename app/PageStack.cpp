@@ -1,5 +1,6 @@
 #include "app/PageStack.h"
 
+#include "app/look/Spacing.h"
 #include "app/look/WidgetLook.h"
 
 #include <QVBoxLayout>
@@ -11,6 +12,7 @@ void PageTab::showEvent(QShowEvent *event)
         auto *room = new QVBoxLayout(this);
         room->setContentsMargins(0, 0, 0, 0);
         room->addWidget(m_page.release());
+        growLayouts(this);
         room->itemAt(0)->widget()->show();
         room->activate();
     }

@@ -1,6 +1,7 @@
 #include "machine/Info.h"
 
 #include "app/look/Screen.h"
+#include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "machine/QRWidget.h"
@@ -65,6 +66,7 @@ int quietZone(const QMargins &margins)
 Info::Info(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::Info>())
 {
     ui->setupUi(this);
+    growLayouts(this);
     const QSize screen = screenSize();
     if (screen.width() < screen.height())
         ui->pageLayout->setDirection(QBoxLayout::TopToBottom);

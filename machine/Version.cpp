@@ -1,6 +1,7 @@
 #include "machine/Version.h"
 
 #include "app/look/OutsideText.h"
+#include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "machine/VersionQuery.h"
@@ -48,7 +49,8 @@ void Version::makeList()
     m_pList->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     m_pList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto *room = new QVBoxLayout(this);
-    room->setContentsMargins(4, 4, 4, 4);
+    const int margin = spacing(1);
+    room->setContentsMargins(margin, margin, margin, margin);
     room->addWidget(m_pList);
 }
 

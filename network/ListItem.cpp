@@ -2,6 +2,7 @@
 
 #include "app/look/OutsideText.h"
 #include "app/look/Screen.h"
+#include "app/look/Spacing.h"
 #include "app/look/WidgetLook.h"
 #include "ui_ListItem.h"
 
@@ -33,6 +34,7 @@ bool isLevel(int level)
 ListItem::ListItem(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::ListItem>())
 {
     ui->setupUi(this);
+    growLayouts(this);
     const int side = touchHeight() * 3 / 4;
     ui->lab_signal->setFixedSize(side, side);
     ui->lab_Ok->setFixedSize(side, side);

@@ -1,5 +1,6 @@
 #include "network/NetWorkTestItem.h"
 
+#include "app/look/Spacing.h"
 #include "app/look/WidgetLook.h"
 #include "ui_NetWorkTestItem.h"
 
@@ -14,7 +15,7 @@ enum Tone { GOOD, FAIR, BAD };
 constexpr const char *TONE_STYLES[] = {"color: rgb(0, 170, 255);", "color: rgb(206, 206, 0);",
                                        "color: rgb(255, 0, 0);"};
 
-constexpr int INDENT = 12; // of the rows below a heading, in pixels
+constexpr int INDENT = 3; // of the rows below a heading, in units of spacing
 constexpr int CSQ_UNKNOWN = 99;
 constexpr int ANY = std::numeric_limits<int>::min();
 
@@ -143,12 +144,13 @@ NetWorkTestItem::NetWorkTestItem(int item, QMovie *running, QWidget *parent)
 {
     setProperty("heading", isHeading(item)); // for the style sheet
     ui->setupUi(this);
+    growLayouts(this);
     setObjectName(QLatin1String(NETWORK_TEST_KEYS[static_cast<std::size_t>(item)]));
     ui->lab_title->setLeastLines(1);
     ui->lab_result->setLeastLines(1);
     ui->lab_solution->setLeastLines(1);
     if (item > ITEM_ETH && !isHeading(item))
-        ui->rowGrid->setContentsMargins(INDENT, 0, 0, 0);
+        ui->rowGrid->setContentsMargins(spacing(INDENT), 0, 0, 0);
 }
 
 NetWorkTestItem::~NetWorkTestItem() = default;

@@ -2,6 +2,7 @@
 
 #include "app/look/FontStyle.h"
 #include "app/look/Screen.h"
+#include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "network/NetWorkTestItem.h"
@@ -50,6 +51,7 @@ void NetWorkTestUi::build()
         return;
     ui = std::make_unique<Ui::NetWorkTestUi>();
     ui->setupUi(this);
+    growLayouts(this);
     const int touch = touchHeight();
     ui->btn_close->setFixedSize(touch, touch);
     ui->btn_close->setIconSize({touch * 2 / 3, touch * 2 / 3});

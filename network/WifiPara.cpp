@@ -2,6 +2,7 @@
 
 #include "app/look/DismissGuard.h"
 #include "app/look/Screen.h"
+#include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "platform/net.h"
@@ -36,6 +37,7 @@ void place(QWidget *dialog, const QWidget *page)
 WifiPara::WifiPara(QWidget *page) : QDialog(page), ui(std::make_unique<Ui::WifiPara>())
 {
     ui->setupUi(this);
+    growLayouts(this);
     setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     new DismissGuard(this, false);
     m_addresses.emplace(this, WIFI_POLICY);

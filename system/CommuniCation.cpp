@@ -2,6 +2,7 @@
 
 #include "app/look/DismissGuard.h"
 #include "app/look/Screen.h"
+#include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "input/FieldKeyboard.h"
@@ -81,6 +82,7 @@ CommuniCation::CommuniCation(QWidget *parent)
     : QDialog(parent), ui(std::make_unique<Ui::Communication>())
 {
     ui->setupUi(this);
+    growLayouts(this);
     setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     new DismissGuard(this, false);
     setStyleSheet(communicationStyle());

@@ -2,6 +2,7 @@
 
 #include "app/look/DismissGuard.h"
 #include "app/look/Screen.h"
+#include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "ui_MessageBox.h"
@@ -17,6 +18,7 @@ MessageBox::MessageBox(int type, QWidget *parent)
     : QDialog(parent), ui(std::make_unique<Ui::MessageBox>())
 {
     ui->setupUi(this);
+    growLayouts(this);
     setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     applyType(type);
     const int touchHeight = screenSize().height() / 8;

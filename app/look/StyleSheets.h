@@ -29,9 +29,6 @@ QString addressStyle(bool underlined);
 QString wifiStyle();
 // The Wi-Fi parameters dialog's, behind its block of address fields.
 QString wifiParaStyle();
-// The 4G page's: underlined fields, as on the COM page.
-QString cellularStyle();
-// The COM page's: underlined where a field opens the keyboard, shaded where it only shows.
 QString comStyle();
 // The communication dialog's, its fields as on the COM page.
 QString communicationStyle();

@@ -5,6 +5,8 @@
 #include <QEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QStyle>
+#include <QVariant>
 
 #include <utility>
 
@@ -91,11 +93,21 @@ void showSwitch(QPushButton *button, bool on)
 {
     const QString image =
         imagePath(on ? QStringLiteral("Switch_Open.png") : QStringLiteral("Switch_Close.png"));
+    button->setFlat(true); // which tells switches from other buttons
     setStyleWhenSeen(button,
                      QStringLiteral("QPushButton{ border:0px;outline: none;border-image: url(%1);}"
                                     "QPushButton:pressed{border:0px;"
                                     "background-color:rgb(255 , 255 ,255);}")
                          .arg(image));
+}
+
+void markWidget(QWidget *widget, const char *mark, bool on)
+{
+    if (widget->property(mark).toBool() == on)
+        return;
+    widget->setProperty(mark, on);
+    widget->style()->unpolish(widget);
+    widget->style()->polish(widget);
 }
 
 #include "WidgetLook.moc"

@@ -29,5 +29,9 @@ void wearLateStyles(QWidget *page);
 // loaded when it is first seen.
 void showIcon(QLabel *label, const QString &imageName);
 
+// Sets the dynamic property `mark` that a style sheet asks for, such as "edited" on the field that
+// the keyboard is open on, and has the widget take the look.
+void markWidget(QWidget *widget, const char *mark, bool on);
+
 // The look of an on/off switch.
 void showSwitch(QPushButton *button, bool on);

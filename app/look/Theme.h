@@ -1,0 +1,12 @@
+// The colours of the program by their roles, in one place. Any thread.
+#pragma once
+
+#include <QColor>
+#include <QString>
+
+// Fills the names of a style sheet template, such as "color:@ink;", with their colours. The names
+// and what each is for stand in Theme.cpp. An unknown name stays, and Qt warns of it.
+QString themed(const QString &sheetTemplate);
+
+// The same colour for what is painted. Invalid for a name that is not known.
+QColor themeColour(const QString &name);
