@@ -4,6 +4,7 @@
 #include "app/look/DismissGuard.h"
 #include "app/look/FontStyle.h"
 #include "app/look/Screen.h"
+#include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "app/PageStack.h"
@@ -66,6 +67,7 @@ MainWin::MainWin()
     m_pNotifyClient = std::make_unique<dsl::CNotifyClient>();
     openScreen();
     ui->setupUi(this); // its initial tab already clicks, and comes before there are pages
+    growLayouts(this);
     m_groups = {{{ui->btn_Machine, ui->tab_Machine},
                  {ui->btn_Net, ui->tab_Net},
                  {ui->btn_UpData, ui->tab_UpData},

@@ -1,23 +1,53 @@
 #include "network/ElidedLabel.h"
 
+#include "app/look/Theme.h"
+
 #include <QEvent>
 #include <QPainter>
+
+namespace {
+
+void drawChip(QPainter *painter, const QRectF &text)
+{
+    const qreal round = text.height() / 2;
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(themeColour(QStringLiteral("chip")));
+    painter->drawRoundedRect(text.adjusted(-round, -round / 5, round, round / 5), round, round);
+}
+
+} // namespace
 
 QSize ElidedLabel::minimumSizeHint() const
 {
     return {0, fontMetrics().height()};
 }
 
+void ElidedLabel::setChip(bool on)
+{
+    m_bChip = on;
+    update();
+}
+
+QRect ElidedLabel::room() const
+{
+    const int padding = m_bChip ? fontMetrics().height() / 2 : 0;
+    return contentsRect().adjusted(padding, 0, -padding, 0);
+}
+
 void ElidedLabel::paintEvent(QPaintEvent *)
 {
-    const QRect room = contentsRect();
+    const QRect room = this->room();
     if (text() != m_text || room.width() != m_nWidth)
         layOut();
     QPainter painter(this);
-    painter.setPen(palette().color(foregroundRole()));
     // The size counts a gap to a next line, which there is not.
     const qreal height = m_line.size().height() - QFontMetricsF(font()).leading();
-    painter.drawStaticText(QPointF(room.left(), room.top() + (room.height() - height) / 2), m_line);
+    const QPointF corner(room.left(), room.top() + (room.height() - height) / 2);
+    if (m_bChip)
+        drawChip(&painter, QRectF(corner, QSizeF(m_line.size().width(), height)));
+    painter.setPen(palette().color(foregroundRole()));
+    painter.drawStaticText(corner, m_line);
 }
 
 void ElidedLabel::changeEvent(QEvent *event)
@@ -30,7 +60,7 @@ void ElidedLabel::changeEvent(QEvent *event)
 void ElidedLabel::layOut()
 {
     m_text = text();
-    m_nWidth = contentsRect().width();
+    m_nWidth = room().width();
     m_line.setTextFormat(Qt::PlainText);
     m_line.setText(fontMetrics().elidedText(m_text, Qt::ElideRight, m_nWidth));
     m_line.prepare(QTransform(), font());

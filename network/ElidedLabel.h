@@ -14,14 +14,20 @@ public:
 
     QSize minimumSizeHint() const override;
 
+    // Whether the text stands on a dark chip of its own length, for a colour that cannot be read
+    // on white.
+    void setChip(bool on);
+
 protected:
     void paintEvent(QPaintEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:
     void layOut();
+    QRect room() const; // for the text
 
     QStaticText m_line;
     QString m_text;   // as laid out
     int m_nWidth = 0; // of the room that it was laid out for
+    bool m_bChip = false;
 };

@@ -83,6 +83,7 @@ void ListItem::setMode(Mode mode)
 {
     ui->lab_Ok->setVisible(mode != IDLE);
     ui->lab_ip->setVisible(mode == CONNECTED);
+    ui->lab_ssid->setChip(mode == CONNECTED);
     switch (mode) {
     case IDLE:
         ui->lab_Ok->stop();

@@ -149,8 +149,11 @@ NetWorkTestItem::NetWorkTestItem(int item, QMovie *running, QWidget *parent)
     ui->lab_title->setLeastLines(1);
     ui->lab_result->setLeastLines(1);
     ui->lab_solution->setLeastLines(1);
-    if (item > ITEM_ETH && !isHeading(item))
-        ui->rowGrid->setContentsMargins(spacing(INDENT), 0, 0, 0);
+    if (item > ITEM_ETH && !isHeading(item)) {
+        QMargins margins = ui->rowGrid->contentsMargins();
+        margins.setLeft(spacing(INDENT));
+        ui->rowGrid->setContentsMargins(margins);
+    }
 }
 
 NetWorkTestItem::~NetWorkTestItem() = default;
@@ -184,6 +187,7 @@ void NetWorkTestItem::showState()
 {
     const Look look = lookOf(m_nItem, m_nState, m_nValue);
     setStyleOnce(ui->lab_state, QLatin1String(TONE_STYLES[look.tone]));
+    markWidget(ui->lab_state, "judged", !look.mark.isEmpty()); // its colour needs a dark ground
     if (m_nState == TEST_RUNNING)
         ui->lab_state->setMovie(m_pRunning);
     else

@@ -335,7 +335,11 @@ QString diagnosisStyle()
                                  "QPushButton#btn_StartDiag{padding:0px 8px;}"
                                  "QScrollArea{border:1px solid @line;}"
                                  "NetWorkTestItem[heading=\"true\"]{background-color:@shade;}"
+                                 "QLabel#lab_state[judged=\"true\"]{background-color:@chip;"
+                                 "border-radius:%2px;padding:0px %3px;}"
                                  "QLabel#lab_result{color:@mutedInk;}"
                                  "QLabel#lab_solution{background-color:@shade;"
-                                 "border-radius:4px;}"));
+                                 "border-radius:4px;}"))
+        .replace(QLatin1String("%2"), QString::number(fontPixelSize() / 2))
+        .replace(QLatin1String("%3"), QString::number(fontPixelSize() / 3));
 }
