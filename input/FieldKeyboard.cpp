@@ -3,7 +3,9 @@
 #include "app/look/Screen.h"
 #include "app/look/WidgetLook.h"
 
+#include <QLabel>
 #include <QLineEdit>
+#include <QStyle>
 
 namespace {
 
@@ -18,14 +20,56 @@ void place(SoftKeyboard *keyboard, const KeyboardRequest &request)
                   request.page, {offset.width(), offset.height()});
 }
 
-} // namespace
+// Shows on the page which field the keyboard is for.
+class EditedMark
+{
+public:
+    explicit EditedMark(QLineEdit *field) : m_pField(field) { set(true); }
+    ~EditedMark() { set(QVariant()); }
+    Q_DISABLE_COPY(EditedMark)
 
-KeyboardRequest numberRequest(QWidget *page, QLineEdit *field, int min, int max)
+private:
+    void set(const QVariant &edited)
+    {
+        if (m_pField == nullptr)
+            return;
+        m_pField->setProperty("edited", edited);
+        m_pField->style()->unpolish(m_pField); // a style sheet does not see a property change
+        m_pField->style()->polish(m_pField);
+    }
+
+    QLineEdit *m_pField;
+};
+
+KeyboardRequest fieldRequest(QWidget *page, QLineEdit *field, int mode)
 {
     KeyboardRequest request;
     request.page = page;
     request.field = field;
-    request.mode = KB_MODE_NUMBER;
+    request.caption = captionOf(field);
+    request.mode = mode;
+    return request;
+}
+
+} // namespace
+
+QString captionOf(const QLineEdit *field)
+{
+    if (field == nullptr)
+        return {};
+    for (const QLabel *label : field->window()->findChildren<QLabel *>()) {
+        if (label->buddy() != field)
+            continue;
+        const QString text = label->text();
+        const bool colon = text.endsWith(QLatin1Char(':')) || text.endsWith(QChar(0xff1a));
+        return text.chopped(colon ? 1 : 0);
+    }
+    return {};
+}
+
+KeyboardRequest numberRequest(QWidget *page, QLineEdit *field, int min, int max)
+{
+    KeyboardRequest request = fieldRequest(page, field, KB_MODE_NUMBER);
     request.min = min;
     request.max = max;
     return request;
@@ -33,10 +77,7 @@ KeyboardRequest numberRequest(QWidget *page, QLineEdit *field, int min, int max)
 
 KeyboardRequest textRequest(QWidget *page, QLineEdit *field, int mode, int maxLength)
 {
-    KeyboardRequest request;
-    request.page = page;
-    request.field = field;
-    request.mode = mode;
+    KeyboardRequest request = fieldRequest(page, field, mode);
     request.maxLength = maxLength;
     return request;
 }
@@ -45,10 +86,12 @@ bool editWithKeyboard(const KeyboardRequest &request, QString *entered)
 {
     keyClick();
     QLineEdit *field = request.field;
+    const EditedMark mark(field);
     SoftKeyboard keyboard(request.page, field == nullptr ? QString() : field->text());
     place(&keyboard, request);
     if (field != nullptr)
         QObject::connect(&keyboard, &SoftKeyboard::Sgl_InputText, field, &QLineEdit::setText);
+    keyboard.setCaption(request.caption);
     keyboard.setRange(request.min, request.max);
     keyboard.setMaxLength(request.maxLength);
     keyboard.setMode(request.mode);

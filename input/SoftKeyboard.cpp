@@ -107,6 +107,12 @@ void SoftKeyboard::fitToScreen()
         part->setSpacing(gap);
     const int frame = 3 + gap; // the shadow's three pixels stay free
     layout()->setContentsMargins(frame, frame, frame, frame);
+    ui->lab_Field->setContentsMargins(2 * gap, 0, 2 * gap, 0);
+}
+
+void SoftKeyboard::setCaption(const QString &caption)
+{
+    ui->lab_Field->setText(caption);
 }
 
 void SoftKeyboard::setRange(int min, int max)

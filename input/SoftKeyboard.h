@@ -30,6 +30,9 @@ public:
     SoftKeyboard(QWidget *parent, const QString &text);
     ~SoftKeyboard() override;
 
+    // Says in the title strip what is edited. Nothing until set.
+    void setCaption(const QString &caption);
+
     // The integers that number mode accepts, both ends included. 0 to 0 until set.
     void setRange(int min, int max);
 

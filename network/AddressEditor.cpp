@@ -122,7 +122,12 @@ QLineEdit *AddressEditor::fieldOf(QObject *object) const
 
 void AddressEditor::edit(QLineEdit *field)
 {
-    if (!editWithKeyboard(numberRequest(m_pPage, field, 0, LARGEST_OCTET)))
+    const auto group =
+        std::find_if(m_groups.begin(), m_groups.end(),
+                     [field](const OctetGroup &octets) { return octets.contains(field); });
+    KeyboardRequest request = numberRequest(m_pPage, field, 0, LARGEST_OCTET);
+    request.caption = captionOf(group->first()); // four fields have one label
+    if (!editWithKeyboard(request))
         return;
     if (!m_bEditable) {
         // While the keyboard was open a record took the right to edit away: show what holds.

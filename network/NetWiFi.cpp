@@ -322,10 +322,10 @@ void NetWiFi::slot_itemClicked(QListWidgetItem *item)
     const auto accessPoint = ui->list_Wifi->chosen(item);
     if (!accessPoint || accessPoint->sSsid.empty())
         return;
+    KeyboardRequest request = textRequest(this, nullptr, KB_MODE_HIDDEN_TEXT, LONGEST_PASSWORD);
+    request.caption = ListItem::shownName(accessPoint->sSsid);
     QString password;
-    if (isSecured(*accessPoint) &&
-        !editWithKeyboard(textRequest(this, nullptr, KB_MODE_HIDDEN_TEXT, LONGEST_PASSWORD),
-                          &password))
+    if (isSecured(*accessPoint) && !editWithKeyboard(request, &password))
         return;
     // The device may have gone while the password was typed.
     if (isOn() && m_switch->isReady())

@@ -25,6 +25,8 @@ public:
     void fill(const std::string &dotted);
     void clear();
 
+    const QLineEdit *first() const { return m_fields.front(); }
+
     // The four texts joined by dots.
     std::string join() const;
     // Whether no field is empty.

@@ -16,6 +16,13 @@ namespace {
 
 constexpr int VISIBLE_ZONES = 8;
 
+// In the fields' order: what the keyboard calls them, which have one label among them.
+constexpr std::array<const char *, CLOCK_FIELDS> CAPTIONS = {
+    QT_TRANSLATE_NOOP("General", "Year"),   QT_TRANSLATE_NOOP("General", "Month"),
+    QT_TRANSLATE_NOOP("General", "Day"),    QT_TRANSLATE_NOOP("General", "Hour"),
+    QT_TRANSLATE_NOOP("General", "Minute"), QT_TRANSLATE_NOOP("General", "Second"),
+};
+
 void fillZones(QComboBox *zones)
 {
     for (const TimeZoneRow &row : TIME_ZONE_ROWS)
@@ -68,8 +75,10 @@ void ClockPanel::editField(ClockField field)
 {
     const ClockRange range = clockRange(field, texts());
     QLineEdit *line = m_fields[field];
+    KeyboardRequest request = numberRequest(m_pPage, line, range.min, range.max);
+    request.caption = QCoreApplication::translate("General", CAPTIONS[field]);
     QString entered;
-    if (!editWithKeyboard(numberRequest(m_pPage, line, range.min, range.max), &entered))
+    if (!editWithKeyboard(request, &entered))
         return;
     // The keyboard has written the field, but a tick may have come before its end.
     line->setText(QString::number(entered.toInt()));

@@ -1,3 +1,4 @@
+#include "app/look/Screen.h"
 #include "input/FieldKeyboard.h"
 #include "platform/sim/Panel.h"
 #include "tests/support/Dialogs.h"
@@ -59,6 +60,8 @@ private slots:
     void pluggedInKeyboardOnlyCloses();
     void gateOpensToThePasswordAlone();
     void fieldTakesEntry();
+    void fieldIsNamedAndMarked_data();
+    void fieldIsNamedAndMarked();
     void placeOverPage_data();
     void placeOverPage();
 };
@@ -265,6 +268,55 @@ void SoftKeyboardTest::fieldTakesEntry()
     QCOMPARE(field.text(), "7"_s);
     QCOMPARE(entered, "07"_s);
     QCOMPARE(keyClicks() - before, 1 + 3);
+}
+
+void SoftKeyboardTest::fieldIsNamedAndMarked_data()
+{
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<QString>("caption");
+    QTest::newRow("colon") << "Backlight:"_s
+                           << "Backlight"_s;
+    QTest::newRow("wide colon") << "网关："_s
+                                << "网关"_s;
+    QTest::newRow("bare, and no markup") << "<b>Wait</b>"_s
+                                         << "<b>Wait</b>"_s;
+    QTest::newRow("longer than the strip")
+        << QString(500, QLatin1Char('W')) << QString(500, QLatin1Char('W'));
+}
+
+// By its own label, not by the neighbour's; and no longer than it is edited, even if its page goes.
+void SoftKeyboardTest::fieldIsNamedAndMarked()
+{
+    QFETCH(QString, label);
+    QWidget page;
+    page.setStyleSheet("QLineEdit[edited=\"true\"]{color:#ff0000;}"_s);
+    QLabel neighbour("Other:"_s, &page);
+    QLabel caption(label, &page);
+    QLineEdit other(&page);
+    QLineEdit field(&page);
+    neighbour.setBuddy(&other);
+    caption.setBuddy(&field);
+    page.show();
+    const auto isMarked = [](const QLineEdit &line) {
+        return line.palette().color(QPalette::Text) == Qt::red;
+    };
+    QString said;
+    bool fits = false;
+    bool marked = false;
+    whenOpen("SoftKeyboard", [&](QWidget *open) {
+        const auto *strip = open->findChild<QLabel *>("lab_Field"_s);
+        said = strip->text();
+        fits = strip->textFormat() != Qt::RichText && button(open, "btn_close")->x() > 0 &&
+               open->width() <= screenSize().width();
+        marked = isMarked(field) && !isMarked(other);
+        page.hide();
+        open->hide();
+        return true;
+    });
+    editWithKeyboard(numberRequest(&page, &field, 1, 31));
+    QTEST(said, "caption");
+    QVERIFY(fits && marked);
+    QVERIFY(!isMarked(field));
 }
 
 void SoftKeyboardTest::placeOverPage_data()

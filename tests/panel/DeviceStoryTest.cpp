@@ -92,6 +92,7 @@ void DeviceStoryTest::mobileNetworkByTouch()
         [&] { return hasIcon(3) && panel.widget("lab_4gIP_4"_s, "text"_s).toString() == "2"_s; }));
     QVERIFY(panel.press("radio_manual"_s) && panel.press("line_ApnName"_s));
     QVERIFY(PanelProcess::wait([&] { return panel.isVisible("SoftKeyboard"_s); }));
+    QCOMPARE(panel.widget("lab_Field"_s, "text"_s).toString(), "接入点"_s);
     for (const char *key : {"btn_c_q", "btn_c_a", "btn_c_p", "btn_c_n", "btn_c_enter"}) {
         QVERIFY(panel.press(QLatin1String(key))); // the first one of the process has no effect
         QTest::qSleep(170);                       // the keyboard drops keys that follow too soon

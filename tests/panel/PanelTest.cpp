@@ -78,6 +78,7 @@ void PanelTest::setStaticAddress(PanelProcess &panel)
         [&] { return !panel.widget(text("line_Ip4"), text("text")).toString().isEmpty(); }));
 
     QVERIFY(spendFirstKey(panel, text("line_Ip4")));
+    QCOMPARE(panel.widget(text("lab_Field"), text("text")).toString(), QStringLiteral("IP 地址"));
     QVERIFY(typeNumber(panel, text("77")));
     QVERIFY(PanelProcess::wait(
         [&] { return ethernet(panel, "sIpAddr").toString().endsWith(QLatin1String(".77")); }));

@@ -34,8 +34,10 @@ private slots:
 private:
     void openTab(int tab);
     void type(const QString &digits);
-    // Touches the field and types a number into it; it shows `shown` then.
-    void enter(const char *field, const char *digits, const char *shown = nullptr);
+    // Touches the field, which the keyboard calls `caption`, and types a number into it; it shows
+    // `shown` then.
+    void enter(const char *field, const QString &caption, const char *digits,
+               const char *shown = nullptr);
     void pressAll(const QStringList &buttons);
     QString text(const QString &field) { return m_panel.widget(field, "text"_s).toString(); }
     QStringList texts(const QStringList &fields);
@@ -75,11 +77,13 @@ void SettingsStoryTest::type(const QString &digits)
     QVERIFY(m_panel.press("btn_n_enter"_s));
 }
 
-void SettingsStoryTest::enter(const char *field, const char *digits, const char *shown)
+void SettingsStoryTest::enter(const char *field, const QString &caption, const char *digits,
+                              const char *shown)
 {
     const QString name = QLatin1String(field);
     QVERIFY2(m_panel.press(name), field);
     QVERIFY2(PanelProcess::wait([this] { return m_panel.isVisible("SoftKeyboard"_s); }), field);
+    QCOMPARE(text("lab_Field"_s), caption);
     type(QLatin1String(digits));
     QVERIFY2(PanelProcess::wait([this] { return !m_panel.isVisible("SoftKeyboard"_s); }), field);
     QCOMPARE(text(name), QString::fromLatin1(shown == nullptr ? digits : shown));
@@ -102,12 +106,12 @@ QStringList SettingsStoryTest::texts(const QStringList &fields)
 void SettingsStoryTest::clockAndZone()
 {
     QVERIFY(m_panel.press("comboBox"_s, BRASILIA));
-    enter("line_Year", "2031");
-    enter("line_Month", "2", "02");
-    enter("line_Day", "28");
-    enter("line_Hour", "7", "07");
-    enter("line_Minute", "9", "09");
-    enter("line_Second", "1", "01");
+    enter("line_Year", "年"_s, "2031");
+    enter("line_Month", "月"_s, "2", "02");
+    enter("line_Day", "日"_s, "28");
+    enter("line_Hour", "时"_s, "7", "07");
+    enter("line_Minute", "分"_s, "9", "09");
+    enter("line_Second", "秒"_s, "1", "01");
     QVERIFY(m_panel.press("btn_SetTime"_s));
     QVERIFY(PanelProcess::wait([this] {
         return m_panel.get("clock.written"_s).toArray() == QJsonArray({2031, 2, 28, 7, 9, 9});
@@ -119,9 +123,9 @@ void SettingsStoryTest::clockAndZone()
 
 void SettingsStoryTest::backlightAndBuzzer()
 {
-    enter("line_BacklightTime", "45");
-    enter("line_Backlightness", "60");
-    enter("line_BeepTime", "250");
+    enter("line_BacklightTime", "背光时间"_s, "45");
+    enter("line_Backlightness", "背光亮度"_s, "60");
+    enter("line_BeepTime", "蜂鸣时间"_s, "250");
     QVERIFY(!m_panel.ask({"ui"_s, "slide"_s, "slider_BeepType"_s, "4"_s}).isUndefined());
     QVERIFY(PanelProcess::wait([this] { return text("line_BeepType"_s) == "4"_s; }));
     QVERIFY(m_panel.press("btn_BeepSwitch"_s));
@@ -133,8 +137,8 @@ void SettingsStoryTest::backlightAndBuzzer()
 void SettingsStoryTest::comPort()
 {
     openTab(COM_TAB);
-    enter("line_HmiStation", "11");
-    enter("line_StandStation", "12");
+    enter("line_HmiStation", "HMI 站号"_s, "11");
+    enter("line_StandStation", "设备站号"_s, "12");
     QVERIFY(m_panel.press("btn_CommunIndetail"_s));
     QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("line_BaudRate"_s); }));
     pressAll({"btn_Communication_R"_s, "btn_BaudRate_R"_s, "btn_ByteSize_R"_s, "btn_StopBits_R"_s,
@@ -142,8 +146,8 @@ void SettingsStoryTest::comPort()
     QVERIFY(PanelProcess::wait([this] { return !m_panel.isVisible("line_BaudRate"_s); }));
     QVERIFY(m_panel.press("btn_TimeOutIndetail"_s));
     QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("line_WaitTimeOut"_s); }));
-    enter("line_WaitTimeOut", "70");
-    enter("line_ReadTimeOut", "80");
+    enter("line_WaitTimeOut", "等待超时(ms)"_s, "70");
+    enter("line_ReadTimeOut", "读取超时(ms)"_s, "80");
     pressAll({"btn_RetryTime_R"_s, "btn_RetryTimeOut_L"_s, "btn_Save"_s});
     QVERIFY(PanelProcess::wait([this] { return !m_panel.isVisible("line_WaitTimeOut"_s); }));
     m_com = texts(COM_FIELDS);

@@ -100,6 +100,7 @@ void WifiStoryTest::openNetwork()
 void WifiStoryTest::wrongPasswordThenRight()
 {
     QVERIFY(touchNetwork("Office"_s));
+    QVERIFY(PanelProcess::wait([this] { return onTop("lab_Field") == "Office"_s; }));
     type("xoffice"_s, "12"_s); // the very first key of a process has no effect
     QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("MessageBox"_s); }));
     QVERIFY(onTop("label").contains("密码错误"_s));

@@ -1,4 +1,4 @@
-#include "network/ElidedLabel.h"
+#include "app/look/ElidedLabel.h"
 
 #include "app/look/Theme.h"
 
