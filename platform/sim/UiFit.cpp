@@ -9,7 +9,9 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QFontMetrics>
+#include <QLabel>
 #include <QLineEdit>
+#include <QRegularExpression>
 #include <QScrollBar>
 #include <QSlider>
 #include <QStackedWidget>
@@ -93,6 +95,32 @@ void lookForCuts(Findings &findings, const QWidget *widget, const PaintedText &p
                          .arg(qRound(painted.ink.x()))
                          .arg(qRound(painted.ink.y()))
                          .arg(asText(widget->size())));
+}
+
+QString withoutSpace(QString text)
+{
+    text.remove(QRegularExpression(QStringLiteral("\\s")));
+    return text;
+}
+
+// A label leaves out whole lines that find no room.
+void lookForLostLines(Findings &findings, const QWidget *widget,
+                      const QVector<PaintedText> &painted)
+{
+    const auto *label = qobject_cast<const QLabel *>(widget);
+    if (label == nullptr)
+        return;
+    QString shown;
+    for (const PaintedText &run : painted)
+        shown += run.text;
+    const QString whole = withoutSpace(label->text());
+    const int seen = withoutSpace(shown).size();
+    if (seen < whole.size() && !shown.contains(ELLIPSIS))
+        findings.add("cut", widget,
+                     QStringLiteral("only %1 of %2 letters of %3 are shown")
+                         .arg(seen)
+                         .arg(whole.size())
+                         .arg(quoted(label->text())));
 }
 
 void lookForGlyphs(Findings &findings, const QWidget *widget, const PaintedText &painted)
@@ -232,7 +260,9 @@ void lookForSmallness(Findings &findings, QWidget *widget, int least)
 
 void lookAt(Findings &findings, QWidget *widget, int leastTouch, const QImage &picture)
 {
-    for (const PaintedText &painted : paintedTexts(widget)) {
+    const QVector<PaintedText> texts = paintedTexts(widget);
+    lookForLostLines(findings, widget, texts);
+    for (const PaintedText &painted : texts) {
         lookForCuts(findings, widget, painted);
         lookForGlyphs(findings, widget, painted);
         lookForPaleness(findings, widget, painted, picture);
