@@ -1,10 +1,32 @@
 #include "platform/sim/TextRecorder.h"
 
-#include <QFontMetricsF>
+#include <QGlyphRun>
+#include <QRawFont>
+#include <QTextLayout>
 #include <QTransform>
 
 namespace sim {
 namespace {
+
+// What the letters cover around a baseline at (0, 0). Font metrics round outwards, letter by
+// letter.
+QRectF inkOf(const QTextItem &item)
+{
+    QTextLayout layout(item.text(), item.font());
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    QRectF ink;
+    const QList<QGlyphRun> runs = layout.glyphRuns();
+    for (const QGlyphRun &run : runs) {
+        const QRawFont font = run.rawFont();
+        const QVector<quint32> glyphs = run.glyphIndexes();
+        const QVector<QPointF> places = run.positions();
+        for (int i = 0; i < glyphs.size(); ++i)
+            ink |= font.boundingRect(glyphs[i]).translated(places[i]);
+    }
+    return ink.translated(0, -line.ascent());
+}
 
 // Keeps texts, and lets everything else that is painted pass.
 class RecordingEngine : public QPaintEngine
@@ -24,10 +46,9 @@ public:
     }
     void drawTextItem(const QPointF &baseline, const QTextItem &item) override
     {
-        const QRectF ink =
-            QFontMetricsF(item.font()).tightBoundingRect(item.text()).translated(baseline);
         if (!item.text().trimmed().isEmpty())
-            m_texts.append({item.text(), item.font(), m_color, m_transform.mapRect(ink)});
+            m_texts.append({item.text(), item.font(), m_color,
+                            m_transform.mapRect(inkOf(item).translated(baseline))});
     }
     void drawPixmap(const QRectF &, const QPixmap &, const QRectF &) override {}
     void drawImage(const QRectF &, const QImage &, const QRectF &,
