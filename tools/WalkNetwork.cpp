@@ -68,6 +68,8 @@ void PanelWalk::wifi()
     awaitGone("SoftKeyboard");
     at("wifi");
     joinWifi();
+    await([this] { return !m_panel->widget(latin("lab_ip"), latin("text")).toString().isEmpty(); },
+          latin("an address"));
     touch("wid_wifiConnect");
     awaitSeen("WifiPara");
     at("wifi-parameters");
@@ -76,7 +78,12 @@ void PanelWalk::wifi()
     touch("pushButton_2");
     awaitGone("WifiPara");
     set("wifi.aps", "[]");
+    touch("tab_Net", 0);
+    touch("tab_Net", WIFI_TAB); // looks for networks at once
     awaitGone("wid_wifiConnect");
+    await(
+        [this] { return m_panel->widget(latin("list_Wifi"), latin("items")).toArray().isEmpty(); },
+        latin("an empty list"));
     at("wifi-empty");
     touch("btn_WifiSwitch");
     passing("wifi-pending");
@@ -132,6 +139,8 @@ void PanelWalk::diagnosis()
     touch("btn_Net");
     touch("tab_Net", EXTEND_TAB);
     awaitSeen("btn_check");
+    await([this] { return !m_panel->widget(latin("combox"), latin("text")).toString().isEmpty(); },
+          latin("the preferred network"));
     at("extend");
     touch("combox");
     QThread::msleep(420);

@@ -65,7 +65,7 @@ void PanelWalk::projects()
     touch("btn_DownLoadPro");
     box("update-other-model");
     set("machine.hmiType", ('"' + model + '"').constData());
-    set("update.error", "-8");
+    set("update.error", "-9");
     touch("btn_DownLoadPro");
     box("update-refused");
     set("update.error", "null");
