@@ -234,4 +234,17 @@ void PanelWalk::alone()
     at("wifi-unknown");
     touch("tab_Net", 2);
     at("4g-unknown");
+    nobodyInRange();
+}
+
+// Networks that have been seen stay on the list; a panel that never saw one has none.
+void PanelWalk::nobodyInRange()
+{
+    start();
+    set("wifi.aps", "[]");
+    set("wifi.state", "0");
+    touch("btn_Net");
+    touch("tab_Net", 1);
+    awaitSeen("list_Wifi");
+    at("wifi-empty");
 }

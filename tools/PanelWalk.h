@@ -46,6 +46,7 @@ private:
     void plcPrograms();
     void gate();
     void alone();
+    void nobodyInRange();
 
     void start(const QStringList &options = {});
     void makeStick();

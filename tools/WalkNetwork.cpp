@@ -77,14 +77,6 @@ void PanelWalk::wifi()
     at("wifi-parameters-static");
     touch("pushButton_2");
     awaitGone("WifiPara");
-    set("wifi.aps", "[]");
-    touch("tab_Net", 0);
-    touch("tab_Net", WIFI_TAB); // looks for networks at once
-    awaitGone("wid_wifiConnect");
-    await(
-        [this] { return m_panel->widget(latin("list_Wifi"), latin("items")).toArray().isEmpty(); },
-        latin("an empty list"));
-    at("wifi-empty");
     touch("btn_WifiSwitch");
     passing("wifi-pending");
     awaitSeen("lab_WifiStatus");
