@@ -23,7 +23,8 @@ QString GetFontStyle();
 // Size of that font in pixels.
 int fontPixelSize();
 
-// Names the fonts that stand in for simsun and Calibri on a system without them.
+// Names the fonts that stand in for simsun and Calibri on a system that has neither them nor our
+// fontconfig file, resources/fonts/60-sysset.conf.
 void substituteFonts();
 
 // The font of what no style sheet has reached yet. It is one that the program needs anyway, so that

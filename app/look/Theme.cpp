@@ -70,12 +70,11 @@ QString themed(const QString &sheetTemplate)
 QColor themeColour(const QString &name)
 {
     const Colour *colour = colourOf(QStringRef(&name));
-    if (colour == nullptr)
-        return {};
+    const QByteArray value = colour == nullptr ? name.toLatin1() : QByteArray(colour->value);
     int red = 0;
     int green = 0;
     int blue = 0;
-    if (std::sscanf(colour->value, "rgb(%d ,%d ,%d)", &red, &green, &blue) == 3)
+    if (std::sscanf(value.constData(), "rgb(%d ,%d ,%d)", &red, &green, &blue) == 3)
         return {red, green, blue};
-    return QColor(QLatin1String(colour->value));
+    return QColor(QString::fromLatin1(value));
 }

@@ -8,5 +8,6 @@
 // and what each is for stand in Theme.cpp. An unknown name stays, and Qt warns of it.
 QString themed(const QString &sheetTemplate);
 
-// The same colour for what is painted. Invalid for a name that is not known.
+// The same colour for what is painted; also of a value as style sheets have it. Invalid for what is
+// neither.
 QColor themeColour(const QString &name);

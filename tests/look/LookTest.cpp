@@ -2,13 +2,19 @@
 #include "app/look/FontStyle.h"
 #include "app/look/MessageBox.h"
 #include "app/look/Screen.h"
+#include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
+#include "app/look/Theme.h"
 #include "app/look/WidgetLook.h"
 #include "platform/sim/Panel.h"
 #include "resources/Resources.h"
 
+#include <QGlyphRun>
+#include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QRawFont>
+#include <QTextLayout>
 #include <QtTest>
 
 class LookTest : public QObject
@@ -19,6 +25,11 @@ private slots:
     void initTestCase() { loadResources(); }
     void fontFollowsWidthAndLanguage_data();
     void fontFollowsWidthAndLanguage();
+    void fontsHaveSubstitutes_data();
+    void fontsHaveSubstitutes();
+    void coloursCanBeRead_data();
+    void coloursCanBeRead();
+    void layoutsGrowOnce();
     void tabsFollowTheScreen();
     void boxShowsItsType_data();
     void boxShowsItsType();
@@ -57,6 +68,94 @@ void LookTest::fontFollowsWidthAndLanguage()
     sim::panel().set("lcd.width", width);
     g_nLanguge = language;
     QTEST(GetFontStyle(), "style");
+}
+
+void LookTest::fontsHaveSubstitutes_data()
+{
+    QTest::addColumn<QString>("family");
+    QTest::addColumn<QStringList>("faces");
+    QTest::newRow("Chinese") << QStringLiteral("simsun")
+                             << QStringList{QStringLiteral("SimSun"),
+                                            QStringLiteral("WenQuanYi Micro Hei")};
+    QTest::newRow("Latin") << QStringLiteral("Calibri")
+                           << QStringList{QStringLiteral("Calibri"), QStringLiteral("Carlito")};
+}
+
+// By the fontconfig file alone.
+void LookTest::fontsHaveSubstitutes()
+{
+    QFETCH(QString, family);
+    QFETCH(QStringList, faces);
+    const QFont font(family);
+    QVERIFY2(faces.contains(QFontInfo(font).family()), qPrintable(QFontInfo(font).family()));
+    QTextLayout layout(QStringLiteral("请检查网线两端是否插好 Check the cable √×…"), font);
+    layout.beginLayout();
+    layout.createLine();
+    layout.endLayout();
+    for (const QGlyphRun &run : layout.glyphRuns())
+        QVERIFY2(!run.glyphIndexes().contains(0), qPrintable(run.rawFont().familyName()));
+}
+
+void LookTest::coloursCanBeRead_data()
+{
+    QTest::addColumn<QString>("ink");
+    QTest::addColumn<QStringList>("grounds");
+    QTest::addColumn<double>("least");
+    const auto row = [](const char *ink, const char *grounds, double least) {
+        QTest::newRow(ink) << QString::fromLatin1(ink)
+                           << QString::fromLatin1(grounds).split(QLatin1Char(' ')) << least;
+    };
+    row("ink", "surface shade pressed title undone mark accentGround", 4.5);
+    row("mutedInk", "surface", 4.5);
+    row("selectedInk", "selected", 4.5);
+    row("bad", "surface", 4.5);
+    row("disabledInk", "surface shade", 4.5); // 3 would do
+    row("accent", "surface", 3);              // a line, not a text
+    row("pressedLine", "surface pressed", 3);
+    row("rgb(0, 170, 255)", "chip", 4.5);
+    row("rgb(206, 206, 0)", "chip", 4.5);
+    row("rgb(255, 0, 0)", "chip", 4.5);
+    row("rgb(71, 148, 214)", "chip", 4.5);
+}
+
+// Contrast as the Web Content Accessibility Guidelines count it.
+void LookTest::coloursCanBeRead()
+{
+    QFETCH(QString, ink);
+    QFETCH(QStringList, grounds);
+    QFETCH(double, least);
+    const auto light = [](const QColor &colour) {
+        const auto linear = [](double part) {
+            return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.05 + 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+               0.0722 * linear(colour.blueF());
+    };
+    const QColor front = themeColour(ink);
+    QVERIFY(front.isValid());
+    for (const QString &ground : grounds) {
+        const QColor back = themeColour(ground);
+        QVERIFY2(back.isValid(), qPrintable(ground));
+        const double ratio =
+            std::max(light(front), light(back)) / std::min(light(front), light(back));
+        QVERIFY2(ratio >= least, qPrintable(QStringLiteral("%1 on %2").arg(ratio).arg(ground)));
+    }
+}
+
+void LookTest::layoutsGrowOnce()
+{
+    sim::panel().set("lcd.width", 1024);
+    sim::panel().set("lcd.height", 544);
+    QWidget page;
+    auto *layout = new QGridLayout(&page);
+    layout->setContentsMargins(2, 8, 0, 6);
+    layout->setHorizontalSpacing(4);
+    layout->addItem(new QSpacerItem(16, 0, QSizePolicy::Fixed), 0, 0);
+    growLayouts(&page);
+    growLayouts(&page);
+    QCOMPARE(layout->contentsMargins(), QMargins(2, 16, 0, 12)); // 2 is a frame's line
+    QCOMPARE(layout->horizontalSpacing(), 8);
+    QCOMPARE(layout->itemAt(0)->sizeHint(), QSize(32, 0));
 }
 
 void LookTest::tabsFollowTheScreen()
