@@ -1,6 +1,7 @@
 #include "app/Program.h"
 
 #include "app/look/FontStyle.h"
+#include "app/look/WidgetLook.h"
 #include "app/MainWin.h"
 #include "app/Shutdown.h"
 #include "input/FieldKeyboard.h"
@@ -49,6 +50,7 @@ void runProgram(int argc, char **argv, const std::function<void()> &shown)
     makeRoomForTimeZone();
 
     QApplication application(argc, argv);
+    holdPlugins();
     loadResources();
     substituteFonts();
     QApplication::setOverrideCursor(Qt::BlankCursor);

@@ -7,7 +7,7 @@
 void LoadingLabel::start()
 {
     if (m_pMovie == nullptr) {
-        m_pMovie = new QMovie(imagePath(QStringLiteral("loading_more.gif")), QByteArray(), this);
+        m_pMovie = new QMovie(loadingMoviePath(), QByteArray(), this);
         m_pMovie->setScaledSize({minimumHeight(), minimumHeight()});
     }
     m_bLoading = true;

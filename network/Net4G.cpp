@@ -129,7 +129,7 @@ void Net4G::retranslate()
 {
     ui->retranslateUi(this);
     m_switch->setTexts(tr("Enable"), tr("Unplugged"));
-    setStyleWhenSeen(this, comStyle());
+    setStyleWhenSeen(this, cellularStyle());
 }
 
 bool Net4G::eventFilter(QObject *watched, QEvent *event)

@@ -62,6 +62,7 @@ void NetEth::retranslate()
 {
     ui->retranslateUi(this);
     m_switch->setTexts(tr("Enable"), tr("Unplugged"));
+    setStyleWhenSeen(this, growingRadioStyle());
     setStyleWhenSeen(ui->widget_EthIndetail, addressStyle(m_addresses->isEditable()));
 }
 

@@ -57,7 +57,7 @@ void NetWorkTestUi::build()
     ui->btn_close->setIconSize({touch * 2 / 3, touch * 2 / 3});
     ui->btn_StartDiag->setMinimumHeight(touch);
     ui->lab_status->setLeastLines(1);
-    m_pRunning = new QMovie(imagePath(QStringLiteral("loading_more.gif")), QByteArray(), this);
+    m_pRunning = new QMovie(loadingMoviePath(), QByteArray(), this);
     connect(ui->btn_close, &QPushButton::clicked, this, &NetWorkTestUi::slot_ButtonPressed);
     connect(ui->btn_StartDiag, &QPushButton::clicked, this, &NetWorkTestUi::slot_ButtonPressed);
     connect(ui->area_rows->verticalScrollBar(), &QScrollBar::rangeChanged, this,

@@ -6,7 +6,7 @@
 #include <QLabel>
 
 PendingMark::PendingMark(QLabel *moving, QLabel *blank)
-    : m_pMoving(moving), m_pBlank(blank), m_movie(imagePath(QStringLiteral("loading_more.gif")))
+    : m_pMoving(moving), m_pBlank(blank), m_movie(loadingMoviePath())
 {
     const int side = screenSize().height() / 12;
     m_movie.setScaledSize({side, side});

@@ -88,8 +88,7 @@ QString listTemplate()
                           "QListWidget::item{padding-left:%4px;border:0px;}"
                           "QListWidget::item:selected"
                           "{color:@selectedInk;background-color:@selected;}")
-               .replace(QLatin1String("%4"), QString::number(spacing(2))) +
-           scrollBarTemplate();
+        .replace(QLatin1String("%4"), QString::number(spacing(2)));
 }
 
 QString comboTemplate(int arrowWidth, int rowHeight)
@@ -169,7 +168,7 @@ QString frameTemplate()
 QString windowStyle()
 {
     return filled(QStringLiteral("QLabel{color:@ink;%1border-radius:4px;}") + buttonTemplate() +
-                  switchTemplate() + growingRadioTemplate() + listTemplate() +
+                  switchTemplate() + listTemplate() +
                   QStringLiteral("#Qt_MainWin{background-color:@surface;}"
                                  "QFrame#wdg_Status{background-color:@shade;border-radius:4px;}"
                                  "QCheckBox{color:@ink;%1outline:none;}"));
@@ -184,22 +183,22 @@ QString tabStyle()
 {
     const QSize screen = screenSize();
     const int height = screen.height() / 12;
-    const double bar = 1.0 - static_cast<double>(thickLine()) / height; // where it begins
+    // The bar under the selected tab is taken from its height, so that all tabs stay as high.
     return themed(
                QStringLiteral("QTabBar::tab {width:%1px;height:%2px;color: black;%3outline: none;"
                               "background-color:@shade;margin:0px;padding:0px;"
                               "border:0px;border-right:1px solid @line;"
                               "border-top-left-radius:4px;border-top-right-radius:4px;}"
                               "QTabBar::tab:selected{color:@selectedInk;"
-                              "background-color:qlineargradient(x1:0,y1:0,x2:0,y2:1,"
-                              "stop:0 @selected,stop:%4 @selected,stop:%5 @mark,stop:1 @mark);}"
+                              "background-color:@selected;height:%4px;"
+                              "border:0px;border-bottom:%5px solid @mark;}"
                               "QTabWidget::pane{border:0px;border-top:2px solid @selected;"
                               "background-color:@surface;}"))
         .arg(screen.width() / 5)
         .arg(height)
         .arg(GetFontStyle())
-        .arg(bar, 0, 'f', 3)
-        .arg(bar + 0.001, 0, 'f', 3);
+        .arg(height - thickLine())
+        .arg(thickLine());
 }
 
 QString updateStyle()
@@ -273,6 +272,11 @@ QString radioStyle()
     return filled(radioTemplate(RADIO_SIDE));
 }
 
+QString growingRadioStyle()
+{
+    return filled(growingRadioTemplate());
+}
+
 QString addressStyle(bool underlined)
 {
     return filled(QStringLiteral("QLabel{color:@ink;%1}"
@@ -287,7 +291,8 @@ QString addressStyle(bool underlined)
 
 QString wifiStyle()
 {
-    return themed(QStringLiteral("QFrame#line_Connect{background-color:@line;border:0px;}"));
+    return themed(scrollBarTemplate() +
+                  QStringLiteral("QFrame#line_Connect{background-color:@line;border:0px;}"));
 }
 
 QString wifiParaStyle()
@@ -299,6 +304,11 @@ QString wifiParaStyle()
 QString comStyle()
 {
     return filled(fieldTemplate() + QStringLiteral("QLabel#lab_NotSaved{color:@bad;}"));
+}
+
+QString cellularStyle()
+{
+    return comStyle() + growingRadioStyle();
 }
 
 QString communicationStyle()

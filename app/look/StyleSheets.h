@@ -23,6 +23,8 @@ QString infoStyle();
 QString versionStyle();
 // Radio buttons with indicators of 20 by 20 pixels.
 QString radioStyle();
+// Radio buttons whose indicators follow the screen, 20 by 20 pixels at least.
+QString growingRadioStyle();
 // A block of address fields: underlined while they can be edited, bare while they only show.
 QString addressStyle(bool underlined);
 // The Wi-Fi page's, behind the window's list style.
@@ -30,6 +32,8 @@ QString wifiStyle();
 // The Wi-Fi parameters dialog's, behind its block of address fields.
 QString wifiParaStyle();
 QString comStyle();
+// The 4G page's: fields as on the COM page, and radio buttons.
+QString cellularStyle();
 // The communication dialog's, its fields as on the COM page.
 QString communicationStyle();
 // The General page's: underlined fields, the list of zones with rows as high as a touch, and

@@ -2,6 +2,7 @@
 
 #include "platform/board.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QLabel>
 #include <QPushButton>
@@ -48,6 +49,12 @@ void forgetLateStyle(QWidget *widget)
     delete widget->findChild<LateStyle *>(QString(), Qt::FindDirectChildrenOnly);
 }
 
+QStringList &heldPaths()
+{
+    static QStringList paths;
+    return paths;
+}
+
 } // namespace
 
 void keyClick()
@@ -58,6 +65,19 @@ void keyClick()
 QString imagePath(const QString &name)
 {
     return QStringLiteral(":/SysSet_images/SysSet_images/") + name;
+}
+
+void holdPlugins()
+{
+    heldPaths() = QCoreApplication::libraryPaths();
+    QCoreApplication::setLibraryPaths({});
+}
+
+QString loadingMoviePath()
+{
+    if (!heldPaths().isEmpty())
+        QCoreApplication::setLibraryPaths(std::exchange(heldPaths(), {}));
+    return imagePath(QStringLiteral("loading_more.gif"));
 }
 
 void setStyleOnce(QWidget *widget, const QString &styleSheet)

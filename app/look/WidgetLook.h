@@ -13,6 +13,14 @@ void keyClick();
 // The path of an image of the program, "name" with its ending: "UsbInPut.png".
 QString imagePath(const QString &name);
 
+// Keeps Qt from looking for plugins from here on: it loads every image format that it finds for
+// the first icon of a style sheet, a quarter of a megabyte for pictures that need none of them.
+// After the application is constructed, which takes those for the platform.
+void holdPlugins();
+
+// The path of the loading animation. A GIF is read by a plugin: ends what holdPlugins() began.
+QString loadingMoviePath();
+
 // Sets the widget's own style sheet only if it differs: a style sheet costs far more to set than
 // to compare.
 void setStyleOnce(QWidget *widget, const QString &styleSheet);

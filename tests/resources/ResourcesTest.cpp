@@ -29,8 +29,9 @@ private slots:
         for (const char *names :
              {"UsbInPut UsbOutPut", "EthInPut EthOutPut", "WiFiInPut WifiOutPut",
               "4gInPut 4gOutPut", "cloudok clouderr", "Question Information Warning Critical",
-              "Switch_Open Switch_Close", "eyeHide eyeShow delete space enter",
-              "radio_checked radio_unchecked", "voice_Open voice_Close", "4G_0 4G_1 4G_2 4G_3 4G_4",
+              "Switch_Open Switch_Close switch_veil", "eyeHide eyeShow delete space enter",
+              "radio_checked radio_unchecked radio_checked_off radio_unchecked_off",
+              "voice_Open voice_Close", "4G_0 4G_1 4G_2 4G_3 4G_4",
               "wifi1_0 wifi1_1 wifi1_2 wifi1_3 wifi1_4 wifi2_0 wifi2_1 wifi2_2 wifi2_3 wifi2_4",
               "tick", "chevron"})
             QTest::newRow(names) << names;
