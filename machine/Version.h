@@ -3,6 +3,8 @@
 
 #include "platform/services.h"
 
+#include <QStringList>
+#include <QVector>
 #include <QWidget>
 
 #include <memory>
@@ -37,7 +39,7 @@ private:
     void makeList();
     void ask();
     void showRows();
-    void addRow(const QString &name, const QString &version);
+    QVector<QStringList> rows() const;
     QString serviceState() const;
 
     QTreeWidget *m_pList = nullptr; // made when the page is first shown

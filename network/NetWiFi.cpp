@@ -26,6 +26,8 @@ constexpr int LONGEST_PASSWORD = 32;
 constexpr double BOX_SHARE = 0.6; // of the page
 // How long the service may seem idle before a join that was asked for counts as lost.
 constexpr qint64 JOIN_PATIENCE_MS = 15000;
+// A tap that followed another while the service held the page up: the rows have moved since.
+constexpr qint64 SECOND_TAP_MS = 400;
 // What no record has told is asked for again, after the patience with a join has ended.
 constexpr int ASK_AGAIN_MS = 16000;
 
@@ -320,7 +322,8 @@ void NetWiFi::tellFailure()
 void NetWiFi::slot_itemClicked(QListWidgetItem *item)
 {
     const auto accessPoint = ui->list_Wifi->chosen(item);
-    if (!accessPoint || accessPoint->sSsid.empty())
+    const bool again = m_sinceJoin.isValid() && !m_sinceJoin.hasExpired(SECOND_TAP_MS);
+    if (again || !accessPoint || accessPoint->sSsid.empty())
         return;
     KeyboardRequest request = textRequest(this, nullptr, KB_MODE_HIDDEN_TEXT, LONGEST_PASSWORD);
     request.caption = ListItem::shownName(accessPoint->sSsid);

@@ -60,8 +60,11 @@ void NetWorkTestUi::build()
     m_pRunning = new QMovie(loadingMoviePath(), QByteArray(), this);
     connect(ui->btn_close, &QPushButton::clicked, this, &NetWorkTestUi::slot_ButtonPressed);
     connect(ui->btn_StartDiag, &QPushButton::clicked, this, &NetWorkTestUi::slot_ButtonPressed);
-    connect(ui->area_rows->verticalScrollBar(), &QScrollBar::rangeChanged, this,
-            &NetWorkTestUi::scroll);
+    const QScrollBar *bar = ui->area_rows->verticalScrollBar();
+    connect(bar, &QScrollBar::rangeChanged, this, &NetWorkTestUi::scroll);
+    connect(bar, &QScrollBar::actionTriggered, this, [this, bar] {
+        m_bRead = m_phase != Phase::Running || bar->sliderPosition() < bar->maximum();
+    });
     m_texts.load(m_nLanguage);
     retranslate();
 }
@@ -73,6 +76,7 @@ void NetWorkTestUi::showEvent(QShowEvent *event)
         tellRows();
     QDialog::showEvent(event);
     animate();
+    m_bRead = false;
     scrollSoon();
 }
 
@@ -241,8 +245,10 @@ void NetWorkTestUi::slot_TestStatus(int item, int state)
 
 void NetWorkTestUi::slot_BtnCheck(int enabled)
 {
-    if (enabled == 0)
+    if (enabled == 0) {
         clearRows();
+        m_bRead = false;
+    }
     setPhase(enabled == 0 ? Phase::Running : Phase::Done);
     scrollSoon();
 }
@@ -281,9 +287,12 @@ void NetWorkTestUi::scrollSoon()
 }
 
 // To the newest row while a run goes on, then to the first that failed: below as much of its link
-// as there is room for, since the titles are the same for every link.
+// as there is room for, since the titles are the same for every link. Not away from what the
+// operator reads.
 void NetWorkTestUi::scroll()
 {
+    if (m_bRead)
+        return;
     QScrollBar *bar = ui->area_rows->verticalScrollBar();
     if (m_phase == Phase::Running)
         bar->setValue(bar->maximum());

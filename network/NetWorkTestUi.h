@@ -90,6 +90,7 @@ private:
     int m_nLanguage = 0;
     QString m_sRegion;
     Phase m_phase = Phase::Untested;
+    bool m_bRead = false; // the operator has scrolled, and reads something else than the end
 
     // Shared with the worker.
     std::mutex m_runMutex; // held for a whole run

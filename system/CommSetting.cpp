@@ -16,6 +16,26 @@ namespace {
 
 constexpr int NO_LISTS = -1;
 constexpr int LARGEST_STATION = 255;
+
+// Why a write failed, by its result.
+struct Refusal
+{
+    int result;
+    const char *text;
+};
+
+constexpr int NOT_READ = -2;
+constexpr Refusal REFUSALS[] = {
+    {NOT_READ,
+     QT_TRANSLATE_NOOP("CommSetting", "Not saved: not all settings were read. Please try again.")},
+    {-3, QT_TRANSLATE_NOOP("CommSetting", "Not saved: the port does not take this connection.")},
+    {-4, QT_TRANSLATE_NOOP("CommSetting", "Not saved: the port does not take this baud rate.")},
+    {-5, QT_TRANSLATE_NOOP("CommSetting", "Not saved: the port does not take this parity.")},
+    {-6, QT_TRANSLATE_NOOP("CommSetting",
+                           "Not saved in full: the runtime refused a value. Please try again.")},
+    {-7, QT_TRANSLATE_NOOP("CommSetting",
+                           "Not saved in full: the runtime refused a value. Please try again.")},
+};
 constexpr int LINE_MARGIN = 2; // pixels that a line edit keeps free at either side of its text
 
 void showElided(QLineEdit *line, const QString &text)
@@ -37,6 +57,7 @@ QString joined(const QStringList &fields)
 CommSetting::CommSetting(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::ComSetting>())
 {
     ui->setupUi(this);
+    ui->lab_NotSaved->setLeastLines(1);
     ui->lab_NotSaved->hide();
     for (QPushButton *button :
          {ui->btn_ComL, ui->btn_ComR, ui->btn_CommunIndetail, ui->btn_TimeOutIndetail}) {
@@ -69,6 +90,7 @@ void CommSetting::init(const ComParamLists *lists)
 void CommSetting::retranslate()
 {
     ui->retranslateUi(this);
+    showRefusal();
     setStyleWhenSeen(this, comStyle());
 }
 
@@ -113,7 +135,8 @@ int CommSetting::readPort(QString &settings)
 void CommSetting::load(const QString &name)
 {
     ui->line_ComNum->setText(name);
-    ui->lab_NotSaved->hide();
+    m_nWritten = 0;
+    showRefusal();
     reload();
 }
 
@@ -180,12 +203,26 @@ void CommSetting::editParameters(int page)
 // the runtime: both end in what the runtime holds, and in a line that says so.
 void CommSetting::write(const QStringList &fields)
 {
-    const bool written =
-        m_bComplete && m_pLists != nullptr &&
-        m_pLists->writePort(ui->line_ComNum->text(), fields.join(QLatin1Char(','))) == 0;
-    ui->lab_NotSaved->setHidden(written);
-    if (!written)
+    m_nWritten = writePort(fields);
+    showRefusal();
+    if (m_nWritten != 0)
         return reload();
     m_fields = fields;
     showFields();
+}
+
+int CommSetting::writePort(const QStringList &fields)
+{
+    return m_bComplete && m_pLists != nullptr
+               ? m_pLists->writePort(ui->line_ComNum->text(), fields.join(QLatin1Char(',')))
+               : NOT_READ;
+}
+
+void CommSetting::showRefusal()
+{
+    ui->lab_NotSaved->setHidden(m_nWritten == 0);
+    for (const Refusal &refusal : REFUSALS) {
+        if (refusal.result == m_nWritten)
+            ui->lab_NotSaved->setText(tr(refusal.text));
+    }
 }

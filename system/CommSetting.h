@@ -46,9 +46,12 @@ private:
     void editStation(QLineEdit *line, ComField field);
     void editParameters(int page);
     void write(const QStringList &fields);
+    int writePort(const QStringList &fields);
+    void showRefusal();
 
     std::unique_ptr<Ui::ComSetting> ui;
     const ComParamLists *m_pLists = nullptr;
     QStringList m_fields;     // of the port that is shown, in full; empty without one
     bool m_bComplete = false; // the runtime gave all of them
+    int m_nWritten = 0;       // what the last write came to, as ComParamLists::writePort()
 };

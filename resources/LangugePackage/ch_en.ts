@@ -27,9 +27,28 @@
         <source>Set</source>
         <translation>Set</translation>
     </message>
+</context>
+<context>
+    <name>CommSetting</name>
     <message>
-        <source>Failed to save the settings!</source>
-        <translation>Failed to save the settings!</translation>
+        <source>Not saved: not all settings were read. Please try again.</source>
+        <translation>Not saved: not all settings were read. Please try again.</translation>
+    </message>
+    <message>
+        <source>Not saved: the port does not take this connection.</source>
+        <translation>Not saved: the port does not take this connection.</translation>
+    </message>
+    <message>
+        <source>Not saved: the port does not take this baud rate.</source>
+        <translation>Not saved: the port does not take this baud rate.</translation>
+    </message>
+    <message>
+        <source>Not saved: the port does not take this parity.</source>
+        <translation>Not saved: the port does not take this parity.</translation>
+    </message>
+    <message>
+        <source>Not saved in full: the runtime refused a value. Please try again.</source>
+        <translation>Not saved in full: the runtime refused a value. Please try again.</translation>
     </message>
 </context>
 <context>
@@ -857,12 +876,12 @@
         <translation>Reading...</translation>
     </message>
     <message>
-        <source>No answer</source>
-        <translation>No answer</translation>
+        <source>No answer. Please open this page again.</source>
+        <translation>No answer. Please open this page again.</translation>
     </message>
     <message>
-        <source>The panel is busy</source>
-        <translation>The panel is busy</translation>
+        <source>The panel is busy. Please open this page again.</source>
+        <translation>The panel is busy. Please open this page again.</translation>
     </message>
 </context>
 <context>

@@ -27,9 +27,28 @@
         <source>Set</source>
         <translation>设置</translation>
     </message>
+</context>
+<context>
+    <name>CommSetting</name>
     <message>
-        <source>Failed to save the settings!</source>
-        <translation>保存设置失败！</translation>
+        <source>Not saved: not all settings were read. Please try again.</source>
+        <translation>未保存：设置未能全部读取，请重试。</translation>
+    </message>
+    <message>
+        <source>Not saved: the port does not take this connection.</source>
+        <translation>未保存：此串口不支持该连接方式。</translation>
+    </message>
+    <message>
+        <source>Not saved: the port does not take this baud rate.</source>
+        <translation>未保存：此串口不支持该波特率。</translation>
+    </message>
+    <message>
+        <source>Not saved: the port does not take this parity.</source>
+        <translation>未保存：此串口不支持该校验方式。</translation>
+    </message>
+    <message>
+        <source>Not saved in full: the runtime refused a value. Please try again.</source>
+        <translation>未全部保存：控制运行时拒绝了某个值，请重试。</translation>
     </message>
 </context>
 <context>
@@ -857,12 +876,12 @@
         <translation>正在读取...</translation>
     </message>
     <message>
-        <source>No answer</source>
-        <translation>无应答</translation>
+        <source>No answer. Please open this page again.</source>
+        <translation>无应答，请重新打开此页。</translation>
     </message>
     <message>
-        <source>The panel is busy</source>
-        <translation>系统繁忙</translation>
+        <source>The panel is busy. Please open this page again.</source>
+        <translation>系统繁忙，请重新打开此页。</translation>
     </message>
 </context>
 <context>

@@ -4,6 +4,7 @@
 #include "platform/sim/Panel.h"
 #include "tests/support/Text.h"
 
+#include <QScrollBar>
 #include <QTreeWidget>
 #include <QtTest>
 
@@ -29,6 +30,7 @@ private slots:
     void init();
     void cleanup();
     void saysWhatTheServiceSays();
+    void staysWhereItIsRead();
     void neverWaitsForTheService();
     void mayGoWhileTheServiceIsAsked();
     void saysThatNobodyCouldAsk();
@@ -62,7 +64,30 @@ void VersionTest::saysWhatTheServiceSays()
     page.hide();
     page.show();
     QCOMPARE(serviceRows(page).size(), 1); // the former answer, until the next one is there
-    QTRY_COMPARE(serviceRows(page), QStringList("Other software=No answer"_s));
+    QTRY_COMPARE(serviceRows(page),
+                 QStringList("Other software=No answer. Please open this page again."_s));
+}
+
+void VersionTest::staysWhereItIsRead()
+{
+    sim::Json versions = sim::Json::array();
+    for (int i = 0; i < 99; ++i)
+        versions.push_back({{"name", "Driver " + std::to_string(i)}, {"version", "1.2"}});
+    sim::panel().set("versions", versions);
+    Version page;
+    page.resize(300, 200);
+    page.show();
+    QTRY_COMPARE(serviceRows(page).size(), 99);
+    auto *bar = page.findChild<QTreeWidget *>("list_Version"_s)->verticalScrollBar();
+    bar->setValue(bar->maximum() / 2);
+    const int place = bar->value();
+    QVERIFY(place > 0);
+    sim::panel().set("versions.98.version", "2.0");
+    page.hide();
+    page.show();
+    QTRY_COMPARE(serviceRows(page).last(), "Driver 98=2.0"_s);
+    QCoreApplication::processEvents();
+    QCOMPARE(bar->value(), place);
 }
 
 void VersionTest::neverWaitsForTheService()
@@ -73,7 +98,9 @@ void VersionTest::neverWaitsForTheService()
     QCOMPARE(serviceRows(page), QStringList("Other software=Reading..."_s));
     page.hide();
     page.show(); // asks no second time meanwhile
-    QTRY_COMPARE_WITH_TIMEOUT(serviceRows(page), QStringList("Other software=No answer"_s), 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        serviceRows(page), QStringList("Other software=No answer. Please open this page again."_s),
+        10000);
     QCOMPARE(sim::panel().calls().size(), std::size_t(1));
 }
 
@@ -95,7 +122,8 @@ void VersionTest::saysThatNobodyCouldAsk()
     COS::CCosThreadPool::destory();
     Version page;
     page.show();
-    QCOMPARE(serviceRows(page), QStringList("Other software=The panel is busy"_s));
+    QCOMPARE(serviceRows(page),
+             QStringList("Other software=The panel is busy. Please open this page again."_s));
 }
 
 QTEST_MAIN(VersionTest)

@@ -207,6 +207,10 @@ void NetEthTest::switchWaitsForTheRecord()
     press("btn_EthSwitch");
     QCOMPARE(lastCall(qPrintable(operation)), std::string("[\"eth0\",false,5000]"));
     m_page->setNetInfo(before); // a record of the old state completes nothing
+    sim::panel().clearCalls();
+    press("btn_EthSwitch");
+    press("radio_Static");
+    QVERIFY(sim::panel().calls().empty());
     QVERIFY(!button->isEnabled());
     QVERIFY(shown("label_move") && !shown("label_null"));
     QVERIFY(!find<QWidget>("radio_Static")->isEnabled());

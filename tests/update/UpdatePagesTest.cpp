@@ -16,6 +16,7 @@
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QtTest>
 
 #include <map>
@@ -304,6 +305,18 @@ void UpdatePagesTest::hostileNames()
         QCOMPARE(label(PROJECT), "Selected HMI project:"_s + shown[row]);
         QCOMPARE(m_pages[PROJECT]->width(), 600);
     }
+    // Another U-disk and another language leave what is read and chosen where it is.
+    for (int i = 0; i < 99; ++i)
+        addFiles({QByteArray::number(i) + ".tmt3"});
+    insert();
+    list(PROJECT)->scrollToItem(list(PROJECT)->item(50));
+    pick(PROJECT, 50);
+    const int place = list(PROJECT)->verticalScrollBar()->value();
+    QVERIFY(place > 0);
+    insert();
+    m_pages[PROJECT]->retranslate();
+    QCOMPARE(list(PROJECT)->verticalScrollBar()->value(), place);
+    QCOMPARE(list(PROJECT)->currentRow(), 50);
 }
 
 void UpdatePagesTest::jobFromPressToBox_data()
@@ -351,6 +364,7 @@ void UpdatePagesTest::jobFromPressToBox()
         const int clicks = panel().get("buzzer.opens").get<int>();
         pick(at, 0);
         press(at);
+        press(at); // nothing more: it is under way
         QCOMPARE(label(at), downloading);
         QCOMPARE(panel().get("buzzer.opens").get<int>(), clicks + 2);
         QVERIFY(!m_pages[page]->isEnabled());
