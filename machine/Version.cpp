@@ -69,35 +69,23 @@ void Version::slot_Answered()
     showRows();
 }
 
-// In place: an answer that comes while the list is read does not move it.
 void Version::showRows()
 {
-    const QVector<QStringList> now = rows();
-    while (m_pList->topLevelItemCount() > now.size())
-        delete m_pList->takeTopLevelItem(m_pList->topLevelItemCount() - 1);
-    while (m_pList->topLevelItemCount() < now.size())
-        m_pList->addTopLevelItem(new QTreeWidgetItem);
-    for (int row = 0; row < now.size(); ++row) {
-        for (int column = 0; column < now[row].size(); ++column)
-            m_pList->topLevelItem(row)->setText(column, now[row][column]);
-    }
-}
-
-// Name and version.
-QVector<QStringList> Version::rows() const
-{
-    QVector<QStringList> rows = {
-        {tr("Program"), QStringLiteral(SYSSET_VERSION)},
-        {tr("Build"), QStringLiteral(SYSSET_BUILD)},
-        {QStringLiteral("Qt"), QString::fromLatin1(qVersion())},
-        {tr("Kernel"), QSysInfo::kernelType() + QLatin1Char(' ') + QSysInfo::kernelVersion()},
-    };
+    m_pList->clear();
+    addRow(tr("Program"), QStringLiteral(SYSSET_VERSION));
+    addRow(tr("Build"), QStringLiteral(SYSSET_BUILD));
+    addRow(QStringLiteral("Qt"), QString::fromLatin1(qVersion()));
+    addRow(tr("Kernel"), QSysInfo::kernelType() + QLatin1Char(' ') + QSysInfo::kernelVersion());
     for (const dsl::VersionEntry_T &entry : m_entries)
-        rows.append({shownBytes(entry.name), shownBytes(entry.version)});
+        addRow(shownBytes(entry.name), shownBytes(entry.version));
     const QString state = serviceState();
     if (!state.isEmpty())
-        rows.append({tr("Other software"), state});
-    return rows;
+        addRow(tr("Other software"), state);
+}
+
+void Version::addRow(const QString &name, const QString &version)
+{
+    m_pList->addTopLevelItem(new QTreeWidgetItem({name, version}));
 }
 
 // What stands in place of the service's rows; nothing if these are there.

@@ -3,8 +3,6 @@
 
 #include "platform/services.h"
 
-#include <QStringList>
-#include <QVector>
 #include <QWidget>
 
 #include <memory>
@@ -39,7 +37,7 @@ private:
     void makeList();
     void ask();
     void showRows();
-    QVector<QStringList> rows() const;
+    void addRow(const QString &name, const QString &version);
     QString serviceState() const;
 
     QTreeWidget *m_pList = nullptr; // made when the page is first shown

@@ -42,10 +42,12 @@ QSize screenSize()
     return {lcd["width"].get<int>(), lcd["height"].get<int>()};
 }
 
-// How dark a backlight of that many percent leaves a picture; at 1 it can still be read.
+// How dark a backlight of that many percent leaves a picture. At 1 it can still be read: black on
+// white then has a contrast of 4.7 to 1.
 QColor shade(int percent)
 {
-    return {0, 0, 0, 191 * (100 - percent) / 100};
+    constexpr int darkest = 138; // of 255
+    return {0, 0, 0, darkest * (100 - percent) / 100};
 }
 
 } // namespace

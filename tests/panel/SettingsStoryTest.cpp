@@ -2,7 +2,10 @@
 #include "tests/support/Text.h"
 
 #include <QFile>
+#include <QImage>
 #include <QtTest>
+
+#include <cmath>
 
 namespace {
 
@@ -17,6 +20,21 @@ const QStringList KEPT_FIELDS = {
 const QStringList COM_FIELDS = {"line_ComNum"_s, "line_HmiStation"_s, "line_StandStation"_s,
                                 "line_SerialCommiation"_s, "line_TimeCommiation"_s};
 
+// Of the lightest and the darkest grey of a picture, as WCAG 2.1 defines it.
+double contrastOf(const QImage &picture)
+{
+    int light = 0;
+    int dark = 255;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            light = std::max(light, qGray(picture.pixel(x, y)));
+            dark = std::min(dark, qGray(picture.pixel(x, y)));
+        }
+    }
+    const auto luminance = [](int grey) { return std::pow((grey / 255.0 + 0.055) / 1.055, 2.4); };
+    return (luminance(light) + 0.05) / (luminance(dark) + 0.05);
+}
+
 } // namespace
 
 // Every field of the General and COM pages by touch alone, a restart, and every value again.
@@ -27,6 +45,7 @@ class SettingsStoryTest : public QObject
 private slots:
     void initTestCase();
     void clockAndZone();
+    void dimmest();
     void backlightAndBuzzer();
     void comPort();
     void foundAgain();
@@ -119,6 +138,19 @@ void SettingsStoryTest::clockAndZone()
     QFile zone(m_panel.file("/mnt/data/etc/tz/tz.conf"_s));
     QVERIFY(zone.open(QIODevice::ReadOnly));
     QCOMPARE(zone.readAll(), QByteArray("TZ=GMT+02:00"));
+}
+
+// Whoever turns the backlight down must still see how to turn it up.
+void SettingsStoryTest::dimmest()
+{
+    enter("line_Backlightness", "背光亮度"_s, "2");
+    QVERIFY(m_panel.ask({"ui"_s, "slide"_s, "slider_Backlightness"_s, "0"_s}).isUndefined());
+    QVERIFY(!m_panel.ask({"ui"_s, "slide"_s, "slider_Backlightness"_s, "1"_s}).isUndefined());
+    QVERIFY(PanelProcess::wait([this] { return m_panel.get("lcd.brightness"_s).toInt() == 1; }));
+    const QString picture = m_panel.file("/dim.png"_s);
+    QVERIFY2(!m_panel.ask({"ui"_s, "shot"_s, picture}).isUndefined(), qPrintable(m_panel.error()));
+    const double contrast = contrastOf(QImage(picture));
+    QVERIFY2(contrast >= 4.5, qPrintable(QString::number(contrast)));
 }
 
 void SettingsStoryTest::backlightAndBuzzer()
