@@ -22,7 +22,7 @@ void TourTest::play_data()
     QTest::addColumn<QString>("lastWords");
     QTest::newRow("to its end") << QByteArray("0") << 0 << "files are as they were before."_s;
     QTest::newRow("install fails")
-        << QByteArray("-3") << 1 << "tour: the project was not installed"_s;
+        << QByteArray("-3") << 1 << "tour: the project was not installed: 下载失败"_s;
 }
 
 void TourTest::play()
