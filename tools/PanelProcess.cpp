@@ -17,6 +17,8 @@ PanelProcess::PanelProcess()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("SYSSET_ROOT"), m_root.path());
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    if (!environment.contains(QStringLiteral("FONTCONFIG_FILE")))
+        environment.insert(QStringLiteral("FONTCONFIG_FILE"), QStringLiteral(PANEL_FONTS));
     m_process.setProcessEnvironment(environment);
     m_process.setStandardOutputFile(m_root.path() + QStringLiteral("/stdout"));
 }

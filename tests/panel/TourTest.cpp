@@ -1,4 +1,4 @@
-#include "tests/panel/PanelProcess.h"
+#include "tools/PanelProcess.h"
 #include "tests/support/Text.h"
 
 #include <QDir>
