@@ -20,6 +20,7 @@
 #include "platform/board.h"
 #include "platform/cos_process.h"
 #include "platform/cos_thread.h"
+#include "resources/Resources.h"
 #include "system/CommSetting.h"
 #include "system/ComParam.h"
 #include "system/General.h"
@@ -44,6 +45,8 @@ constexpr int CLOUD_PERIOD_MS = 2000;
 constexpr int REPEAT_FOR_EVER = -1;
 constexpr int START_BEEP_MS = 480;
 constexpr unsigned int RECORDS_TIMEOUT_MS = 5000;
+
+constexpr int MOST_LINES_OF_SMALL_PICTURES = 480;
 
 constexpr std::size_t UPDATE_GROUP = 2;
 constexpr int WIFI_TAB = 1;
@@ -127,6 +130,8 @@ void MainWin::openScreen()
     QApplication::setFont(panelFont());
     Beep(START_BEEP_MS);
     setFixedSize(m_screen);
+    if (m_screen.height() > MOST_LINES_OF_SMALL_PICTURES)
+        loadLargePictures();
 }
 
 void MainWin::makePages()

@@ -6,4 +6,11 @@
 void loadResources()
 {
     Q_INIT_RESOURCE(resources);
+    Q_INIT_RESOURCE(small_pictures);
+}
+
+void loadLargePictures()
+{
+    Q_CLEANUP_RESOURCE(small_pictures);
+    Q_INIT_RESOURCE(large_pictures);
 }

@@ -8,3 +8,7 @@
 // "The Qt Resource System"), so each program calls this once, on the GUI thread, before it
 // shows a page. Further calls do nothing.
 void loadResources();
+
+// Has the pictures that are drawn as border images in their larger size, for a screen of more than
+// 480 lines. After loadResources() and before the first of them is shown, on the GUI thread.
+void loadLargePictures();

@@ -2,6 +2,7 @@
 
 #include "tests/support/Text.h"
 
+#include <QHash>
 #include <QImage>
 #include <QImageReader>
 #include <QResource>
@@ -46,6 +47,19 @@ private slots:
             QVERIFY2(!pictures.contains(picture), qPrintable(name));
             pictures << picture;
         }
+    }
+
+    // Border images are blurred where they are enlarged by much.
+    void largePicturesReplaceSmallOnes()
+    {
+        const auto names =
+            "Question Information Warning Critical Switch_Open Switch_Close 4G_0 4G_4"_s;
+        QHash<QString, int> heights;
+        for (const QString &name : names.split(QLatin1Char(' ')))
+            heights[name] = QImage(IMAGES + name + ".png"_s).height();
+        loadLargePictures();
+        for (const QString &name : names.split(QLatin1Char(' ')))
+            QVERIFY2(QImage(IMAGES + name + ".png"_s).height() > heights[name], qPrintable(name));
     }
 
     void animationNeverEnds()
