@@ -20,6 +20,15 @@ QStringList serviceRows(const Version &page)
     return rows;
 }
 
+// How often the service was asked.
+std::size_t questions()
+{
+    const auto calls = sim::panel().calls();
+    return static_cast<std::size_t>(std::count_if(calls.begin(), calls.end(), [](const auto &call) {
+        return call.at("op") == "dsl.getVersionList";
+    }));
+}
+
 } // namespace
 
 class VersionTest : public QObject
@@ -101,7 +110,7 @@ void VersionTest::neverWaitsForTheService()
     QTRY_COMPARE_WITH_TIMEOUT(
         serviceRows(page), QStringList("Other software=No answer. Please open this page again."_s),
         10000);
-    QCOMPARE(sim::panel().calls().size(), std::size_t(1));
+    QCOMPARE(questions(), std::size_t(1));
 }
 
 void VersionTest::mayGoWhileTheServiceIsAsked()
@@ -114,7 +123,7 @@ void VersionTest::mayGoWhileTheServiceIsAsked()
     sim::panel().hurry();
     COS::CCosThreadPool::destory();
     QCoreApplication::processEvents();
-    QCOMPARE(sim::panel().calls().size(), std::size_t(8));
+    QCOMPARE(questions(), std::size_t(8));
 }
 
 void VersionTest::saysThatNobodyCouldAsk()

@@ -423,9 +423,11 @@ void NetWorkTestTest::runsOnceAndCanBeClosed()
 
 void NetWorkTestTest::keepsTheRowThatMattersInSight()
 {
+    sim::panel().set("lcd.width", 480);
+    sim::panel().set("lcd.height", 272);
     sim::panel().set("net.cable.eth0", -1);
     m_dialog->setWifiDevice("wlan0");
-    m_dialog->setFixedSize(336, 250);
+    m_dialog->setFixedSize(336, 217);
     m_dialog->show();
     sim::panel().delay("netT.netTping", 300);
     button()->click();
