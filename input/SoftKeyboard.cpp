@@ -3,6 +3,7 @@
 #include "app/look/BoxHelpers.h"
 #include "app/look/DismissGuard.h"
 #include "app/look/Screen.h"
+#include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "platform/cos_time.h"
@@ -13,6 +14,9 @@
 namespace {
 
 constexpr int DEBOUNCE_MS = 150;
+constexpr int SHADOW = 3; // pixels, painted around the keyboard
+constexpr int KEY_ROWS = 4;
+constexpr int LINES_A_GAP = 200; // of the screen, for each pixel between the keys
 
 enum Page { PAGE_LETTERS = 0, PAGE_SYMBOLS = 1, PAGE_NUMBERS = 2 };
 
@@ -69,7 +73,7 @@ SoftKeyboard::~SoftKeyboard() = default;
 
 void SoftKeyboard::connectKeys()
 {
-    const int iconSide = screenSize().height() / 20;
+    const int iconSide = touchHeight() * 3 / 5;
     for (QPushButton *key : findChildren<QPushButton *>()) {
         key->setIconSize({iconSide, iconSide});
         connect(key, &QPushButton::clicked, this, &SoftKeyboard::slot_Btnclicked);
@@ -100,14 +104,17 @@ void SoftKeyboard::tableActions()
     };
 }
 
+// What a finger touches comes first; the rest of a small keyboard is for the entry line.
 void SoftKeyboard::fitToScreen()
 {
-    const int gap = screenSize().height() / 120;
+    const int gap = screenSize().height() / LINES_A_GAP;
     for (QLayout *part : findChildren<QLayout *>())
         part->setSpacing(gap);
-    const int frame = 3 + gap; // the shadow's three pixels stay free
-    layout()->setContentsMargins(frame, frame, frame, frame);
-    ui->lab_Field->setContentsMargins(2 * gap, 0, 2 * gap, 0);
+    layout()->setContentsMargins(SHADOW, SHADOW, SHADOW, SHADOW);
+    ui->widget_2->setMinimumHeight(touchHeight());
+    ui->stackedWidget->setMinimumHeight(KEY_ROWS * (touchHeight() + gap) - gap);
+    for (QLabel *said : {ui->lab_Passwd, static_cast<QLabel *>(ui->lab_Field)})
+        said->setContentsMargins(spacing(1), 0, spacing(1), 0);
 }
 
 void SoftKeyboard::setCaption(const QString &caption)
@@ -160,7 +167,8 @@ void SoftKeyboard::setMode(int mode)
     // Until a dialog is shown, Qt goes on using the first sheet that it had parsed for it.
     if (mode == KB_MODE_NUMBER)
         ui->line_Text->setAlignment(Qt::AlignHCenter);
-    ui->btn_close->setFixedWidth(ui->btn_close->height());
+    for (QPushButton *button : {ui->btn_close, ui->btn_Eye})
+        button->setFixedWidth(ui->widget_2->height());
     exec();
 }
 

@@ -232,6 +232,7 @@ QString messageBoxStyle()
 
 QString keyboardStyle(bool centred)
 {
+    // A page's own rule for its fields would reach the entry line too.
     return filled(QStringLiteral("QLabel{color:@ink;%1border-radius:4px;}") + buttonTemplate() +
                   QStringLiteral("#SoftKeyboard{background-color:@surface;}"
                                  "QLabel#lab_Min,QLabel#lab_Max{padding:0px 6px;}"
@@ -239,7 +240,7 @@ QString keyboardStyle(bool centred)
                                  "QPushButton#btn_close{background-color:transparent;"
                                  "border:0px solid @line;}"
                                  "QLineEdit{color:@ink;%1background:transparent;border:0px;"
-                                 "border-bottom:2px solid @line;"
+                                 "min-height:0px;border-bottom:2px solid @line;"
                                  "selection-background-color:transparent;"
                                  "selection-color:@ink;qproperty-alignment:")) +
            (centred ? QStringLiteral("AlignHCenter;}") : QStringLiteral("AlignLeft;}"));
@@ -269,7 +270,14 @@ QString versionStyle()
 
 QString radioStyle()
 {
-    return filled(radioTemplate(RADIO_SIDE));
+    const int around = (touchHeight() - RADIO_SIDE) / 2;
+    return filled(radioTemplate(RADIO_SIDE) +
+                  QStringLiteral("QRadioButton{padding-left:%2px;}"
+                                 "QPushButton[chosen=\"true\"]{color:@selectedInk;"
+                                 "background-color:@selected;border-color:@selected;}"
+                                 "QPushButton[chosen=\"true\"]:pressed"
+                                 "{background-color:@mutedInk;}"))
+        .replace(QLatin1String("%2"), QString::number(around));
 }
 
 QString growingRadioStyle()

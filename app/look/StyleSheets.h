@@ -21,7 +21,8 @@ QString keyboardStyle(bool centred);
 QString infoStyle();
 // The version page's: a list of two columns, lines between its rows.
 QString versionStyle();
-// Radio buttons with indicators of 20 by 20 pixels.
+// The language page's: radio buttons with indicators of 20 by 20 pixels, and the button with the
+// dynamic property "chosen" beside the one that is checked.
 QString radioStyle();
 // Radio buttons whose indicators follow the screen, 20 by 20 pixels at least.
 QString growingRadioStyle();
