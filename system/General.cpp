@@ -23,6 +23,11 @@ General::General(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::Gen
     ui->lab_BeepVal->setFixedSize(side, side);
     ui->btn_SetTime->setMinimumHeight(side);
     ui->comboBox->setMinimumHeight(side);
+    for (QLineEdit *field :
+         {ui->line_Month, ui->line_Day, ui->line_Hour, ui->line_Minute, ui->line_Second,
+          ui->line_BacklightTime, ui->line_Backlightness, ui->line_BeepTime, ui->line_BeepType})
+        field->setMinimumWidth(side);
+    ui->line_Year->setMinimumWidth(side * 5 / 4);
     m_clock.emplace(this,
                     ClockPanel::Fields{ui->line_Year, ui->line_Month, ui->line_Day, ui->line_Hour,
                                        ui->line_Minute, ui->line_Second},

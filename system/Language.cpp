@@ -1,5 +1,6 @@
 #include "system/Language.h"
 
+#include "app/look/Screen.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "system/LanguageSettings.h"
@@ -8,9 +9,19 @@
 Language::Language(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::Language>())
 {
     ui->setupUi(this);
+    showChoiceOn(ui->radio_1, ui->CHBtn);
+    showChoiceOn(ui->radio_2, ui->ENBtn);
 }
 
 Language::~Language() = default;
+
+// The button that goes with a radio shows the choice too: it is what a finger goes for.
+void Language::showChoiceOn(QRadioButton *radio, QPushButton *button)
+{
+    radio->setMinimumSize(touchHeight(), touchHeight());
+    connect(radio, &QRadioButton::toggled, button,
+            [button](bool chosen) { markWidget(button, "chosen", chosen); });
+}
 
 void Language::checkLanguage(int id)
 {

@@ -5,6 +5,9 @@
 
 #include <memory>
 
+class QPushButton;
+class QRadioButton;
+
 namespace Ui {
 class Language;
 }
@@ -33,5 +36,7 @@ private slots:
     void slot_RadioPressed();
 
 private:
+    static void showChoiceOn(QRadioButton *radio, QPushButton *button);
+
     std::unique_ptr<Ui::Language> ui;
 };
