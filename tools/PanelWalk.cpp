@@ -75,6 +75,14 @@ void PanelWalk::start(const QStringList &options)
         throw Stuck("the panel does not start");
 }
 
+// The same in a situation that is not that of the rest of the walk.
+void PanelWalk::startIn(const char *scenario)
+{
+    const QString usual = std::exchange(m_sScenario, latin(scenario));
+    start();
+    m_sScenario = usual;
+}
+
 void PanelWalk::at(const char *state)
 {
     QThread::msleep(REST_MS);
@@ -176,6 +184,9 @@ void PanelWalk::system()
     touch("comboBox", 1);
     awaitGone("QComboBoxPrivateContainer");
     QThread::msleep(LIST_PAUSE_MS);
+    ask({latin("fail"), latin("backstage.AddrWrite"), latin("-1"), latin("1")});
+    touch("btn_SetTime");
+    box("general-not-saved");
     communication();
     touch("tab_System", 2);
     awaitSeen("CHBtn");
@@ -195,8 +206,11 @@ void PanelWalk::communication()
     touch("btn_TimeOutIndetail");
     awaitSeen("Communication");
     at("com-timeout");
-    touch("btn_Canl");
+    ask({latin("fail"), latin("backstage.AddrWrite"), latin("-1"), latin("1")});
+    touch("btn_Save");
     awaitGone("Communication");
+    awaitSeen("lab_NotSaved");
+    at("com-not-saved");
 }
 
 // --- Before everything else --------------------------------------------------------------------
@@ -222,9 +236,7 @@ void PanelWalk::gate()
 // Without the network service.
 void PanelWalk::alone()
 {
-    const QString scenario = std::exchange(m_sScenario, latin("no-network-service"));
-    start();
-    m_sScenario = scenario;
+    startIn("no-network-service");
     box("no-network-service");
     touch("btn_Net");
     touch("tab_Net", 0);
@@ -235,6 +247,18 @@ void PanelWalk::alone()
     touch("tab_Net", 2);
     at("4g-unknown");
     nobodyInRange();
+    unreadable();
+}
+
+// On a board that tells nothing, with a clock that may not be set.
+void PanelWalk::unreadable()
+{
+    startIn("unreadable");
+    awaitSeen("tab_Machine");
+    at("about-unreadable");
+    touch("btn_Sysset");
+    awaitSeen("comboBox");
+    at("general-locked");
 }
 
 // Networks that have been seen stay on the list; a panel that never saw one has none.

@@ -42,14 +42,18 @@ private:
     void diagnosis();
     void updates();
     void projects();
+    void manyFiles();
     void firmware();
     void plcPrograms();
     void gate();
     void alone();
     void nobodyInRange();
+    void unreadable();
 
     void start(const QStringList &options = {});
+    void startIn(const char *scenario);
     void makeStick();
+    void changeStick();
     void makeFile(const char *tool, const QStringList &options, const QString &name);
 
     // Lets the state come to rest and shows it.

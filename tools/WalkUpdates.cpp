@@ -1,9 +1,12 @@
 // The Update group of the walk, with a U-disk that has something for each page.
 #include "tools/PanelWalk.h"
 
+#include <QFile>
 #include <QProcess>
 
 namespace {
+
+constexpr const char *LONGEST_MODEL = "KV156T-PRO-4G-CAN2-RS485X4-2023A"; // 32 bytes
 
 QString latin(const char *text)
 {
@@ -31,6 +34,9 @@ void PanelWalk::makeStick()
         makeFile("make-update-file", small, latin(project));
     makeFile("make-update-file", small + QStringList{latin("--version"), latin("999")},
              latin("KV070T-2.4.osf3"));
+    for (const char *other : {"Spare panel.tmt3", "Spare panel.osf3"})
+        makeFile("make-update-file", small + QStringList{latin("--model"), latin(LONGEST_MODEL)},
+                 latin(other));
     makeFile("make-plc-program", small.mid(0, 2), latin("Conveyor.bin"));
 }
 
@@ -46,6 +52,8 @@ void PanelWalk::updates()
     projects();
     firmware();
     plcPrograms();
+    changeStick();
+    manyFiles();
 }
 
 void PanelWalk::projects()
@@ -60,11 +68,10 @@ void PanelWalk::projects()
     at("update-running");
     set("update.stepTime", "0");
     box("update-done");
-    const QByteArray model = m_panel->get(latin("machine.hmiType")).toString().toUtf8();
-    set("machine.hmiType", R"("KV101T-PRO")");
+    touch("list_Pro", 1);
     touch("btn_DownLoadPro");
     box("update-other-model");
-    set("machine.hmiType", ('"' + model + '"').constData());
+    touch("list_Pro", 0);
     set("update.error", "-9");
     touch("btn_DownLoadPro");
     box("update-refused");
@@ -78,6 +85,9 @@ void PanelWalk::firmware()
     touch("btn_DownLoadImage");
     box("update-newer", "btn_Cancel");
     box("update-declined");
+    touch("list_Image", 1);
+    touch("btn_DownLoadImage");
+    box("update-other-board");
 }
 
 void PanelWalk::plcPrograms()
@@ -89,4 +99,48 @@ void PanelWalk::plcPrograms()
     touch("btn_DownLoadPlcPro");
     box("update-plc-timeout");
     at("update-plc-failed");
+    ask({latin("fail"), latin("plc.Commu"), latin("-31"), latin("1")});
+    touch("btn_DownLoadPlcPro");
+    box("update-plc-no-id");
+}
+
+// More files than the list has room for, and a name as long as names are.
+void PanelWalk::changeStick()
+{
+    ask({latin("usb"), latin("remove"), m_stick->path()});
+    m_stick = std::make_unique<QTemporaryDir>();
+    const QString longest = QString::fromUtf8("包装线 二号 夹具 ").repeated(8).left(75);
+    makeFile("make-update-file",
+             {latin("--size"), latin("4096"), latin("--model"),
+              m_panel->get(latin("machine.hmiType")).toString()},
+             longest + latin(".tmt3"));
+    for (int i = 1; i < 20; ++i) {
+        QFile file(m_stick->filePath(QStringLiteral("Recipe %1.tmt3").arg(i)));
+        if (!file.open(QIODevice::WriteOnly))
+            throw Stuck("cannot fill the U-disk");
+    }
+}
+
+void PanelWalk::manyFiles()
+{
+    touch("tab_UpData", 0);
+    ask({latin("usb"), latin("insert"), m_stick->path()});
+    const auto rows = [this] {
+        return m_panel->widget(latin("list_Pro"), latin("items")).toArray();
+    };
+    await([&] { return rows().size() == 20; }, latin("all files"));
+    at("update-many");
+    int longest = 0;
+    while (rows()[longest].toString().size() < 80)
+        ++longest;
+    touch("list_Pro", longest);
+    at("update-long-name");
+    set("update.steps", "[40]");
+    set("update.stepTime", "1500");
+    touch("btn_DownLoadPro");
+    await([this] { return m_panel->widget(latin("bar_Project"), latin("value")).toInt() == 40; },
+          latin("the bar"));
+    at("update-long-running");
+    set("update.stepTime", "0");
+    box("update-long-done");
 }
