@@ -4,11 +4,13 @@
 #include "app/look/FontStyle.h"
 #include "app/look/OutsideText.h"
 #include "app/look/Screen.h"
+#include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "platform/cos_file.h"
 
 #include <QCoreApplication>
 #include <QLabel>
+#include <QLayout>
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
@@ -76,6 +78,7 @@ void UpdatePage::clearUdisk()
 void UpdatePage::retranslate()
 {
     translateForm();
+    setStyleWhenSeen(this, scrollStyle());
     setStyleWhenSeen(m_widgets.label, QStringLiteral(" QLabel{color:black;%1border-radius:4px;"
                                                      "border: 1px solid #C4C4C3;}")
                                           .arg(GetFontStyle()));
@@ -92,7 +95,15 @@ void UpdatePage::retranslate()
 void UpdatePage::selectRow(const QString &itemText)
 {
     (m_pWorker->*m_kind.resetResult)(0);
-    m_widgets.label->setText(selectedText(itemText));
+    say(selectedText(itemText));
+}
+
+// A long name takes room from the list, where the row must not go out of sight for it.
+void UpdatePage::say(const QString &said)
+{
+    m_widgets.label->setText(said);
+    layout()->activate();
+    m_widgets.list->scrollToItem(m_widgets.list->currentItem());
 }
 
 // The page does not look at whether the worker takes the job: busy with another one, it never
@@ -110,8 +121,8 @@ void UpdatePage::startDownload()
     if (m_kind.order == UpdatePageKind::CONNECT_AFTER_START)
         connectWorker();
     m_widgets.bar->setValue(0);
-    m_widgets.label->setText(QStringLiteral("%1%2,%3").arg(
-        text(m_kind.downloading), shownBytes(file.shown), text(m_kind.caution)));
+    say(QStringLiteral("%1%2,%3").arg(text(m_kind.downloading), shownBytes(file.shown),
+                                      text(m_kind.caution)));
     m_nTimer = startTimer(m_kind.timerMs, Qt::CoarseTimer);
     m_widgets.list->setEnabled(false);
     setEnabled(false);

@@ -100,6 +100,7 @@ protected:
     virtual void moveBar();
 
 private:
+    void say(const QString &said);
     bool isListed(const std::string &name) const;
     void tell(bool success, const QString &said);
     void connectWorker();

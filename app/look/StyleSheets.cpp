@@ -212,6 +212,11 @@ QString updateStyle()
         .replace(QLatin1String("%2"), QString::number(touchHeight()));
 }
 
+QString scrollStyle()
+{
+    return themed(scrollBarTemplate());
+}
+
 QString navigationStyle(bool selected)
 {
     return filled(selected ? QStringLiteral("color: white; background-color:rgb(0   , 85  ,127); "

@@ -12,6 +12,8 @@ QString tabStyle();
 int tabWidth();
 // The update group's, behind its tab style: progress bars and file lists.
 QString updateStyle();
+// Scroll bars that a finger can take hold of: an update page's, behind its group's.
+QString scrollStyle();
 // A navigation button's.
 QString navigationStyle(bool selected);
 QString messageBoxStyle();
