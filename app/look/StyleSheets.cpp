@@ -245,7 +245,7 @@ QString keyboardStyle(bool centred)
                                  "QPushButton#btn_close{background-color:transparent;"
                                  "border:0px solid @line;}"
                                  "QLineEdit{color:@ink;%1background:transparent;border:0px;"
-                                 "min-height:0px;border-bottom:2px solid @line;"
+                                 "min-height:0px;padding:0px 6px;border-bottom:2px solid @line;"
                                  "selection-background-color:transparent;"
                                  "selection-color:@ink;qproperty-alignment:")) +
            (centred ? QStringLiteral("AlignHCenter;}") : QStringLiteral("AlignLeft;}"));

@@ -1,5 +1,7 @@
 #include "app/look/WrapLabel.h"
 
+#include "app/look/Spacing.h"
+
 #include <QPainter>
 #include <QTextLayout>
 
@@ -8,8 +10,13 @@
 
 namespace {
 
-constexpr int PADDING = 6; // pixels to the left and right of the text
-constexpr int LEAD = 2;    // above and below
+constexpr int LEAST_PADDING = 6; // pixels to the left and right of the text
+constexpr int LEAD = 2;          // above and below
+
+int padding()
+{
+    return std::max(LEAST_PADDING, spacing(1));
+}
 
 // Breaks the label's text into lines of `width`. Returns their height.
 int layLines(QTextLayout &layout, int width)
@@ -69,7 +76,7 @@ int WrapLabel::heightForWidth(int width) const
     const QSize frame = size() - contentsRect().size();
     QTextLayout layout;
     prepare(layout, *this);
-    const int text = layLines(layout, std::max(1, width - frame.width() - 2 * PADDING));
+    const int text = layLines(layout, std::max(1, width - frame.width() - 2 * padding()));
     return std::max(text + 2 * LEAD, sizeHint().height()) + frame.height();
 }
 
@@ -87,7 +94,7 @@ void WrapLabel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     drawFrame(&painter);
-    const QRect room = contentsRect().adjusted(PADDING, LEAD, -PADDING, -LEAD);
+    const QRect room = contentsRect().adjusted(padding(), LEAD, -padding(), -LEAD);
     QTextLayout layout;
     prepare(layout, *this);
     const int height = layLines(layout, std::max(1, room.width()));
