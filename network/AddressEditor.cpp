@@ -1,5 +1,7 @@
 #include "network/AddressEditor.h"
 
+#include "app/look/FontStyle.h"
+#include "app/look/Screen.h"
 #include "input/FieldKeyboard.h"
 
 #include <QCoreApplication>
@@ -54,8 +56,16 @@ AddressEditor::AddressEditor(QWidget *page, const AddressPolicy &policy)
       m_groups{groupOf(page, "line_Ip"), groupOf(page, "line_Mask"), groupOf(page, "line_GateWay"),
                groupOf(page, "line_Dns1_"), groupOf(page, "line_Dns2_")}
 {
-    for (OctetGroup &group : m_groups)
+    const QSize largest(2 * touchHeight(), touchHeight());
+    for (OctetGroup &group : m_groups) {
         group.watch(page);
+        group.limitSize(largest);
+    }
+}
+
+int AddressEditor::captionWidth()
+{
+    return fontPixelSize() * 11 / 2;
 }
 
 void AddressEditor::update(const AddressTexts &texts)

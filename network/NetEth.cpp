@@ -1,5 +1,7 @@
 #include "network/NetEth.h"
 
+#include "app/look/Screen.h"
+#include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "network/NetRecord.h"
@@ -23,6 +25,8 @@ NetEth::NetEth(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::NetEt
         PLAIN_SWITCH);
     m_switch->setTexts(tr("Enable"), tr("Unplugged"));
     m_addresses.emplace(this, ETHERNET_POLICY);
+    for (QWidget *radio : {ui->radio_Dhcp, ui->radio_Static})
+        radio->setMinimumHeight(touchHeight());
     setEthPage(false);
     enableControls();
     connect(ui->btn_EthSwitch, &QPushButton::clicked, this, &NetEth::slot_ButtonPressed);
@@ -61,6 +65,10 @@ void NetEth::setNetInfo(const netT::stAllNetInfo_tag &record)
 void NetEth::retranslate()
 {
     ui->retranslateUi(this);
+    const int caption = AddressEditor::captionWidth();
+    ui->lab_EthCaption->setMinimumWidth(caption);
+    ui->addressGrid->setColumnMinimumWidth(0, caption + spacing(2));
+    sayWhatIsMissing();
     m_switch->setTexts(tr("Enable"), tr("Unplugged"));
     setStyleWhenSeen(this, growingRadioStyle());
     setStyleWhenSeen(ui->widget_EthIndetail, addressStyle(m_addresses->isEditable()));
@@ -105,6 +113,15 @@ void NetEth::enableControls()
     ui->radio_Static->setEnabled(enabled);
     ui->widget_EthIndetail->setEnabled(enabled);
     watchRadios(enabled);
+    sayWhatIsMissing();
+}
+
+// Where the addresses would stand.
+void NetEth::sayWhatIsMissing()
+{
+    ui->lab_replacwidgetEth->setText(!m_switch->isPresent() ? tr("No Ethernet device was found.")
+                                     : m_switch->isOn()     ? tr("Waiting for an address.")
+                                                            : tr("Ethernet is switched off."));
 }
 
 void NetEth::setEthPage(bool on)

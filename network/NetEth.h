@@ -40,6 +40,7 @@ private slots:
 private:
     void press(QObject *target);
     void enableControls();
+    void sayWhatIsMissing();
     void setEthPage(bool on);
     void showAddressing(const netT::stAllNetInfo_tag &record);
     void showDhcpView();

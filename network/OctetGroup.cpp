@@ -49,6 +49,12 @@ bool OctetGroup::contains(const QObject *object) const
     return std::find(m_fields.begin(), m_fields.end(), object) != m_fields.end();
 }
 
+void OctetGroup::limitSize(const QSize &largest)
+{
+    for (QLineEdit *field : m_fields)
+        field->setMaximumSize(largest);
+}
+
 void OctetGroup::setEnabled(bool enabled)
 {
     for (QLineEdit *field : m_fields)

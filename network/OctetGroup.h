@@ -9,6 +9,7 @@
 
 class QLineEdit;
 class QObject;
+class QSize;
 
 // The parts of a dotted text; nothing unless there are exactly four.
 std::optional<std::array<QString, 4>> octetsOf(const std::string &dotted);
@@ -33,6 +34,8 @@ public:
     bool isComplete() const;
     bool contains(const QObject *object) const;
 
+    // How large each field may grow.
+    void limitSize(const QSize &largest);
     void setEnabled(bool enabled);
     // Lets `filter` see the events of all four fields.
     void watch(QObject *filter);

@@ -45,7 +45,12 @@ WifiPara::WifiPara(QWidget *page) : QDialog(page), ui(std::make_unique<Ui::WifiP
     ui->radio_Dhcp->installEventFilter(this);
     ui->radio_Static->installEventFilter(this);
     connect(ui->pushButton_2, &QPushButton::clicked, this, &WifiPara::slot_ButtonPressed);
-    ui->pushButton_2->setMinimumWidth(2 * touchHeight());
+    const int touch = touchHeight();
+    for (QWidget *control :
+         std::initializer_list<QWidget *>{ui->radio_Dhcp, ui->radio_Static, ui->pushButton_2})
+        control->setMinimumHeight(touch);
+    ui->pushButton_2->setMinimumWidth(2 * touch);
+    ui->addressGrid->setColumnMinimumWidth(0, AddressEditor::captionWidth());
     setStyleSheet(wifiParaStyle());
     place(this, page);
 }

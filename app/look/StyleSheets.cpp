@@ -170,6 +170,7 @@ QString windowStyle()
     return filled(QStringLiteral("QLabel{color:@ink;%1border-radius:4px;}") + buttonTemplate() +
                   switchTemplate() + listTemplate() +
                   QStringLiteral("#Qt_MainWin{background-color:@surface;}"
+                                 "QLabel#lab_replacwidgetEth,QLabel#lab_vpn{color:@mutedInk;}"
                                  "QFrame#wdg_Status{background-color:@shade;border-radius:4px;}"
                                  "QCheckBox{color:@ink;%1outline:none;}"));
 }
