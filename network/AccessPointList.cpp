@@ -1,6 +1,7 @@
 #include "network/AccessPointList.h"
 
 #include "app/look/Screen.h"
+#include "app/look/Theme.h"
 #include "network/ListItem.h"
 
 #include <QMouseEvent>
@@ -76,6 +77,24 @@ void AccessPointList::setAccessPoints(const std::vector<netT::stApInfo_tag> &acc
     while (count() < rows)
         new Row(this, count());
     placeWidgets();
+}
+
+void AccessPointList::setEmptyText(const QString &text)
+{
+    if (m_sEmpty == text)
+        return;
+    m_sEmpty = text;
+    viewport()->update();
+}
+
+void AccessPointList::paintEvent(QPaintEvent *event)
+{
+    QListWidget::paintEvent(event);
+    if (count() > 0)
+        return;
+    QPainter painter(viewport());
+    painter.setPen(themeColour(QStringLiteral("mutedInk")));
+    painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, m_sEmpty);
 }
 
 void AccessPointList::keepLevels()

@@ -23,6 +23,9 @@ public:
     // Shows the access points in their order. One whose level is none keeps the one it had.
     void setAccessPoints(const std::vector<netT::stApInfo_tag> &accessPoints);
 
+    // What stands in the middle of a list without rows.
+    void setEmptyText(const QString &text);
+
     // What a click on `item` is meant for: the access point that the finger went down on, even if
     // another one has come into the row meanwhile.
     std::optional<netT::stApInfo_tag> chosen(const QListWidgetItem *item) const;
@@ -34,6 +37,7 @@ public:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
     void mousePressEvent(QMouseEvent *event) override;
@@ -56,5 +60,6 @@ private:
     std::vector<netT::stApInfo_tag> m_former;
     std::vector<ListItem *> m_widgets; // in the order of the rows in view
     std::optional<Touch> m_touch;
+    QString m_sEmpty;
     int m_nRowHeight;
 };

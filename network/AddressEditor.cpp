@@ -1,6 +1,5 @@
 #include "network/AddressEditor.h"
 
-#include "app/look/FontStyle.h"
 #include "app/look/Screen.h"
 #include "input/FieldKeyboard.h"
 
@@ -61,11 +60,6 @@ AddressEditor::AddressEditor(QWidget *page, const AddressPolicy &policy)
         group.watch(page);
         group.limitSize(largest);
     }
-}
-
-int AddressEditor::captionWidth()
-{
-    return fontPixelSize() * 11 / 2;
 }
 
 void AddressEditor::update(const AddressTexts &texts)

@@ -35,10 +35,6 @@ public:
     // The form of `page` must be built. The fields must outlive the editor.
     AddressEditor(QWidget *page, const AddressPolicy &policy);
 
-    // The least width of the captions beside the fields, and of what stands in line with them, in
-    // pixels: that of the longest one. The gap to the fields is spacing(3).
-    static int captionWidth();
-
     void setDevice(const std::string &device) { m_sDevice = device; }
 
     // The texts last received or sent.

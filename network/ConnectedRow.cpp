@@ -6,7 +6,7 @@
 
 ConnectedRow::ConnectedRow(const Widgets &widgets) : m_widgets(widgets)
 {
-    m_widgets.place->setMinimumHeight(touchHeight());
+    m_widgets.place->setMinimumHeight(touchHeight() * 3 / 2); // two lines
     hide();
 }
 

@@ -104,6 +104,7 @@ void ListItem::setMode(Mode mode)
 
 void ListItem::setAddress(const std::string &address)
 {
+    ui->lab_ip->setIndent(ui->lab_ip->fontMetrics().height() / 2); // as the name on its chip
     ui->lab_ip->setText(shownBytes(address));
 }
 

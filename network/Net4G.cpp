@@ -1,6 +1,7 @@
 #include "network/Net4G.h"
 
 #include "app/look/BoxHelpers.h"
+#include "app/look/FontStyle.h"
 #include "app/look/OutsideText.h"
 #include "app/look/Screen.h"
 #include "app/look/StyleSheets.h"
@@ -36,6 +37,13 @@ std::optional<int> signalLevel(int csq)
     if (csq < 0 || csq > BEST_CSQ)
         return std::nullopt;
     return (csq + 7) / 8;
+}
+
+// From its beginning: a text too long for the field is seen whole in the keyboard.
+void showFrom(QLineEdit *field, const std::string &text)
+{
+    field->setText(QString::fromStdString(text));
+    field->home(false);
 }
 
 bool isSame(const netT::stApnInfo_tag &one, const netT::stApnInfo_tag &other)
@@ -128,6 +136,8 @@ netT::tag_atCollect Net4G::atInfo() const
 void Net4G::retranslate()
 {
     ui->retranslateUi(this);
+    for (QLabel *caption : {ui->lab_4gCaption, ui->lab_IccidCaption, ui->lab_ApnName})
+        caption->setMinimumWidth(fontPixelSize() * 9 / 2);
     m_switch->setTexts(tr("Enable"), tr("Unplugged"));
     setStyleWhenSeen(this, cellularStyle());
 }
@@ -165,6 +175,7 @@ void Net4G::edit(QLineEdit *field)
     request.yFactor = 0.15;
     m_bEditing = true;
     editWithKeyboard(request);
+    field->home(false);
     m_bEditing = false;
     if (m_switch->isPresent())
         sendApn();
@@ -200,10 +211,10 @@ void Net4G::refreshApn()
     m_bApnUnsent = false;
     m_apn = m_servedApn = apn;
     showApnMode(saysEnable(apn.sMode) && m_switch->isOn());
-    ui->line_ApnName->setText(QString::fromStdString(apn.sName));
-    ui->line_ApnAuth->setText(QString::fromStdString(apn.sAuth));
-    ui->line_ApnUsr->setText(QString::fromStdString(apn.sUser));
-    ui->line_ApnPwd->setText(QString::fromStdString(apn.sPassword));
+    showFrom(ui->line_ApnName, apn.sName);
+    showFrom(ui->line_ApnAuth, apn.sAuth);
+    showFrom(ui->line_ApnUsr, apn.sUser);
+    showFrom(ui->line_ApnPwd, apn.sPassword);
 }
 
 void Net4G::showApnMode(bool manual)

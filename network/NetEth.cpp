@@ -1,5 +1,6 @@
 #include "network/NetEth.h"
 
+#include "app/look/FontStyle.h"
 #include "app/look/Screen.h"
 #include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
@@ -7,6 +8,7 @@
 #include "network/NetRecord.h"
 #include "ui_NetEth.h"
 
+#include <QLineEdit>
 #include <QMouseEvent>
 
 #include <cstdio>
@@ -27,6 +29,8 @@ NetEth::NetEth(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::NetEt
     m_addresses.emplace(this, ETHERNET_POLICY);
     for (QWidget *radio : {ui->radio_Dhcp, ui->radio_Static})
         radio->setMinimumHeight(touchHeight());
+    for (QLineEdit *field : findChildren<QLineEdit *>())
+        field->setMinimumHeight(touchHeight());
     setEthPage(false);
     enableControls();
     connect(ui->btn_EthSwitch, &QPushButton::clicked, this, &NetEth::slot_ButtonPressed);
@@ -65,7 +69,7 @@ void NetEth::setNetInfo(const netT::stAllNetInfo_tag &record)
 void NetEth::retranslate()
 {
     ui->retranslateUi(this);
-    const int caption = AddressEditor::captionWidth();
+    const int caption = captionWidth();
     ui->lab_EthCaption->setMinimumWidth(caption);
     ui->addressGrid->setColumnMinimumWidth(0, caption + spacing(2));
     sayWhatIsMissing();

@@ -13,6 +13,7 @@
 namespace {
 
 constexpr unsigned int TIMEOUT_MS = 5000;
+constexpr int WIDEST = 8;                           // of the controls, in heights of a touch
 constexpr std::array KINDS = {"ETH", "WIFI", "4G"}; // by the list's index
 
 std::atomic<bool> s_bAnswered{false}; // for the whole process
@@ -23,8 +24,15 @@ NetExtend::NetExtend(QWidget *parent)
     : QWidget(parent), ui(std::make_unique<Ui::NetExtend>()), m_pDiagnosis(new NetWorkTestUi(this))
 {
     ui->setupUi(this);
-    ui->btn_check->setMinimumHeight(touchHeight());
-    ui->combox->setMinimumHeight(touchHeight());
+    const int touch = touchHeight();
+    for (QWidget *control : std::initializer_list<QWidget *>{ui->btn_check, ui->combox}) {
+        control->setMinimumHeight(touch);
+        control->setMaximumWidth(WIDEST * touch);
+    }
+    for (WrapLabel *hint : {ui->lab_DiagHint, ui->lab_MethodHint}) {
+        hint->setLeastLines(1);
+        hint->setMaximumWidth(WIDEST * touch);
+    }
     connect(ui->btn_check, &QPushButton::clicked, this, &NetExtend::slot_ButtonPressed);
     connect(ui->combox, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &NetExtend::slot_comboxChange);

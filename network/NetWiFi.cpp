@@ -1,6 +1,7 @@
 #include "network/NetWiFi.h"
 
 #include "app/look/BoxHelpers.h"
+#include "app/look/FontStyle.h"
 #include "app/look/Screen.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
@@ -38,11 +39,6 @@ constexpr SwitchPolicy WIFI_SWITCH = {
     "netDeviceDown [%s] ok \n",
     "netDeviceDown [%s] error \n",
 };
-
-bool isJoining(int state)
-{
-    return state == netT::WIFI_SCANNED || state == netT::WIFI_CONNECTING;
-}
 
 } // namespace
 
@@ -86,6 +82,10 @@ void NetWiFi::makeConnections()
     connect(this, &NetWiFi::sgl_UpdataState, this, &NetWiFi::slot_UpdataState);
     connect(this, &NetWiFi::sgl_MovieStart, ui->lab_Scan, &LoadingLabel::start);
     connect(this, &NetWiFi::sgl_MovieStop, ui->lab_Scan, &LoadingLabel::stop);
+    connect(this, &NetWiFi::sgl_MovieStop, this, [this] {
+        m_bScanned = true;
+        sayWhatIsMissing();
+    });
     connect(this, &NetWiFi::sgl_SetExist, this, &NetWiFi::slot_SetExist);
     m_askAgain.setSingleShot(true);
     m_askAgain.setInterval(ASK_AGAIN_MS);
@@ -106,6 +106,8 @@ void NetWiFi::retranslate()
 {
     ui->retranslateUi(this);
     setStyleWhenSeen(this, wifiStyle());
+    ui->lab_WifiCaption->setMinimumWidth(captionWidth());
+    sayWhatIsMissing();
     m_switch->setTexts(tr("Enable"), tr("Unplugged"));
     ui->list_Wifi->retranslate();
     m_topRow->retranslate();
@@ -192,6 +194,7 @@ void NetWiFi::leaveDevice()
     m_refresh.setState(netT::WIFI_IDLE);
     m_sinceJoin.invalidate();
     m_askAgain.stop();
+    m_bScanned = false;
     m_addresses = {};
     m_sMac.clear();
     hideTopRow();
@@ -215,6 +218,7 @@ void NetWiFi::showDevice()
     ui->list_Wifi->setEnabled(usable);
     if (changed)
         RefWifiList();
+    sayWhatIsMissing();
 }
 
 void NetWiFi::slot_MoveShow(bool shown)
@@ -352,75 +356,6 @@ void NetWiFi::join(const netT::stApInfo_tag &accessPoint, const std::string &pas
     RefWifiList();
     m_sinceJoin.start();
     slot_UpdataState(netT::WIFI_CONNECTING);
-}
-
-// --- The rows ----------------------------------------------------------------------------------
-
-void NetWiFi::setAccessPoints(std::vector<netT::stApInfo_tag> list)
-{
-    m_refresh.takeScan(std::move(list));
-}
-
-// A new scan also tells how strong the network of the top row is by now.
-void NetWiFi::slot_RefWifiList()
-{
-    RefWifiList();
-    m_refresh.withList([this](const std::vector<netT::stApInfo_tag> &list) {
-        const auto current =
-            std::find_if(list.begin(), list.end(), [this](const netT::stApInfo_tag &accessPoint) {
-                return isCurrent(accessPoint);
-            });
-        if (current != list.end())
-            m_topRow->setLevel(current->nLevel);
-    });
-}
-
-void NetWiFi::RefWifiList()
-{
-    m_refresh.withList([this](const std::vector<netT::stApInfo_tag> &list) {
-        m_rows.clear();
-        if (isOn()) {
-            std::copy_if(
-                list.begin(), list.end(), std::back_inserter(m_rows),
-                [this](const netT::stApInfo_tag &accessPoint) { return !isCurrent(accessPoint); });
-        }
-        ui->list_Wifi->setAccessPoints(m_rows);
-    });
-}
-
-// By its name, which is all that joining goes by.
-bool NetWiFi::isCurrent(const netT::stApInfo_tag &accessPoint) const
-{
-    return !m_sCurrent.empty() && accessPoint.sSsid == m_sCurrent;
-}
-
-// Asks the service: only for a page that is seen.
-void NetWiFi::showTopRow()
-{
-    m_bTopRowDue = false;
-    netT::stUserInfo_tag info;
-    if (netT::getConnectInfo(info, true, TIMEOUT_MS) == 0) {
-        std::printf("getConnectInfo = [%s][%s][%d]\n", info.sSsid.c_str(), info.sPassword.c_str(),
-                    info.nSecurity);
-        m_sCurrent = info.sSsid;
-        const int level = netT::getSignal(true, TIMEOUT_MS);
-        m_topRow->setAccessPoint({info.nId, level, info.sSsid, std::string(), info.nSecurity});
-    } else if (m_sCurrent.empty()) {
-        m_askAgain.start(); // a row without a name would show the one that stood there before
-        return;
-    }
-    m_topRow->show(isJoining(m_refresh.state()) ? ListItem::CONNECTING : ListItem::CONNECTED);
-    m_topRow->setAddress(m_addresses.sIpAddr);
-    RefWifiList();
-}
-
-// The network that stood there goes back into the list, if it is in range.
-void NetWiFi::hideTopRow()
-{
-    m_bTopRowDue = false;
-    m_sCurrent.clear();
-    m_topRow->hide();
-    RefWifiList();
 }
 
 // --- The parameters ----------------------------------------------------------------------------

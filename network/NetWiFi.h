@@ -91,6 +91,7 @@ private:
     void leaveDevice();
     void showDevice();
     void updateVisible();
+    void sayWhatIsMissing();
 
     void takeAddressing(const netT::stAllNetInfo_tag &record);
     bool reportState();
@@ -113,7 +114,8 @@ private:
     std::vector<netT::stApInfo_tag> m_rows; // of the list, as last shown
 
     std::string m_sDevName;
-    std::string m_sCurrent; // the network of the top row; empty without one
+    bool m_bScanned = false; // since the device is on
+    std::string m_sCurrent;  // the network of the top row; empty without one
     AddressTexts m_addresses;
     std::string m_sMac;
     bool m_bDhcp = true;

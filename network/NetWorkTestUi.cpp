@@ -286,18 +286,17 @@ void NetWorkTestUi::scrollSoon()
     QTimer::singleShot(0, this, &NetWorkTestUi::scroll);
 }
 
-// To the newest row while a run goes on, then to the first that failed: below as much of its link
-// as there is room for, since the titles are the same for every link. Not away from what the
-// operator reads.
+// To the newest row, or after a run to the first that failed: below as much of its link as there is
+// room for, since the titles are the same for every link. Not away from what the operator reads.
 void NetWorkTestUi::scroll()
 {
     if (m_bRead)
         return;
     QScrollBar *bar = ui->area_rows->verticalScrollBar();
-    if (m_phase == Phase::Running)
-        bar->setValue(bar->maximum());
-    else if (const NetWorkTestItem *row = firstFailed())
-        bar->setValue(std::min(row->y(), row->geometry().bottom() + 1 - bar->pageStep()));
+    const NetWorkTestItem *row = m_phase == Phase::Running ? nullptr : firstFailed();
+    bar->setValue(row == nullptr
+                      ? bar->maximum()
+                      : std::min(row->y(), row->geometry().bottom() + 1 - bar->pageStep()));
 }
 
 // In the order of the list, which is not the items'.

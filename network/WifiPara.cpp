@@ -1,6 +1,7 @@
 #include "network/WifiPara.h"
 
 #include "app/look/DismissGuard.h"
+#include "app/look/FontStyle.h"
 #include "app/look/Screen.h"
 #include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
@@ -50,7 +51,7 @@ WifiPara::WifiPara(QWidget *page) : QDialog(page), ui(std::make_unique<Ui::WifiP
          std::initializer_list<QWidget *>{ui->radio_Dhcp, ui->radio_Static, ui->pushButton_2})
         control->setMinimumHeight(touch);
     ui->pushButton_2->setMinimumWidth(2 * touch);
-    ui->addressGrid->setColumnMinimumWidth(0, AddressEditor::captionWidth());
+    ui->addressGrid->setColumnMinimumWidth(0, captionWidth());
     setStyleSheet(wifiParaStyle());
     place(this, page);
 }

@@ -9,6 +9,12 @@
 #include <mutex>
 #include <vector>
 
+// Whether `state` is one of a network being joined.
+inline bool isJoining(int state)
+{
+    return state == netT::WIFI_SCANNED || state == netT::WIFI_CONNECTING;
+}
+
 // Scans for access points and asks how joining goes, while the page is seen and its device is on.
 // Any thread, except where said otherwise.
 class WifiRefresh

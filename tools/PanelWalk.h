@@ -38,6 +38,7 @@ private:
     void ethernet();
     void wifi();
     void joinWifi();
+    void wifiAlone();
     void cellular();
     void diagnosis();
     void updates();

@@ -10,7 +10,8 @@ namespace {
 constexpr int WIFI_TAB = 1;
 constexpr int CELLULAR_TAB = 2;
 constexpr int EXTEND_TAB = 3;
-constexpr const char *SLOWLY = "600"; // ms that a service takes to do as asked
+constexpr unsigned long SCANNED_MS = 600; // from the page's first sight on
+constexpr const char *SLOWLY = "600";     // ms that a service takes to do as asked
 
 QString latin(const char *text)
 {
@@ -27,6 +28,7 @@ void PanelWalk::network()
     ethernet();
     wifi();
     cellular();
+    wifiAlone();
 }
 
 void PanelWalk::ethernet()
@@ -34,6 +36,12 @@ void PanelWalk::ethernet()
     touch("tab_Net", 0);
     awaitSeen("radio_Dhcp");
     at("ethernet-dhcp");
+    const QByteArray address = m_panel->get(latin("net.devices.0.sIpAddr")).toString().toUtf8();
+    set("net.devices.0.sIpAddr", R"("")");
+    awaitSeen("lab_replacwidgetEth");
+    at("ethernet-no-address");
+    set("net.devices.0.sIpAddr", '"' + address + '"');
+    awaitSeen("widget_EthIndetail");
     touch("radio_Static");
     awaitSeen("widget_EthIndetail");
     await([this] { return m_panel->widget(latin("line_Ip4"), latin("enabled")).toBool(); },
@@ -103,6 +111,20 @@ void PanelWalk::joinWifi()
     set("net.cable.wlan0", "0");
     set("wifi.state", "7");
     awaitSeen("wid_wifiConnect");
+}
+
+// On a panel that has not found a network yet.
+void PanelWalk::wifiAlone()
+{
+    start();
+    set("wifi.aps", "[]");
+    set("wifi.state", "0");
+    awaitSeen("tab_Machine");
+    touch("btn_Net");
+    touch("tab_Net", WIFI_TAB);
+    awaitSeen("list_Wifi");
+    QThread::msleep(SCANNED_MS);
+    at("wifi-none");
 }
 
 void PanelWalk::cellular()

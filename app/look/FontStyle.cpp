@@ -38,6 +38,11 @@ int fontPixelSize()
     return g_nLanguge == 0 ? fontStep().chinesePixels : fontStep().latinPixels;
 }
 
+int captionWidth()
+{
+    return fontPixelSize() * 11 / 2;
+}
+
 QFont panelFont()
 {
     QFont font(QStringLiteral("simsun"));

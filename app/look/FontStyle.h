@@ -23,6 +23,9 @@ QString GetFontStyle();
 // Size of that font in pixels.
 int fontPixelSize();
 
+// The width of a column of captions before fields, in pixels: five and a half Chinese letters.
+int captionWidth();
+
 // Names the fonts that stand in for simsun and Calibri on a system that has neither them nor our
 // fontconfig file, resources/fonts/60-sysset.conf.
 void substituteFonts();

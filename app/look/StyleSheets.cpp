@@ -170,7 +170,7 @@ QString windowStyle()
     return filled(QStringLiteral("QLabel{color:@ink;%1border-radius:4px;}") + buttonTemplate() +
                   switchTemplate() + listTemplate() +
                   QStringLiteral("#Qt_MainWin{background-color:@surface;}"
-                                 "QLabel#lab_replacwidgetEth,QLabel#lab_vpn{color:@mutedInk;}"
+                                 "QLabel#lab_replacwidgetEth{color:@mutedInk;}"
                                  "QFrame#wdg_Status{background-color:@shade;border-radius:4px;}"
                                  "QCheckBox{color:@ink;%1outline:none;}"));
 }
@@ -296,7 +296,7 @@ QString addressStyle(bool underlined)
     return filled(QStringLiteral("QLabel{color:@ink;%1}"
                                  "QLineEdit{color:@ink;%1background:transparent;border:0px;") +
                   (underlined ? QStringLiteral("border-bottom:2px solid;"
-                                               "border-bottom-color: @line;}"
+                                               "border-bottom-color: @line;padding-top:2px;}"
                                                "QLineEdit:disabled{color:@disabledInk;"
                                                "border-bottom-style:dashed;}")
                               : QStringLiteral("}")) +
@@ -306,7 +306,8 @@ QString addressStyle(bool underlined)
 QString wifiStyle()
 {
     return themed(scrollBarTemplate() +
-                  QStringLiteral("QFrame#line_Connect{background-color:@line;border:0px;}"));
+                  QStringLiteral("QFrame#line_Connect{background-color:@line;border:0px;}"
+                                 "QLabel#lab_ip{color:@mutedInk;}"));
 }
 
 QString wifiParaStyle()
@@ -322,7 +323,8 @@ QString comStyle()
 
 QString cellularStyle()
 {
-    return comStyle() + growingRadioStyle();
+    return comStyle() + growingRadioStyle() +
+           themed(QStringLiteral("QLabel#lab_vpn{color:@mutedInk;}"));
 }
 
 QString communicationStyle()
@@ -345,8 +347,9 @@ QString generalStyle()
 QString extendStyle()
 {
     const int arrow = fontPixelSize() * 3 / 2;
-    return filled(QStringLiteral("QLabel{color:@ink;%1}") + buttonTemplate() +
-                  comboTemplate(arrow, std::max(touchHeight(), arrow)));
+    return filled(QStringLiteral("QLabel{color:@ink;%1}"
+                                 "QLabel#lab_DiagHint,QLabel#lab_MethodHint{color:@mutedInk;}") +
+                  buttonTemplate() + comboTemplate(arrow, std::max(touchHeight(), arrow)));
 }
 
 QString diagnosisStyle()

@@ -128,6 +128,8 @@ void markWidget(QWidget *widget, const char *mark, bool on)
     widget->setProperty(mark, on);
     widget->style()->unpolish(widget);
     widget->style()->polish(widget);
+    QEvent changed(QEvent::StyleChange); // else a frame keeps the paddings of the look before
+    QCoreApplication::sendEvent(widget, &changed);
 }
 
 #include "WidgetLook.moc"

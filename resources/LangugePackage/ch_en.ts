@@ -568,6 +568,10 @@
         <source>Password</source>
         <translation>Password</translation>
     </message>
+    <message>
+        <source>The default access point is used.</source>
+        <translation>The default access point is used.</translation>
+    </message>
 </context>
 <context>
     <name>NetEth</name>
@@ -615,6 +619,18 @@
         <source>Unplugged</source>
         <translation>Unplugged</translation>
     </message>
+    <message>
+        <source>No Ethernet device was found.</source>
+        <translation>No Ethernet device was found.</translation>
+    </message>
+    <message>
+        <source>Waiting for an address.</source>
+        <translation>Waiting for an address.</translation>
+    </message>
+    <message>
+        <source>Ethernet is switched off.</source>
+        <translation>Ethernet is switched off.</translation>
+    </message>
 </context>
 <context>
     <name>NetExtend</name>
@@ -642,6 +658,18 @@
         <source>4G</source>
         <translation>4G</translation>
     </message>
+    <message>
+        <source>Not known yet</source>
+        <translation>Not known yet</translation>
+    </message>
+    <message>
+        <source>Finds out step by step why the cloud is not reached.</source>
+        <translation>Finds out step by step why the cloud is not reached.</translation>
+    </message>
+    <message>
+        <source>The network that is used first to reach the outside.</source>
+        <translation>The network that is used first to reach the outside.</translation>
+    </message>
 </context>
 <context>
     <name>NetWiFi</name>
@@ -668,6 +696,26 @@
     <message>
         <source>Failed to connect Network! Wrong password or weak signal, please reconnect.</source>
         <translation>Failed to connect Network! Wrong password or weak signal, please reconnect.</translation>
+    </message>
+    <message>
+        <source>Searching for networks.</source>
+        <translation>Searching for networks.</translation>
+    </message>
+    <message>
+        <source>No WLAN device was found.</source>
+        <translation>No WLAN device was found.</translation>
+    </message>
+    <message>
+        <source>WLAN is switched off.</source>
+        <translation>WLAN is switched off.</translation>
+    </message>
+    <message>
+        <source>No other network was found.</source>
+        <translation>No other network was found.</translation>
+    </message>
+    <message>
+        <source>No network was found.</source>
+        <translation>No network was found.</translation>
     </message>
 </context>
 <context>

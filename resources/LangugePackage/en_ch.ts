@@ -568,6 +568,10 @@
         <source>Password</source>
         <translation>密码</translation>
     </message>
+    <message>
+        <source>The default access point is used.</source>
+        <translation>使用默认接入点。</translation>
+    </message>
 </context>
 <context>
     <name>NetEth</name>
@@ -615,6 +619,18 @@
         <source>Unplugged</source>
         <translation>未接入</translation>
     </message>
+    <message>
+        <source>No Ethernet device was found.</source>
+        <translation>未找到以太网设备。</translation>
+    </message>
+    <message>
+        <source>Waiting for an address.</source>
+        <translation>正在等待分配地址。</translation>
+    </message>
+    <message>
+        <source>Ethernet is switched off.</source>
+        <translation>以太网已关闭。</translation>
+    </message>
 </context>
 <context>
     <name>NetExtend</name>
@@ -642,6 +658,18 @@
         <source>4G</source>
         <translation>4G</translation>
     </message>
+    <message>
+        <source>Not known yet</source>
+        <translation>尚未获知</translation>
+    </message>
+    <message>
+        <source>Finds out step by step why the cloud is not reached.</source>
+        <translation>逐步检查无法连接云的原因。</translation>
+    </message>
+    <message>
+        <source>The network that is used first to reach the outside.</source>
+        <translation>连接外部网络时优先使用的网络。</translation>
+    </message>
 </context>
 <context>
     <name>NetWiFi</name>
@@ -668,6 +696,26 @@
     <message>
         <source>Failed to connect Network! Wrong password or weak signal, please reconnect.</source>
         <translation>网络连接失败！密码错误或信号较弱，请重新连接。</translation>
+    </message>
+    <message>
+        <source>Searching for networks.</source>
+        <translation>正在搜索网络。</translation>
+    </message>
+    <message>
+        <source>No WLAN device was found.</source>
+        <translation>未找到无线局域网设备。</translation>
+    </message>
+    <message>
+        <source>WLAN is switched off.</source>
+        <translation>无线局域网已关闭。</translation>
+    </message>
+    <message>
+        <source>No other network was found.</source>
+        <translation>未找到其他网络。</translation>
+    </message>
+    <message>
+        <source>No network was found.</source>
+        <translation>未找到网络。</translation>
     </message>
 </context>
 <context>
