@@ -10,6 +10,7 @@
 namespace {
 
 constexpr unsigned long REST_MS = 120;
+constexpr unsigned long SCANNED_MS = 600;    // a page's first look for networks
 constexpr unsigned long KEY_PAUSE_MS = 165;  // the keyboard drops keys that follow sooner
 constexpr unsigned long LIST_PAUSE_MS = 420; // a list that has just opened ignores touches
 
@@ -270,5 +271,7 @@ void PanelWalk::nobodyInRange()
     touch("btn_Net");
     touch("tab_Net", 1);
     awaitSeen("list_Wifi");
+    passing("wifi-searching");
+    QThread::msleep(SCANNED_MS);
     at("wifi-empty");
 }

@@ -38,7 +38,6 @@ private:
     void ethernet();
     void wifi();
     void joinWifi();
-    void wifiAlone();
     void cellular();
     void diagnosis();
     void updates();

@@ -10,8 +10,7 @@ namespace {
 constexpr int WIFI_TAB = 1;
 constexpr int CELLULAR_TAB = 2;
 constexpr int EXTEND_TAB = 3;
-constexpr unsigned long SCANNED_MS = 600; // from the page's first sight on
-constexpr const char *SLOWLY = "600";     // ms that a service takes to do as asked
+constexpr const char *SLOWLY = "600"; // ms that a service takes to do as asked
 
 QString latin(const char *text)
 {
@@ -28,7 +27,6 @@ void PanelWalk::network()
     ethernet();
     wifi();
     cellular();
-    wifiAlone();
 }
 
 void PanelWalk::ethernet()
@@ -111,20 +109,6 @@ void PanelWalk::joinWifi()
     set("net.cable.wlan0", "0");
     set("wifi.state", "7");
     awaitSeen("wid_wifiConnect");
-}
-
-// On a panel that has not found a network yet.
-void PanelWalk::wifiAlone()
-{
-    start();
-    set("wifi.aps", "[]");
-    set("wifi.state", "0");
-    awaitSeen("tab_Machine");
-    touch("btn_Net");
-    touch("tab_Net", WIFI_TAB);
-    awaitSeen("list_Wifi");
-    QThread::msleep(SCANNED_MS);
-    at("wifi-none");
 }
 
 void PanelWalk::cellular()

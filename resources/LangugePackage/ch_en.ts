@@ -663,12 +663,12 @@
         <translation>Not known yet</translation>
     </message>
     <message>
-        <source>Finds out step by step why the cloud is not reached.</source>
-        <translation>Finds out step by step why the cloud is not reached.</translation>
+        <source>Finds out why the cloud is not reached.</source>
+        <translation>Finds out why the cloud is not reached.</translation>
     </message>
     <message>
-        <source>The network that is used first to reach the outside.</source>
-        <translation>The network that is used first to reach the outside.</translation>
+        <source>The network that is used first.</source>
+        <translation>The network that is used first.</translation>
     </message>
 </context>
 <context>

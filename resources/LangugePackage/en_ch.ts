@@ -663,12 +663,12 @@
         <translation>尚未获知</translation>
     </message>
     <message>
-        <source>Finds out step by step why the cloud is not reached.</source>
-        <translation>逐步检查无法连接云的原因。</translation>
+        <source>Finds out why the cloud is not reached.</source>
+        <translation>检查无法连接云的原因。</translation>
     </message>
     <message>
-        <source>The network that is used first to reach the outside.</source>
-        <translation>连接外部网络时优先使用的网络。</translation>
+        <source>The network that is used first.</source>
+        <translation>优先使用的网络。</translation>
     </message>
 </context>
 <context>
