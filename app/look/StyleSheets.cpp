@@ -363,10 +363,12 @@ QString diagnosisStyle()
                                  "QScrollArea{border:1px solid @line;}"
                                  "NetWorkTestItem[heading=\"true\"]{background-color:@shade;}"
                                  "QLabel#lab_state[judged=\"true\"]{background-color:@chip;"
-                                 "border-radius:%2px;padding:0px %3px;}"
+                                 "border-radius:%2px;padding:0px %3px;"
+                                 "font-weight:bold;font-size:%4px;}" // small signs, seen from afar
                                  "QLabel#lab_result{color:@mutedInk;}"
                                  "QLabel#lab_solution{background-color:@shade;"
                                  "border-radius:4px;}"))
         .replace(QLatin1String("%2"), QString::number(fontPixelSize() / 2))
-        .replace(QLatin1String("%3"), QString::number(fontPixelSize() / 3));
+        .replace(QLatin1String("%3"), QString::number(fontPixelSize() / 3))
+        .replace(QLatin1String("%4"), QString::number(fontPixelSize() * 6 / 5));
 }
