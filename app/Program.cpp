@@ -41,6 +41,13 @@ void runWindow(int argc, char **argv, const std::function<void()> &shown)
 
 } // namespace
 
+void dressApplication()
+{
+    holdPlugins();
+    loadResources();
+    substituteFonts();
+}
+
 void runProgram(int argc, char **argv, const std::function<void()> &shown)
 {
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
@@ -50,9 +57,7 @@ void runProgram(int argc, char **argv, const std::function<void()> &shown)
     makeRoomForTimeZone();
 
     QApplication application(argc, argv);
-    holdPlugins();
-    loadResources();
-    substituteFonts();
+    dressApplication();
     QApplication::setOverrideCursor(Qt::BlankCursor);
     try {
         runWindow(argc, argv, shown);

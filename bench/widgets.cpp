@@ -1,12 +1,11 @@
 // Measures inside one program: a language change and the opening of the keyboard, each beside its
 // limit in turn.
 
-#include "app/look/FontStyle.h"
 #include "app/MainWin.h"
+#include "app/Program.h"
 #include "bench/Statistics.h"
 #include "input/SoftKeyboard.h"
 #include "platform/sim/SimProgram.h"
-#include "resources/Resources.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -158,8 +157,7 @@ int main(int argc, char **argv)
     if (refused != 0)
         return refused;
     QApplication application(argc, argv);
-    loadResources();
-    substituteFonts();
+    dressApplication();
     auto *window = new MainWin; // its end would restart the panel
     window->show();
     drain();

@@ -1,16 +1,15 @@
 // Measures the Wi-Fi list: refreshing its rows, beside painting the same rows from a plain delegate
 // with cached icons, and how long a slow scan holds up the GUI thread.
 
-#include "app/look/FontStyle.h"
 #include "app/look/OutsideText.h"
 #include "app/look/Screen.h"
 #include "app/look/WidgetLook.h"
 #include "app/MainWin.h"
+#include "app/Program.h"
 #include "bench/Statistics.h"
 #include "network/NetWiFi.h"
 #include "platform/sim/Panel.h"
 #include "platform/sim/SimProgram.h"
-#include "resources/Resources.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -164,8 +163,7 @@ int main(int argc, char **argv)
     if (refused != 0)
         return refused;
     QApplication application(argc, argv);
-    loadResources();
-    substituteFonts();
+    dressApplication();
     auto *window = new MainWin; // its end would restart the panel
     window->show();
     window->findChild<QAbstractButton *>(QStringLiteral("btn_Net"))->click();
