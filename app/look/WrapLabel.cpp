@@ -1,7 +1,5 @@
 #include "app/look/WrapLabel.h"
 
-#include "app/look/Spacing.h"
-
 #include <QPainter>
 #include <QTextLayout>
 
@@ -13,9 +11,9 @@ namespace {
 constexpr int LEAST_PADDING = 6; // pixels to the left and right of the text
 constexpr int LEAD = 2;          // above and below
 
-int padding()
+int paddingOf(const QLabel &label)
 {
-    return std::max(LEAST_PADDING, spacing(1));
+    return std::max(LEAST_PADDING, label.font().pixelSize() / 3);
 }
 
 // Breaks the label's text into lines of `width`. Returns their height.
@@ -76,7 +74,7 @@ int WrapLabel::heightForWidth(int width) const
     const QSize frame = size() - contentsRect().size();
     QTextLayout layout;
     prepare(layout, *this);
-    const int text = layLines(layout, std::max(1, width - frame.width() - 2 * padding()));
+    const int text = layLines(layout, std::max(1, width - frame.width() - 2 * paddingOf(*this)));
     return std::max(text + 2 * LEAD, sizeHint().height()) + frame.height();
 }
 
@@ -94,7 +92,8 @@ void WrapLabel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     drawFrame(&painter);
-    const QRect room = contentsRect().adjusted(padding(), LEAD, -padding(), -LEAD);
+    const int padding = paddingOf(*this);
+    const QRect room = contentsRect().adjusted(padding, LEAD, -padding, -LEAD);
     QTextLayout layout;
     prepare(layout, *this);
     const int height = layLines(layout, std::max(1, room.width()));
