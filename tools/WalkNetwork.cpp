@@ -33,6 +33,7 @@ void PanelWalk::ethernet()
 {
     touch("tab_Net", 0);
     awaitSeen("radio_Dhcp");
+    awaitSeen("widget_EthIndetail");
     at("ethernet-dhcp");
     const QByteArray address = m_panel->get(latin("net.devices.0.sIpAddr")).toString().toUtf8();
     set("net.devices.0.sIpAddr", R"("")");

@@ -437,6 +437,7 @@ void NetWorkTestTest::keepsTheRowThatMattersInSight()
 
     auto *bar = m_dialog->findChild<QScrollArea *>("area_rows"_s)->verticalScrollBar();
     button()->click();
+    QTRY_VERIFY(m_dialog->findChild<NetWorkTestItem *>("WifiNetDelay"_s) == nullptr); // cleared
     QTRY_VERIFY(topInSight("WifiHotsGateaway") > 0);
     bar->triggerAction(QScrollBar::SliderToMinimum); // the operator reads on from the first row
     QTRY_VERIFY(button()->isEnabled());
