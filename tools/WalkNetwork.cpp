@@ -36,8 +36,12 @@ void PanelWalk::ethernet()
     awaitSeen("widget_EthIndetail");
     at("ethernet-dhcp");
     const QByteArray address = m_panel->get(latin("net.devices.0.sIpAddr")).toString().toUtf8();
-    set("net.devices.0.sIpAddr", R"("")");
-    awaitSeen("lab_replacwidgetEth");
+    await(
+        [this] {
+            set("net.devices.0.sIpAddr", R"("")"); // a lease may still come in between
+            return m_panel->isVisible(latin("lab_replacwidgetEth"));
+        },
+        latin("an address that is gone"));
     at("ethernet-no-address");
     set("net.devices.0.sIpAddr", '"' + address + '"');
     awaitSeen("widget_EthIndetail");
