@@ -220,7 +220,7 @@ void Net4G::refreshApn()
 void Net4G::showApnMode(bool manual)
 {
     (manual ? ui->radio_manual : ui->radio_auto)->setChecked(true);
-    ui->wdg_vpn->setVisible(manual);
+    showPart(ui->wdg_vpn, manual);
     ui->lab_vpn->setVisible(!manual);
 }
 
@@ -296,7 +296,7 @@ void Net4G::showAddress(const std::string &dotted)
     const auto octets = octetsOf(dotted);
     for (std::size_t i = 0; i < labels.size(); ++i)
         labels[i]->setText(octets ? (*octets)[i] : QString());
-    ui->wdg_4gIP->setVisible(octets.has_value());
+    showPart(ui->wdg_4gIP, octets.has_value());
 }
 
 void Net4G::showSignal()

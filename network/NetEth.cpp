@@ -183,7 +183,7 @@ void NetEth::underline(bool underlined)
 
 void NetEth::showBlock(bool visible)
 {
-    ui->widget_EthIndetail->setVisible(visible);
+    showPart(ui->widget_EthIndetail, visible);
     ui->lab_replacwidgetEth->setVisible(!visible);
 }
 

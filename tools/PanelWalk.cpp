@@ -74,6 +74,7 @@ void PanelWalk::start(const QStringList &options)
     language.close();
     if (!m_panel->start(options))
         throw Stuck("the panel does not start");
+    QThread::msleep(m_nStartPauseMs);
 }
 
 // The same in a situation that is not that of the rest of the walk.
@@ -270,7 +271,8 @@ void PanelWalk::nobodyInRange()
     set("wifi.state", "0");
     touch("btn_Net");
     touch("tab_Net", 1);
-    awaitSeen("list_Wifi");
+    await([this] { return m_panel->widget(latin("btn_WifiSwitch"), latin("enabled")).toBool(); },
+          latin("the Wi-Fi device"));
     passing("wifi-searching");
     QThread::msleep(SCANNED_MS);
     at("wifi-empty");

@@ -25,6 +25,10 @@ public:
     // `language`: 0 Chinese, 1 English. `scenario`: name or path of a situation to start from.
     PanelWalk(const QSize &screen, int language, QString scenario, Visit visit);
 
+    // Leaves each started panel alone for so long, until it has looked at its links; 0 without
+    // this.
+    void setStartPause(unsigned long milliseconds) { m_nStartPauseMs = milliseconds; }
+
     // The whole way, on panels started for it. Throws Stuck where the panel does not follow.
     void walk();
     // Only the part of that name: "pages", "network", "diagnosis", "updates", "gate", "alone".
@@ -77,6 +81,7 @@ private:
     QString m_sScenario;
     Visit m_visit;
     QString m_sState; // visited last
+    unsigned long m_nStartPauseMs = 0;
     std::unique_ptr<PanelProcess> m_panel;
     std::unique_ptr<QTemporaryDir> m_stick;
 };

@@ -10,7 +10,6 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
-#include <QThread>
 
 #include <deque>
 #include <future>
@@ -82,8 +81,6 @@ void audit(PanelProcess &panel, Finding where, QVector<Finding> &found)
 
 void shoot(PanelProcess &panel, const Finding &where, const QString &folder)
 {
-    if (where.state == latin("about"))
-        QThread::msleep(LINKS_CHECKED_MS);
     const QString name =
         QStringLiteral("%1-%2-%3.png").arg(where.size, where.language, where.state);
     if (panel.ask({latin("ui"), latin("shot"), QDir(folder).absoluteFilePath(name)}).isUndefined())
@@ -104,6 +101,8 @@ QVector<Finding> walk(const Options &options, const QString &size, const QString
     };
     PanelWalk way(sizeOf(size), language == latin("zh") ? 0 : 1,
                   latin(pictures ? "full" : "widest"), visit);
+    if (pictures)
+        way.setStartPause(LINKS_CHECKED_MS);
     if (options.parts.isEmpty())
         way.walk();
     for (const QString &part : options.parts)

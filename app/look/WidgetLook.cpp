@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QLabel>
+#include <QLayout>
 #include <QPushButton>
 #include <QStyle>
 #include <QVariant>
@@ -96,6 +97,16 @@ void setStyleWhenSeen(QWidget *widget, const QString &styleSheet)
     forgetLateStyle(widget);
     if (widget->styleSheet() != styleSheet)
         new LateStyle(widget, styleSheet);
+}
+
+void showPart(QWidget *part, bool shown)
+{
+    QLayout *layout = part->parentWidget()->isVisible() ? nullptr : part->layout();
+    if (layout != nullptr)
+        layout->setEnabled(false);
+    part->setVisible(shown);
+    if (layout != nullptr)
+        layout->setEnabled(true);
 }
 
 void wearLateStyles(QWidget *page)
