@@ -17,159 +17,169 @@ QString latin(const char *text)
     return QString::fromUtf8(text);
 }
 
-} // namespace
-
-void PanelWalk::network()
+void ethernet(PanelSteps &panel)
 {
-    start();
-    awaitSeen("tab_Machine");
-    touch("btn_Net");
-    ethernet();
-    wifi();
-    cellular();
-}
-
-void PanelWalk::ethernet()
-{
-    touch("tab_Net", 0);
-    awaitSeen("radio_Dhcp");
-    awaitSeen("widget_EthIndetail");
-    at("ethernet-dhcp");
-    const QByteArray address = m_panel->get(latin("net.devices.0.sIpAddr")).toString().toUtf8();
-    await(
-        [this] {
-            set("net.devices.0.sIpAddr", R"("")"); // a lease may still come in between
-            return m_panel->isVisible(latin("lab_replacwidgetEth"));
+    panel.touch("tab_Net", 0);
+    panel.awaitSeen("radio_Dhcp");
+    panel.awaitSeen("widget_EthIndetail");
+    panel.at("ethernet-dhcp");
+    const QByteArray address =
+        panel.process().get(latin("net.devices.0.sIpAddr")).toString().toUtf8();
+    panel.await(
+        [&panel] {
+            panel.set("net.devices.0.sIpAddr", R"("")"); // a lease may still come in between
+            return panel.process().isVisible(latin("lab_replacwidgetEth"));
         },
         latin("an address that is gone"));
-    at("ethernet-no-address");
-    set("net.devices.0.sIpAddr", '"' + address + '"');
-    awaitSeen("widget_EthIndetail");
-    touch("radio_Static");
-    awaitSeen("widget_EthIndetail");
-    await([this] { return m_panel->widget(latin("line_Ip4"), latin("enabled")).toBool(); },
-          latin("fields that can be edited"));
-    at("ethernet-static");
-    touch("line_Ip4");
-    awaitSeen("SoftKeyboard");
-    at("keyboard-number");
-    key("btn_close"); // the first key of a process has no effect
-    key("btn_close");
-    awaitGone("SoftKeyboard");
-    touch("btn_EthSwitch");
-    passing("ethernet-pending");
-    awaitSeen("lab_EthStatus");
-    at("ethernet-off");
-    set("net.devices.0.present", "false");
-    at("ethernet-absent");
-    set("net.devices.0.present", "true");
-}
-
-void PanelWalk::wifi()
-{
-    touch("tab_Net", WIFI_TAB);
-    awaitSeen("wid_wifiConnect");
-    await([this] { return m_panel->press(latin("list_Wifi"), 0); }, latin("networks"));
-    awaitSeen("SoftKeyboard");
-    key("btn_c_o");
-    at("wifi-password");
-    key("btn_Eye");
-    at("wifi-password-shown");
-    key("btn_close");
-    awaitGone("SoftKeyboard");
-    at("wifi");
-    joinWifi();
-    await([this] { return !m_panel->widget(latin("lab_ip"), latin("text")).toString().isEmpty(); },
-          latin("an address"));
-    touch("wid_wifiConnect");
-    awaitSeen("WifiPara");
-    at("wifi-parameters");
-    touch("radio_Static");
-    at("wifi-parameters-static");
-    touch("pushButton_2");
-    awaitGone("WifiPara");
-    touch("btn_WifiSwitch");
-    passing("wifi-pending");
-    awaitSeen("lab_WifiStatus");
-    at("wifi-off");
+    panel.at("ethernet-no-address");
+    panel.set("net.devices.0.sIpAddr", '"' + address + '"');
+    panel.awaitSeen("widget_EthIndetail");
+    panel.touch("radio_Static");
+    panel.awaitSeen("widget_EthIndetail");
+    panel.await(
+        [&panel] { return panel.process().widget(latin("line_Ip4"), latin("enabled")).toBool(); },
+        latin("fields that can be edited"));
+    panel.at("ethernet-static");
+    panel.touch("line_Ip4");
+    panel.awaitSeen("SoftKeyboard");
+    panel.at("keyboard-number");
+    panel.key("btn_close"); // the first key of a process has no effect
+    panel.key("btn_close");
+    panel.awaitGone("SoftKeyboard");
+    panel.touch("btn_EthSwitch");
+    panel.passing("ethernet-pending");
+    panel.awaitSeen("lab_EthStatus");
+    panel.at("ethernet-off");
+    panel.set("net.devices.0.present", "false");
+    panel.at("ethernet-absent");
+    panel.set("net.devices.0.present", "true");
 }
 
 // A password that is not taken, and then a join from elsewhere that succeeds.
-void PanelWalk::joinWifi()
+void joinWifi(PanelSteps &panel)
 {
-    const QByteArray user = QJsonDocument(m_panel->get(latin("wifi.user")).toObject()).toJson();
-    await([this] { return m_panel->press(latin("list_Wifi"), 0); }, latin("networks"));
-    awaitSeen("SoftKeyboard");
+    const QByteArray user =
+        QJsonDocument(panel.process().get(latin("wifi.user")).toObject()).toJson();
+    panel.await([&panel] { return panel.process().press(latin("list_Wifi"), 0); },
+                latin("networks"));
+    panel.awaitSeen("SoftKeyboard");
     for (const char *letter :
          {"btn_c_w", "btn_c_r", "btn_c_o", "btn_c_n", "btn_c_g", "btn_c_w", "btn_c_o", "btn_c_r"})
-        key(letter);
-    ask({latin("delay"), latin("netT.setConnectInfo"), latin(SLOWLY)});
-    key("btn_c_enter");
-    awaitGone("SoftKeyboard");
-    at("wifi-connecting");
-    box("wifi-failed");
-    ask({latin("delay"), latin("clear")});
-    set("wifi.user", user.constData());
-    set("net.cable.wlan0", "-1");
-    set("net.cable.wlan0", "0");
-    set("wifi.state", "7");
-    awaitSeen("wid_wifiConnect");
+        panel.key(letter);
+    panel.ask({latin("delay"), latin("netT.setConnectInfo"), latin(SLOWLY)});
+    panel.key("btn_c_enter");
+    panel.awaitGone("SoftKeyboard");
+    panel.at("wifi-connecting");
+    panel.box("wifi-failed");
+    panel.ask({latin("delay"), latin("clear")});
+    panel.set("wifi.user", user.constData());
+    panel.set("net.cable.wlan0", "-1");
+    panel.set("net.cable.wlan0", "0");
+    panel.set("wifi.state", "7");
+    panel.awaitSeen("wid_wifiConnect");
 }
 
-void PanelWalk::cellular()
+void wifi(PanelSteps &panel)
 {
-    touch("tab_Net", CELLULAR_TAB);
-    awaitSeen("radio_auto");
-    at("4g");
-    touch("radio_manual");
-    awaitSeen("wdg_vpn");
-    at("4g-manual");
-    touch("line_ApnName");
-    awaitSeen("SoftKeyboard");
-    at("keyboard-text");
-    key("btn_close");
-    awaitGone("SoftKeyboard");
-    touch("btn_4G");
-    passing("4g-pending");
-    awaitSeen("lab_4gStatus");
-    at("4g-off");
+    panel.touch("tab_Net", WIFI_TAB);
+    panel.awaitSeen("wid_wifiConnect");
+    panel.await([&panel] { return panel.process().press(latin("list_Wifi"), 0); },
+                latin("networks"));
+    panel.awaitSeen("SoftKeyboard");
+    panel.key("btn_c_o");
+    panel.at("wifi-password");
+    panel.key("btn_Eye");
+    panel.at("wifi-password-shown");
+    panel.key("btn_close");
+    panel.awaitGone("SoftKeyboard");
+    panel.at("wifi");
+    joinWifi(panel);
+    panel.await(
+        [&panel] {
+            return !panel.process().widget(latin("lab_ip"), latin("text")).toString().isEmpty();
+        },
+        latin("an address"));
+    panel.touch("wid_wifiConnect");
+    panel.awaitSeen("WifiPara");
+    panel.at("wifi-parameters");
+    panel.touch("radio_Static");
+    panel.at("wifi-parameters-static");
+    panel.touch("pushButton_2");
+    panel.awaitGone("WifiPara");
+    panel.touch("btn_WifiSwitch");
+    panel.passing("wifi-pending");
+    panel.awaitSeen("lab_WifiStatus");
+    panel.at("wifi-off");
 }
 
-void PanelWalk::diagnosis()
+void cellular(PanelSteps &panel)
 {
-    start();
-    awaitSeen("tab_Machine");
-    touch("btn_Net");
-    touch("tab_Net", EXTEND_TAB);
-    awaitSeen("btn_check");
-    await([this] { return !m_panel->widget(latin("combox"), latin("text")).toString().isEmpty(); },
-          latin("the preferred network"));
-    at("extend");
-    touch("combox");
-    QThread::msleep(420);
-    at("extend-list");
-    touch("combox", 0);
-    QThread::msleep(420);
-    await([this] { return m_panel->get(latin("cloud.started")).toBool(); }, latin("the cloud"));
-    touch("btn_check");
-    awaitSeen("NetWorkTestUi");
-    at("diagnosis");
-    ask({latin("delay"), latin("netT.netTping"), latin(SLOWLY)});
-    touch("btn_StartDiag");
-    at("diagnosis-running");
-    ask({latin("delay"), latin("clear")});
-    const auto ended = [this] {
-        return m_panel->widget(latin("btn_StartDiag"), latin("enabled")).toBool();
+    panel.touch("tab_Net", CELLULAR_TAB);
+    panel.awaitSeen("radio_auto");
+    panel.at("4g");
+    panel.touch("radio_manual");
+    panel.awaitSeen("wdg_vpn");
+    panel.at("4g-manual");
+    panel.touch("line_ApnName");
+    panel.awaitSeen("SoftKeyboard");
+    panel.at("keyboard-text");
+    panel.key("btn_close");
+    panel.awaitGone("SoftKeyboard");
+    panel.touch("btn_4G");
+    panel.passing("4g-pending");
+    panel.awaitSeen("lab_4gStatus");
+    panel.at("4g-off");
+}
+
+} // namespace
+
+void walkNetwork(PanelSteps &panel)
+{
+    panel.start();
+    panel.awaitSeen("tab_Machine");
+    panel.touch("btn_Net");
+    ethernet(panel);
+    wifi(panel);
+    cellular(panel);
+}
+
+void walkDiagnosis(PanelSteps &panel)
+{
+    panel.start();
+    panel.awaitSeen("tab_Machine");
+    panel.touch("btn_Net");
+    panel.touch("tab_Net", EXTEND_TAB);
+    panel.awaitSeen("btn_check");
+    panel.await(
+        [&panel] {
+            return !panel.process().widget(latin("combox"), latin("text")).toString().isEmpty();
+        },
+        latin("the preferred network"));
+    panel.at("extend");
+    panel.touchList("combox");
+    panel.at("extend-list");
+    panel.touchList("combox", 0);
+    panel.await([&panel] { return panel.process().get(latin("cloud.started")).toBool(); },
+                latin("the cloud"));
+    panel.touch("btn_check");
+    panel.awaitSeen("NetWorkTestUi");
+    panel.at("diagnosis");
+    panel.ask({latin("delay"), latin("netT.netTping"), latin(SLOWLY)});
+    panel.touch("btn_StartDiag");
+    panel.at("diagnosis-running");
+    panel.ask({latin("delay"), latin("clear")});
+    const auto ended = [&panel] {
+        return panel.process().widget(latin("btn_StartDiag"), latin("enabled")).toBool();
     };
-    await(ended, latin("the diagnosis"));
-    at("diagnosis-passed");
-    set("cloud.status", "-4");
-    set("net.cable.eth0", "-1");
-    set("net.ping", R"({"*": {"min": 8, "avg": 640, "max": 920, "lost": 20}})");
-    set("wifi.signal", "40");
+    panel.await(ended, latin("the diagnosis"));
+    panel.at("diagnosis-passed");
+    panel.set("cloud.status", "-4");
+    panel.set("net.cable.eth0", "-1");
+    panel.set("net.ping", R"({"*": {"min": 8, "avg": 640, "max": 920, "lost": 20}})");
+    panel.set("wifi.signal", "40");
     QThread::msleep(2200); // until the cloud has been looked at again
-    touch("btn_StartDiag");
+    panel.touch("btn_StartDiag");
     QThread::msleep(100);
-    await(ended, latin("the diagnosis"));
-    at("diagnosis-failed");
+    panel.await(ended, latin("the diagnosis"));
+    panel.at("diagnosis-failed");
 }

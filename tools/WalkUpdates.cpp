@@ -7,140 +7,167 @@
 namespace {
 
 constexpr const char *LONGEST_MODEL = "KV156T-PRO-4G-CAN2-RS485X4-2023A"; // 32 bytes
+constexpr int FILES = 20; // more than a list has room for
 
 QString latin(const char *text)
 {
     return QString::fromUtf8(text);
 }
 
-} // namespace
-
-void PanelWalk::makeFile(const char *tool, const QStringList &options, const QString &name)
+// A U-disk; pulled out when it goes.
+class Stick
 {
-    const QStringList arguments = QStringList{latin(SOURCE_FOLDER "/tools/") + latin(tool)} +
-                                  options + QStringList{m_stick->filePath(name)};
+public:
+    explicit Stick(PanelSteps &panel) : m_panel(panel) {}
+    Stick(const Stick &) = delete;
+    Stick &operator=(const Stick &) = delete;
+    ~Stick() { m_panel.process().ask({latin("usb"), latin("remove"), m_folder.path()}); }
+
+    void insert() const { m_panel.ask({latin("usb"), latin("insert"), m_folder.path()}); }
+    QString file(const QString &name) const { return m_folder.filePath(name); }
+    // A small file of the panel's own model, made by one of the project's tools.
+    void make(const char *tool, const QString &name, const QStringList &options) const;
+    void makeUpdate(const QString &name, const QStringList &options = {}) const;
+
+private:
+    PanelSteps &m_panel;
+    QTemporaryDir m_folder;
+};
+
+void Stick::make(const char *tool, const QString &name, const QStringList &options) const
+{
+    const QStringList arguments{latin(SOURCE_FOLDER "/tools/") + latin(tool), latin("--size"),
+                                latin("4096")};
     QProcess process;
-    process.start(latin("/usr/bin/python3"), arguments);
+    process.start(latin("/usr/bin/python3"), arguments + options + QStringList{file(name)});
     if (!process.waitForFinished() || process.exitCode() != 0)
         throw Stuck(std::string(tool) + " makes no " + name.toStdString());
 }
 
-void PanelWalk::makeStick()
+void Stick::makeUpdate(const QString &name, const QStringList &options) const
 {
-    m_stick = std::make_unique<QTemporaryDir>();
-    const QStringList small{latin("--size"), latin("4096"), latin("--model"),
-                            m_panel->get(latin("machine.hmiType")).toString()};
+    const QString model = m_panel.process().get(latin("machine.hmiType")).toString();
+    make("make-update-file", name, QStringList{latin("--model"), model} + options);
+}
+
+void fill(const Stick &stick)
+{
     for (const char *project : {"Packing line 3.tmt3", "包装线二号.tmt3"})
-        makeFile("make-update-file", small, latin(project));
-    makeFile("make-update-file", small + QStringList{latin("--version"), latin("999")},
-             latin("KV070T-2.4.osf3"));
+        stick.makeUpdate(latin(project));
+    stick.makeUpdate(latin("KV070T-2.4.osf3"), {latin("--version"), latin("999")});
     for (const char *other : {"Spare panel.tmt3", "Spare panel.osf3"})
-        makeFile("make-update-file", small + QStringList{latin("--model"), latin(LONGEST_MODEL)},
-                 latin(other));
-    makeFile("make-plc-program", small.mid(0, 2), latin("Conveyor.bin"));
-}
-
-void PanelWalk::updates()
-{
-    start();
-    makeStick();
-    awaitSeen("tab_Machine");
-    touch("btn_UpData");
-    awaitSeen("list_Pro");
-    at("update");
-    ask({latin("usb"), latin("insert"), m_stick->path()});
-    projects();
-    firmware();
-    plcPrograms();
-    changeStick();
-    manyFiles();
-}
-
-void PanelWalk::projects()
-{
-    touch("list_Pro", 0);
-    at("update-list");
-    set("update.steps", "[40]");
-    set("update.stepTime", "1500");
-    touch("btn_DownLoadPro");
-    await([this] { return m_panel->widget(latin("bar_Project"), latin("value")).toInt() == 40; },
-          latin("the bar"));
-    at("update-running");
-    set("update.stepTime", "0");
-    box("update-done");
-    touch("list_Pro", 1);
-    touch("btn_DownLoadPro");
-    box("update-other-model");
-    touch("list_Pro", 0);
-    set("update.error", "-9");
-    touch("btn_DownLoadPro");
-    box("update-refused");
-    set("update.error", "null");
-}
-
-void PanelWalk::firmware()
-{
-    touch("tab_UpData", 1);
-    touch("list_Image", 0);
-    touch("btn_DownLoadImage");
-    box("update-newer", "btn_Cancel");
-    box("update-declined");
-    touch("list_Image", 1);
-    touch("btn_DownLoadImage");
-    box("update-other-board");
-}
-
-void PanelWalk::plcPrograms()
-{
-    touch("tab_UpData", 2);
-    touch("list_PlcPro", 0);
-    at("update-plc");
-    ask({latin("fail"), latin("plc.Commu"), latin("-25"), latin("1")});
-    touch("btn_DownLoadPlcPro");
-    box("update-plc-timeout");
-    at("update-plc-failed");
-    ask({latin("fail"), latin("plc.Commu"), latin("-31"), latin("1")});
-    touch("btn_DownLoadPlcPro");
-    box("update-plc-no-id");
+        stick.makeUpdate(latin(other), {latin("--model"), latin(LONGEST_MODEL)});
+    stick.make("make-plc-program", latin("Conveyor.bin"), {});
 }
 
 // More files than the list has room for, and a name as long as names are.
-void PanelWalk::changeStick()
+void fillUp(const Stick &stick)
 {
-    ask({latin("usb"), latin("remove"), m_stick->path()});
-    m_stick = std::make_unique<QTemporaryDir>();
-    const QString longest = QString::fromUtf8("包装线 二号 夹具 ").repeated(8).left(75);
-    makeFile("make-update-file",
-             {latin("--size"), latin("4096"), latin("--model"),
-              m_panel->get(latin("machine.hmiType")).toString()},
-             longest + latin(".tmt3"));
-    for (int i = 1; i < 20; ++i) {
-        QFile file(m_stick->filePath(QStringLiteral("Recipe %1.tmt3").arg(i)));
+    const QString longest = latin("包装线 二号 夹具 ").repeated(8).left(75);
+    stick.makeUpdate(longest + latin(".tmt3"));
+    for (int i = 1; i < FILES; ++i) {
+        QFile file(stick.file(QStringLiteral("Recipe %1.tmt3").arg(i)));
         if (!file.open(QIODevice::WriteOnly))
             throw Stuck("cannot fill the U-disk");
     }
 }
 
-void PanelWalk::manyFiles()
+void projects(PanelSteps &panel)
 {
-    touch("tab_UpData", 0);
-    ask({latin("usb"), latin("insert"), m_stick->path()});
-    const auto rows = [this] {
-        return m_panel->widget(latin("list_Pro"), latin("items")).toArray();
+    panel.touch("list_Pro", 0);
+    panel.at("update-list");
+    panel.set("update.steps", "[40]");
+    panel.set("update.stepTime", "1500");
+    panel.touch("btn_DownLoadPro");
+    panel.await(
+        [&panel] {
+            return panel.process().widget(latin("bar_Project"), latin("value")).toInt() == 40;
+        },
+        latin("the bar"));
+    panel.at("update-running");
+    panel.set("update.stepTime", "0");
+    panel.box("update-done");
+    panel.touch("list_Pro", 1);
+    panel.touch("btn_DownLoadPro");
+    panel.box("update-other-model");
+    panel.touch("list_Pro", 0);
+    panel.set("update.error", "-9");
+    panel.touch("btn_DownLoadPro");
+    panel.box("update-refused");
+    panel.set("update.error", "null");
+}
+
+void firmware(PanelSteps &panel)
+{
+    panel.touch("tab_UpData", 1);
+    panel.touch("list_Image", 0);
+    panel.touch("btn_DownLoadImage");
+    panel.box("update-newer", "btn_Cancel");
+    panel.box("update-declined");
+    panel.touch("list_Image", 1);
+    panel.touch("btn_DownLoadImage");
+    panel.box("update-other-board");
+}
+
+void plcPrograms(PanelSteps &panel)
+{
+    panel.touch("tab_UpData", 2);
+    panel.touch("list_PlcPro", 0);
+    panel.at("update-plc");
+    panel.ask({latin("fail"), latin("plc.Commu"), latin("-25"), latin("1")});
+    panel.touch("btn_DownLoadPlcPro");
+    panel.box("update-plc-timeout");
+    panel.at("update-plc-failed");
+    panel.ask({latin("fail"), latin("plc.Commu"), latin("-31"), latin("1")});
+    panel.touch("btn_DownLoadPlcPro");
+    panel.box("update-plc-no-id");
+}
+
+void manyFiles(PanelSteps &panel)
+{
+    panel.touch("tab_UpData", 0);
+    const Stick stick(panel);
+    fillUp(stick);
+    stick.insert();
+    const auto rows = [&panel] {
+        return panel.process().widget(latin("list_Pro"), latin("items")).toArray();
     };
-    await([&] { return rows().size() == 20; }, latin("all files"));
-    at("update-many");
+    panel.await([&] { return rows().size() == FILES; }, latin("all files"));
+    panel.at("update-many");
     int longest = 0;
     while (rows()[longest].toString().size() < 80)
         ++longest;
-    touch("list_Pro", longest);
-    at("update-long-name");
-    set("update.steps", "[40]");
-    set("update.stepTime", "1500");
-    touch("btn_DownLoadPro");
-    await([this] { return m_panel->widget(latin("bar_Project"), latin("value")).toInt() == 40; },
-          latin("the bar"));
-    at("update-long-running");
-    set("update.stepTime", "0");
-    box("update-long-done");
+    panel.touch("list_Pro", longest);
+    panel.at("update-long-name");
+    panel.set("update.steps", "[40]");
+    panel.set("update.stepTime", "1500");
+    panel.touch("btn_DownLoadPro");
+    panel.await(
+        [&panel] {
+            return panel.process().widget(latin("bar_Project"), latin("value")).toInt() == 40;
+        },
+        latin("the bar"));
+    panel.at("update-long-running");
+    panel.set("update.stepTime", "0");
+    panel.box("update-long-done");
+}
+
+} // namespace
+
+void walkUpdates(PanelSteps &panel)
+{
+    panel.start();
+    panel.awaitSeen("tab_Machine");
+    panel.touch("btn_UpData");
+    panel.awaitSeen("list_Pro");
+    panel.at("update");
+    {
+        const Stick stick(panel);
+        fill(stick);
+        stick.insert();
+        projects(panel);
+        firmware(panel);
+        plcPrograms(panel);
+    }
+    manyFiles(panel);
 }

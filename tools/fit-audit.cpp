@@ -20,6 +20,16 @@ namespace {
 constexpr std::size_t WALKS_AT_A_TIME = 3;
 constexpr unsigned long LINKS_CHECKED_MS = 2300; // until the status strip shows what is online
 
+struct Part
+{
+    const char *name;
+    void (*walk)(PanelSteps &panel);
+};
+
+constexpr Part PARTS[] = {{"pages", walkPages},         {"network", walkNetwork},
+                          {"diagnosis", walkDiagnosis}, {"updates", walkUpdates},
+                          {"gate", walkGate},           {"alone", walkAlone}};
+
 struct Options
 {
     QStringList sizes;
@@ -32,6 +42,16 @@ struct Options
 QString latin(const char *text)
 {
     return QString::fromUtf8(text);
+}
+
+// A word that stands for nothing would let everything pass.
+QStringList known(const QStringList &words, const QStringList &all)
+{
+    for (const QString &word : words)
+        if (!all.contains(word))
+            throw std::runtime_error("there is no " + word.toStdString() + ", only " +
+                                     all.join(latin(", ")).toStdString());
+    return words;
 }
 
 QStringList either(const QStringList &chosen, const QStringList &all)
@@ -48,12 +68,16 @@ Options parse(const QStringList &arguments)
                        {latin("part"), QString(), value},
                        {latin("pictures"), QString(), value}});
     parser.process(arguments);
+    const QStringList languages{latin("zh"), latin("en")};
+    QStringList parts;
+    for (const Part &part : PARTS)
+        parts += latin(part.name);
     const bool whole = parser.optionNames().isEmpty();
     return {
         either(parser.values(latin("size")), {latin("480x272"), latin("800x480"), latin("1024x600"),
                                               latin("1280x800"), latin("1920x1080")}),
-        either(parser.values(latin("language")), {latin("zh"), latin("en")}),
-        parser.values(latin("part")), parser.value(latin("pictures")), whole};
+        either(known(parser.values(latin("language")), languages), languages),
+        known(parser.values(latin("part")), parts), parser.value(latin("pictures")), whole};
 }
 
 QSize sizeOf(const QString &text)
@@ -99,14 +123,13 @@ QVector<Finding> walk(const Options &options, const QString &size, const QString
         else
             audit(panel, where, found);
     };
-    PanelWalk way(sizeOf(size), language == latin("zh") ? 0 : 1,
-                  latin(pictures ? "full" : "widest"), visit);
+    PanelSteps panel(sizeOf(size), language == latin("zh") ? 0 : 1,
+                     latin(pictures ? "full" : "widest"), visit);
     if (pictures)
-        way.setStartPause(LINKS_CHECKED_MS);
-    if (options.parts.isEmpty())
-        way.walk();
-    for (const QString &part : options.parts)
-        way.walk(part);
+        panel.setStartPause(LINKS_CHECKED_MS);
+    for (const Part &part : PARTS)
+        if (options.parts.isEmpty() || options.parts.contains(latin(part.name)))
+            part.walk(panel);
     return found;
 }
 
