@@ -5,7 +5,8 @@
 
 namespace {
 
-constexpr unsigned long SCANNED_MS = 600; // a page's first look for networks
+constexpr const char *SLOWLY = "600";      // ms that a service takes to do as asked
+constexpr unsigned long SCANNED_MS = 1200; // until a page's first look for networks has ended
 
 QString latin(const char *text)
 {
@@ -72,17 +73,14 @@ void unreadable(PanelSteps &panel)
 // Networks that have been seen stay on the list; a panel that never saw one has none.
 void nobodyInRange(PanelSteps &panel)
 {
-    panel.start();
-    panel.set("wifi.aps", "[]");
-    panel.set("wifi.state", "0");
+    panel.startIn("nobody-in-range");
+    panel.ask({latin("delay"), latin("netT.getAPList"), latin(SLOWLY)});
     panel.touch("btn_Net");
     panel.touch("tab_Net", 1);
     panel.await(
-        [&panel] {
-            return panel.process().widget(latin("btn_WifiSwitch"), latin("enabled")).toBool();
-        },
+        [&] { return panel.process().widget(latin("btn_WifiSwitch"), latin("enabled")).toBool(); },
         latin("the Wi-Fi device"));
-    panel.passing("wifi-searching");
+    panel.at("wifi-searching");
     QThread::msleep(SCANNED_MS);
     panel.at("wifi-empty");
 }
