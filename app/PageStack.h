@@ -7,7 +7,8 @@
 #include <memory>
 
 // Both containers ask every page, hidden ones too, for the size that it would like, which lays out
-// the whole program before its first frame. Here the screen decides, so nobody asks.
+// the whole program before its first frame. Here the screen decides, so nobody asks; nor for the
+// height that a wrapped text would like, which the status strip would have to give.
 
 class PageStack : public QStackedWidget
 {
@@ -15,6 +16,7 @@ public:
     using QStackedWidget::QStackedWidget;
     QSize sizeHint() const override { return {0, 0}; }
     QSize minimumSizeHint() const override { return {0, 0}; }
+    bool hasHeightForWidth() const override { return false; }
 };
 
 class PageTabs : public QTabWidget
@@ -23,6 +25,7 @@ public:
     using QTabWidget::QTabWidget;
     QSize sizeHint() const override { return {0, 0}; }
     QSize minimumSizeHint() const override { return {0, 0}; }
+    bool hasHeightForWidth() const override { return false; }
 };
 
 // A tab whose page stays outside the window until it is first seen: showing a window polishes

@@ -4,6 +4,7 @@
 #include "app/look/FontStyle.h"
 #include "app/look/OutsideText.h"
 #include "app/look/Screen.h"
+#include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "platform/cos_file.h"
@@ -40,6 +41,7 @@ void UpdatePage::setWidgets(const Widgets &widgets)
     m_widgets = widgets;
     m_widgets.button->setFixedHeight(touchHeight() + touchHeight() / 4);
     m_widgets.bar->setFixedHeight(touchHeight());
+    m_widgets.list->setMinimumHeight(touchHeight() + spacing(1)); // a row, beside a long name
 }
 
 void UpdatePage::listUdisk(const std::string &mountPath)
