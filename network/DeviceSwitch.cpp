@@ -40,6 +40,7 @@ void DeviceSwitch::setTexts(const QString &enable, const QString &unplugged)
 
 void DeviceSwitch::setPresent(bool present)
 {
+    m_bKnown = true;
     m_bPresent = present;
     if (!present)
         endWait(); // what was asked of it went with it

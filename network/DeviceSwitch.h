@@ -55,6 +55,8 @@ public:
     // Asks the service to turn `device` over; blocks up to the time-out of 5 s.
     void request(const std::string &device) const;
 
+    // Whether it has been told yet if the device is there.
+    bool isKnown() const { return m_bKnown; }
     bool isPresent() const { return m_bPresent; }
     bool isOn() const { return m_bOn; }
     // Whether the device is there, and not about to change.
@@ -69,6 +71,7 @@ private:
     std::optional<PendingMark> m_mark; // made for the first press: most panels never switch
     QString m_enable;
     QString m_unplugged;
+    bool m_bKnown = false;
     bool m_bPresent = false;
     bool m_bOn = false;
     bool m_bPending = false;

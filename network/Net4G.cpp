@@ -139,6 +139,7 @@ void Net4G::retranslate()
     for (QLabel *caption : {ui->lab_4gCaption, ui->lab_IccidCaption, ui->lab_ApnName})
         caption->setMinimumWidth(fontPixelSize() * 9 / 2);
     m_switch->setTexts(tr("Enable"), tr("Unplugged"));
+    sayApn();
     setStyleWhenSeen(this, cellularStyle());
 }
 
@@ -222,6 +223,15 @@ void Net4G::showApnMode(bool manual)
     (manual ? ui->radio_manual : ui->radio_auto)->setChecked(true);
     showPart(ui->wdg_vpn, manual);
     ui->lab_vpn->setVisible(!manual);
+    sayApn();
+}
+
+// The default radio is also checked where nobody knows: while the device is off, or the service
+// does not say.
+void Net4G::sayApn()
+{
+    const bool used = m_switch->isPresent() && m_switch->isOn() && !m_apn.sMode.empty();
+    ui->lab_vpn->setText(used ? tr("The default access point is used.") : QString());
 }
 
 void Net4G::slot_ButtonPressed()
@@ -276,6 +286,7 @@ void Net4G::setPresent(bool present)
     ui->radio_manual->setEnabled(present);
     ui->wdg_vpn->setEnabled(present);
     showSignal();
+    sayApn();
 }
 
 // The record that answers a switch press, or reports a switch made elsewhere.
@@ -283,6 +294,7 @@ void Net4G::setOn(bool on)
 {
     m_switch->setOn(on);
     showSignal();
+    sayApn();
     if (on)
         showAtInfo(); // the modem may have spoken before
     else

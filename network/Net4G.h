@@ -66,6 +66,7 @@ private:
     void showSignal();
     void refreshApn();
     void showApnMode(bool manual);
+    void sayApn();
     void sendApn();
     void showAtInfo();
     netT::tag_atCollect atInfo() const;

@@ -120,12 +120,15 @@ void NetEth::enableControls()
     sayWhatIsMissing();
 }
 
-// Where the addresses would stand.
+// Where the addresses would stand. Nothing as long as no record has told of the device.
 void NetEth::sayWhatIsMissing()
 {
-    ui->lab_replacwidgetEth->setText(!m_switch->isPresent() ? tr("No Ethernet device was found.")
-                                     : m_switch->isOn()     ? tr("Waiting for an address.")
-                                                            : tr("Ethernet is switched off."));
+    QString text;
+    if (!m_switch->isPresent())
+        text = m_switch->isKnown() ? tr("No Ethernet device was found.") : QString();
+    else
+        text = m_switch->isOn() ? tr("Waiting for an address.") : tr("Ethernet is switched off.");
+    ui->lab_replacwidgetEth->setText(text);
 }
 
 void NetEth::setEthPage(bool on)

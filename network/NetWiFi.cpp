@@ -83,7 +83,7 @@ void NetWiFi::makeConnections()
     connect(this, &NetWiFi::sgl_MovieStart, ui->lab_Scan, &LoadingLabel::start);
     connect(this, &NetWiFi::sgl_MovieStop, ui->lab_Scan, &LoadingLabel::stop);
     connect(this, &NetWiFi::sgl_MovieStop, this, [this] {
-        m_bScanned = true;
+        m_bScanned = isOn(); // it may tell of a scan that the device has not lived to see
         sayWhatIsMissing();
     });
     connect(this, &NetWiFi::sgl_SetExist, this, &NetWiFi::slot_SetExist);

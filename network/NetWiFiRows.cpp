@@ -46,18 +46,16 @@ void NetWiFi::RefWifiList()
     sayWhatIsMissing();
 }
 
-// Where the networks would stand.
+// Where the networks would stand. Nothing as long as no record has told of the device.
 void NetWiFi::sayWhatIsMissing()
 {
     QString text = tr("Searching for networks.");
     if (!m_switch->isPresent())
-        text = tr("No WLAN device was found.");
+        text = m_switch->isKnown() ? tr("No WLAN device was found.") : QString();
     else if (!m_switch->isOn())
         text = tr("WLAN is switched off.");
-    else if (!m_sCurrent.empty())
-        text = tr("No other network was found.");
     else if (m_bScanned)
-        text = tr("No network was found.");
+        text = m_sCurrent.empty() ? tr("No network was found.") : tr("No other network was found.");
     ui->list_Wifi->setEmptyText(text);
 }
 
