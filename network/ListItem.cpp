@@ -38,6 +38,7 @@ ListItem::ListItem(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::L
     const int side = touchHeight() * 3 / 4;
     ui->lab_signal->setFixedSize(side, side);
     ui->lab_Ok->setFixedSize(side, side);
+    ui->lab_ip->setPadded(true); // as the name on its chip
     setMode(IDLE);
 }
 
@@ -104,7 +105,6 @@ void ListItem::setMode(Mode mode)
 
 void ListItem::setAddress(const std::string &address)
 {
-    ui->lab_ip->setIndent(ui->lab_ip->fontMetrics().height() / 2); // as the name on its chip
     ui->lab_ip->setText(shownBytes(address));
 }
 

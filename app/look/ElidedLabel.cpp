@@ -26,12 +26,18 @@ QSize ElidedLabel::minimumSizeHint() const
 void ElidedLabel::setChip(bool on)
 {
     m_bChip = on;
+    setPadded(on);
+}
+
+void ElidedLabel::setPadded(bool on)
+{
+    m_bPadded = on;
     update();
 }
 
 QRect ElidedLabel::room() const
 {
-    const int padding = m_bChip ? fontMetrics().height() / 2 : 0;
+    const int padding = m_bPadded ? fontMetrics().height() / 2 : 0;
     return contentsRect().adjusted(padding, 0, -padding, 0);
 }
 

@@ -17,6 +17,8 @@ public:
     // Whether the text stands on a dark chip of its own length, for a colour that cannot be read
     // on white.
     void setChip(bool on);
+    // Whether the text stands as far in as one on a chip does.
+    void setPadded(bool on);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -30,4 +32,5 @@ private:
     QString m_text;   // as laid out
     int m_nWidth = 0; // of the room that it was laid out for
     bool m_bChip = false;
+    bool m_bPadded = false;
 };
