@@ -192,7 +192,8 @@ QString tabStyle()
                               "border-top-left-radius:4px;border-top-right-radius:4px;}"
                               "QTabBar::tab:selected{color:@selectedInk;"
                               "background-color:@selected;height:%4px;"
-                              "border:0px;border-bottom:%5px solid @mark;}"
+                              "border:0px;border-right:1px solid @selected;"
+                              "border-bottom:%5px solid @mark;}"
                               "QTabWidget::pane{border:0px;border-top:2px solid @selected;"
                               "background-color:@surface;}"))
         .arg(screen.width() / 5)
