@@ -5,7 +5,6 @@
 
 #include <QLabel>
 #include <QLineEdit>
-#include <QStyle>
 
 namespace {
 
@@ -25,17 +24,14 @@ class EditedMark
 {
 public:
     explicit EditedMark(QLineEdit *field) : m_pField(field) { set(true); }
-    ~EditedMark() { set(QVariant()); }
+    ~EditedMark() { set(false); }
     Q_DISABLE_COPY(EditedMark)
 
 private:
-    void set(const QVariant &edited)
+    void set(bool edited)
     {
-        if (m_pField == nullptr)
-            return;
-        m_pField->setProperty("edited", edited);
-        m_pField->style()->unpolish(m_pField); // a style sheet does not see a property change
-        m_pField->style()->polish(m_pField);
+        if (m_pField != nullptr)
+            markWidget(m_pField, "edited", edited);
     }
 
     QLineEdit *m_pField;
