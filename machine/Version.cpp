@@ -49,9 +49,9 @@ void Version::makeList()
     m_pList->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     m_pList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto *room = new QVBoxLayout(this);
-    const int margin = spacing(1);
-    room->setContentsMargins(margin, margin, margin, margin);
+    room->setContentsMargins(4, 4, 4, 4);
     room->addWidget(m_pList);
+    growLayouts(this); // the tab has done so already, and does again when the page comes back
 }
 
 // A page that is left and seen again does not pile up questions.
