@@ -13,11 +13,6 @@ constexpr unsigned long REST_MS = 120;
 constexpr unsigned long LIST_PAUSE_MS = 420; // a list that has just opened ignores touches
 constexpr unsigned long KEY_PAUSE_MS = 165;  // the keyboard drops keys that follow sooner
 
-QString latin(const char *text)
-{
-    return QString::fromUtf8(text);
-}
-
 } // namespace
 
 PanelSteps::PanelSteps(const QSize &screen, int language, QString scenario, Visit visit)

@@ -10,6 +10,12 @@
 #include <memory>
 #include <stdexcept>
 
+// UTF-8 as what Qt takes.
+inline QString latin(const char *text)
+{
+    return QString::fromUtf8(text);
+}
+
 // A step that waited in vain.
 struct Stuck : std::runtime_error
 {

@@ -12,11 +12,6 @@ constexpr int CELLULAR_TAB = 2;
 constexpr int EXTEND_TAB = 3;
 constexpr const char *SLOWLY = "600"; // ms that a service takes to do as asked
 
-QString latin(const char *text)
-{
-    return QString::fromUtf8(text);
-}
-
 void ethernet(PanelSteps &panel)
 {
     panel.touch("tab_Net", 0);

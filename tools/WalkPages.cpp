@@ -8,11 +8,6 @@ namespace {
 constexpr const char *SLOWLY = "600";      // ms that a service takes to do as asked
 constexpr unsigned long SCANNED_MS = 1200; // until a page's first look for networks has ended
 
-QString latin(const char *text)
-{
-    return QString::fromUtf8(text);
-}
-
 void communication(PanelSteps &panel)
 {
     panel.touch("tab_System", 1);

@@ -9,11 +9,6 @@ namespace {
 constexpr const char *LONGEST_MODEL = "KV156T-PRO-4G-CAN2-RS485X4-2023A"; // 32 bytes
 constexpr int FILES = 20; // more than a list has room for
 
-QString latin(const char *text)
-{
-    return QString::fromUtf8(text);
-}
-
 // A U-disk; pulled out when it goes.
 class Stick
 {
@@ -72,10 +67,9 @@ void fillUp(const Stick &stick)
     }
 }
 
-void projects(PanelSteps &panel)
+// Installs the chosen project, slowly enough to be seen in the middle.
+void download(PanelSteps &panel, const char *running, const char *done)
 {
-    panel.touch("list_Pro", 0);
-    panel.at("update-list");
     panel.set("update.steps", "[40]");
     panel.set("update.stepTime", "1500");
     panel.touch("btn_DownLoadPro");
@@ -84,9 +78,16 @@ void projects(PanelSteps &panel)
             return panel.process().widget(latin("bar_Project"), latin("value")).toInt() == 40;
         },
         latin("the bar"));
-    panel.at("update-running");
+    panel.at(running);
     panel.set("update.stepTime", "0");
-    panel.box("update-done");
+    panel.box(done);
+}
+
+void projects(PanelSteps &panel)
+{
+    panel.touch("list_Pro", 0);
+    panel.at("update-list");
+    download(panel, "update-running", "update-done");
     panel.touch("list_Pro", 1);
     panel.touch("btn_DownLoadPro");
     panel.box("update-other-model");
@@ -139,17 +140,7 @@ void manyFiles(PanelSteps &panel)
         ++longest;
     panel.touch("list_Pro", longest);
     panel.at("update-long-name");
-    panel.set("update.steps", "[40]");
-    panel.set("update.stepTime", "1500");
-    panel.touch("btn_DownLoadPro");
-    panel.await(
-        [&panel] {
-            return panel.process().widget(latin("bar_Project"), latin("value")).toInt() == 40;
-        },
-        latin("the bar"));
-    panel.at("update-long-running");
-    panel.set("update.stepTime", "0");
-    panel.box("update-long-done");
+    download(panel, "update-long-running", "update-long-done");
 }
 
 } // namespace

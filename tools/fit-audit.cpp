@@ -39,11 +39,6 @@ struct Options
     bool whole; // nothing of the audit is left out
 };
 
-QString latin(const char *text)
-{
-    return QString::fromUtf8(text);
-}
-
 // A word that stands for nothing would let everything pass.
 QStringList known(const QStringList &words, const QStringList &all)
 {
