@@ -91,8 +91,10 @@ QString listTemplate()
         .replace(QLatin1String("%4"), QString::number(spacing(2)));
 }
 
-QString comboTemplate(int arrowWidth, int rowHeight)
+// `textHeight`: what a row keeps for its text at least; padding makes it a row for fingers.
+QString comboTemplate(int arrowWidth, int textHeight)
 {
+    const int rowHeight = std::max(touchHeight(), textHeight);
     return QStringLiteral("QComboBox{color:@ink;%1background-color:@surface;padding-left:%5px;"
                           "border:2px solid @line;border-radius:4px;combobox-popup:0;}"
                           "QComboBox:on{background-color:@pressed;border-color:@pressedLine;}"
@@ -104,12 +106,13 @@ QString comboTemplate(int arrowWidth, int rowHeight)
                           "QComboBox::down-arrow:disabled{image:none;}"
                           "QComboBox QAbstractItemView{color:@ink;%1background-color:@surface;"
                           "outline:none;border:1px solid @line;}"
-                          "QComboBox QAbstractItemView::item{min-height:%3px;padding-left:%5px;"
+                          "QComboBox QAbstractItemView::item{min-height:%3px;padding:%6px %5px;"
                           "border:0px;}"
                           "QComboBox QAbstractItemView::item:selected"
                           "{color:@selectedInk;background-color:@selected;}")
                .replace(QLatin1String("%2"), QString::number(arrowWidth))
-               .replace(QLatin1String("%3"), QString::number(rowHeight))
+               .replace(QLatin1String("%3"), QString::number(textHeight))
+               .replace(QLatin1String("%6"), QString::number((rowHeight - textHeight + 1) / 2))
                .replace(QLatin1String("%4"), QString::number(arrowWidth / 2))
                .replace(QLatin1String("%5"), QString::number(spacing(2))) +
            scrollBarTemplate();
@@ -340,7 +343,7 @@ QString generalStyle()
     const int touch = touchHeight();
     return addressStyle(true) +
            QStringLiteral("QLineEdit{min-height:%1px;}").arg(touch - FIELD_LINE) +
-           filled(comboTemplate(touch, std::max(touch, fontPixelSize() * 8 / 5))) +
+           filled(comboTemplate(touch, fontPixelSize() * 8 / 5)) +
            themed(sliderTemplate(touch) +
                   QStringLiteral("QFrame#line_Halves{background-color:@line;border:0px;}"));
 }
@@ -350,7 +353,7 @@ QString extendStyle()
     const int arrow = fontPixelSize() * 3 / 2;
     return filled(QStringLiteral("QLabel{color:@ink;%1}"
                                  "QLabel#lab_DiagHint,QLabel#lab_MethodHint{color:@mutedInk;}") +
-                  buttonTemplate() + comboTemplate(arrow, std::max(touchHeight(), arrow)));
+                  buttonTemplate() + comboTemplate(arrow, arrow));
 }
 
 QString diagnosisStyle()
