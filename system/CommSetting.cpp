@@ -38,8 +38,13 @@ constexpr Refusal REFUSALS[] = {
 };
 constexpr int LINE_MARGIN = 2; // pixels that a line edit keeps free at either side of its text
 
+// Nobody measures the letters of a line that is not seen.
 void showElided(QLineEdit *line, const QString &text)
 {
+    if (!line->isVisible()) {
+        line->setText(text);
+        return;
+    }
     const int room = line->contentsRect().width() - 2 * LINE_MARGIN;
     line->setText(line->fontMetrics().elidedText(text, Qt::ElideRight, room));
 }
@@ -103,8 +108,8 @@ bool CommSetting::eventFilter(QObject *watched, QEvent *event)
             editStation(ui->line_HmiStation, COM_HMI_STATION);
         else
             editStation(ui->line_StandStation, COM_DEVICE_STATION);
-    } else if (!isStation &&
-               (event->type() == QEvent::Resize || event->type() == QEvent::FontChange)) {
+    } else if (!isStation && (event->type() == QEvent::Show || event->type() == QEvent::Resize ||
+                              event->type() == QEvent::FontChange)) {
         showSummaries();
     }
     return QWidget::eventFilter(watched, event);
