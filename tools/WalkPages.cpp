@@ -28,7 +28,7 @@ void communication(PanelSteps &panel)
     panel.at("com-not-saved");
 }
 
-void system(PanelSteps &panel)
+void settings(PanelSteps &panel)
 {
     panel.touch("btn_Sysset");
     panel.touch("tab_System", 0);
@@ -89,7 +89,7 @@ void walkPages(PanelSteps &panel)
     panel.at("about");
     panel.touch("tab_Machine", 1);
     panel.at("version");
-    system(panel);
+    settings(panel);
     panel.touch("btn_Reboot");
     panel.box("restart", "btn_Cancel");
 }

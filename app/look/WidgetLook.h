@@ -29,8 +29,8 @@ void setStyleOnce(QWidget *widget, const QString &styleSheet);
 // and language change pay for what is seen alone.
 void setStyleWhenSeen(QWidget *widget, const QString &styleSheet);
 
-// Shows or hides a part of a page. On a page that is not seen the part is not laid out for it, which
-// would read the glyphs of all its texts.
+// Shows or hides a part of a page. On a page that is not seen the part is not laid out for it,
+// which would read the glyphs of all its texts.
 void showPart(QWidget *part, bool shown);
 
 // Sets what waits on `page` and in it: right before it joins a window that is seen, which goes

@@ -1,5 +1,5 @@
-#include "tools/PanelProcess.h"
 #include "tests/support/Text.h"
+#include "tools/PanelProcess.h"
 
 #include <QDir>
 #include <QFile>
