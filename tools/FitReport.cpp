@@ -28,6 +28,22 @@ bool isSame(const Finding &one, const Finding &other)
 
 } // namespace
 
+QJsonObject toJson(const Finding &finding)
+{
+    QJsonObject object;
+    for (const Key &key : KEYS)
+        object.insert(QLatin1String(key.name), finding.*key.member);
+    return object;
+}
+
+Finding findingOf(const QJsonObject &object)
+{
+    Finding finding;
+    for (const Key &key : KEYS)
+        finding.*key.member = object.value(QLatin1String(key.name)).toString();
+    return finding;
+}
+
 FitReport::FitReport(const QString &waivers)
 {
     QFile file(waivers);

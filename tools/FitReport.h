@@ -18,6 +18,10 @@ struct Finding
     QString detail;
 };
 
+// All strings of it, by their names.
+QJsonObject toJson(const Finding &finding);
+Finding findingOf(const QJsonObject &object);
+
 class FitReport
 {
 public:

@@ -10,6 +10,12 @@ namespace {
 
 constexpr int TIMEOUT_MS = 30000;
 
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 } // namespace
 
 PanelProcess::PanelProcess()
@@ -20,7 +26,9 @@ PanelProcess::PanelProcess()
     if (!environment.contains(QStringLiteral("FONTCONFIG_FILE")))
         environment.insert(QStringLiteral("FONTCONFIG_FILE"), QStringLiteral(PANEL_FONTS));
     m_process.setProcessEnvironment(environment);
+    // To files: a pipe that nobody reads fills up and holds the panel.
     m_process.setStandardOutputFile(m_root.path() + QStringLiteral("/stdout"));
+    m_process.setStandardErrorFile(m_root.path() + QStringLiteral("/stderr"));
 }
 
 PanelProcess::~PanelProcess()
@@ -41,32 +49,32 @@ void PanelProcess::setEnvironment(const QString &name, const QString &value)
 bool PanelProcess::start(const QStringList &options)
 {
     m_process.start(QStringLiteral(PANEL_PROGRAM), options);
-    m_errors.clear();
-    return wait(
-               [this] {
-                   m_process.waitForReadyRead(20);
-                   m_errors += m_process.readAllStandardError();
-                   return m_errors.contains("panel ready") ||
-                          m_process.state() == QProcess::NotRunning;
-               },
-               TIMEOUT_MS) &&
-           m_process.state() == QProcess::Running;
+    return wait([this] { return errors().contains("panel ready") || hasEnded(); }, TIMEOUT_MS) &&
+           !hasEnded();
+}
+
+bool PanelProcess::hasEnded()
+{
+    return m_process.state() == QProcess::NotRunning || m_process.waitForFinished(0);
 }
 
 int PanelProcess::waitForEnd()
 {
     if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(TIMEOUT_MS))
         return -1;
-    m_errors += m_process.readAllStandardError();
     if (m_process.exitCode() != 0 || m_process.exitStatus() != QProcess::NormalExit)
-        qWarning("%s", m_errors.constData());
+        qWarning("%s", errors().constData());
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+QByteArray PanelProcess::errors() const
+{
+    return contents(m_root.path() + QStringLiteral("/stderr"));
 }
 
 QByteArray PanelProcess::output() const
 {
-    QFile file(m_root.path() + QStringLiteral("/stdout"));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return contents(m_root.path() + QStringLiteral("/stdout"));
 }
 
 QJsonValue PanelProcess::ask(const QStringList &words)
@@ -75,6 +83,8 @@ QJsonValue PanelProcess::ask(const QStringList &words)
     socket.connectToServer(m_root.path() + QStringLiteral("/run/panel.sock"));
     if (!socket.waitForConnected(TIMEOUT_MS)) {
         m_sError = socket.errorString();
+        if (hasEnded())
+            m_sError += QStringLiteral(": the panel has ended\n") + QString::fromUtf8(errors());
         return QJsonValue::Undefined;
     }
     const QJsonObject request{{QStringLiteral("verb"), words.first()},

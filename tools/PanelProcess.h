@@ -43,8 +43,10 @@ public:
     static bool wait(const std::function<bool()> &condition, int timeoutMs = 10000);
 
 private:
+    bool hasEnded();
+    QByteArray errors() const;
+
     QTemporaryDir m_root;
     QProcess m_process;
-    QByteArray m_errors;
     QString m_sError;
 };

@@ -4,16 +4,22 @@
 //   --language zh|en  only this language
 //   --part NAME       only this part of the walk (pages, network, diagnosis, updates, gate, alone)
 //   --pictures DIR    takes a picture of every state instead, from a panel with everyday values
+//   --raw             prints a JSON array of what is found, held against no waiver
+//
+// Each screen in each language is walked by a process of its own, `fit-audit --raw`: a process with
+// threads does better without children (a sanitizer's lock that another thread holds is never freed
+// in the child).
 #include "tools/FitReport.h"
 #include "tools/PanelWalk.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
+#include <QJsonDocument>
 
 #include <deque>
-#include <future>
 #include <iostream>
+#include <memory>
 
 namespace {
 
@@ -36,6 +42,7 @@ struct Options
     QStringList languages;
     QStringList parts;
     QString pictures;
+    bool raw;
     bool whole; // nothing of the audit is left out
 };
 
@@ -61,7 +68,8 @@ Options parse(const QStringList &arguments)
     parser.addOptions({{latin("size"), QString(), value},
                        {latin("language"), QString(), value},
                        {latin("part"), QString(), value},
-                       {latin("pictures"), QString(), value}});
+                       {latin("pictures"), QString(), value},
+                       {latin("raw"), QString()}});
     parser.process(arguments);
     const QStringList languages{latin("zh"), latin("en")};
     QStringList parts;
@@ -72,7 +80,10 @@ Options parse(const QStringList &arguments)
         either(parser.values(latin("size")), {latin("480x272"), latin("800x480"), latin("1024x600"),
                                               latin("1280x800"), latin("1920x1080")}),
         either(known(parser.values(latin("language")), languages), languages),
-        known(parser.values(latin("part")), parts), parser.value(latin("pictures")), whole};
+        known(parser.values(latin("part")), parts),
+        parser.value(latin("pictures")),
+        parser.isSet(latin("raw")),
+        whole};
 }
 
 QSize sizeOf(const QString &text)
@@ -128,31 +139,75 @@ QVector<Finding> walk(const Options &options, const QString &size, const QString
     return found;
 }
 
-// All screens, a few at a time: a walk mostly waits for its panel. Throws where one got stuck.
+// What is wrong with these screens, walked one after the other in this process.
+int printRaw(const Options &options)
+{
+    QJsonArray found;
+    for (const QString &size : options.sizes)
+        for (const QString &language : options.languages)
+            try {
+                for (const Finding &finding : walk(options, size, language))
+                    found.append(toJson(finding));
+            } catch (const Stuck &stuck) {
+                throw std::runtime_error((size + latin(" ") + language).toStdString() + ": " +
+                                         stuck.what());
+            }
+    std::cout << QJsonDocument(found).toJson(QJsonDocument::Compact).constData() << '\n';
+    return 0;
+}
+
+// One screen in one language, walked by another process.
+class WalkProcess
+{
+public:
+    WalkProcess(const Options &options, const QString &size, const QString &language)
+    {
+        QStringList arguments{latin("--raw"), latin("--size"), size, latin("--language"), language};
+        for (const QString &part : options.parts)
+            arguments << latin("--part") << part;
+        if (!options.pictures.isEmpty())
+            arguments << latin("--pictures") << options.pictures;
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_process.start(QCoreApplication::applicationFilePath(), arguments);
+    }
+
+    // Waits for its end and appends what it found. False where it got stuck, as it has said itself.
+    bool finish(QVector<Finding> &found)
+    {
+        m_process.waitForFinished(-1);
+        const QJsonDocument raw = QJsonDocument::fromJson(m_process.readAllStandardOutput());
+        const QJsonArray entries = raw.array();
+        for (const QJsonValue entry : entries)
+            found.append(findingOf(entry.toObject()));
+        return raw.isArray() && m_process.exitStatus() == QProcess::NormalExit &&
+               m_process.exitCode() == 0;
+    }
+
+private:
+    QProcess m_process;
+};
+
+// All screens, a few at a time: a walk mostly waits for its panel. Throws where one got stuck, but
+// not before the others have come to their end and put their panels away.
 QVector<Finding> walkAll(const Options &options)
 {
-    using Walk = std::future<QVector<Finding>>;
     QVector<Finding> found;
-    std::deque<Walk> under;
+    bool complete = true;
+    std::deque<std::unique_ptr<WalkProcess>> under;
     const auto collect = [&] {
-        found += under.front().get();
+        complete = under.front()->finish(found) && complete;
         under.pop_front();
     };
     for (const QString &size : options.sizes)
         for (const QString &language : options.languages) {
             if (under.size() == WALKS_AT_A_TIME)
                 collect();
-            under.push_back(std::async(std::launch::async, [&options, size, language] {
-                try {
-                    return walk(options, size, language);
-                } catch (const Stuck &stuck) {
-                    throw std::runtime_error((size + latin(" ") + language).toStdString() + ": " +
-                                             stuck.what());
-                }
-            }));
+            under.push_back(std::make_unique<WalkProcess>(options, size, language));
         }
     while (!under.empty())
         collect();
+    if (!complete)
+        throw std::runtime_error("not every screen was seen");
     return found;
 }
 
@@ -185,7 +240,8 @@ int main(int argc, char **argv)
 {
     const QCoreApplication app(argc, argv);
     try {
-        return run(parse(QCoreApplication::arguments()));
+        const Options options = parse(QCoreApplication::arguments());
+        return options.raw ? printRaw(options) : run(options);
     } catch (const std::exception &error) {
         std::cerr << "fit-audit: " << error.what() << std::endl;
         return 2;
