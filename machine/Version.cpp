@@ -1,5 +1,6 @@
 #include "machine/Version.h"
 
+#include "app/look/FingerScroll.h"
 #include "app/look/OutsideText.h"
 #include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
@@ -48,6 +49,7 @@ void Version::makeList()
     m_pList->setFocusPolicy(Qt::NoFocus);
     m_pList->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     m_pList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    new FingerScroll(m_pList);
     auto *room = new QVBoxLayout(this);
     room->setContentsMargins(4, 4, 4, 4);
     room->addWidget(m_pList);

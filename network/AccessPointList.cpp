@@ -1,5 +1,6 @@
 #include "network/AccessPointList.h"
 
+#include "app/look/FingerScroll.h"
 #include "app/look/Screen.h"
 #include "app/look/Theme.h"
 #include "network/ListItem.h"
@@ -63,6 +64,7 @@ AccessPointList::AccessPointList(QWidget *parent) : QListWidget(parent), m_nRowH
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setEditTriggers(NoEditTriggers);
     setFocusPolicy(Qt::NoFocus);
+    new FingerScroll(this);
     verticalScrollBar()->setSingleStep(m_nRowHeight);
 }
 

@@ -54,6 +54,8 @@ void NetWiFi::sayWhatIsMissing()
         text = m_switch->isKnown() ? tr("No WLAN device was found.") : QString();
     else if (!m_switch->isOn())
         text = tr("WLAN is switched off.");
+    else if (m_bScanned && m_refresh.hasScanFailed())
+        text = tr("The search for networks failed. It is repeated every ten seconds.");
     else if (m_bScanned)
         text = m_sCurrent.empty() ? tr("No network was found.") : tr("No other network was found.");
     ui->list_Wifi->setEmptyText(text);

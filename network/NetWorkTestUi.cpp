@@ -1,5 +1,6 @@
 #include "network/NetWorkTestUi.h"
 
+#include "app/look/FingerScroll.h"
 #include "app/look/FontStyle.h"
 #include "app/look/Screen.h"
 #include "app/look/Spacing.h"
@@ -60,6 +61,7 @@ void NetWorkTestUi::build()
     m_pRunning = new QMovie(loadingMoviePath(), QByteArray(), this);
     connect(ui->btn_close, &QPushButton::clicked, this, &NetWorkTestUi::slot_ButtonPressed);
     connect(ui->btn_StartDiag, &QPushButton::clicked, this, &NetWorkTestUi::slot_ButtonPressed);
+    new FingerScroll(ui->area_rows);
     const QScrollBar *bar = ui->area_rows->verticalScrollBar();
     connect(bar, &QScrollBar::rangeChanged, this, &NetWorkTestUi::scroll);
     connect(bar, &QScrollBar::actionTriggered, this, [this, bar] {

@@ -36,7 +36,7 @@ void WifiRefresh::scan()
 {
     m_reports.scanBegins();
     std::vector<netT::stApInfo_tag> list;
-    netT::getAPList(list, true, TIMEOUT_MS);
+    m_bScanFailed = netT::getAPList(list, true, TIMEOUT_MS) < 0;
     m_reports.scanEnds();
     // A scan that found nothing, or whose device is off by now, changes nothing.
     if (!list.empty() && m_bEnabled)

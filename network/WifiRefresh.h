@@ -48,6 +48,9 @@ public:
     void suspendPoll();
     void resumePoll() { m_bPolls = true; }
 
+    // Whether the last scan failed: what it would have found is not known.
+    bool hasScanFailed() const { return m_bScanFailed; }
+
     // A new list of access points, in any order.
     void takeScan(std::vector<netT::stApInfo_tag> list);
 
@@ -70,6 +73,7 @@ private:
     std::atomic<bool> m_bVisible{false};
     std::atomic<bool> m_bEnabled{false};
     std::atomic<bool> m_bPolls{true};
+    std::atomic<bool> m_bScanFailed{false};
     std::atomic<unsigned int> m_nSuspensions{0};
     std::atomic<int> m_nState{netT::WIFI_IDLE};
     std::int64_t m_nLastRefresh; // run() alone

@@ -66,18 +66,21 @@ void unreadable(PanelSteps &panel)
 }
 
 // Networks that have been seen stay on the list; a panel that never saw one has none.
-void nobodyInRange(PanelSteps &panel)
+void nobodyInRange(PanelSteps &panel, bool searchFails)
 {
     panel.startIn("nobody-in-range");
     panel.ask({latin("delay"), latin("netT.getAPList"), latin(SLOWLY)});
+    if (searchFails)
+        panel.ask({latin("fail"), latin("netT.getAPList"), latin("-1")});
     panel.touch("btn_Net");
     panel.touch("tab_Net", 1);
     panel.await(
         [&] { return panel.process().widget(latin("btn_WifiSwitch"), latin("enabled")).toBool(); },
         latin("the Wi-Fi device"));
-    panel.at("wifi-searching");
+    if (!searchFails)
+        panel.at("wifi-searching");
     QThread::msleep(SCANNED_MS);
-    panel.at("wifi-empty");
+    panel.at(searchFails ? "wifi-search-failed" : "wifi-empty");
 }
 
 } // namespace
@@ -125,6 +128,7 @@ void walkAlone(PanelSteps &panel)
     panel.at("wifi-unknown");
     panel.touch("tab_Net", 2);
     panel.at("4g-unknown");
-    nobodyInRange(panel);
+    nobodyInRange(panel, false);
+    nobodyInRange(panel, true);
     unreadable(panel);
 }

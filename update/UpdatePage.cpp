@@ -1,6 +1,7 @@
 #include "update/UpdatePage.h"
 
 #include "app/look/BoxHelpers.h"
+#include "app/look/FingerScroll.h"
 #include "app/look/FontStyle.h"
 #include "app/look/OutsideText.h"
 #include "app/look/Screen.h"
@@ -41,6 +42,7 @@ void UpdatePage::setWidgets(const Widgets &widgets)
     m_widgets = widgets;
     m_widgets.button->setFixedHeight(touchHeight() + touchHeight() / 4);
     m_widgets.bar->setFixedHeight(touchHeight());
+    new FingerScroll(m_widgets.list);
     m_widgets.list->setMinimumHeight(touchHeight() + spacing(1)); // a row, beside a long name
 }
 

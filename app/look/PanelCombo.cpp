@@ -1,5 +1,6 @@
 #include "app/look/PanelCombo.h"
 
+#include "app/look/FingerScroll.h"
 #include "app/look/Screen.h"
 
 #include <QAbstractItemView>
@@ -14,6 +15,7 @@ void PanelCombo::showPopup()
         // The list's own delegate ignores the row height of the style sheet.
         setItemDelegate(new QStyledItemDelegate(this));
         view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+        new FingerScroll(view());
     }
     QComboBox::showPopup();
     QWidget *list = view()->window();

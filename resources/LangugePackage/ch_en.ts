@@ -717,6 +717,10 @@
         <source>No network was found.</source>
         <translation>No network was found.</translation>
     </message>
+    <message>
+        <source>The search for networks failed. It is repeated every ten seconds.</source>
+        <translation>The search for networks failed. It is repeated every ten seconds.</translation>
+    </message>
 </context>
 <context>
     <name>NetWorkTestItem</name>

@@ -717,6 +717,10 @@
         <source>No network was found.</source>
         <translation>未找到网络。</translation>
     </message>
+    <message>
+        <source>The search for networks failed. It is repeated every ten seconds.</source>
+        <translation>搜索网络失败，每十秒重试一次。</translation>
+    </message>
 </context>
 <context>
     <name>NetWorkTestItem</name>

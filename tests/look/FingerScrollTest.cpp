@@ -1,0 +1,154 @@
+#include "app/look/FingerScroll.h"
+
+#include "app/look/PanelCombo.h"
+#include "app/look/Screen.h"
+
+#include <QListWidget>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QtTest>
+#include <QWindow>
+
+namespace {
+
+constexpr int ROWS = 40;
+
+QStringList rows()
+{
+    QStringList texts;
+    for (int row = 0; row < ROWS; ++row)
+        texts += QStringLiteral("row %1").arg(row);
+    return texts;
+}
+
+// By way of the window, as the window system does: it is the pressed widget that gets what follows.
+void finger(QWidget *area, QEvent::Type type, const QPoint &at)
+{
+    QWidget *window = area->window();
+    const QPoint there = area->mapTo(window, at);
+    const bool up = type == QEvent::MouseButtonRelease;
+    QMouseEvent event(type, there, there, window->mapToGlobal(there),
+                      type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                      up ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window->windowHandle(), &event);
+}
+
+void slide(QAbstractScrollArea *area, const QPoint &from, int way, bool liftsUp = true)
+{
+    finger(area->viewport(), QEvent::MouseButtonPress, from);
+    finger(area->viewport(), QEvent::MouseMove, from + QPoint(0, way / 2));
+    finger(area->viewport(), QEvent::MouseMove, from + QPoint(0, way));
+    if (liftsUp)
+        finger(area->viewport(), QEvent::MouseButtonRelease, from + QPoint(0, way));
+}
+
+void tap(QListWidget &list, const QPoint &at)
+{
+    finger(list.viewport(), QEvent::MouseButtonPress, at);
+    finger(list.viewport(), QEvent::MouseButtonRelease, at);
+}
+
+} // namespace
+
+class FingerScrollTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void listFollows_data();
+    void listFollows();
+    void restingFingerTouches();
+    void widgetsFollow();
+    void choicesFollow();
+};
+
+void FingerScrollTest::listFollows_data()
+{
+    QTest::addColumn<int>("way");
+    QTest::addColumn<int>("rowsThere");
+    QTest::addColumn<int>("expected"); // of a bar that stood at 100
+    const int rest = touchHeight() / 4;
+    QTest::newRow("up") << -60 << ROWS << 160 - rest;
+    QTest::newRow("down") << 60 << ROWS << 40 + rest;
+    QTest::newRow("beyond the first") << 150 << ROWS << 0;
+    QTest::newRow("nothing to scroll") << 60 << 4 << 0;
+}
+
+// The touch is no click, and another row does not become the chosen one on the way.
+void FingerScrollTest::listFollows()
+{
+    QFETCH(int, way);
+    QFETCH(int, rowsThere);
+    QListWidget list;
+    list.setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    list.addItems(rows().mid(0, rowsThere));
+    new FingerScroll(&list);
+    list.resize(200, 200);
+    list.show();
+    tap(list, list.visualItemRect(list.item(1)).center());
+    list.verticalScrollBar()->setValue(100);
+    QSignalSpy clicks(&list, &QListWidget::itemClicked);
+
+    slide(&list, {50, 20}, way);
+    QTEST(list.verticalScrollBar()->value(), "expected");
+    QCOMPARE(list.currentRow(), 1);
+    QVERIFY(list.item(1)->isSelected());
+    QCOMPARE(list.selectedItems().size(), 1);
+    QVERIFY(clicks.isEmpty());
+
+    finger(list.viewport(), QEvent::MouseMove, {50, 150}); // of nobody
+    QTEST(list.verticalScrollBar()->value(), "expected");
+    tap(list, {50, 20});
+    QCOMPARE(clicks.size(), 1);
+}
+
+void FingerScrollTest::restingFingerTouches()
+{
+    QListWidget list;
+    list.addItems(rows());
+    new FingerScroll(&list);
+    list.show();
+    QSignalSpy clicks(&list, &QListWidget::itemClicked);
+    slide(&list, list.visualItemRect(list.item(2)).center(), 2);
+    QCOMPARE(clicks.size(), 1);
+    QCOMPARE(list.currentRow(), 2);
+    QCOMPARE(list.verticalScrollBar()->value(), 0);
+}
+
+// The bar says so as if it had been moved by its handle: a page can tell it from its own scrolling.
+void FingerScrollTest::widgetsFollow()
+{
+    QScrollArea area;
+    auto *tall = new QWidget;
+    tall->setFixedSize(100, 1000);
+    area.setWidget(tall);
+    new FingerScroll(&area);
+    area.resize(150, 200);
+    area.show();
+    QSignalSpy actions(area.verticalScrollBar(), &QScrollBar::actionTriggered);
+    slide(&area, {50, 150}, -100);
+    QCOMPARE(area.verticalScrollBar()->value(), 100 - touchHeight() / 4);
+    QVERIFY(!actions.isEmpty());
+}
+
+// The list stays open under a slide, and the choice as it was.
+void FingerScrollTest::choicesFollow()
+{
+    PanelCombo box;
+    box.setMaxVisibleItems(5);
+    box.addItems(rows());
+    box.setCurrentIndex(3);
+    box.show();
+    box.showPopup();
+    QAbstractItemView *list = box.view();
+    QTRY_VERIFY(list->isVisible());
+    const int before = list->verticalScrollBar()->value();
+    slide(list, list->viewport()->rect().center(), -list->viewport()->height() / 2);
+    QVERIFY(list->verticalScrollBar()->value() > before);
+    QVERIFY(list->isVisible());
+    QCOMPARE(box.currentIndex(), 3);
+    box.hidePopup();
+}
+
+QTEST_MAIN(FingerScrollTest)
+#include "FingerScrollTest.moc"
