@@ -16,6 +16,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QJsonDocument>
+#include <QJsonObject>
 
 #include <deque>
 #include <iostream>
@@ -25,6 +26,9 @@ namespace {
 
 constexpr std::size_t WALKS_AT_A_TIME = 3;
 constexpr unsigned long LINKS_CHECKED_MS = 2300; // until the status strip shows what is online
+
+constexpr const char *FRAME[] = {"btn_Machine", "btn_Net",    "btn_UpData",
+                                 "btn_Sysset",  "btn_Reboot", "wdg_Status"};
 
 struct Part
 {
@@ -109,6 +113,22 @@ void audit(PanelProcess &panel, Finding where, QVector<Finding> &found)
     }
 }
 
+// What stands around every page stays where it is: `places` has where it was seen first.
+void auditFrame(PanelProcess &panel, Finding where, QJsonObject &places, QVector<Finding> &found)
+{
+    for (const char *name : FRAME) {
+        const QString object = latin(name);
+        const QJsonValue place = panel.widget(object, latin("rect"));
+        if (!panel.isVisible(object) || places.value(object) == place)
+            continue;
+        where.kind = latin("moved");
+        where.widget = object;
+        if (places.contains(object))
+            found.append(where);
+        places.insert(object, place);
+    }
+}
+
 void shoot(PanelProcess &panel, const Finding &where, const QString &folder)
 {
     const QString name =
@@ -122,12 +142,15 @@ QVector<Finding> walk(const Options &options, const QString &size, const QString
 {
     const bool pictures = !options.pictures.isEmpty();
     QVector<Finding> found;
+    QJsonObject places;
     const auto visit = [&](PanelProcess &panel, const QString &state) {
         const Finding where{size, language, state, {}, {}, {}};
-        if (pictures)
+        if (pictures) {
             shoot(panel, where, options.pictures);
-        else
+        } else {
             audit(panel, where, found);
+            auditFrame(panel, where, places, found);
+        }
     };
     PanelSteps panel(sizeOf(size), language == latin("zh") ? 0 : 1,
                      latin(pictures ? "full" : "widest"), visit);
