@@ -37,10 +37,11 @@ QString buttonTemplate()
                           "border:2px dashed @line;}");
 }
 
-// The one flat kind of button, whose picture is its own: what cannot be switched now is veiled.
+// The one flat kind of button, whose picture is its own: what cannot be switched now is veiled. By
+// its property: a rule for `:flat` would be built, and its picture loaded, for every other button.
 QString switchTemplate()
 {
-    return QStringLiteral("QPushButton:flat:disabled{background-color:transparent;"
+    return QStringLiteral("QPushButton[flat=\"true\"]:disabled{background-color:transparent;"
                           "image: url(:/SysSet_images/SysSet_images/switch_veil.png);}");
 }
 
