@@ -40,7 +40,7 @@ void ConnectedRow::show(ListItem::Mode mode)
     item()->setMode(mode);
     m_widgets.place->show();
     m_widgets.separator->show();
-    stretch(2, 1, 20);
+    stretch(1, 2, 20);
 }
 
 void ConnectedRow::hide()
