@@ -663,8 +663,8 @@
         <translation>Not known yet</translation>
     </message>
     <message>
-        <source>Finds out why the cloud is not reached.</source>
-        <translation>Finds out why the cloud is not reached.</translation>
+        <source>Checks the way to the cloud.</source>
+        <translation>Checks the way to the cloud.</translation>
     </message>
     <message>
         <source>The network that is used first.</source>

@@ -663,7 +663,7 @@
         <translation>尚未获知</translation>
     </message>
     <message>
-        <source>Finds out why the cloud is not reached.</source>
+        <source>Checks the way to the cloud.</source>
         <translation>检查无法连接云的原因。</translation>
     </message>
     <message>
