@@ -47,7 +47,6 @@ void Version::makeList()
     m_pList->setWordWrap(true);
     m_pList->setSelectionMode(QAbstractItemView::NoSelection);
     m_pList->setFocusPolicy(Qt::NoFocus);
-    m_pList->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     m_pList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     new FingerScroll(m_pList);
     auto *room = new QVBoxLayout(this);

@@ -60,7 +60,6 @@ AccessPointList::AccessPointList(QWidget *parent) : QListWidget(parent), m_nRowH
 {
     setItemDelegate(new RowDelegate(m_nRowHeight, this));
     setUniformItemSizes(true);
-    setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setEditTriggers(NoEditTriggers);
     setFocusPolicy(Qt::NoFocus);

@@ -13,8 +13,10 @@
 FingerScroll::FingerScroll(QAbstractScrollArea *area)
     : QObject(area), m_pArea(area), m_pView(qobject_cast<QAbstractItemView *>(area))
 {
-    if (m_pView != nullptr)
+    if (m_pView != nullptr) {
+        m_pView->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
         m_pView->setAutoScroll(false); // it would bring the chosen row back into sight
+    }
     area->viewport()->installEventFilter(this);
 }
 
