@@ -1,0 +1,40 @@
+// What tests of one page share.
+#pragma once
+
+#include <QtTest>
+
+#include <memory>
+
+// A page, and its widgets by their object names.
+template <typename Page>
+class PageTest : public QObject
+{
+protected:
+    template <typename Widget = QWidget>
+    Widget *find(const char *name) const
+    {
+        return m_page->template findChild<Widget *>(QString::fromLatin1(name));
+    }
+    bool shown(const char *name) const { return !find(name)->isHidden(); }
+    bool enabled(const char *name) const { return find(name)->isEnabled(); }
+    bool checked(const char *name) const { return find(name)->property("checked").toBool(); }
+    QString text(const char *name) const { return find(name)->property("text").toString(); }
+    QString style(const char *name) const { return find(name)->styleSheet(); }
+    void press(const char *name) { QTest::mouseClick(find(name), Qt::LeftButton); }
+
+    // The texts of the widgets, "a|b".
+    QString texts(const QByteArrayList &names) const
+    {
+        QStringList all;
+        for (const QByteArray &name : names)
+            all << text(name.constData());
+        return all.join(QLatin1Char('|'));
+    }
+    // Of the four fields or labels of an address, "10|0|0|7".
+    QString octets(const QByteArray &base) const
+    {
+        return texts({base + '1', base + '2', base + '3', base + '4'});
+    }
+
+    std::unique_ptr<Page> m_page;
+};
