@@ -1,6 +1,6 @@
 #include "network/NetExtend.h"
 
-#include "platform/sim/Panel.h"
+#include "tests/support/Calls.h"
 #include "tests/support/Text.h"
 
 #include <QComboBox>
@@ -11,19 +11,8 @@
 
 namespace {
 
-const QString SET = "netT.setDevPriority"_s;
-const QString GET = "netT.getDevPriority"_s;
-
-// The arguments of all calls of `operation`, on whichever thread.
-QStringList callsOf(const QString &operation)
-{
-    QStringList found;
-    for (const auto &call : sim::panel().calls()) {
-        if (call.at("op") == operation.toStdString())
-            found << QString::fromStdString(call.at("args").dump());
-    }
-    return found;
-}
+constexpr const char *SET = "netT.setDevPriority";
+constexpr const char *GET = "netT.getDevPriority";
 
 } // namespace
 
@@ -62,7 +51,7 @@ void NetExtendTest::refresh()
 
 void NetExtendTest::asksUntilItIsAnswered()
 {
-    sim::panel().fail(GET.toStdString(), -2);
+    sim::panel().fail(GET, -2);
     refresh();
     sim::panel().clearFailures();
     sim::panel().set("net.priority", "");
@@ -105,7 +94,7 @@ void NetExtendTest::shows()
 
 void NetExtendTest::keepsAChoiceMadeDuringTheQuestion()
 {
-    sim::panel().delay(GET.toStdString(), 200);
+    sim::panel().delay(GET, 200);
     std::thread asking([this] { m_page->refreshPriority(); });
     QTest::qWait(50); // the question is on its way
     m_combo->setCurrentIndex(2);
