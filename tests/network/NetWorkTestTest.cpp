@@ -2,11 +2,11 @@
 #include "network/NetWorkTestRun.h"
 #include "network/NetWorkTestUi.h"
 #include "platform/cos_thread.h"
-#include "platform/paths.h"
-#include "platform/sim/Panel.h"
 #include "resources/Resources.h"
+#include "tests/support/Calls.h"
 #include "tests/support/PanelRoot.h"
 #include "tests/support/PrintedBy.h"
+#include "tests/support/Rows.h"
 #include "tests/support/Text.h"
 
 #include <QLabel>
@@ -25,14 +25,6 @@ const QString CHINESE = "/mnt/tarni/app/hmiapp/bin/NetWorkTest/NetWorkTest_ch.js
 constexpr const char *CABLE_EN = R"({"EthConnect": {"ItemString": "Cable", "success": "in",
                                      "failure": "out", "Solution": "Plug it in"}})";
 constexpr const char *CABLE_CH = R"({"EthConnect": {"ItemString": "网线", "Solution": "插好"}})";
-
-void write(const QString &path, const QByteArray &bytes)
-{
-    const QString file = QString::fromStdString(panelPath(path.toStdString()));
-    QDir().mkpath(QFileInfo(file).path());
-    QFile out(file);
-    QVERIFY(out.open(QIODevice::WriteOnly) && out.write(bytes) == bytes.size());
-}
 
 // "6×" an item and its state, "8!-4" a reason, "9:600" a value.
 QString reported(int item, int state, int value)
@@ -59,18 +51,6 @@ QString runOf(
     return told.join(QLatin1Char(' ')) + " = %1"_s.arg(result);
 }
 
-// The network service's calls so far, with their arguments.
-QStringList calls()
-{
-    QStringList all;
-    for (const auto &call : sim::panel().calls()) {
-        const std::string op = call.at("op");
-        if (op.rfind("netT.", 0) == 0 && op.find("CAsync") == std::string::npos)
-            all << QString::fromStdString(op.substr(5) + call.at("args").dump());
-    }
-    return all;
-}
-
 } // namespace
 
 class NetWorkTestTest : public QObject
@@ -81,10 +61,7 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void readsItemFiles_data();
-    void readsItemFiles();
-    void findsNothing();
-    void itemFilesAreComplete();
+    void cloudStates();
     void chains_data();
     void chains();
     void asks();
@@ -119,8 +96,8 @@ void NetWorkTestTest::init()
 {
     sim::panel().reset();
     m_root.clear();
-    write(ENGLISH, CABLE_EN);
-    write(CHINESE, CABLE_CH);
+    m_root.write(ENGLISH, CABLE_EN);
+    m_root.write(CHINESE, CABLE_CH);
     m_dialog = std::make_unique<NetWorkTestUi>();
     m_dialog->setLanguage(1);
     m_dialog->setEthDevice("eth0");
@@ -150,139 +127,58 @@ int NetWorkTestTest::topInSight(const char *row)
     return view->rect().contains(place) ? place.top() : -1;
 }
 
-// --- Item files --------------------------------------------------------------------------------
-
-void NetWorkTestTest::readsItemFiles_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<int>("found"); // of the cable's item
-    QTest::addColumn<QString>("solution");
-    const auto row = [](const char *name, const QByteArray &content, int found,
-                        const QByteArray &solution = {}) {
-        QTest::newRow(name) << content << found << QString::fromUtf8(solution);
-    };
-    row("good", CABLE_EN, 0, "Plug it in");
-    row("empty", "", LOOKUP_NO_FILE);
-    row("cut off", QByteArray(CABLE_EN).chopped(5), LOOKUP_NO_FILE);
-    row("50 MB", QByteArray(50'000'000, ' ') + "{}", LOOKUP_NO_FILE);
-    row("a list", "[]", LOOKUP_NO_FILE);
-    row("bytes", QByteArray("\0\xff\xfe", 3), LOOKUP_NO_FILE);
-    row("deep", QByteArray(100'000, '['), LOOKUP_NO_FILE);
-    row("unknown keys", R"({"Eth": {"Solution": "x"}})", LOOKUP_NO_OBJECT);
-    row("no object", R"({"EthConnect": "x"})", LOOKUP_NO_OBJECT);
-    row("wrong types", R"({"EthConnect": {"Solution": 7, "failure": {}}})", 0);
-    row("long text", R"({"EthConnect": {"Solution": ")" + QByteArray(900'000, 'x') + "\"}}", 0,
-        QByteArray(500, 'x'));
-}
-
-void NetWorkTestTest::readsItemFiles()
-{
-    QFETCH(QByteArray, content);
-    QFETCH(int, found);
-    write(ENGLISH, content);
-    NetWorkTestTexts texts;
-    NetWorkTestText text;
-    QCOMPARE(texts.load(1), found != LOOKUP_NO_FILE);
-    QCOMPARE(texts.find(ITEM_ETH_CABLE, text), found);
-    QTEST(text.solution, "solution");
-    QVERIFY(text.failure.size() <= 3);
-}
-
-void NetWorkTestTest::findsNothing()
-{
-    NetWorkTestTexts texts;
-    NetWorkTestText text;
-    QVERIFY(texts.load(1));
-    for (const auto &[item, code] : {std::pair(30, -4), {31, -3}, {32, -2}, {-1, -3}})
-        QCOMPARE(texts.find(item, text), code);
-    QVERIFY(!texts.load(2)); // no such file, and nothing left of the one before
-    QCOMPARE(texts.find(ITEM_ETH_CABLE, text), -1);
-    m_root.clear();
-    QVERIFY(!texts.load(1));
-    write(ENGLISH + "/a"_s, ""); // a folder of that name
-    QVERIFY(!texts.load(1));
-}
-
-void NetWorkTestTest::itemFilesAreComplete()
-{
-    NetWorkTestTexts texts;
-    for (const int language : {0, 1}) {
-        const QString file = language == 0 ? CHINESE : ENGLISH;
-        QFile source(QStringLiteral(ITEM_FILES) + file.mid(file.lastIndexOf(QLatin1Char('/'))));
-        QVERIFY(source.open(QIODevice::ReadOnly));
-        write(file, source.readAll());
-        QVERIFY(texts.load(language));
-        for (int item = 0; item < NETWORK_TEST_KEY_COUNT; ++item) {
-            NetWorkTestText text;
-            QCOMPARE(texts.find(item, text), 0);
-            for (const QString &said : {text.title, text.success, text.failure, text.solution})
-                QVERIFY2(!said.isEmpty() && said.size() < 250, qPrintable(said));
-            const bool chinese = text.solution.at(0).script() == QChar::Script_Han;
-            QCOMPARE(chinese, language == 0);
-        }
-    }
-}
-
 // --- The run -----------------------------------------------------------------------------------
 
-void NetWorkTestTest::chains_data()
+void NetWorkTestTest::cloudStates()
 {
-    QTest::addColumn<QString>("panel"); // the trouble, as a scenario
-    QTest::addColumn<int>("load");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("told");
-    const QString eth = "3# 4√ 5√ 6√ 7√ 8√ 9:12 = 0"_s;
-    for (const auto &[load, told] : {std::pair(0, "0√ "_s + eth),
-                                     {7, "0√ "_s + eth},
-                                     {-1, "0× = -1"_s},
-                                     {-2, "0× = -1"_s},
-                                     {-3, "0!-1 "_s + eth},
-                                     {-4, "0× = -1"_s}})
-        QTest::addRow("load %d", load) << "{}"_s << load << 1 << told;
+    const QString ethernet = "3# 4√ 5√ 6√ 7√ 8√ 9:12 = 0"_s;
+    for (const int loaded : {0, 7})
+        QCOMPARE(runOf(loaded, 1), "0√ "_s + ethernet);
+    QCOMPARE(runOf(-3, 1), "0!-1 "_s + ethernet);
+    for (const int missing : {-1, -2, -4})
+        QCOMPARE(runOf(missing, 1), "0× = -1"_s);
 
     const QString all = "0√ 3# 4√ 5√ 6√ 7√ 8!%1 10# 11√ 12√ 13√ 14:88 15√ 16!%1 "
                         "18# 19√ 20√ 21:22 22√ 24√ 23√ 25!%1 = -2"_s;
     for (const auto &[status, code] :
          {std::pair(-5, -5), {-4, -4}, {-3, -3}, {-2, -2}, {-1, -4}, {0, -4}, {-6, -4}, {2, -4}})
-        QTest::addRow("cloud %d", status) << "{}"_s << 0 << status << all.arg(code);
+        QCOMPARE(runOf(0, status), all.arg(code));
+}
 
-    const QString ethernet = "0√ 3# %1 10# 11√ 12√ 13√ 14:88 15√ 16√ 17:12 = 0"_s;
-    const QString modem = "0√ 3# 4√ 5√ 6× 10# 11√ 12√ 13× 18# 19√ 20√ %1"_s;
-    const auto trouble = [](const char *name, const QString &panel, const QString &told) {
-        QTest::newRow(name) << panel << 0 << 1 << told;
-    };
-    const auto fail = [](const char *operation, const char *cable = "") {
-        return R"({"fail": [["netT.%1]], "net": {"cable": {%2}}})"_s.arg(QLatin1String(operation),
-                                                                         QLatin1String(cable));
-    };
-    const auto slow = [](int average, int most) {
-        return R"({"net": {"ping": {"cloud.example.com":
-                  {"min": 1, "avg": %1, "max": %2, "lost": 0}}}})"_s.arg(average)
-            .arg(most);
-    };
-    trouble("state unknown", fail("isNetUp\", -2, 1"), ethernet.arg("4√ 5×"_s));
-    trouble("address unknown", fail("getIp\", -1, 1"), ethernet.arg("4√ 5√ 6√ 7×"_s));
-    trouble("server unknown", fail("getNetServerAddr\", -1, 1"),
-            ethernet.arg("4√ 5√ 6√ 7√ 8√ 9×"_s));
-    trouble("average", slow(300, 500), "0√ 3# 4√ 5√ 6√ 7√ 8√ 9:300 = 0"_s);
-    trouble("worst", slow(20, 501), "0√ 3# 4√ 5√ 6√ 7√ 8√ 9:501 = 0"_s);
-    trouble("server silent", R"({"net": {"ping": {"cloud.example.com": -1}}})"_s,
-            "0√ 3# 4√ 5√ 6√ 7√ 8√ 9:9999 = 0"_s);
-    const char *const cut = R"("eth0": -1, "wlan0": -1)";
-    trouble("signal unknown", fail("getCsqSignal\", -2", cut),
-            modem.arg("21:-2 22√ 24√ 23√ 25√ 26:12 = 0"_s));
-    trouble("card unknown", fail("getCCID\", -1", cut), modem.arg("21:22 22× = -2"_s));
-    trouble("mode unknown", fail("get4gDialUpMode\", 1", cut),
-            modem.arg("21:22 22√ 24× 23√ 25√ 26:12 = 0"_s));
+void NetWorkTestTest::chains_data()
+{
+    // the trouble, as a scenario | what is told; "cut" leaves the modem alone
+    rows({
+        R"("fail": [["netT.isNetUp", -2, 1]])"
+        "| 3# 4√ 5× 10# 11√ 12√ 13√ 14:88 15√ 16√ 17:12 = 0",
+        R"("fail": [["netT.getIp", -1, 1]])"
+        "| 3# 4√ 5√ 6√ 7× 10# 11√ 12√ 13√ 14:88 15√ 16√ 17:12 = 0",
+        R"("fail": [["netT.getNetServerAddr", -1, 1]])"
+        "| 3# 4√ 5√ 6√ 7√ 8√ 9× 10# 11√ 12√ 13√ 14:88 15√ 16√ 17:12 = 0",
+        R"("net": {"ping": {"cloud.example.com": {"min": 1, "avg": 300, "max": 500, "lost": 0}}})"
+        "| 3# 4√ 5√ 6√ 7√ 8√ 9:300 = 0",
+        R"("net": {"ping": {"cloud.example.com": {"min": 1, "avg": 20, "max": 501, "lost": 0}}})"
+        "| 3# 4√ 5√ 6√ 7√ 8√ 9:501 = 0",
+        R"("net": {"ping": {"cloud.example.com": -1}})"
+        "| 3# 4√ 5√ 6√ 7√ 8√ 9:9999 = 0",
+        R"("fail": [["netT.getCsqSignal", -2]])"
+        "| cut 18# 19√ 20√ 21:-2 22√ 24√ 23√ 25√ 26:12 = 0",
+        R"("fail": [["netT.getCCID", -1]])"
+        "| cut 18# 19√ 20√ 21:22 22× = -2",
+        R"("fail": [["netT.get4gDialUpMode", 1]])"
+        "| cut 18# 19√ 20√ 21:22 22√ 24× 23√ 25√ 26:12 = 0",
+    });
 }
 
 void NetWorkTestTest::chains()
 {
-    QFETCH(QString, panel);
-    QFETCH(int, load);
-    QFETCH(int, status);
-    sim::panel().apply(nlohmann::json::parse(panel.toStdString()));
-    QTEST(runOf(load, status), "told");
+    sim::panel().apply(sim::Json::parse("{" + cell(0).toStdString() + "}"));
+    QString told = cell(1);
+    if (told.startsWith("cut"_s)) {
+        sim::panel().set("net.cable", {{"eth0", -1}, {"wlan0", -1}});
+        told.replace("cut"_s, "3# 4√ 5√ 6× 10# 11√ 12√ 13×"_s);
+    }
+    QCOMPARE(runOf(0, 1), "0√ "_s + told);
 }
 
 // All three links as far as they go, and what each call gets.
@@ -314,15 +210,15 @@ getNetServerAddr[false,5000]
 getIp["usb0",false,5000]
 netTping["usb0","cloud.example.com","10.64.0.2",false,5,false,50000])"_s.split(QLatin1Char('\n'));
     QVERIFY(runOf(0, 1).endsWith("26:12 = 0"_s));
-    QCOMPARE(calls(), expected);
+    QCOMPARE(serviceCalls(), expected);
 
     // Stopped, it ends after the call under way, whichever that is.
     for (int last = 1; last < expected.size(); ++last) {
         sim::panel().clearFailures();
         failTwice();
         sim::panel().clearCalls();
-        runOf(0, 1, [last] { return calls().size() >= last; });
-        QCOMPARE(calls(), expected.mid(0, last));
+        runOf(0, 1, [last] { return serviceCalls().size() >= last; });
+        QCOMPARE(serviceCalls(), expected.mid(0, last));
     }
 }
 
@@ -340,60 +236,48 @@ void NetWorkTestTest::prints()
 
 void NetWorkTestTest::showsStates_data()
 {
-    QTest::addColumn<int>("item");
-    QTest::addColumn<int>("state");
-    QTest::addColumn<int>("value");
-    QTest::addColumn<QString>("shown"); // mark, colour, title, result, advice
-    const auto row = [](int item, int state, int value, const char *shown) {
-        QTest::addRow("%d %d %d", item, state, value)
-            << item << state << value << QString::fromUtf8(shown);
-    };
-    row(6, 0, 0, "|0, 170, 255|T||");
-    row(3, 3, 0, "|0, 170, 255|T||");
-    row(6, 1, 0, "×|255, 0, 0|T|bad|do");
-    row(6, 2, 0, "√|0, 170, 255|T|good|");
-    row(0, -1, 0, "×|255, 0, 0|T|bad    Get resource file failed!|do");
-    row(8, -2, 0, "×|255, 0, 0|T:Europe|bad    Time synchronize failed!|do");
-    row(16, -3, 0, "×|255, 0, 0|T:Europe|bad    Certificate download failed!|do");
-    row(25, -4, 0, "×|255, 0, 0|T:Europe|bad    Server connection failed!|do");
-    row(8, -5, 0, "×|255, 0, 0|T:Europe|bad    Topic subscribe failed!|do");
-    for (const int strong : {76, 100})
-        row(14, 4, strong, "Strong|0, 170, 255|T||");
-    for (const int medium : {51, 75})
-        row(14, 4, medium, "Medium|206, 206, 0|T||");
-    for (const int weak : {50, 0, -1})
-        row(14, 4, weak, "Weak|255, 0, 0|T||do");
-    for (const int strong : {25, 31})
-        row(21, 4, strong, "Strong|0, 170, 255|T||");
-    for (const int medium : {17, 24})
-        row(21, 4, medium, "Medium|206, 206, 0|T||");
-    for (const int weak : {16, -1, 99}) // 99: not known
-        row(21, 4, weak, "Weak|255, 0, 0|T||do");
-    row(9, 5, 99, "99ms|0, 170, 255|T||");
-    row(17, 5, 100, "100ms|206, 206, 0|T||");
-    row(26, 5, 499, "499ms|206, 206, 0|T||");
-    row(9, 5, 500, "500ms|255, 0, 0|T||do");
-    row(9, 5, 9999, "9999ms|255, 0, 0|T|bad|do");
+    // item | state | values | mark | colour | title | result | advice
+    rows({
+        "6 | 0 | 0 | | 0, 170, 255 | T",
+        "3 | 3 | 0 | | 0, 170, 255 | T",
+        "6 | 1 | 0 | × | 255, 0, 0 | T | bad | do",
+        "6 | 2 | 0 | √ | 0, 170, 255 | T | good",
+        "0 | -1 | 0 | × | 255, 0, 0 | T | bad    Get resource file failed! | do",
+        "8 | -2 | 0 | × | 255, 0, 0 | T:Europe | bad    Time synchronize failed! | do",
+        "16 | -3 | 0 | × | 255, 0, 0 | T:Europe | bad    Certificate download failed! | do",
+        "25 | -4 | 0 | × | 255, 0, 0 | T:Europe | bad    Server connection failed! | do",
+        "8 | -5 | 0 | × | 255, 0, 0 | T:Europe | bad    Topic subscribe failed! | do",
+        "14 | 4 | 76 100 | Strong | 0, 170, 255 | T",
+        "14 | 4 | 51 75 | Medium | 206, 206, 0 | T",
+        "14 | 4 | -1 0 50 | Weak | 255, 0, 0 | T | | do",
+        "21 | 4 | 25 31 | Strong | 0, 170, 255 | T",
+        "21 | 4 | 17 24 | Medium | 206, 206, 0 | T",
+        "21 | 4 | -1 16 99 | Weak | 255, 0, 0 | T | | do", // 99: not known
+        "9 | 5 | 99 | 99ms | 0, 170, 255 | T",
+        "17 | 5 | 100 | 100ms | 206, 206, 0 | T",
+        "26 | 5 | 499 | 499ms | 206, 206, 0 | T",
+        "9 | 5 | 500 | 500ms | 255, 0, 0 | T | | do",
+        "9 | 5 | 9999 | 9999ms | 255, 0, 0 | T | bad | do",
+    });
 }
 
 void NetWorkTestTest::showsStates()
 {
-    QFETCH(int, item);
-    QFETCH(int, state);
-    QFETCH(int, value);
     QMovie movie;
-    NetWorkTestItem row(item, &movie, nullptr);
+    NetWorkTestItem row(number(0), &movie, nullptr);
     row.setTexts({"T"_s, "good"_s, "bad"_s, "do"_s}, "Europe"_s);
-    row.setState(state, value);
     const auto label = [&row](const char *name) {
         return row.findChild<QLabel *>(QLatin1String(name));
     };
-    const QString style = label("lab_state")->styleSheet();
-    QCOMPARE(label("lab_state")->movie() != nullptr, state == TEST_RUNNING);
-    QStringList shown{label("lab_state")->text(), style.mid(11).chopped(2)}; // color: rgb(...);
-    for (const char *name : {"lab_title", "lab_result", "lab_solution"})
-        shown << label(name)->text();
-    QTEST(shown.join(QLatin1Char('|')), "shown");
+    for (const QString &value : cell(2).split(QLatin1Char(' '))) {
+        row.setState(number(1), value.toInt());
+        QCOMPARE(label("lab_state")->movie() != nullptr, number(1) == TEST_RUNNING);
+        QCOMPARE(label("lab_state")->text(), cell(3));
+        QCOMPARE(label("lab_state")->styleSheet(), "color: rgb(%1);"_s.arg(cell(4)));
+        QCOMPARE(label("lab_title")->text(), cell(5));
+        QCOMPARE(label("lab_result")->text(), cell(6));
+        QCOMPARE(label("lab_solution")->text(), cell(7));
+    }
 }
 
 void NetWorkTestTest::runsOnceAndCanBeClosed()
@@ -410,7 +294,7 @@ void NetWorkTestTest::runsOnceAndCanBeClosed()
     sim::panel().hurry();
     QTRY_COMPARE(status(), "The network connection is successful."_s);
     QVERIFY(button()->isEnabled());
-    QCOMPARE(calls().filter("netIsExist"_s).size(), 1);
+    QCOMPARE(serviceCalls().filter("netIsExist"_s).size(), 1);
     QCOMPARE(text("EthNetDelay", "lab_state"), "12ms"_s);
 
     m_dialog->slot_Util(-1, -1, QString());
@@ -505,7 +389,7 @@ void NetWorkTestTest::canGoInTheMiddle()
     button()->click();
     QTRY_COMPARE(text("EthIdentified", "lab_state"), "√"_s);
     m_dialog.reset();
-    QVERIFY(calls().last().startsWith("isNetUp"_s));
+    QVERIFY(serviceCalls().last().startsWith("isNetUp"_s));
 }
 
 QTEST_MAIN(NetWorkTestTest)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDir>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 // SYSSET_ROOT names the folder as long as the object lives. To be made before anything asks for
@@ -16,6 +17,15 @@ public:
     {
         QDir(m_folder.path()).removeRecursively();
         QDir().mkpath(m_folder.path());
+    }
+
+    // Makes a file of the panel, such as "/mnt/data/prj/LangugeSet.cof", and its folder.
+    void write(const QString &path, const QByteArray &bytes) const
+    {
+        QFile file(m_folder.path() + path);
+        QDir().mkpath(QFileInfo(file).path());
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+            qFatal("%s cannot be written", qPrintable(file.fileName()));
     }
 
 private:
