@@ -180,17 +180,14 @@ void Net4GTest::showsTheApn_data()
 {
     // the device | its mode | the radio button
     rows({"on | enable | manual", "on | disable | default", "on | | default",
-          "off | enable | default", "late | enable | default"});
+          "off | enable | default"});
 }
 
 void Net4GTest::showsTheApn()
 {
-    const bool late = cell(0) == "late"_s;
     const bool manual = cell(2) == "manual"_s;
     m_page->setNetInfo(record(true));
     panel().set("modem.apn", apn("cmnet", qPrintable(cell(1))));
-    if (late)
-        panel().fail("netT.getApn", -2);
     if (cell(0) != "off"_s)
         modemSays("", "", 1);
     else
@@ -198,8 +195,12 @@ void Net4GTest::showsTheApn()
     QCOMPARE(lastCall("netT.getApn"), "[false,1000]"_s);
     QCOMPARE(checked("radio_manual"), manual);
     QVERIFY(shown("wdg_vpn") == manual && shown("lab_vpn") != manual);
+    m_page->setNetInfo(record(true));
+    panel().fail("netT.getApn", -2);
+    modemSays("", "", 2);
+    QVERIFY(checked("radio_auto"));
     QCOMPARE(texts({"line_ApnName", "line_ApnAuth", "line_ApnUsr", "line_ApnPwd"}),
-             late ? "|none||"_s : "cmnet|pap|u|p"_s);
+             "cmnet|pap|u|p"_s);
 }
 
 void Net4GTest::sendsTheApn_data()
@@ -244,6 +245,7 @@ void Net4GTest::signalTakesNoChoiceAway()
     modemSays("", "", 5); // the choice has no name yet and is not sent
     QVERIFY(shown("wdg_vpn"));
     whenOpen("SoftKeyboard", [this](QWidget *) {
+        panel().set("modem.apn", apn("theirs", "disable"));
         modemSays("", "", 15);
         return true;
     });

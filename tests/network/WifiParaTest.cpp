@@ -104,6 +104,7 @@ void WifiParaTest::presses()
         init();
         if (qstrcmp(outcome, "refused") == 0)
             panel().fail("netT." + sent.section(QLatin1Char('['), 0, 0).toStdString(), -1);
+        m_page->slot_DHCP(pressed == "radio_Static"_s);
         if (pressed.startsWith("line_"_s))
             typeOnKeyboard("7\n"_s);
         const QByteArray printed = printedBy([&] { press(qPrintable(pressed)); });
