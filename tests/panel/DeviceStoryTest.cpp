@@ -1,10 +1,7 @@
-#include "tests/support/Text.h"
-#include "tools/PanelProcess.h"
+#include "tests/panel/Operator.h"
 
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QtTest>
 
 namespace {
 
@@ -60,16 +57,13 @@ void DeviceStoryTest::codeSaysTheIdentifier()
     QFETCH(QString, screen);
     QFETCH(QJsonValue, product);
     QFETCH(QString, read);
-    PanelProcess panel;
-    QFile scenario(panel.file("/scenario.json"_s));
-    QVERIFY(scenario.open(QIODevice::WriteOnly));
+    Operator panel;
     const QJsonObject machine{{"machine"_s, QJsonObject{{"product"_s, product}}}};
-    scenario.write(QJsonDocument(machine).toJson());
-    scenario.close();
+    QVERIFY(panel.write("/scenario.json"_s, QJsonDocument(machine).toJson()));
     panel.setEnvironment("SYSSET_LCD"_s, screen);
-    panel.setEnvironment("SYSSET_SCENARIO"_s, scenario.fileName());
+    panel.setEnvironment("SYSSET_SCENARIO"_s, panel.file("/scenario.json"_s));
     QVERIFY(panel.start());
-    QVERIFY(PanelProcess::wait([&] { return panel.isVisible("lab_QRcode"_s); }));
+    QVERIFY(panel.appears("lab_QRcode"_s));
     const QString picture = panel.file("/screen.png"_s);
     QVERIFY2(!panel.ask({"ui"_s, "shot"_s, picture}).isUndefined(), qPrintable(panel.error()));
     QCOMPARE(decoded(picture), read);
@@ -77,31 +71,23 @@ void DeviceStoryTest::codeSaysTheIdentifier()
 
 void DeviceStoryTest::mobileNetworkByTouch()
 {
-    PanelProcess panel;
+    Operator panel;
     const auto hasIcon = [&](int level) {
-        return panel.widget("lab_4gSignal"_s, "style"_s).toString().contains("4G_%1"_s.arg(level));
+        return panel.looksLike("lab_4gSignal"_s, "4G_%1"_s.arg(level));
     };
     panel.setEnvironment("SYSSET_LCD"_s, "480x272"_s);
     QVERIFY(panel.start());
     QVERIFY(panel.press("btn_Net"_s) && panel.press("tab_Net"_s, 2));
-    QVERIFY(PanelProcess::wait([&] { return hasIcon(3); }));
-    QVERIFY(panel.press("btn_4G"_s));
-    QVERIFY(PanelProcess::wait([&] { return panel.isVisible("lab_4gStatus"_s) && hasIcon(0); }));
-    QVERIFY(panel.press("btn_4G"_s));
-    QVERIFY(PanelProcess::wait(
-        [&] { return hasIcon(3) && panel.widget("lab_4gIP_4"_s, "text"_s).toString() == "2"_s; }));
+    QVERIFY(hasIcon(3));
+    QVERIFY(panel.press("btn_4G"_s) && panel.appears("lab_4gStatus"_s) && hasIcon(0));
+    QVERIFY(panel.press("btn_4G"_s) && hasIcon(3) && panel.shows("lab_4gIP_4"_s, "2"_s));
     QVERIFY(panel.press("radio_manual"_s) && panel.press("line_ApnName"_s));
-    QVERIFY(PanelProcess::wait([&] { return panel.isVisible("SoftKeyboard"_s); }));
-    QCOMPARE(panel.widget("lab_Field"_s, "text"_s).toString(), "接入点"_s);
-    for (const char *key : {"btn_c_q", "btn_c_a", "btn_c_p", "btn_c_n", "btn_c_enter"}) {
-        QVERIFY(panel.press(QLatin1String(key))); // the first one of the process has no effect
-        QTest::qSleep(170);                       // the keyboard drops keys that follow too soon
-    }
-    QVERIFY(PanelProcess::wait([&] { return panel.get("modem.apn.name"_s) == "apn"_s; }));
+    QVERIFY(panel.shows("lab_Field"_s, "接入点"_s));
+    QVERIFY(panel.type('c', "qapn"_s)); // the q spends the first key of the process
+    QVERIFY(panel.becomes("modem.apn.name"_s, "apn"_s));
     QCOMPARE(panel.get("modem.apn.mode"_s).toString(), "enable"_s);
-    QVERIFY(panel.set("modem.csq"_s, "9"));
-    QVERIFY(PanelProcess::wait([&] { return hasIcon(2); }));
-    QCOMPARE(panel.widget("line_ApnName"_s, "text"_s).toString(), "apn"_s);
+    QVERIFY(panel.set("modem.csq"_s, "9") && hasIcon(2));
+    QCOMPARE(panel.text("line_ApnName"_s), "apn"_s);
     QVERIFY(panel.isVisible("wdg_vpn"_s));
 }
 

@@ -1,12 +1,9 @@
-#include "tests/support/Text.h"
-#include "tools/PanelProcess.h"
+#include "tests/panel/Operator.h"
+#include "tests/support/Rows.h"
 
-#include <QDir>
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
-#include <QtTest>
 
 namespace {
 
@@ -25,6 +22,12 @@ const QMap<QString, QStringList> CHAINS = {
      {"4GIdentified"_s, "4GEnable"_s, "4GSignal"_s, "4GCard"_s, "4GBaseStationConnect"_s,
       "4GConnect"_s, "4GMQTT"_s, "4GNetDelay"_s}},
     {"cloud"_s, {"Gocloud"_s}},
+};
+
+const QMap<QString, QString> RESULTS = {
+    {"good"_s, "The network connection is successful."_s},
+    {"none"_s, "No network reaches the cloud. See the failed items."_s},
+    {"unchecked"_s, "The cloud settings are missing or damaged. The network was not checked."_s},
 };
 
 // As the program says an English text in Chinese.
@@ -104,24 +107,21 @@ private:
     void awaitCloud(int status);
     QString said(const QString &text) { return m_english ? text : inChinese(text); }
 
-    std::unique_ptr<PanelProcess> m_panel;
+    std::unique_ptr<Operator> m_panel;
     bool m_english = true;
     QJsonObject m_healthy;
 };
 
 void DiagnosisStoryTest::start(const QString &scenario)
 {
-    m_panel = std::make_unique<PanelProcess>();
+    m_panel = std::make_unique<Operator>();
     m_english = true;
     m_panel->setEnvironment("SYSSET_SCENARIO"_s, scenario);
-    const QString data = m_panel->file("/mnt/data/prj"_s);
-    QVERIFY(QDir().mkpath(data + "/cloud"_s));
+    QVERIFY(m_panel->writeEnglish());
+    const QString cloud = m_panel->file("/mnt/data/prj/cloud"_s);
+    QVERIFY(QDir().mkpath(cloud));
     QVERIFY(QFile::copy(QStringLiteral(SOURCE_FOLDER "/platform/sim/samples/cloud.xml"),
-                        data + "/cloud/cloud.xml"_s));
-    QFile language(data + "/LangugeSet.cof"_s);
-    QVERIFY(language.open(QIODevice::WriteOnly));
-    language.write("[HMI]\nLANGUAGEID=1\nALLOWSCHANGE=1\n");
-    language.close();
+                        cloud + "/cloud.xml"_s));
     QVERIFY(m_panel->start());
     openDiagnosis();
 }
@@ -136,14 +136,13 @@ void DiagnosisStoryTest::openDiagnosis()
     touch("btn_Net"_s);
     touch("tab_Net"_s, EXTEND_TAB);
     touch("btn_check"_s);
-    QVERIFY(PanelProcess::wait([this] { return m_panel->isVisible("btn_StartDiag"_s); }));
+    QVERIFY(m_panel->appears("btn_StartDiag"_s));
 }
 
 void DiagnosisStoryTest::diagnose()
 {
     touch("btn_StartDiag"_s);
-    QVERIFY(PanelProcess::wait(
-        [this] { return m_panel->widget("btn_StartDiag"_s, "enabled"_s).toBool(); }));
+    QVERIFY(PanelProcess::wait([this] { return m_panel->isEnabled("btn_StartDiag"_s); }));
 }
 
 void DiagnosisStoryTest::put(const QJsonObject &parts)
@@ -176,6 +175,7 @@ void DiagnosisStoryTest::read(const QString &link, const QString &marks, const Q
         m_panel->ask({"ui"_s, "dump"_s, "NetWorkTestUi"_s}).toArray().first().toObject();
     const QJsonObject items = readObject(m_english ? "resources/NetWorkTest/NetWorkTest_en.json"_s
                                                    : "resources/NetWorkTest/NetWorkTest_ch.json"_s);
+    const QString saidReason = reason.isEmpty() ? reason : said("    "_s + reason);
     QStringList expected;
     for (const QString &mark : marks.split(QLatin1Char(' ')))
         expected << said(mark);
@@ -192,12 +192,12 @@ void DiagnosisStoryTest::read(const QString &link, const QString &marks, const Q
         const bool failed = mark == "×"_s || mark == "9999ms"_s;
         const bool bad = failed || mark == said("Weak"_s) || mark == "600ms"_s;
         if (failed)
-            QCOMPARE(row["lab_result"_s], texts.value("failure"_s).toString() + said(reason));
+            QCOMPARE(row["lab_result"_s], texts.value("failure"_s).toString() + saidReason);
         QCOMPARE(row["lab_solution"_s], bad ? texts.value("Solution"_s).toString() : QString());
         seen << mark;
     }
     QCOMPARE(seen, expected);
-    QCOMPARE(m_panel->widget("lab_status"_s, "text"_s).toString(), said(result));
+    QCOMPARE(m_panel->text("lab_status"_s), said(RESULTS[result]));
 }
 
 void DiagnosisStoryTest::readInBothLanguages(const QString &link, const QString &marks,
@@ -223,53 +223,44 @@ void DiagnosisStoryTest::initTestCase()
 
 void DiagnosisStoryTest::faults_data()
 {
-    QTest::addColumn<QString>("marks"); // of the link's rows, in order
-    QTest::addColumn<QString>("result");
-    QTest::addColumn<QString>("reason");
-    const auto row = [](const char *name, const char *marks, const QString &result,
-                        const char *reason = "") {
-        QTest::newRow(name) << QString::fromUtf8(marks) << result << QString::fromLatin1(reason);
-    };
-    const QString good = "The network connection is successful."_s;
-    const QString none = "No network reaches the cloud. See the failed items."_s;
-    row("eth-absent", "×", good);
-    row("eth-off", "√ ×", good);
-    row("eth-unplugged", "√ √ ×", good);
-    row("eth-no-address", "√ √ √ ×", good);
-    row("eth-gateway-silent", "√ √ √ ×", good);
-    row("eth-server-silent", "√ √ √ √ √ 9999ms", good);
-    row("eth-slow", "√ √ √ √ √ 600ms", good);
-    row("wifi-absent", "×", good);
-    row("wifi-off", "√ ×", good);
-    row("wifi-not-joined", "√ √ ×", good);
-    row("wifi-weak", "√ √ √ Weak √ √ 12ms", good);
-    row("wifi-no-address", "√ √ √ Strong ×", good);
-    row("wifi-gateway-silent", "√ √ √ Strong ×", good);
-    row("wifi-server-silent", "√ √ √ Strong √ √ 9999ms", good);
-    row("wifi-slow", "√ √ √ Strong √ √ 600ms", good);
-    row("4g-absent", "×", none);
-    row("4g-off", "√ ×", none);
-    row("4g-weak", "√ √ Weak √ √ √ √ 12ms", good);
-    row("4g-no-signal", "√ √ Weak √ √ √ √ 12ms", good);
-    row("4g-no-sim", "√ √ Medium ×", none);
-    row("4g-not-attached", "√ √ Medium √ × √ √ 12ms", good);
-    row("4g-no-link", "√ √ Medium √ √ ×", none);
-    row("4g-server-silent", "√ √ Medium √ √ √ √ 9999ms", good);
-    row("4g-slow", "√ √ Medium √ √ √ √ 600ms", good);
-    row("cloud-no-server-address", "√ √ √ √ √ ×", none);
-    row("cloud-connecting", "√ √ √ √ ×", none, "    Server connection failed!");
-    row("cloud-no-time", "√ √ √ √ ×", none, "    Time synchronize failed!");
-    row("cloud-no-certificate", "√ √ √ √ ×", none, "    Certificate download failed!");
-    row("cloud-no-server", "√ √ √ √ ×", none, "    Server connection failed!");
-    row("cloud-no-subscription", "√ √ √ √ ×", none, "    Topic subscribe failed!");
+    // scenario | marks of the link's rows, in order | result | reason
+    rows({
+        "eth-absent | × | good",
+        "eth-off | √ × | good",
+        "eth-unplugged | √ √ × | good",
+        "eth-no-address | √ √ √ × | good",
+        "eth-gateway-silent | √ √ √ × | good",
+        "eth-server-silent | √ √ √ √ √ 9999ms | good",
+        "eth-slow | √ √ √ √ √ 600ms | good",
+        "wifi-absent | × | good",
+        "wifi-off | √ × | good",
+        "wifi-not-joined | √ √ × | good",
+        "wifi-weak | √ √ √ Weak √ √ 12ms | good",
+        "wifi-no-address | √ √ √ Strong × | good",
+        "wifi-gateway-silent | √ √ √ Strong × | good",
+        "wifi-server-silent | √ √ √ Strong √ √ 9999ms | good",
+        "wifi-slow | √ √ √ Strong √ √ 600ms | good",
+        "4g-absent | × | none",
+        "4g-off | √ × | none",
+        "4g-weak | √ √ Weak √ √ √ √ 12ms | good",
+        "4g-no-signal | √ √ Weak √ √ √ √ 12ms | good",
+        "4g-no-sim | √ √ Medium × | none",
+        "4g-not-attached | √ √ Medium √ × √ √ 12ms | good",
+        "4g-no-link | √ √ Medium √ √ × | none",
+        "4g-server-silent | √ √ Medium √ √ √ √ 9999ms | good",
+        "4g-slow | √ √ Medium √ √ √ √ 600ms | good",
+        "cloud-no-server-address | √ √ √ √ √ × | none",
+        "cloud-connecting | √ √ √ √ × | none | Server connection failed!",
+        "cloud-no-time | √ √ √ √ × | none | Time synchronize failed!",
+        "cloud-no-certificate | √ √ √ √ × | none | Certificate download failed!",
+        "cloud-no-server | √ √ √ √ × | none | Server connection failed!",
+        "cloud-no-subscription | √ √ √ √ × | none | Topic subscribe failed!",
+    });
 }
 
 void DiagnosisStoryTest::faults()
 {
-    QFETCH(QString, marks);
-    QFETCH(QString, result);
-    QFETCH(QString, reason);
-    const QString name = QString::fromLatin1(QTest::currentDataTag());
+    const QString name = cell(0);
     const QString link = name.section(QLatin1Char('-'), 0, 0);
     QJsonObject fault = scenario(name);
     QVERIFY(!fault.isEmpty());
@@ -279,7 +270,7 @@ void DiagnosisStoryTest::faults()
     if (fault.contains("cloud"_s))
         awaitCloud(fault.value("cloud"_s)["status"_s].toInt());
     diagnose();
-    readInBothLanguages(link == "cloud"_s ? "eth"_s : link, marks, result, reason);
+    readInBothLanguages(link == "cloud"_s ? "eth"_s : link, cell(1), cell(2), cell(3));
     for (const QString &part : fault.keys())
         fault[part] = m_healthy.value(part);
     put(fault);
@@ -295,32 +286,24 @@ void DiagnosisStoryTest::closedAndEndedInTheMiddle()
     openDiagnosis();
     QVERIFY(!m_panel->press("btn_StartDiag"_s));
     QCOMPARE(m_panel->error(), "btn_StartDiag is disabled"_s);
-    QCOMPARE(m_panel->widget("lab_status"_s, "text"_s).toString(), said("Diagnosing"_s));
+    QCOMPARE(m_panel->text("lab_status"_s), said("Diagnosing"_s));
     m_panel->ask({"quit"_s});
     QCOMPARE(m_panel->waitForEnd(), 0);
 }
 
 void DiagnosisStoryTest::faultsOfTheStart_data()
 {
-    QTest::addColumn<QString>("result");
-    QTest::addColumn<QString>("reason");
-    const QString unchecked =
-        "The cloud settings are missing or damaged. The network was not checked."_s;
-    QTest::newRow("cloud-no-configuration") << unchecked << QString();
-    QTest::newRow("cloud-bad-configuration") << unchecked << QString();
-    QTest::newRow("cloud-no-resource") << "No network reaches the cloud. See the failed items."_s
-                                       << "    Get resource file failed!"_s;
+    rows({"cloud-no-configuration | unchecked", "cloud-bad-configuration | unchecked",
+          "cloud-no-resource | none | Get resource file failed!"});
 }
 
 void DiagnosisStoryTest::faultsOfTheStart()
 {
-    QFETCH(QString, result);
-    QFETCH(QString, reason);
-    start(QString::fromLatin1(QTest::currentDataTag()));
-    QVERIFY(PanelProcess::wait([this] { return m_panel->output().contains("loadCloudXML"); }));
+    start(cell(0));
+    QVERIFY(m_panel->prints("loadCloudXML"));
     awaitCloud(-1); // the first period has told the dialog
     diagnose();
-    readInBothLanguages("cloud"_s, "×"_s, result, reason);
+    readInBothLanguages("cloud"_s, "×"_s, cell(1), cell(2));
 }
 
 QTEST_GUILESS_MAIN(DiagnosisStoryTest)

@@ -1,9 +1,6 @@
-#include "tests/support/Text.h"
-#include "tools/PanelProcess.h"
+#include "tests/panel/Operator.h"
 
-#include <QFile>
 #include <QImage>
-#include <QtTest>
 
 #include <cmath>
 
@@ -11,8 +8,7 @@ namespace {
 
 constexpr int GENERAL_TAB = 0;
 constexpr int COM_TAB = 1;
-constexpr int BRASILIA = 14;      // row of the zones
-constexpr int KEY_PAUSE_MS = 170; // the keyboard drops keys that follow too soon
+constexpr int BRASILIA = 14; // row of the zones
 
 const QStringList KEPT_FIELDS = {
     "line_BacklightTime"_s, "line_Backlightness"_s, "line_BeepTime"_s, "line_BeepType"_s,
@@ -52,16 +48,14 @@ private slots:
 
 private:
     void openTab(int tab);
-    void type(const QString &digits);
     // Touches the field, which the keyboard calls `caption`, and types a number into it; it shows
     // `shown` then.
     void enter(const char *field, const QString &caption, const char *digits,
                const char *shown = nullptr);
     void pressAll(const QStringList &buttons);
-    QString text(const QString &field) { return m_panel.widget(field, "text"_s).toString(); }
     QStringList texts(const QStringList &fields);
 
-    PanelProcess m_panel;
+    Operator m_panel;
     QStringList m_general;
     QStringList m_com;
 };
@@ -70,42 +64,22 @@ void SettingsStoryTest::initTestCase()
 {
     QVERIFY(m_panel.start());
     openTab(GENERAL_TAB);
-    QVERIFY(m_panel.press("line_BeepTime"_s)); // the very first key of a process has no effect
-    QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("SoftKeyboard"_s); }));
-    QVERIFY(m_panel.press("btn_n_1"_s));
-    QTest::qSleep(KEY_PAUSE_MS);
-    QVERIFY(m_panel.press("btn_close"_s));
-    QVERIFY(PanelProcess::wait([this] { return !m_panel.isVisible("SoftKeyboard"_s); }));
 }
 
 void SettingsStoryTest::openTab(int tab)
 {
     QVERIFY(m_panel.press("btn_Sysset"_s));
     QVERIFY(m_panel.press("tab_System"_s, tab));
-    const QString page = tab == GENERAL_TAB ? "comboBox"_s : "line_ComNum"_s;
-    QVERIFY(PanelProcess::wait([&] { return m_panel.isVisible(page); }));
-}
-
-void SettingsStoryTest::type(const QString &digits)
-{
-    for (const QChar digit : digits) {
-        QTest::qSleep(KEY_PAUSE_MS);
-        QVERIFY(m_panel.press("btn_n_"_s + digit));
-    }
-    QTest::qSleep(KEY_PAUSE_MS);
-    QVERIFY(m_panel.press("btn_n_enter"_s));
+    QVERIFY(m_panel.appears(tab == GENERAL_TAB ? "comboBox"_s : "line_ComNum"_s));
 }
 
 void SettingsStoryTest::enter(const char *field, const QString &caption, const char *digits,
                               const char *shown)
 {
     const QString name = QLatin1String(field);
-    QVERIFY2(m_panel.press(name), field);
-    QVERIFY2(PanelProcess::wait([this] { return m_panel.isVisible("SoftKeyboard"_s); }), field);
-    QCOMPARE(text("lab_Field"_s), caption);
-    type(QLatin1String(digits));
-    QVERIFY2(PanelProcess::wait([this] { return !m_panel.isVisible("SoftKeyboard"_s); }), field);
-    QCOMPARE(text(name), QString::fromLatin1(shown == nullptr ? digits : shown));
+    QVERIFY2(m_panel.press(name) && m_panel.shows("lab_Field"_s, caption), field);
+    QVERIFY2(m_panel.type('n', QLatin1String(digits)) && m_panel.goes("SoftKeyboard"_s), field);
+    QCOMPARE(m_panel.text(name), QString::fromLatin1(shown == nullptr ? digits : shown));
 }
 
 void SettingsStoryTest::pressAll(const QStringList &buttons)
@@ -118,7 +92,7 @@ QStringList SettingsStoryTest::texts(const QStringList &fields)
 {
     QStringList all;
     for (const QString &field : fields)
-        all += text(field);
+        all += m_panel.text(field);
     return all;
 }
 
@@ -126,16 +100,14 @@ void SettingsStoryTest::clockAndZone()
 {
     QVERIFY(m_panel.press("comboBox"_s, BRASILIA));
     // First, so that the minute does not go by while the rest is entered.
-    enter("line_Second", "秒"_s, "1", "01");
+    enter("line_Second", "秒"_s, "31", "01"); // the 3 spends the first key of the process
     enter("line_Year", "年"_s, "2031");
     enter("line_Month", "月"_s, "2", "02");
     enter("line_Day", "日"_s, "28");
     enter("line_Hour", "时"_s, "7", "07");
     enter("line_Minute", "分"_s, "9", "09");
     QVERIFY(m_panel.press("btn_SetTime"_s));
-    QVERIFY(PanelProcess::wait([this] {
-        return m_panel.get("clock.written"_s).toArray() == QJsonArray({2031, 2, 28, 7, 9, 9});
-    }));
+    QVERIFY(m_panel.becomes("clock.written"_s, QJsonArray({2031, 2, 28, 7, 9, 9})));
     QFile zone(m_panel.file("/mnt/data/etc/tz/tz.conf"_s));
     QVERIFY(zone.open(QIODevice::ReadOnly));
     QCOMPARE(zone.readAll(), QByteArray("TZ=GMT+02:00"));
@@ -147,7 +119,7 @@ void SettingsStoryTest::dimmest()
     enter("line_Backlightness", "背光亮度"_s, "2");
     QVERIFY(m_panel.ask({"ui"_s, "slide"_s, "slider_Backlightness"_s, "0"_s}).isUndefined());
     QVERIFY(!m_panel.ask({"ui"_s, "slide"_s, "slider_Backlightness"_s, "1"_s}).isUndefined());
-    QVERIFY(PanelProcess::wait([this] { return m_panel.get("lcd.brightness"_s).toInt() == 1; }));
+    QVERIFY(m_panel.becomes("lcd.brightness"_s, 1));
     const QString picture = m_panel.file("/dim.png"_s);
     QVERIFY2(!m_panel.ask({"ui"_s, "shot"_s, picture}).isUndefined(), qPrintable(m_panel.error()));
     const double contrast = contrastOf(QImage(picture));
@@ -160,9 +132,8 @@ void SettingsStoryTest::backlightAndBuzzer()
     enter("line_Backlightness", "背光亮度"_s, "60");
     enter("line_BeepTime", "蜂鸣时间"_s, "250");
     QVERIFY(!m_panel.ask({"ui"_s, "slide"_s, "slider_BeepType"_s, "4"_s}).isUndefined());
-    QVERIFY(PanelProcess::wait([this] { return text("line_BeepType"_s) == "4"_s; }));
-    QVERIFY(m_panel.press("btn_BeepSwitch"_s));
-    QVERIFY(PanelProcess::wait([this] { return m_panel.get("buzzer.enabled"_s).toInt() == 0; }));
+    QVERIFY(m_panel.shows("line_BeepType"_s, "4"_s));
+    QVERIFY(m_panel.press("btn_BeepSwitch"_s) && m_panel.becomes("buzzer.enabled"_s, 0));
     QCOMPARE(m_panel.get("lcd.brightness"_s).toInt(), 60);
     m_general = texts(KEPT_FIELDS);
 }
@@ -172,17 +143,15 @@ void SettingsStoryTest::comPort()
     openTab(COM_TAB);
     enter("line_HmiStation", "HMI 站号"_s, "11");
     enter("line_StandStation", "设备站号"_s, "12");
-    QVERIFY(m_panel.press("btn_CommunIndetail"_s));
-    QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("line_BaudRate"_s); }));
+    QVERIFY(m_panel.press("btn_CommunIndetail"_s) && m_panel.appears("line_BaudRate"_s));
     pressAll({"btn_Communication_R"_s, "btn_BaudRate_R"_s, "btn_ByteSize_R"_s, "btn_StopBits_R"_s,
               "btn_Parity_R"_s, "btn_Save"_s});
-    QVERIFY(PanelProcess::wait([this] { return !m_panel.isVisible("line_BaudRate"_s); }));
-    QVERIFY(m_panel.press("btn_TimeOutIndetail"_s));
-    QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("line_WaitTimeOut"_s); }));
+    QVERIFY(m_panel.goes("line_BaudRate"_s));
+    QVERIFY(m_panel.press("btn_TimeOutIndetail"_s) && m_panel.appears("line_WaitTimeOut"_s));
     enter("line_WaitTimeOut", "等待超时(ms)"_s, "70");
     enter("line_ReadTimeOut", "读取超时(ms)"_s, "80");
     pressAll({"btn_RetryTime_R"_s, "btn_RetryTimeOut_L"_s, "btn_Save"_s});
-    QVERIFY(PanelProcess::wait([this] { return !m_panel.isVisible("line_WaitTimeOut"_s); }));
+    QVERIFY(m_panel.goes("line_WaitTimeOut"_s));
     m_com = texts(COM_FIELDS);
     QCOMPARE(m_com.mid(1), QStringList({"11"_s, "12"_s, "RS485_2,19200,7,2,ODD"_s, "70,80,4,1"_s}));
     QJsonArray words;
@@ -198,7 +167,7 @@ void SettingsStoryTest::foundAgain()
     QVERIFY(m_panel.start());
     openTab(GENERAL_TAB);
     QCOMPARE(texts(KEPT_FIELDS), m_general);
-    QCOMPARE(m_panel.widget("comboBox"_s, "index"_s).toInt(), BRASILIA);
+    QCOMPARE(m_panel.index("comboBox"_s), BRASILIA);
     QCOMPARE(m_panel.get("lcd.brightness"_s).toInt(), 60);
     QCOMPARE(m_panel.get("buzzer.enabled"_s).toInt(), 1); // turned off, it comes back on; intended
     openTab(COM_TAB);

@@ -1,9 +1,4 @@
-#include "tests/support/Text.h"
-#include "tools/PanelProcess.h"
-
-#include <QDir>
-#include <QFile>
-#include <QtTest>
+#include "tests/panel/Operator.h"
 
 // The tour that people watch, played without pauses.
 class TourTest : public QObject
@@ -28,7 +23,7 @@ void TourTest::play_data()
 void TourTest::play()
 {
     QFETCH(QByteArray, updateResult);
-    PanelProcess panel;
+    Operator panel;
     const QString cloud = panel.file("/mnt/data/prj/cloud"_s);
     QVERIFY(QDir().mkpath(cloud));
     QVERIFY(
@@ -52,9 +47,7 @@ void TourTest::play()
     QVERIFY2(QString::fromUtf8(said).section(u'\n', -2).contains(lastWords), said);
     // Nobody is left with a pulled cable, a U-disk or a file, however it ended.
     QCOMPARE(panel.get("net.cable.eth0"_s).toInt(-1), 0);
-    QVERIFY(PanelProcess::wait([&] {
-        return panel.widget("lab_usb"_s, "style"_s).toString().contains("UsbOutPut.png"_s);
-    }));
+    QVERIFY(panel.looksLike("lab_usb"_s, "UsbOutPut.png"_s));
     QVERIFY(!QFile::exists(panel.file("/mnt/data/update/project.tmt3"_s)));
     panel.ask({"quit"_s});
     QCOMPARE(panel.waitForEnd(), 0);

@@ -1,9 +1,6 @@
-#include "tests/support/Text.h"
-#include "tools/PanelProcess.h"
+#include "tests/panel/Operator.h"
 
-#include <QFile>
 #include <QJsonObject>
-#include <QtTest>
 
 namespace {
 
@@ -45,14 +42,11 @@ private:
     QString boxText();
     // Waits for the box, answers it and returns its text.
     QString answer(const char *button = "btn_Ok");
-    QJsonArray rows(const char *list)
-    {
-        return m_panel.widget(QLatin1String(list), "items"_s).toArray();
-    }
+    int rows(const char *list) { return m_panel.items(QLatin1String(list)).size(); }
 
     QTemporaryDir m_stick;
     QByteArray m_program;
-    PanelProcess m_panel;
+    Operator m_panel;
 };
 
 bool UpdateStoryTest::make(const char *tool, const QStringList &arguments)
@@ -70,7 +64,7 @@ void UpdateStoryTest::openTab(int tab)
 
 void UpdateStoryTest::download(const char *list, const char *button)
 {
-    QVERIFY(PanelProcess::wait([&] { return m_panel.isVisible(QLatin1String(list)); }));
+    QVERIFY(m_panel.appears(QLatin1String(list)));
     QVERIFY2(m_panel.press(QLatin1String(list), 0), qPrintable(m_panel.error()));
     QVERIFY2(m_panel.press(QLatin1String(button)), qPrintable(m_panel.error()));
 }
@@ -79,7 +73,7 @@ QString UpdateStoryTest::boxText()
 {
     if (!PanelProcess::wait([this] { return m_panel.isVisible("MessageBox"_s); }, 30000))
         return "no box"_s;
-    return m_panel.widget("label"_s, "text"_s).toString();
+    return m_panel.text("label"_s);
 }
 
 QString UpdateStoryTest::answer(const char *button)
@@ -106,18 +100,13 @@ void UpdateStoryTest::initTestCase()
     QVERIFY(make("make-plc-program", {"--from"_s, onStick("raw"), onStick("plc.bin")}));
     QVERIFY(raw.remove());
 
-    QVERIFY(QDir().mkpath(m_panel.file("/mnt/data/prj"_s)));
-    QFile language(m_panel.file("/mnt/data/prj/LangugeSet.cof"_s));
-    QVERIFY(language.open(QIODevice::WriteOnly));
-    language.write("[HMI]\nLANGUAGEID=1\nALLOWSCHANGE=1\n");
-    language.close();
+    QVERIFY(m_panel.writeEnglish());
     QVERIFY(m_panel.start());
     QVERIFY(m_panel.set("update.stepTime"_s, "0"));
-    QVERIFY(m_panel.press("btn_UpData"_s));
-    QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("list_Pro"_s); }));
-    QVERIFY(rows("list_Pro").isEmpty());
+    QVERIFY(m_panel.press("btn_UpData"_s) && m_panel.appears("list_Pro"_s));
+    QCOMPARE(rows("list_Pro"), 0);
     m_panel.ask({"usb"_s, "insert"_s, m_stick.path()});
-    QVERIFY(PanelProcess::wait([this] { return rows("list_Pro").size() == 1; }));
+    QVERIFY(PanelProcess::wait([this] { return rows("list_Pro") == 1; }));
 }
 
 void UpdateStoryTest::projectInstalled()
@@ -168,7 +157,7 @@ void UpdateStoryTest::stickPulledDuringInstall()
     QCOMPARE(answer(), "Download failure!\nThe project img file is not found in Udisk."_s);
     QVERIFY(m_panel.set("update.stepTime"_s, "0"));
     QCOMPARE(contentOf(m_panel.file("/mnt/data/update/project.tmt3"_s)).size(), 200000 + 48);
-    QVERIFY(PanelProcess::wait([this] { return !m_panel.get("partition.writable"_s).toBool(); }));
+    QVERIFY(m_panel.becomes("partition.writable"_s, false));
 }
 
 void UpdateStoryTest::plcWithFailingAttempts()
@@ -190,8 +179,7 @@ void UpdateStoryTest::languageChangedDuringDownload()
     m_panel.ask({"delay"_s, "plc.Commu"_s, "1500"_s});
     download("list_PlcPro", "btn_DownLoadPlcPro");
     QVERIFY(m_panel.press("btn_Sysset"_s));
-    QVERIFY(m_panel.press("tab_System"_s, 2));
-    QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("CHBtn"_s); }));
+    QVERIFY(m_panel.press("tab_System"_s, 2) && m_panel.appears("CHBtn"_s));
     QVERIFY(m_panel.press("CHBtn"_s));
     QVERIFY(boxText().contains("PLC \u7A0B\u5E8F\u5DF2\u66F4\u65B0"_s));
     answer();
@@ -199,8 +187,7 @@ void UpdateStoryTest::languageChangedDuringDownload()
     QVERIFY(m_panel.press("ENBtn"_s));
     QVERIFY(m_panel.press("btn_UpData"_s));
     openTab(PLC_TAB);
-    QVERIFY(PanelProcess::wait(
-        [this] { return m_panel.widget("list_PlcPro"_s, "enabled"_s).toBool(); }));
+    QVERIFY(PanelProcess::wait([this] { return m_panel.isEnabled("list_PlcPro"_s); }));
 }
 
 void UpdateStoryTest::olderProgramByteForByte()
@@ -216,8 +203,8 @@ void UpdateStoryTest::stickPulledOut()
 {
     m_panel.ask({"usb"_s, "remove"_s, m_stick.path()});
     for (const char *list : {"list_Pro", "list_Image", "list_PlcPro"})
-        QVERIFY(PanelProcess::wait([&] { return rows(list).isEmpty(); }));
-    QCOMPARE(m_panel.widget("lab_PlcPro"_s, "text"_s).toString(),
+        QVERIFY(PanelProcess::wait([&] { return rows(list) == 0; }));
+    QCOMPARE(m_panel.text("lab_PlcPro"_s),
              "Failed to recognize U disk, please check it or change new one!"_s);
 }
 

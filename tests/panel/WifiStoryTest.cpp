@@ -1,13 +1,10 @@
-#include "tests/support/Text.h"
-#include "tools/PanelProcess.h"
+#include "tests/panel/Operator.h"
 
 #include <QJsonDocument>
-#include <QtTest>
 
 namespace {
 
 constexpr int WIFI_TAB = 1;
-constexpr int KEY_PAUSE_MS = 170; // the keyboard drops keys that follow too soon
 
 } // namespace
 
@@ -25,15 +22,11 @@ private slots:
     void end();
 
 private:
-    QString onTop(const char *label, const char *property = "text")
-    {
-        return m_panel.widget(QLatin1String(label), QLatin1String(property)).toString();
-    }
     bool isJoined(const QString &network);
     bool touchNetwork(const QString &network);
     void type(const QString &letters, const QString &digits);
 
-    PanelProcess m_panel;
+    Operator m_panel;
 };
 
 void WifiStoryTest::initTestCase()
@@ -46,9 +39,9 @@ void WifiStoryTest::initTestCase()
 bool WifiStoryTest::isJoined(const QString &network)
 {
     return PanelProcess::wait([&] {
-        return m_panel.isVisible("wid_wifiConnect"_s) && onTop("lab_ssid") == network &&
-               onTop("lab_Ok", "style").contains("tick.png"_s) &&
-               onTop("lab_ip") == "192.168.2.60"_s;
+        return m_panel.isVisible("wid_wifiConnect"_s) && m_panel.text("lab_ssid"_s) == network &&
+               m_panel.style("lab_Ok"_s).contains("tick.png"_s) &&
+               m_panel.text("lab_ip"_s) == "192.168.2.60"_s;
     });
 }
 
@@ -56,7 +49,7 @@ bool WifiStoryTest::touchNetwork(const QString &network)
 {
     int row = -1;
     return PanelProcess::wait([&] {
-               const QJsonArray rows = m_panel.widget("list_Wifi"_s, "items"_s).toArray();
+               const QJsonArray rows = m_panel.items("list_Wifi"_s);
                for (row = rows.size() - 1; row >= 0 && rows[row].toString() != network;)
                    --row;
                return row >= 0;
@@ -66,27 +59,15 @@ bool WifiStoryTest::touchNetwork(const QString &network)
 
 void WifiStoryTest::type(const QString &letters, const QString &digits)
 {
-    QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("SoftKeyboard"_s); }));
-    QStringList keys;
-    for (const QChar letter : letters)
-        keys += "btn_c_"_s + letter;
-    keys += "btn_c_123"_s;
-    for (const QChar digit : digits)
-        keys += "btn_n_"_s + digit;
-    keys += "btn_n_enter"_s;
-    for (const QString &key : qAsConst(keys)) {
-        QTest::qSleep(KEY_PAUSE_MS);
-        QVERIFY2(m_panel.press(key), qPrintable(key));
-    }
-    QVERIFY(PanelProcess::wait([this] { return !m_panel.isVisible("SoftKeyboard"_s); }));
+    QVERIFY(m_panel.type('c', letters, "123"_s));
+    QVERIFY(m_panel.type('n', digits) && m_panel.goes("SoftKeyboard"_s));
 }
 
 void WifiStoryTest::joinedAtStart()
 {
     QVERIFY(isJoined("Workshop"_s));
     QVERIFY(PanelProcess::wait([this] {
-        return m_panel.widget("list_Wifi"_s, "items"_s).toArray() ==
-               QJsonArray({"Office"_s, "Guests"_s, "Warehouse"_s});
+        return m_panel.items("list_Wifi"_s) == QJsonArray({"Office"_s, "Guests"_s, "Warehouse"_s});
     }));
 }
 
@@ -100,13 +81,13 @@ void WifiStoryTest::openNetwork()
 void WifiStoryTest::wrongPasswordThenRight()
 {
     QVERIFY(touchNetwork("Office"_s));
-    QVERIFY(PanelProcess::wait([this] { return onTop("lab_Field") == "Office"_s; }));
-    type("xoffice"_s, "12"_s); // the very first key of a process has no effect
-    QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("MessageBox"_s); }));
-    QVERIFY(onTop("label").contains("密码错误"_s));
+    QVERIFY(m_panel.shows("lab_Field"_s, "Office"_s));
+    type("xoffice"_s, "12"_s); // the x spends the first key of the process
+    QVERIFY(m_panel.appears("MessageBox"_s));
+    QVERIFY(m_panel.text("label"_s).contains("密码错误"_s));
     QVERIFY(!m_panel.isVisible("wid_wifiConnect"_s));
     QVERIFY(m_panel.press("btn_Ok"_s));
-    QVERIFY(PanelProcess::wait([this] { return !m_panel.isVisible("MessageBox"_s); }));
+    QVERIFY(m_panel.goes("MessageBox"_s));
     QVERIFY(touchNetwork("Office"_s));
     type("office"_s, "123"_s);
     QVERIFY(isJoined("Office"_s));
@@ -117,7 +98,7 @@ void WifiStoryTest::linkLostAndBack()
 {
     const QJsonArray inRange = m_panel.get("wifi.aps"_s).toArray();
     QVERIFY(m_panel.set("wifi.aps"_s, "[]"));
-    QVERIFY(PanelProcess::wait([this] { return !m_panel.isVisible("wid_wifiConnect"_s); }));
+    QVERIFY(m_panel.goes("wid_wifiConnect"_s));
     QVERIFY(m_panel.set("wifi.aps"_s, QJsonDocument(inRange).toJson()));
     QVERIFY(isJoined("Office"_s));
 }
@@ -125,7 +106,7 @@ void WifiStoryTest::linkLostAndBack()
 void WifiStoryTest::end()
 {
     QVERIFY(m_panel.press("wid_wifiConnect"_s));
-    QVERIFY(PanelProcess::wait([this] { return m_panel.isVisible("WifiPara"_s); }));
+    QVERIFY(m_panel.appears("WifiPara"_s));
     m_panel.ask({"quit"_s}); // with a dialog open
     QCOMPARE(m_panel.waitForEnd(), 0);
 }
