@@ -8,6 +8,8 @@
 #include "app/look/WidgetLook.h"
 #include "platform/sim/Panel.h"
 #include "resources/Resources.h"
+#include "tests/support/Rows.h"
+#include "tests/support/Text.h"
 
 #include <QGlyphRun>
 #include <QGridLayout>
@@ -15,7 +17,6 @@
 #include <QPushButton>
 #include <QRawFont>
 #include <QTextLayout>
-#include <QtTest>
 
 class LookTest : public QObject
 {
@@ -33,62 +34,42 @@ private slots:
     void tabsFollowTheScreen();
     void boxShowsItsType_data();
     void boxShowsItsType();
-    void boxAnswers_data();
     void boxAnswers();
     void boxShowsPlainText();
     void hiddenWidgetWaitsForItsStyle();
-    void dialogsStayOnTheScreen_data();
     void dialogsStayOnTheScreen();
 };
 
 void LookTest::fontFollowsWidthAndLanguage_data()
 {
-    QTest::addColumn<int>("width");
-    QTest::addColumn<int>("language");
-    QTest::addColumn<QString>("style");
-    const auto row = [](int width, const char *chinese, const char *latin) {
-        QTest::addRow("%d Chinese", width) << width << 0 << QString::fromLatin1(chinese);
-        QTest::addRow("%d English", width) << width << 1 << QString::fromLatin1(latin);
-        QTest::addRow("%d another", width) << width << 7 << QString::fromLatin1(latin);
-    };
-    row(320, "font: 75 12px simsun;", "font: 75 10px Calibri;");
-    row(479, "font: 75 12px simsun;", "font: 75 10px Calibri;");
-    row(480, "font: 75 14px simsun;", "font: 75 12px Calibri;");
-    row(799, "font: 75 14px simsun;", "font: 75 12px Calibri;");
-    row(800, "font: 75 20px simsun;", "font: 75 20px Calibri;");
-    row(1024, "font: 75 20px simsun;", "font: 75 20px Calibri;");
-    row(1025, "font: 75 36px simsun;", "font: 75 36px Calibri;");
-    row(1920, "font: 75 36px simsun;", "font: 75 36px Calibri;");
+    // width of the screen | pixels in Chinese | in any other language
+    rows({"320 | 12 | 10", "479 | 12 | 10", "480 | 14 | 12", "799 | 14 | 12", "800 | 20 | 20",
+          "1024 | 20 | 20", "1025 | 36 | 36", "1920 | 36 | 36"});
 }
 
 void LookTest::fontFollowsWidthAndLanguage()
 {
-    QFETCH(int, width);
-    QFETCH(int, language);
-    sim::panel().set("lcd.width", width);
-    g_nLanguge = language;
-    QTEST(GetFontStyle(), "style");
+    sim::panel().set("lcd.width", number(0));
+    g_nLanguge = 0;
+    QCOMPARE(GetFontStyle(), "font: 75 %1px simsun;"_s.arg(number(1)));
+    for (const int other : {1, 7}) {
+        g_nLanguge = other;
+        QCOMPARE(GetFontStyle(), "font: 75 %1px Calibri;"_s.arg(number(2)));
+    }
 }
 
 void LookTest::fontsHaveSubstitutes_data()
 {
-    QTest::addColumn<QString>("family");
-    QTest::addColumn<QStringList>("faces");
-    QTest::newRow("Chinese") << QStringLiteral("simsun")
-                             << QStringList{QStringLiteral("SimSun"),
-                                            QStringLiteral("WenQuanYi Micro Hei")};
-    QTest::newRow("Latin") << QStringLiteral("Calibri")
-                           << QStringList{QStringLiteral("Calibri"), QStringLiteral("Carlito")};
+    rows({"simsun | SimSun | WenQuanYi Micro Hei", "Calibri | Calibri | Carlito"});
 }
 
 // By the fontconfig file alone.
 void LookTest::fontsHaveSubstitutes()
 {
-    QFETCH(QString, family);
-    QFETCH(QStringList, faces);
-    const QFont font(family);
-    QVERIFY2(faces.contains(QFontInfo(font).family()), qPrintable(QFontInfo(font).family()));
-    QTextLayout layout(QStringLiteral("请检查网线两端是否插好 Check the cable √×…"), font);
+    const QFont font(cell(0));
+    const QString face = QFontInfo(font).family();
+    QVERIFY2(face == cell(1) || face == cell(2), qPrintable(face));
+    QTextLayout layout("请检查网线两端是否插好 Check the cable √×…"_s, font);
     layout.beginLayout();
     layout.createLine();
     layout.endLayout();
@@ -98,32 +79,25 @@ void LookTest::fontsHaveSubstitutes()
 
 void LookTest::coloursCanBeRead_data()
 {
-    QTest::addColumn<QString>("ink");
-    QTest::addColumn<QStringList>("grounds");
-    QTest::addColumn<double>("least");
-    const auto row = [](const char *ink, const char *grounds, double least) {
-        QTest::newRow(ink) << QString::fromLatin1(ink)
-                           << QString::fromLatin1(grounds).split(QLatin1Char(' ')) << least;
-    };
-    row("ink", "surface shade pressed title undone mark accentGround", 4.5);
-    row("mutedInk", "surface", 4.5);
-    row("selectedInk", "selected", 4.5);
-    row("bad", "surface", 4.5);
-    row("disabledInk", "surface shade", 4.5); // 3 would do
-    row("accent", "surface", 3);              // a line, not a text
-    row("pressedLine", "surface pressed", 3);
-    row("rgb(0, 170, 255)", "chip", 4.5);
-    row("rgb(206, 206, 0)", "chip", 4.5);
-    row("rgb(255, 0, 0)", "chip", 4.5);
-    row("rgb(71, 148, 214)", "chip", 4.5);
+    // what is written | on which grounds | at which contrast
+    rows({
+        "ink | surface shade pressed title undone mark accentGround | 4.5",
+        "mutedInk | surface | 4.5",
+        "selectedInk | selected | 4.5",
+        "bad | surface | 4.5",
+        "disabledInk | surface shade | 4.5", // 3 would do
+        "accent | surface | 3",              // a line, not a text
+        "pressedLine | surface pressed | 3",
+        "rgb(0, 170, 255) | chip | 4.5",
+        "rgb(206, 206, 0) | chip | 4.5",
+        "rgb(255, 0, 0) | chip | 4.5",
+        "rgb(71, 148, 214) | chip | 4.5",
+    });
 }
 
 // Contrast as the Web Content Accessibility Guidelines count it.
 void LookTest::coloursCanBeRead()
 {
-    QFETCH(QString, ink);
-    QFETCH(QStringList, grounds);
-    QFETCH(double, least);
     const auto light = [](const QColor &colour) {
         const auto linear = [](double part) {
             return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
@@ -131,14 +105,14 @@ void LookTest::coloursCanBeRead()
         return 0.05 + 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
                0.0722 * linear(colour.blueF());
     };
-    const QColor front = themeColour(ink);
+    const QColor front = themeColour(cell(0));
     QVERIFY(front.isValid());
-    for (const QString &ground : grounds) {
+    for (const QString &ground : cell(1).split(QLatin1Char(' '))) {
         const QColor back = themeColour(ground);
         QVERIFY2(back.isValid(), qPrintable(ground));
         const double ratio =
             std::max(light(front), light(back)) / std::min(light(front), light(back));
-        QVERIFY2(ratio >= least, qPrintable(QStringLiteral("%1 on %2").arg(ratio).arg(ground)));
+        QVERIFY2(ratio >= cell(2).toDouble(), qPrintable("%1 on %2"_s.arg(ratio).arg(ground)));
     }
 }
 
@@ -163,62 +137,50 @@ void LookTest::tabsFollowTheScreen()
     sim::panel().set("lcd.width", 1024);
     sim::panel().set("lcd.height", 600);
     g_nLanguge = 1;
-    QVERIFY(
-        tabStyle().startsWith(QStringLiteral("QTabBar::tab {width:204px;height:50px;color: black;"
-                                             "font: 75 20px Calibri;outline: none;")));
+    QVERIFY(tabStyle().startsWith("QTabBar::tab {width:204px;height:50px;color: black;"
+                                  "font: 75 20px Calibri;outline: none;"_s));
 }
 
 void LookTest::boxShowsItsType_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<QString>("icon");
-    QTest::addColumn<bool>("cancel");
-    QTest::newRow("question") << 0 << QStringLiteral("/Question.png") << true;
-    QTest::newRow("information") << 1 << QStringLiteral("/Information.png") << false;
-    QTest::newRow("warning") << 2 << QStringLiteral("/Warning.png") << false;
-    QTest::newRow("critical") << 3 << QStringLiteral("/Critical.png") << false;
-    QTest::newRow("another") << 4 << QString() << false;
-    QTest::newRow("below the table") << -1 << QString() << false;
+    // type | icon | stretch of the button row, from its left | the second button
+    rows({"0 | /Question.png | 4 3 1 3 1 | Cancel", "1 | /Information.png | 8 3 1",
+          "2 | /Warning.png | 8 3 1", "3 | /Critical.png | 8 3 1", "4 | | 8 3 1", "-1 | | 8 3 1"});
 }
 
 void LookTest::boxShowsItsType()
 {
-    QFETCH(int, type);
-    QFETCH(QString, icon);
-    MessageBox box(type, nullptr);
-    const QString style = box.findChild<QLabel *>(QStringLiteral("lab_Img"))->styleSheet();
-    QCOMPARE(style.isEmpty(), icon.isEmpty());
-    QVERIFY(style.contains(icon));
-    const auto *cancel = box.findChild<QPushButton *>(QStringLiteral("btn_Cancel"));
-    QTEST(!cancel->isHidden(), "cancel");
-}
-
-void LookTest::boxAnswers_data()
-{
-    QTest::addColumn<QString>("pressed");
-    QTest::addColumn<int>("answer");
-    QTest::newRow("OK") << QStringLiteral("btn_Ok") << 1;
-    QTest::newRow("Cancel") << QStringLiteral("btn_Cancel") << 0;
+    MessageBox box(number(0), nullptr);
+    const QString style = box.findChild<QLabel *>("lab_Img"_s)->styleSheet();
+    QCOMPARE(style.isEmpty(), cell(1).isEmpty());
+    QVERIFY(style.contains(cell(1)));
+    const auto *row = box.findChild<QBoxLayout *>("buttonRow"_s);
+    const QStringList stretch = cell(2).split(QLatin1Char(' '));
+    for (int place = 0; place < stretch.size(); ++place)
+        QCOMPARE(row->stretch(place), stretch[place].toInt());
+    QCOMPARE(box.findChild<QPushButton *>("btn_Cancel"_s)->isHidden(), cell(3).isEmpty());
 }
 
 void LookTest::boxAnswers()
 {
-    QFETCH(QString, pressed);
-    MessageBox box(BOX_QUESTION, nullptr);
-    const auto clicks = sim::panel().get("buzzer.opens").get<int>();
-    QTimer::singleShot(0, &box, [&] { box.findChild<QPushButton *>(pressed)->click(); });
-    QTEST(box.exec(), "answer");
-    QCOMPARE(sim::panel().get("buzzer.opens").get<int>(), clicks + 1);
+    for (const auto &[pressed, answer] : {std::pair("btn_Ok"_s, 1), {"btn_Cancel"_s, 0}}) {
+        MessageBox box(BOX_QUESTION, nullptr);
+        const int clicks = sim::panel().get("buzzer.opens").get<int>();
+        auto *button = box.findChild<QPushButton *>(pressed);
+        QTimer::singleShot(0, button, &QPushButton::click);
+        QCOMPARE(box.exec(), answer);
+        QCOMPARE(sim::panel().get("buzzer.opens").get<int>(), clicks + 1);
+    }
 }
 
 void LookTest::boxShowsPlainText()
 {
     MessageBox box(BOX_INFORMATION, nullptr);
     placeOnScreen(&box, {400, 200}, {0, 0});
-    const QString hostile = QStringLiteral("<b>%s</b> ").repeated(40);
+    const QString hostile = "<b>%s</b> "_s.repeated(40);
     box.setText(hostile);
     box.show();
-    const auto *label = box.findChild<QLabel *>(QStringLiteral("label"));
+    const auto *label = box.findChild<QLabel *>("label"_s);
     QCOMPARE(label->textFormat(), Qt::PlainText);
     QCOMPARE(box.size(), QSize(400, 200)); // wrapped, not widened
     QVERIFY(box.rect().contains(QRect(label->mapTo(&box, QPoint(0, 0)), label->size())));
@@ -227,38 +189,25 @@ void LookTest::boxShowsPlainText()
 void LookTest::hiddenWidgetWaitsForItsStyle()
 {
     QLabel label;
-    const auto style = [](const char *colour) {
-        return QStringLiteral("color:%1;").arg(QLatin1String(colour));
-    };
-    setStyleOnce(&label, style("red"));
-    setStyleWhenSeen(&label, style("green"));
-    setStyleWhenSeen(&label, style("blue"));
-    QCOMPARE(label.styleSheet(), style("red"));
+    setStyleOnce(&label, "color:red;"_s);
+    setStyleWhenSeen(&label, "color:green;"_s);
+    setStyleWhenSeen(&label, "color:blue;"_s);
+    QCOMPARE(label.styleSheet(), "color:red;"_s);
     label.show();
-    QCOMPARE(label.styleSheet(), style("blue"));
+    QCOMPARE(label.styleSheet(), "color:blue;"_s);
     label.hide();
-    setStyleWhenSeen(&label, style("green"));
-    setStyleOnce(&label, style("black")); // the newest holds
+    setStyleWhenSeen(&label, "color:green;"_s);
+    setStyleOnce(&label, "color:black;"_s); // the newest holds
     label.show();
-    QCOMPARE(label.styleSheet(), style("black"));
+    QCOMPARE(label.styleSheet(), "color:black;"_s);
     label.hide();
-    setStyleWhenSeen(&label, style("red"));
+    setStyleWhenSeen(&label, "color:red;"_s);
     wearLateStyles(&label);
-    QCOMPARE(label.styleSheet(), style("red"));
-}
-
-void LookTest::dialogsStayOnTheScreen_data()
-{
-    QTest::addColumn<QPoint>("offset");
-    QTest::addColumn<QPoint>("place");
-    QTest::newRow("inside") << QPoint(10, 20) << QPoint(110, 70);
-    QTest::newRow("beyond right and bottom") << QPoint(900, 500) << QPoint(624, 300);
-    QTest::newRow("beyond left and top") << QPoint(-500, -500) << QPoint(0, 0);
+    QCOMPARE(label.styleSheet(), "color:red;"_s);
 }
 
 void LookTest::dialogsStayOnTheScreen()
 {
-    QFETCH(QPoint, offset);
     sim::panel().set("lcd.width", 1024);
     sim::panel().set("lcd.height", 600);
     QWidget window;
@@ -267,8 +216,12 @@ void LookTest::dialogsStayOnTheScreen()
     page.setGeometry(100, 50, 900, 500);
     window.show();
     QDialog dialog(&page);
-    placeOverPage(&dialog, {400, 300}, &page, offset);
-    QTEST(dialog.pos() - window.mapToGlobal(QPoint(0, 0)), "place");
+    const std::pair<QPoint, QPoint> places[] = {
+        {{10, 20}, {110, 70}}, {{900, 500}, {624, 300}}, {{-500, -500}, {0, 0}}};
+    for (const auto &[offset, place] : places) {
+        placeOverPage(&dialog, {400, 300}, &page, offset);
+        QCOMPARE(dialog.pos() - window.mapToGlobal(QPoint(0, 0)), place);
+    }
 
     page.setParent(nullptr); // taken out of the window, and raises a box all the same
     placeOnScreen(&dialog, {400, 300}, {5, 6});
