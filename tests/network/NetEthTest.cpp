@@ -5,6 +5,7 @@
 #include "tests/support/Dialogs.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/PrintedBy.h"
+#include "tests/support/Rows.h"
 #include "tests/support/Text.h"
 
 #include <QLabel>
@@ -34,16 +35,25 @@ const Record STATIC_ON = record("enable", "disable");
 const Record DHCP_ON = record("enable", "enable");
 const Record OFF = record("disable", "disable");
 
-Record without(std::string Record::*text, const Record &whole = STATIC_ON)
+Record without(std::string Record::*text, const Record &whole)
 {
     Record result = whole;
     (result.*text).clear();
     return result;
 }
 
-} // namespace
+// What the tables name.
+const QMap<QString, Record> RECORDS = {
+    {"static"_s, STATIC_ON},
+    {"DHCP"_s, DHCP_ON},
+    {"DHCP, no address"_s, without(&Record::sIpAddr, DHCP_ON)},
+    {"off"_s, OFF},
+    {"maybe on"_s, record("maybe", "disable")},
+    {"no mask"_s, without(&Record::sSubnetMask, STATIC_ON)},
+    {"no second server"_s, without(&Record::sAlterDns, STATIC_ON)},
+};
 
-Q_DECLARE_METATYPE(Record)
+} // namespace
 
 class NetEthTest : public PageTest<NetEth>
 {
@@ -54,7 +64,6 @@ private slots:
     void init();
     void showsTheRecord_data();
     void showsTheRecord();
-    void splitsAddresses_data();
     void splitsAddresses();
     void rewritesChangedTextsAlone();
     void switchWaitsForTheRecord();
@@ -99,43 +108,30 @@ QString NetEthTest::seen() const
 
 void NetEthTest::showsTheRecord_data()
 {
-    QTest::addColumn<Record>("record");
-    QTest::addColumn<QString>("parts");
-    QTest::newRow("static") << STATIC_ON << "radios block static editable underlined"_s;
-    QTest::newRow("DHCP with an address") << DHCP_ON << "radios block"_s;
-    QTest::newRow("DHCP without") << without(&Record::sIpAddr, DHCP_ON) << "radios hint"_s;
-    QTest::newRow("off") << OFF << "status hint"_s;
-    QTest::newRow("anything but enable is off") << record("maybe", "disable") << "status hint"_s;
+    rows({"static | radios block static editable underlined", "DHCP | radios block",
+          "DHCP, no address | radios hint", "off | status hint", "maybe on | status hint"});
 }
 
 void NetEthTest::showsTheRecord()
 {
-    QFETCH(Record, record);
     m_page->setNetInfo(STATIC_ON); // so that "off" has something to hide
-    m_page->setNetInfo(record);
-    QTEST(seen(), "parts");
+    m_page->setNetInfo(RECORDS[cell(0)]);
+    QCOMPARE(seen(), cell(1));
     QVERIFY(enabled("btn_EthSwitch"));
-}
-
-void NetEthTest::splitsAddresses_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QString>("fields");
-    QTest::newRow("four") << QByteArray("10.0.0.7") << "10|0|0|7"_s;
-    for (const QByteArray &text : {QByteArray("10.0.7"), QByteArray("10.0.0.0.7"), QByteArray(""),
-                                   QByteArray(4096, '9'), QByteArray("\xff\xfe.")})
-        QTest::addRow("%d bytes", text.size()) << text << "|||"_s;
 }
 
 void NetEthTest::splitsAddresses()
 {
-    QFETCH(QByteArray, text);
-    m_page->setNetInfo(STATIC_ON);
-    Record changed = STATIC_ON;
-    changed.sIpAddr = text.toStdString();
-    m_page->setNetInfo(changed);
-    QTEST(octets("line_Ip"), "fields");
-    QCOMPARE(octets("line_Dns2_"), "9|9|9|9"_s);
+    for (const QByteArray &text :
+         {QByteArray("10.0.0.7"), QByteArray("10.0.7"), QByteArray(""), QByteArray("10.0.0.0.7"),
+          QByteArray(4096, '9'), QByteArray("\xff\xfe.")}) {
+        m_page->setNetInfo(STATIC_ON);
+        Record changed = STATIC_ON;
+        changed.sIpAddr = text.toStdString();
+        m_page->setNetInfo(changed);
+        QCOMPARE(octets("line_Ip"), text == "10.0.0.7" ? "10|0|0|7"_s : "|||"_s);
+        QCOMPARE(octets("line_Dns2_"), "9|9|9|9"_s);
+    }
 }
 
 void NetEthTest::rewritesChangedTextsAlone()
@@ -220,57 +216,44 @@ void NetEthTest::radioShowsItsViewAtOnce()
 
 void NetEthTest::presses_data()
 {
-    QTest::addColumn<Record>("before");
-    QTest::addColumn<QString>("pressed");
-    QTest::addColumn<QString>("keys");
-    QTest::addColumn<QString>("sent"); // empty: nothing
-    QTest::addColumn<QByteArray>("ok");
-    QTest::addColumn<QByteArray>("refused");
-    const auto row = [](const char *name, const Record &before, const char *pressed,
-                        const QString &keys, const char *sent = "", const char *ok = "",
-                        const char *refused = "") {
-        QTest::newRow(name) << before << QString::fromLatin1(pressed) << keys
-                            << QString::fromLatin1(sent) << QByteArray(ok) << QByteArray(refused);
-    };
-    row("on", OFF, "btn_EthSwitch", {}, R"(netDeviceUp["eth0",false,5000])",
-        "netDeviceUp [eth0] ok\n", "netDeviceUp [eth0] Err\n");
-    row("off", STATIC_ON, "btn_EthSwitch", {}, R"(netDeviceDown["eth0",false,5000])",
-        "netDeviceDown [eth0] ok\n", "netDeviceDown [eth0] Err\n");
-    row("DHCP", STATIC_ON, "radio_Dhcp", {}, R"(startDhcp["eth0",false,5000])",
-        "startDhcp [eth0] ok \n", "startDhcp [eth0] error \n");
-    row("static", DHCP_ON, "radio_Static", {}, R"(stopDhcp["eth0",false,5000])");
-    row("address", STATIC_ON, "line_Ip4", "77\n"_s,
-        R"(setIp["eth0","192.168.1.77","255.255.255.0","192.168.1.1",false,5000])",
-        "setIp [eth0] ok\n",
-        "setIp [eth0] error IP [192.168.1.77] sub [255.255.255.0] gate [192.168.1.1]\n");
-    row("gateway, zero in front", STATIC_ON, "line_GateWay4", "09\n"_s,
-        R"(setIp["eth0","192.168.1.100","255.255.255.0","192.168.1.9",false,5000])",
-        "setIp [eth0] ok\n",
-        "setIp [eth0] error IP [192.168.1.100] sub [255.255.255.0] gate [192.168.1.9]\n");
-    row("second server", STATIC_ON, "line_Dns2_1", "1\n"_s,
-        R"(setDns["eth0","8.8.8.8","1.9.9.9",false,5000])", "setDns [eth0] ok\n",
-        "setDns [eth0] error\n");
-    row("unchanged", STATIC_ON, "line_Ip4", "100\n"_s);
-    row("not confirmed", STATIC_ON, "line_Ip4", "77\x1b"_s);
-    row("no mask", without(&Record::sSubnetMask), "line_Ip4", "77\n"_s);
-    row("no second server", without(&Record::sAlterDns), "line_Dns1_1", "1\n"_s);
+    // the record | pressed | typed | sent | printed if taken | if refused; $ ends a line
+    rows({
+        "off | btn_EthSwitch | | netDeviceUp[\"eth0\",false,5000]"
+        "| netDeviceUp [eth0] ok$ | netDeviceUp [eth0] Err$",
+        "static | btn_EthSwitch | | netDeviceDown[\"eth0\",false,5000]"
+        "| netDeviceDown [eth0] ok$ | netDeviceDown [eth0] Err$",
+        "static | radio_Dhcp | | startDhcp[\"eth0\",false,5000]"
+        "| startDhcp [eth0] ok $ | startDhcp [eth0] error $",
+        "DHCP | radio_Static | | stopDhcp[\"eth0\",false,5000]",
+        "static | line_Ip4 | 77$"
+        R"(| setIp["eth0","192.168.1.77","255.255.255.0","192.168.1.1",false,5000])"
+        "| setIp [eth0] ok$"
+        "| setIp [eth0] error IP [192.168.1.77] sub [255.255.255.0] gate [192.168.1.1]$",
+        "static | line_GateWay4 | 09$" // a zero in front
+        R"(| setIp["eth0","192.168.1.100","255.255.255.0","192.168.1.9",false,5000])"
+        "| setIp [eth0] ok$"
+        "| setIp [eth0] error IP [192.168.1.100] sub [255.255.255.0] gate [192.168.1.9]$",
+        "static | line_Dns2_1 | 1$ | setDns[\"eth0\",\"8.8.8.8\",\"1.9.9.9\",false,5000]"
+        "| setDns [eth0] ok$ | setDns [eth0] error$",
+        "static | line_Ip4 | 100$",   // as it was
+        "static | line_Ip4 | 77\x1b", // not confirmed
+        "no mask | line_Ip4 | 77$",
+        "no second server | line_Dns1_1 | 1$",
+    });
 }
 
 void NetEthTest::presses()
 {
-    QFETCH(Record, before);
-    QFETCH(QString, pressed);
-    QFETCH(QString, keys);
-    QFETCH(QString, sent);
-    for (const char *outcome : {"ok", "refused"}) {
+    const QString sent = cell(3);
+    for (const bool refused : {false, true}) {
         init();
-        m_page->setNetInfo(before);
+        m_page->setNetInfo(RECORDS[cell(0)]);
         panel().clearCalls();
-        if (qstrcmp(outcome, "refused") == 0 && !sent.isEmpty())
+        if (refused && !sent.isEmpty())
             panel().fail("netT." + sent.section(QLatin1Char('['), 0, 0).toStdString(), -1);
-        typeOnKeyboard(keys);
-        const QByteArray printed = printedBy([&] { press(qPrintable(pressed)); });
-        QTEST(printed, outcome);
+        typeOnKeyboard(cell(2).replace(u'$', u'\n'));
+        const QByteArray printed = printedBy([&] { press(qPrintable(cell(1))); });
+        QCOMPARE(QString::fromLatin1(printed).replace(u'\n', u'$'), cell(refused ? 5 : 4));
         QCOMPARE(serviceCalls().join(QLatin1Char(' ')), sent);
     }
 }

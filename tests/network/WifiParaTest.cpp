@@ -5,6 +5,7 @@
 #include "tests/support/Dialogs.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/PrintedBy.h"
+#include "tests/support/Rows.h"
 #include "tests/support/Text.h"
 
 #include <QLabel>
@@ -77,38 +78,32 @@ void WifiParaTest::lookOfTheDeviceIsTheLookAlone()
 
 void WifiParaTest::presses_data()
 {
-    QTest::addColumn<QString>("pressed");
-    QTest::addColumn<QString>("sent");
-    QTest::addColumn<QByteArray>("ok");
-    QTest::addColumn<QByteArray>("refused");
-    const auto row = [](const char *pressed, const char *sent, const char *ok,
-                        const char *refused) {
-        QTest::newRow(pressed) << QString::fromLatin1(pressed) << QString::fromLatin1(sent)
-                               << QByteArray(ok) << QByteArray(refused);
-    };
-    row("radio_Dhcp", R"(startDhcp["wlan0",true,5000])", "startDhcp [wlan0]  OK \n",
-        "startDhcp [wlan0]  Err \n");
-    row("radio_Static", R"(stopDhcp["wlan0",true,5000])", "stopDhcp [wlan0]  OK \n",
-        "stopDhcp [wlan0]  Err \n");
-    row("line_Ip4", R"(setIp["wlan0","192.168.2.7","255.255.255.0","192.168.2.1",true,5000])",
-        "setIp [wlan0] ok\n", "setIp [wlan0] error\n");
-    row("line_Dns2_1", R"(setDns["wlan0","8.8.8.8","7.9.9.9",false,5000])", "setDns [wlan0] ok\n",
-        "setDns [wlan0] error\n");
+    // pressed | sent | printed if taken | if refused; $ ends a line
+    rows({
+        "radio_Dhcp | startDhcp[\"wlan0\",true,5000]"
+        "| startDhcp [wlan0]  OK $ | startDhcp [wlan0]  Err $",
+        "radio_Static | stopDhcp[\"wlan0\",true,5000]"
+        "| stopDhcp [wlan0]  OK $ | stopDhcp [wlan0]  Err $",
+        R"(line_Ip4 | setIp["wlan0","192.168.2.7","255.255.255.0","192.168.2.1",true,5000])"
+        "| setIp [wlan0] ok$ | setIp [wlan0] error$",
+        R"(line_Dns2_1 | setDns["wlan0","8.8.8.8","7.9.9.9",false,5000])"
+        "| setDns [wlan0] ok$ | setDns [wlan0] error$",
+    });
 }
 
 void WifiParaTest::presses()
 {
-    QFETCH(QString, pressed);
-    QFETCH(QString, sent);
-    for (const char *outcome : {"ok", "refused"}) {
+    const QString pressed = cell(0);
+    const QString sent = cell(1);
+    for (const bool refused : {false, true}) {
         init();
-        if (qstrcmp(outcome, "refused") == 0)
+        if (refused)
             panel().fail("netT." + sent.section(QLatin1Char('['), 0, 0).toStdString(), -1);
         m_page->slot_DHCP(pressed == "radio_Static"_s);
         if (pressed.startsWith("line_"_s))
             typeOnKeyboard("7\n"_s);
         const QByteArray printed = printedBy([&] { press(qPrintable(pressed)); });
-        QTEST(printed, outcome);
+        QCOMPARE(QString::fromLatin1(printed).replace(u'\n', u'$'), cell(refused ? 3 : 2));
         QCOMPARE(serviceCalls(), QStringList(sent));
     }
     if (pressed.startsWith("radio_"_s)) {
