@@ -16,104 +16,99 @@ class AccessPointListTest : public QObject
 
 private slots:
     void initTestCase() { loadResources(); }
-    void init();
-    void signalIcon();
-    void noLevelLeavesTheIcon();
-    void names();
-    void fiveHundredOfAnyBytes();
+
+    void init()
+    {
+        m_list = std::make_unique<AccessPointList>();
+        m_list->resize(400, 300);
+        m_list->show();
+    }
+
+    void signalIcon()
+    {
+        const std::tuple<int, int, const char *> icons[] = {
+            {0, 0, "1_0"},  {1, 1, "1_1"},  {25, 0, "1_1"}, {26, 2, "2_2"},  {50, 0, "1_2"},
+            {51, 3, "2_3"}, {75, 2, "2_3"}, {76, 4, "2_4"}, {100, -1, "1_4"}};
+        for (const auto &[level, security, icon] : icons) {
+            m_list->setAccessPoints({{0, level, "a", "", security}});
+            QCOMPARE(iconIn(0), "image: url(:/SysSet_images/SysSet_images/wifi%1.png);"_s.arg(
+                                    QLatin1String(icon)));
+        }
+    }
+
+    void noLevelLeavesTheIcon()
+    {
+        m_list->setAccessPoints({{0, 60, "a", "", 4}, {0, 50, "b", "", 0}});
+        const QString a = iconIn(0);
+        const QString b = iconIn(1);
+        m_list->setAccessPoints({{0, 101, "b", "", 0}, {0, -1, "a", "", 4}});
+        QCOMPARE(iconIn(0), b);
+        QCOMPARE(iconIn(1), a);
+        m_list->setAccessPoints({{0, 101, "another", "", 0}});
+        QCOMPARE(iconIn(0), QString());
+    }
+
+    void names()
+    {
+        const std::pair<std::string, QString> names[] = {{"装配", "装配"_s},
+                                                         {"<b>x</b>", "<b>x</b>"_s},
+                                                         {"a\xff\x80", "a\\xFF\\x80"_s},
+                                                         {std::string("a\0b", 3), "a\\x00b"_s},
+                                                         {"", "Hidden network"_s}};
+        for (const auto &[ssid, shown] : names) {
+            m_list->setAccessPoints({{0, 50, ssid, "", 0}});
+            QCOMPARE(nameIn(0), shown);
+            QCOMPARE(m_list->item(0)->text(), shown);
+            QCOMPARE(inRow(0, "lab_ssid")->textFormat(), Qt::PlainText);
+        }
+    }
+
+    void fiveHundredOfAnyBytes()
+    {
+        std::vector<AccessPoint> many;
+        for (int i = 0; i < 500; ++i) {
+            std::string ssid(32, '\0');
+            for (char &byte : ssid)
+                byte = static_cast<char>(std::rand()); // NOLINT(concurrency-mt-unsafe)
+            many.push_back({i, i % 103 - 1, ssid, "", i % 5});
+        }
+        many[7].sSsid = many[8].sSsid = "Twin";
+        m_list->setAccessPoints(many);
+        QCOMPARE(m_list->count(), 500);
+        const int visible = m_list->viewport()->height() / m_list->sizeHintForRow(0) + 2;
+        QVERIFY(m_list->viewport()->findChildren<ListItem *>().size() <= visible);
+        m_list->scrollToBottom();
+        const int place = m_list->verticalScrollBar()->value();
+        QCOMPARE(nameIn(499), m_list->item(499)->text());
+        std::reverse(many.begin(), many.end());
+        m_list->setAccessPoints(many);
+        QCOMPARE(m_list->verticalScrollBar()->value(), place);
+        QCOMPARE(nameIn(499), m_list->item(499)->text());
+        m_list->setAccessPoints({{0, 50, "Guests", "", 0}});
+        QTRY_COMPARE(nameIn(0), "Guests"_s);
+        const auto widgets = m_list->viewport()->findChildren<ListItem *>();
+        QCOMPARE(std::count_if(widgets.begin(), widgets.end(), std::mem_fn(&ListItem::isVisible)),
+                 1);
+    }
 
 private:
     // A label of what is seen in the row.
-    QLabel *inRow(int row, const char *label) const;
+    QLabel *inRow(int row, const char *label) const
+    {
+        static QLabel nothing("no widget"_s);
+        const QPoint centre = m_list->visualItemRect(m_list->item(row)).center();
+        for (const ListItem *item : m_list->viewport()->findChildren<ListItem *>()) {
+            if (item->isVisible() && item->geometry().contains(centre))
+                return item->findChild<QLabel *>(QString::fromLatin1(label));
+        }
+        return &nothing;
+    }
+
     QString iconIn(int row) const { return inRow(row, "lab_signal")->styleSheet(); }
     QString nameIn(int row) const { return inRow(row, "lab_ssid")->text(); }
 
     std::unique_ptr<AccessPointList> m_list;
 };
-
-void AccessPointListTest::init()
-{
-    m_list = std::make_unique<AccessPointList>();
-    m_list->resize(400, 300);
-    m_list->show();
-}
-
-QLabel *AccessPointListTest::inRow(int row, const char *label) const
-{
-    static QLabel nothing("no widget"_s);
-    const QPoint centre = m_list->visualItemRect(m_list->item(row)).center();
-    for (const ListItem *item : m_list->viewport()->findChildren<ListItem *>()) {
-        if (item->isVisible() && item->geometry().contains(centre))
-            return item->findChild<QLabel *>(QString::fromLatin1(label));
-    }
-    return &nothing;
-}
-
-void AccessPointListTest::signalIcon()
-{
-    const std::tuple<int, int, const char *> icons[] = {
-        {0, 0, "1_0"},  {1, 1, "1_1"},  {25, 0, "1_1"}, {26, 2, "2_2"},  {50, 0, "1_2"},
-        {51, 3, "2_3"}, {75, 2, "2_3"}, {76, 4, "2_4"}, {100, -1, "1_4"}};
-    for (const auto &[level, security, icon] : icons) {
-        m_list->setAccessPoints({{0, level, "a", "", security}});
-        QCOMPARE(iconIn(0), "image: url(:/SysSet_images/SysSet_images/wifi%1.png);"_s.arg(
-                                QLatin1String(icon)));
-    }
-}
-
-void AccessPointListTest::noLevelLeavesTheIcon()
-{
-    m_list->setAccessPoints({{0, 60, "a", "", 4}, {0, 50, "b", "", 0}});
-    const QString a = iconIn(0);
-    const QString b = iconIn(1);
-    m_list->setAccessPoints({{0, 101, "b", "", 0}, {0, -1, "a", "", 4}});
-    QCOMPARE(iconIn(0), b);
-    QCOMPARE(iconIn(1), a);
-    m_list->setAccessPoints({{0, 101, "another", "", 0}});
-    QCOMPARE(iconIn(0), QString());
-}
-
-void AccessPointListTest::names()
-{
-    const std::pair<std::string, QString> names[] = {{"装配", "装配"_s},
-                                                     {"<b>x</b>", "<b>x</b>"_s},
-                                                     {"a\xff\x80", "a\\xFF\\x80"_s},
-                                                     {std::string("a\0b", 3), "a\\x00b"_s},
-                                                     {"", "Hidden network"_s}};
-    for (const auto &[ssid, shown] : names) {
-        m_list->setAccessPoints({{0, 50, ssid, "", 0}});
-        QCOMPARE(nameIn(0), shown);
-        QCOMPARE(m_list->item(0)->text(), shown);
-        QCOMPARE(inRow(0, "lab_ssid")->textFormat(), Qt::PlainText);
-    }
-}
-
-void AccessPointListTest::fiveHundredOfAnyBytes()
-{
-    std::vector<AccessPoint> many;
-    for (int i = 0; i < 500; ++i) {
-        std::string ssid(32, '\0');
-        for (char &byte : ssid)
-            byte = static_cast<char>(std::rand()); // NOLINT(concurrency-mt-unsafe)
-        many.push_back({i, i % 103 - 1, ssid, "", i % 5});
-    }
-    many[7].sSsid = many[8].sSsid = "Twin";
-    m_list->setAccessPoints(many);
-    QCOMPARE(m_list->count(), 500);
-    const int visible = m_list->viewport()->height() / m_list->sizeHintForRow(0) + 2;
-    QVERIFY(m_list->viewport()->findChildren<ListItem *>().size() <= visible);
-    m_list->scrollToBottom();
-    const int place = m_list->verticalScrollBar()->value();
-    QCOMPARE(nameIn(499), m_list->item(499)->text());
-    std::reverse(many.begin(), many.end());
-    m_list->setAccessPoints(many);
-    QCOMPARE(m_list->verticalScrollBar()->value(), place);
-    QCOMPARE(nameIn(499), m_list->item(499)->text());
-    m_list->setAccessPoints({{0, 50, "Guests", "", 0}});
-    QTRY_COMPARE(nameIn(0), "Guests"_s);
-    const auto widgets = m_list->viewport()->findChildren<ListItem *>();
-    QCOMPARE(std::count_if(widgets.begin(), widgets.end(), std::mem_fn(&ListItem::isVisible)), 1);
-}
 
 QTEST_MAIN(AccessPointListTest)
 #include "AccessPointListTest.moc"

@@ -61,256 +61,242 @@ class NetEthTest : public PageTest<NetEth>
 
 private slots:
     void initTestCase() { loadResources(); }
-    void init();
-    void showsTheRecord_data();
-    void showsTheRecord();
-    void splitsAddresses();
-    void rewritesChangedTextsAlone();
-    void switchWaitsForTheRecord();
-    void absentDeviceDisablesTheSwitch();
-    void radioShowsItsViewAtOnce();
-    void presses_data();
-    void presses();
-    void entryThatMayNoLongerBeSentIsTakenBack();
-    void hostileTextsStayPlain();
-    void printsTheRecord();
+
+    void init()
+    {
+        panel().reset();
+        m_page = std::make_unique<NetEth>();
+        m_page->resize(800, 500);
+        m_page->show();
+    }
+
+    void showsTheRecord_data()
+    {
+        rows({"static | radios block static editable underlined", "DHCP | radios block",
+              "DHCP, no address | radios hint", "off | status hint", "maybe on | status hint"});
+    }
+
+    void showsTheRecord()
+    {
+        m_page->setNetInfo(STATIC_ON); // so that "off" has something to hide
+        m_page->setNetInfo(RECORDS[cell(0)]);
+        QCOMPARE(seen(), cell(1));
+        QVERIFY(enabled("btn_EthSwitch"));
+    }
+
+    void splitsAddresses()
+    {
+        for (const QByteArray &text :
+             {QByteArray("10.0.0.7"), QByteArray("10.0.7"), QByteArray(""),
+              QByteArray("10.0.0.0.7"), QByteArray(4096, '9'), QByteArray("\xff\xfe.")}) {
+            m_page->setNetInfo(STATIC_ON);
+            Record changed = STATIC_ON;
+            changed.sIpAddr = text.toStdString();
+            m_page->setNetInfo(changed);
+            QCOMPARE(octets("line_Ip"), text == "10.0.0.7" ? "10|0|0|7"_s : "|||"_s);
+            QCOMPARE(octets("line_Dns2_"), "9|9|9|9"_s);
+        }
+    }
+
+    void rewritesChangedTextsAlone()
+    {
+        m_page->setNetInfo(STATIC_ON);
+        find<QLineEdit>("line_Ip4")->setText("77"_s);
+        m_page->setNetInfo(STATIC_ON);
+        QCOMPARE(octets("line_Ip"), "192|168|1|77"_s);
+        m_page->setNetInfo(OFF); // forgets, and fills everything anew
+        m_page->setNetInfo(STATIC_ON);
+        QCOMPARE(octets("line_Ip"), "192|168|1|100"_s);
+
+        panel().fail("netT.setIp", -1);
+        typeOnKeyboard("77\n"_s);
+        press("line_Ip4");
+        QCOMPARE(octets("line_Ip"), "192|168|1|77"_s); // what was asked for stays until
+        m_page->setNetInfo(STATIC_ON);                 // a record tells otherwise
+        QCOMPARE(octets("line_Ip"), "192|168|1|100"_s);
+    }
+
+    void switchWaitsForTheRecord()
+    {
+        for (const bool wasOn : {true, false}) {
+            const Record &before = wasOn ? STATIC_ON : OFF;
+            m_page->setNetInfo(before);
+            if (wasOn)
+                panel().fail("netT.netDeviceDown", -1); // refused, it waits all the same
+            const QString look = style("btn_EthSwitch");
+            press("btn_EthSwitch");
+            m_page->setNetInfo(before); // a record of the old state completes nothing
+            panel().clearCalls();
+            press("btn_EthSwitch");
+            press("radio_Dhcp");
+            QVERIFY(panel().calls().empty());
+            QVERIFY(!enabled("btn_EthSwitch") && !enabled("radio_Dhcp"));
+            QVERIFY(shown("label_move") && !shown("label_null"));
+            QCOMPARE(style("btn_EthSwitch"), look);
+
+            m_page->setNetInfo(wasOn ? OFF : STATIC_ON);
+            QVERIFY(enabled("btn_EthSwitch") && enabled("radio_Dhcp") &&
+                    enabled("widget_EthIndetail"));
+            QVERIFY(!shown("label_move") && shown("label_null"));
+            QVERIFY(style("btn_EthSwitch") != look);
+        }
+        press("radio_Dhcp"); // whose presses are seen again
+        QCOMPARE(callsOf("netT.startDhcp").size(), 1);
+    }
+
+    void absentDeviceDisablesTheSwitch()
+    {
+        m_page->setNetInfo(OFF);
+        QCOMPARE(text("lab_EthStatus"), "Enable"_s);
+        panel().fail("netT.netIsExist", -4, 1);
+        m_page->setNetInfo(STATIC_ON);
+        QCOMPARE(text("lab_EthStatus"), "Unplugged"_s);
+        QVERIFY(!enabled("btn_EthSwitch"));
+        QVERIFY(!shown("radio_Dhcp")); // nothing else of the record was taken
+
+        m_page->setNetInfo(STATIC_ON);
+        panel().fail("netT.netIsExist", -4, 1);
+        m_page->setNetInfo(STATIC_ON);
+        QVERIFY(shown("lab_EthStatus") && !enabled("radio_Dhcp"));
+        press("line_Ip4"); // would not return from an open keyboard
+        m_page->setNetInfo(STATIC_ON);
+        QVERIFY(!shown("lab_EthStatus") && enabled("line_Ip4"));
+    }
+
+    void radioShowsItsViewAtOnce()
+    {
+        for (const bool switchedOff : {false, true}) {
+            m_page->setNetInfo(STATIC_ON);
+            press("radio_Dhcp");
+            QCOMPARE(seen(), "radios hint"_s);
+            panel().fail("netT.stopDhcp", -1);
+            press("radio_Static");
+            QCOMPARE(seen(), "radios block static editable underlined"_s);
+            if (switchedOff)
+                m_page->setNetInfo(OFF);
+            m_page->setNetInfo(DHCP_ON); // the service has the last word
+            QCOMPARE(seen(), "radios block"_s);
+        }
+    }
+
+    void presses_data()
+    {
+        // the record | pressed | typed | sent | printed if taken | if refused; $ ends a line
+        rows({
+            "off | btn_EthSwitch | | netDeviceUp[\"eth0\",false,5000]"
+            "| netDeviceUp [eth0] ok$ | netDeviceUp [eth0] Err$",
+            "static | btn_EthSwitch | | netDeviceDown[\"eth0\",false,5000]"
+            "| netDeviceDown [eth0] ok$ | netDeviceDown [eth0] Err$",
+            "static | radio_Dhcp | | startDhcp[\"eth0\",false,5000]"
+            "| startDhcp [eth0] ok $ | startDhcp [eth0] error $",
+            "DHCP | radio_Static | | stopDhcp[\"eth0\",false,5000]",
+            "static | line_Ip4 | 77$"
+            R"(| setIp["eth0","192.168.1.77","255.255.255.0","192.168.1.1",false,5000])"
+            "| setIp [eth0] ok$"
+            "| setIp [eth0] error IP [192.168.1.77] sub [255.255.255.0] gate [192.168.1.1]$",
+            "static | line_GateWay4 | 09$" // a zero in front
+            R"(| setIp["eth0","192.168.1.100","255.255.255.0","192.168.1.9",false,5000])"
+            "| setIp [eth0] ok$"
+            "| setIp [eth0] error IP [192.168.1.100] sub [255.255.255.0] gate [192.168.1.9]$",
+            "static | line_Dns2_1 | 1$ | setDns[\"eth0\",\"8.8.8.8\",\"1.9.9.9\",false,5000]"
+            "| setDns [eth0] ok$ | setDns [eth0] error$",
+            "static | line_Ip4 | 100$",   // as it was
+            "static | line_Ip4 | 77\x1b", // not confirmed
+            "no mask | line_Ip4 | 77$",
+            "no second server | line_Dns1_1 | 1$",
+        });
+    }
+
+    void presses()
+    {
+        const QString sent = cell(3);
+        for (const bool refused : {false, true}) {
+            init();
+            m_page->setNetInfo(RECORDS[cell(0)]);
+            panel().clearCalls();
+            if (refused && !sent.isEmpty())
+                panel().fail("netT." + sent.section(QLatin1Char('['), 0, 0).toStdString(), -1);
+            typeOnKeyboard(cell(2).replace(u'$', u'\n'));
+            const QByteArray printed = printedBy([&] { press(qPrintable(cell(1))); });
+            QCOMPARE(QString::fromLatin1(printed).replace(u'\n', u'$'), cell(refused ? 5 : 4));
+            QCOMPARE(serviceCalls().join(QLatin1Char(' ')), sent);
+        }
+    }
+
+    void entryThatMayNoLongerBeSentIsTakenBack()
+    {
+        m_page->setNetInfo(STATIC_ON);
+        whenOpen("SoftKeyboard", [this](QWidget *) {
+            m_page->setNetInfo(DHCP_ON); // somebody else switched to DHCP meanwhile
+            return true;
+        });
+        typeOnKeyboard("77\n"_s);
+        press("line_Ip4");
+        QVERIFY(callsOf("netT.setIp").isEmpty());
+        QCOMPARE(octets("line_Ip"), "192|168|1|100"_s);
+        const auto clicks = panel().get("buzzer.opens");
+        press("line_Ip4"); // would not return from an open keyboard
+        QCOMPARE(panel().get("buzzer.opens").dump(), clicks.dump());
+    }
+
+    void hostileTextsStayPlain()
+    {
+        Record hostile = STATIC_ON;
+        hostile.sDevName = "<b>%s%n</b>";
+        hostile.sMacAddr = "<img src=x>";
+        panel().fail("netT.netIsExist", 0);
+        m_page->setNetInfo(hostile);
+        QCOMPARE(text("lab_EthMac"), "<img src=x>"_s);
+        QCOMPARE(find<QLabel>("lab_EthMac")->textFormat(), Qt::PlainText);
+        press("radio_Dhcp");
+        QCOMPARE(callsOf("netT.startDhcp"), QStringList(R"(["<b>%s%n</b>",false,5000])"_s));
+    }
+
+    void printsTheRecord()
+    {
+        m_page->setNetInfo(DHCP_ON);
+        Record changed = without(&Record::sAlterDns, DHCP_ON);
+        changed.sIpAddr = "10.0.0.7";
+        changed.bNetNormal = 1;
+        const QByteArray printed = printedBy([&] {
+            m_page->setNetInfo(changed);
+            m_page->setNetInfo(OFF);
+            panel().fail("netT.netIsExist", -4);
+            m_page->setNetInfo(OFF);
+        });
+        QVERIFY(printed.startsWith("paraMnetnode.sDevName = [eth0]\n"
+                                   "paraMnetnode.sFunction = [enable]\n"
+                                   "paraMnetnode.bNetNormal = [1]\n"
+                                   "paraMnetnode.sDhcp = [enable]\n"
+                                   "paraMnetnode.sIpAddr = [10.0.0.7][192.168.1.100]\n"
+                                   "paraMnetnode.sSubnetMask = [255.255.255.0][255.255.255.0]\n"
+                                   "paraMnetnode.sGateway = [192.168.1.1][192.168.1.1]\n"
+                                   "paraMnetnode.sPrefDns = [8.8.8.8][8.8.8.8]\n"
+                                   "paraMnetnode.sAlterDns = [][9.9.9.9]\n"));
+        QVERIFY(printed.contains("\nNetEth setEthPage [0]\n"));
+        QVERIFY(printed.endsWith("net [eth0] Is not Exist!\n"));
+    }
 
 private:
     // What is seen of the parts that come and go, and how the fields stand.
-    QString seen() const;
+    QString seen() const
+    {
+        QStringList words;
+        for (const auto &[word, name] :
+             {std::pair{"radios", "radio_Dhcp"}, std::pair{"status", "lab_EthStatus"},
+              std::pair{"block", "widget_EthIndetail"}, std::pair{"hint", "lab_replacwidgetEth"}}) {
+            if (shown(name))
+                words << QLatin1String(word);
+        }
+        if (checked("radio_Static"))
+            words << "static"_s;
+        if (find("line_Dns1_1")->isEnabledTo(find("widget_EthIndetail")))
+            words << "editable"_s;
+        if (style("widget_EthIndetail").contains("border-bottom-color: #C4C4C3"_s))
+            words << "underlined"_s;
+        return words.join(QLatin1Char(' '));
+    }
 };
-
-void NetEthTest::init()
-{
-    panel().reset();
-    m_page = std::make_unique<NetEth>();
-    m_page->resize(800, 500);
-    m_page->show();
-}
-
-QString NetEthTest::seen() const
-{
-    QStringList words;
-    for (const auto &[word, name] :
-         {std::pair{"radios", "radio_Dhcp"}, std::pair{"status", "lab_EthStatus"},
-          std::pair{"block", "widget_EthIndetail"}, std::pair{"hint", "lab_replacwidgetEth"}}) {
-        if (shown(name))
-            words << QLatin1String(word);
-    }
-    if (checked("radio_Static"))
-        words << "static"_s;
-    if (find("line_Dns1_1")->isEnabledTo(find("widget_EthIndetail")))
-        words << "editable"_s;
-    if (style("widget_EthIndetail").contains("border-bottom-color: #C4C4C3"_s))
-        words << "underlined"_s;
-    return words.join(QLatin1Char(' '));
-}
-
-void NetEthTest::showsTheRecord_data()
-{
-    rows({"static | radios block static editable underlined", "DHCP | radios block",
-          "DHCP, no address | radios hint", "off | status hint", "maybe on | status hint"});
-}
-
-void NetEthTest::showsTheRecord()
-{
-    m_page->setNetInfo(STATIC_ON); // so that "off" has something to hide
-    m_page->setNetInfo(RECORDS[cell(0)]);
-    QCOMPARE(seen(), cell(1));
-    QVERIFY(enabled("btn_EthSwitch"));
-}
-
-void NetEthTest::splitsAddresses()
-{
-    for (const QByteArray &text :
-         {QByteArray("10.0.0.7"), QByteArray("10.0.7"), QByteArray(""), QByteArray("10.0.0.0.7"),
-          QByteArray(4096, '9'), QByteArray("\xff\xfe.")}) {
-        m_page->setNetInfo(STATIC_ON);
-        Record changed = STATIC_ON;
-        changed.sIpAddr = text.toStdString();
-        m_page->setNetInfo(changed);
-        QCOMPARE(octets("line_Ip"), text == "10.0.0.7" ? "10|0|0|7"_s : "|||"_s);
-        QCOMPARE(octets("line_Dns2_"), "9|9|9|9"_s);
-    }
-}
-
-void NetEthTest::rewritesChangedTextsAlone()
-{
-    m_page->setNetInfo(STATIC_ON);
-    find<QLineEdit>("line_Ip4")->setText("77"_s);
-    m_page->setNetInfo(STATIC_ON);
-    QCOMPARE(octets("line_Ip"), "192|168|1|77"_s);
-    m_page->setNetInfo(OFF); // forgets, and fills everything anew
-    m_page->setNetInfo(STATIC_ON);
-    QCOMPARE(octets("line_Ip"), "192|168|1|100"_s);
-
-    panel().fail("netT.setIp", -1);
-    typeOnKeyboard("77\n"_s);
-    press("line_Ip4");
-    QCOMPARE(octets("line_Ip"), "192|168|1|77"_s); // what was asked for stays until
-    m_page->setNetInfo(STATIC_ON);                 // a record tells otherwise
-    QCOMPARE(octets("line_Ip"), "192|168|1|100"_s);
-}
-
-void NetEthTest::switchWaitsForTheRecord()
-{
-    for (const bool wasOn : {true, false}) {
-        const Record &before = wasOn ? STATIC_ON : OFF;
-        m_page->setNetInfo(before);
-        if (wasOn)
-            panel().fail("netT.netDeviceDown", -1); // refused, it waits all the same
-        const QString look = style("btn_EthSwitch");
-        press("btn_EthSwitch");
-        m_page->setNetInfo(before); // a record of the old state completes nothing
-        panel().clearCalls();
-        press("btn_EthSwitch");
-        press("radio_Dhcp");
-        QVERIFY(panel().calls().empty());
-        QVERIFY(!enabled("btn_EthSwitch") && !enabled("radio_Dhcp"));
-        QVERIFY(shown("label_move") && !shown("label_null"));
-        QCOMPARE(style("btn_EthSwitch"), look);
-
-        m_page->setNetInfo(wasOn ? OFF : STATIC_ON);
-        QVERIFY(enabled("btn_EthSwitch") && enabled("radio_Dhcp") && enabled("widget_EthIndetail"));
-        QVERIFY(!shown("label_move") && shown("label_null"));
-        QVERIFY(style("btn_EthSwitch") != look);
-    }
-    press("radio_Dhcp"); // whose presses are seen again
-    QCOMPARE(callsOf("netT.startDhcp").size(), 1);
-}
-
-void NetEthTest::absentDeviceDisablesTheSwitch()
-{
-    m_page->setNetInfo(OFF);
-    QCOMPARE(text("lab_EthStatus"), "Enable"_s);
-    panel().fail("netT.netIsExist", -4, 1);
-    m_page->setNetInfo(STATIC_ON);
-    QCOMPARE(text("lab_EthStatus"), "Unplugged"_s);
-    QVERIFY(!enabled("btn_EthSwitch"));
-    QVERIFY(!shown("radio_Dhcp")); // nothing else of the record was taken
-
-    m_page->setNetInfo(STATIC_ON);
-    panel().fail("netT.netIsExist", -4, 1);
-    m_page->setNetInfo(STATIC_ON);
-    QVERIFY(shown("lab_EthStatus") && !enabled("radio_Dhcp"));
-    press("line_Ip4"); // would not return from an open keyboard
-    m_page->setNetInfo(STATIC_ON);
-    QVERIFY(!shown("lab_EthStatus") && enabled("line_Ip4"));
-}
-
-void NetEthTest::radioShowsItsViewAtOnce()
-{
-    for (const bool switchedOff : {false, true}) {
-        m_page->setNetInfo(STATIC_ON);
-        press("radio_Dhcp");
-        QCOMPARE(seen(), "radios hint"_s);
-        panel().fail("netT.stopDhcp", -1);
-        press("radio_Static");
-        QCOMPARE(seen(), "radios block static editable underlined"_s);
-        if (switchedOff)
-            m_page->setNetInfo(OFF);
-        m_page->setNetInfo(DHCP_ON); // the service has the last word
-        QCOMPARE(seen(), "radios block"_s);
-    }
-}
-
-void NetEthTest::presses_data()
-{
-    // the record | pressed | typed | sent | printed if taken | if refused; $ ends a line
-    rows({
-        "off | btn_EthSwitch | | netDeviceUp[\"eth0\",false,5000]"
-        "| netDeviceUp [eth0] ok$ | netDeviceUp [eth0] Err$",
-        "static | btn_EthSwitch | | netDeviceDown[\"eth0\",false,5000]"
-        "| netDeviceDown [eth0] ok$ | netDeviceDown [eth0] Err$",
-        "static | radio_Dhcp | | startDhcp[\"eth0\",false,5000]"
-        "| startDhcp [eth0] ok $ | startDhcp [eth0] error $",
-        "DHCP | radio_Static | | stopDhcp[\"eth0\",false,5000]",
-        "static | line_Ip4 | 77$"
-        R"(| setIp["eth0","192.168.1.77","255.255.255.0","192.168.1.1",false,5000])"
-        "| setIp [eth0] ok$"
-        "| setIp [eth0] error IP [192.168.1.77] sub [255.255.255.0] gate [192.168.1.1]$",
-        "static | line_GateWay4 | 09$" // a zero in front
-        R"(| setIp["eth0","192.168.1.100","255.255.255.0","192.168.1.9",false,5000])"
-        "| setIp [eth0] ok$"
-        "| setIp [eth0] error IP [192.168.1.100] sub [255.255.255.0] gate [192.168.1.9]$",
-        "static | line_Dns2_1 | 1$ | setDns[\"eth0\",\"8.8.8.8\",\"1.9.9.9\",false,5000]"
-        "| setDns [eth0] ok$ | setDns [eth0] error$",
-        "static | line_Ip4 | 100$",   // as it was
-        "static | line_Ip4 | 77\x1b", // not confirmed
-        "no mask | line_Ip4 | 77$",
-        "no second server | line_Dns1_1 | 1$",
-    });
-}
-
-void NetEthTest::presses()
-{
-    const QString sent = cell(3);
-    for (const bool refused : {false, true}) {
-        init();
-        m_page->setNetInfo(RECORDS[cell(0)]);
-        panel().clearCalls();
-        if (refused && !sent.isEmpty())
-            panel().fail("netT." + sent.section(QLatin1Char('['), 0, 0).toStdString(), -1);
-        typeOnKeyboard(cell(2).replace(u'$', u'\n'));
-        const QByteArray printed = printedBy([&] { press(qPrintable(cell(1))); });
-        QCOMPARE(QString::fromLatin1(printed).replace(u'\n', u'$'), cell(refused ? 5 : 4));
-        QCOMPARE(serviceCalls().join(QLatin1Char(' ')), sent);
-    }
-}
-
-void NetEthTest::entryThatMayNoLongerBeSentIsTakenBack()
-{
-    m_page->setNetInfo(STATIC_ON);
-    whenOpen("SoftKeyboard", [this](QWidget *) {
-        m_page->setNetInfo(DHCP_ON); // somebody else switched to DHCP meanwhile
-        return true;
-    });
-    typeOnKeyboard("77\n"_s);
-    press("line_Ip4");
-    QVERIFY(callsOf("netT.setIp").isEmpty());
-    QCOMPARE(octets("line_Ip"), "192|168|1|100"_s);
-    const auto clicks = panel().get("buzzer.opens");
-    press("line_Ip4"); // would not return from an open keyboard
-    QCOMPARE(panel().get("buzzer.opens").dump(), clicks.dump());
-}
-
-void NetEthTest::hostileTextsStayPlain()
-{
-    Record hostile = STATIC_ON;
-    hostile.sDevName = "<b>%s%n</b>";
-    hostile.sMacAddr = "<img src=x>";
-    panel().fail("netT.netIsExist", 0);
-    m_page->setNetInfo(hostile);
-    QCOMPARE(text("lab_EthMac"), "<img src=x>"_s);
-    QCOMPARE(find<QLabel>("lab_EthMac")->textFormat(), Qt::PlainText);
-    press("radio_Dhcp");
-    QCOMPARE(callsOf("netT.startDhcp"), QStringList(R"(["<b>%s%n</b>",false,5000])"_s));
-}
-
-void NetEthTest::printsTheRecord()
-{
-    m_page->setNetInfo(DHCP_ON);
-    Record changed = without(&Record::sAlterDns, DHCP_ON);
-    changed.sIpAddr = "10.0.0.7";
-    changed.bNetNormal = 1;
-    const QByteArray printed = printedBy([&] {
-        m_page->setNetInfo(changed);
-        m_page->setNetInfo(OFF);
-        panel().fail("netT.netIsExist", -4);
-        m_page->setNetInfo(OFF);
-    });
-    QVERIFY(printed.startsWith("paraMnetnode.sDevName = [eth0]\n"
-                               "paraMnetnode.sFunction = [enable]\n"
-                               "paraMnetnode.bNetNormal = [1]\n"
-                               "paraMnetnode.sDhcp = [enable]\n"
-                               "paraMnetnode.sIpAddr = [10.0.0.7][192.168.1.100]\n"
-                               "paraMnetnode.sSubnetMask = [255.255.255.0][255.255.255.0]\n"
-                               "paraMnetnode.sGateway = [192.168.1.1][192.168.1.1]\n"
-                               "paraMnetnode.sPrefDns = [8.8.8.8][8.8.8.8]\n"
-                               "paraMnetnode.sAlterDns = [][9.9.9.9]\n"));
-    QVERIFY(printed.contains("\nNetEth setEthPage [0]\n"));
-    QVERIFY(printed.endsWith("net [eth0] Is not Exist!\n"));
-}
 
 QTEST_MAIN(NetEthTest)
 #include "NetEthTest.moc"

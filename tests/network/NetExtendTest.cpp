@@ -21,89 +21,82 @@ class NetExtendTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void asksUntilItIsAnswered();
-    void shows_data();
-    void shows();
-    void keepsAChoiceMadeDuringTheQuestion();
+    void init()
+    {
+        sim::panel().reset();
+        m_page = std::make_unique<NetExtend>();
+        m_combo = m_page->findChild<QComboBox *>("combox"_s);
+    }
+
+    void asksUntilItIsAnswered()
+    {
+        sim::panel().fail(GET, -2);
+        refresh();
+        sim::panel().clearFailures();
+        sim::panel().set("net.priority", "");
+        refresh();
+        QCOMPARE(index(), -1);
+        m_combo->setCurrentIndex(1);
+        QCOMPARE(callsOf(SET), QStringList({"[\"WIFI\",false,5000]"_s}));
+        m_combo->setCurrentIndex(-1); // no choice: asks the service, which has taken the one before
+        QCoreApplication::processEvents();
+        QCOMPARE(index(), 1);
+        QCOMPARE(callsOf(SET).size(), 2); // the echo
+        refresh();
+        QCOMPARE(callsOf(GET).join(QLatin1Char(' ')), "[true,5000] [true,5000] [true,5000]"_s);
+        m_page->retranslate();
+        QCOMPARE(callsOf(SET).size(), 2);
+        QCOMPARE(index(), 1);
+    }
+
+    void shows_data()
+    {
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<int>("index");
+        QTest::newRow("ETH") << "ETH"_s << 0;
+        QTest::newRow("WIFI") << "WIFI"_s << 1;
+        QTest::newRow("4G") << "4G"_s << 2;
+        QTest::newRow("LAN") << "LAN"_s << -1; // an answer all the same
+    }
+
+    void shows()
+    {
+        QFETCH(QString, answer);
+        sim::panel().set("net.priority", answer.toStdString());
+        refresh();
+        QTEST(index(), "index");
+        sim::panel().set("net.priority", "WIFI");
+        refresh();
+        QTEST(index(), "index");
+        QCOMPARE(callsOf(GET).size(), 1);
+    }
+
+    void keepsAChoiceMadeDuringTheQuestion()
+    {
+        sim::panel().delay(GET, 200);
+        std::thread asking([this] { m_page->refreshPriority(); });
+        QTest::qWait(50); // the question is on its way
+        m_combo->setCurrentIndex(2);
+        sim::panel().set("net.priority", "WIFI"); // an answer from before the choice
+        asking.join();
+        QCoreApplication::processEvents();
+        QCOMPARE(index(), 2);
+        QCOMPARE(callsOf(SET), QStringList("[\"4G\",false,5000]"_s));
+    }
 
 private:
     // As the cloud monitor does it, on a thread of its own.
-    void refresh();
+    void refresh()
+    {
+        std::thread([this] { m_page->refreshPriority(); }).join();
+        QCoreApplication::processEvents();
+    }
+
     int index() { return m_combo->currentIndex(); }
 
     std::unique_ptr<NetExtend> m_page;
     QComboBox *m_combo = nullptr;
 };
-
-void NetExtendTest::init()
-{
-    sim::panel().reset();
-    m_page = std::make_unique<NetExtend>();
-    m_combo = m_page->findChild<QComboBox *>("combox"_s);
-}
-
-void NetExtendTest::refresh()
-{
-    std::thread([this] { m_page->refreshPriority(); }).join();
-    QCoreApplication::processEvents();
-}
-
-void NetExtendTest::asksUntilItIsAnswered()
-{
-    sim::panel().fail(GET, -2);
-    refresh();
-    sim::panel().clearFailures();
-    sim::panel().set("net.priority", "");
-    refresh();
-    QCOMPARE(index(), -1);
-    m_combo->setCurrentIndex(1);
-    QCOMPARE(callsOf(SET), QStringList({"[\"WIFI\",false,5000]"_s}));
-    m_combo->setCurrentIndex(-1); // no choice: asks the service, which has taken the one before
-    QCoreApplication::processEvents();
-    QCOMPARE(index(), 1);
-    QCOMPARE(callsOf(SET).size(), 2); // the echo
-    refresh();
-    QCOMPARE(callsOf(GET).join(QLatin1Char(' ')), "[true,5000] [true,5000] [true,5000]"_s);
-    m_page->retranslate();
-    QCOMPARE(callsOf(SET).size(), 2);
-    QCOMPARE(index(), 1);
-}
-
-void NetExtendTest::shows_data()
-{
-    QTest::addColumn<QString>("answer");
-    QTest::addColumn<int>("index");
-    QTest::newRow("ETH") << "ETH"_s << 0;
-    QTest::newRow("WIFI") << "WIFI"_s << 1;
-    QTest::newRow("4G") << "4G"_s << 2;
-    QTest::newRow("LAN") << "LAN"_s << -1; // an answer all the same
-}
-
-void NetExtendTest::shows()
-{
-    QFETCH(QString, answer);
-    sim::panel().set("net.priority", answer.toStdString());
-    refresh();
-    QTEST(index(), "index");
-    sim::panel().set("net.priority", "WIFI");
-    refresh();
-    QTEST(index(), "index");
-    QCOMPARE(callsOf(GET).size(), 1);
-}
-
-void NetExtendTest::keepsAChoiceMadeDuringTheQuestion()
-{
-    sim::panel().delay(GET, 200);
-    std::thread asking([this] { m_page->refreshPriority(); });
-    QTest::qWait(50); // the question is on its way
-    m_combo->setCurrentIndex(2);
-    sim::panel().set("net.priority", "WIFI"); // an answer from before the choice
-    asking.join();
-    QCoreApplication::processEvents();
-    QCOMPARE(index(), 2);
-    QCOMPARE(callsOf(SET), QStringList("[\"4G\",false,5000]"_s));
-}
 
 // The question counts as answered for a whole process, so that every case has one of its own.
 int main(int argc, char **argv)

@@ -41,29 +41,359 @@ class NetWiFiTest : public PageTest<NetWiFi>
 
 private slots:
     void initTestCase() { loadResources(); }
-    void init();
-    void states_data();
-    void states();
-    void recordsReportTheState_data();
-    void recordsReportTheState();
-    void failureIsToldOnce();
-    void joining_data();
-    void joining();
-    void joinsNothing();
-    void busyServiceIsAskedAgain();
-    void joinsWhatTheFingerWentDownOn();
-    void refreshRules_data();
-    void refreshRules();
-    void emptyScanAndLateAnswerChangeNothing();
-    void scanOnAnotherThread();
-    void device();
-    void switchWaitsForTheRecord();
-    void parametersFollowTheRecords();
-    void noServiceNoJob();
+
+    void init()
+    {
+        panel().reset();
+        panel().set("wifi", {{"state", 0}, {"user", {{"ssid", ""}, {"password", ""}}}});
+        m_page = std::make_unique<NetWiFi>();
+        m_page->resize(800, 480);
+        m_page->setPageVisible(true);
+        m_page->show();
+        m_page->setNetInfo(ON);
+        m_page->setAccessPoints({OFFICE, GUESTS});
+        panel().clearCalls();
+    }
+
+    void states_data()
+    {
+        // state | style of the name; none: no top row
+        rows({"0", "2", "4", "6", "8", "-1", "1 | color: rgb(0, 0, 0);", "3 | color: rgb(0, 0, 0);",
+              "7 | color: rgb(71, 148, 214);"});
+    }
+
+    void states()
+    {
+        const int state = number(0);
+        const QString look = cell(1);
+        for (const bool visible : {true, false}) {
+            init();
+            panel().set("wifi",
+                        {{"user", {{"ssid", "Office"}, {"password", "p"}}}, {"signal", 30}});
+            m_page->setPageVisible(visible);
+            const QByteArray printed = printedBy([&] {
+                m_page->slot_UpdataState(state);
+                QCOMPARE(topRowShown(), visible && !look.isEmpty());
+                m_page->setPageVisible(true);
+            });
+            QVERIFY(printed.startsWith("slot_UpdataState = [" + QByteArray::number(state) + "]\n"));
+            QCOMPARE(printed.contains("getConnectInfo = [Office][p][4]\n"), !look.isEmpty());
+            QCOMPARE(topRowShown(), !look.isEmpty());
+            QCOMPARE(names().contains("Office"_s), look.isEmpty());
+            if (look.isEmpty())
+                continue;
+            QCOMPARE(onTop("lab_ssid")->text(), "Office"_s);
+            QCOMPARE(onTop("lab_ssid")->styleSheet(), look);
+            QVERIFY(onTop("lab_signal")->styleSheet().contains("wifi2_2.png"_s));
+            m_page->setAccessPoints({OFFICE}); // a new scan tells another level
+            QVERIFY(onTop("lab_signal")->styleSheet().contains("wifi2_3.png"_s));
+            const bool connected = state == 7;
+            QCOMPARE(isTicked(), connected);
+            QCOMPARE(onTop("lab_Ok")->movie() != nullptr, !connected);
+            QCOMPARE(onTop("lab_ip")->isHidden(), !connected);
+            QCOMPARE(onTop("lab_ip")->text(), "10.0.0.7"_s);
+            m_page->slot_UpdataState(4); // and the network is back in the list
+            QVERIFY(!topRowShown() && names().contains("Office"_s));
+        }
+    }
+
+    void recordsReportTheState_data()
+    {
+        // state of the page | of the service
+        rows({"0 | 7 | seen | told", "0 | 7 | unseen | told", "7 | 4 | seen | told",
+              "0 | 2 | seen | -", "0 | 1 | seen | told", "3 | 3 | seen | -", "3 | 0 | seen | told",
+              "3 | 5 | seen | told", "3 | 5 | unseen | -", "5 | 5 | seen | -"});
+    }
+
+    void recordsReportTheState()
+    {
+        const int before = number(0);
+        const int service = number(1);
+        const bool visible = cell(2) == "seen"_s;
+        const bool reported = cell(3) == "told"_s;
+        if (before == 5)
+            answerNextBox(1);
+        m_page->slot_UpdataState(before);
+        panel().set("wifi.state", service);
+        m_page->setPageVisible(visible);
+        const QByteArray printed = printedBy([&] {
+            if (service == 5 && before != 5 && visible)
+                answerNextBox(1);
+            m_page->setNetInfo(ON);
+            QCoreApplication::processEvents();
+            m_page->setNetInfo(service == 7 ? OFF : ON); // 7 is told with every record
+            QTRY_VERIFY(dialogsDone());
+        });
+        QCOMPARE(printed.count("slot_UpdataState"), reported ? 1 : 0);
+        QCOMPARE(printed.contains("slot_UpdataState = [" + QByteArray::number(service)), reported);
+    }
+
+    void failureIsToldOnce()
+    {
+        m_page->slot_UpdataState(3);
+        panel().set("wifi.state", 5);
+        whenOpen("MessageBox", [&](const QWidget *) {
+            m_page->setNetInfo(OFF); // whatever comes while the box is open
+            m_page->setNetInfo(ON);
+            m_page->setAccessPoints({GUESTS});
+            return true;
+        });
+        answerNextBox(1);
+        UpdataWifiList(m_page.get());
+        QTRY_VERIFY(dialogsDone());
+        QVERIFY(!topRowShown());
+    }
+
+    void joining_data()
+    {
+        rows({"0 | ab1", "1 |", "1 | | refused"}); // row of the network | password
+    }
+
+    void joining()
+    {
+        const int row = number(0);
+        const QString password = cell(1);
+        const int result = cell(2).isEmpty() ? 0 : -1;
+        if (result < 0)
+            panel().fail("netT.setConnectInfo", result);
+        if (!password.isEmpty())
+            typeOnKeyboard(password + "\n"_s);
+        const QString name = list()->nameIn(row);
+        const QByteArray printed = printedBy([&] { touch(row); });
+        const QString kind = password.isEmpty() ? "0"_s : "4"_s;
+        QCOMPARE(QString::fromUtf8(printed),
+                 "slot_UpdataState = [0]\n"
+                 "============setConnectInfo =[%1] [%2] [%3]\n"
+                 "setConnectInfo ===== %4\n"
+                 "slot_UpdataState = [3]\n"
+                 "getConnectInfo = %5\n"_s.arg(
+                     name, password, kind, result < 0 ? "err"_s : "ok"_s,
+                     result < 0 ? "[][][4]"_s : "[%1][%2][%3]"_s.arg(name, password, kind)));
+        QCOMPARE(serviceCalls().join(QLatin1Char(' ')),
+                 R"(setConnectInfo["%1","%2",false,5000] connectwifi[] )"
+                 "getConnectInfo[true,5000] getSignal[true,5000]"_s.arg(name, password));
+        QVERIFY(topRowShown());
+        QCOMPARE(names().contains(name), result < 0); // then the service tells another name
+        panel().set("wifi.state", 2); // on its way into a network the service is in none
+        m_page->setNetInfo(ON);
+        QVERIFY(topRowShown());
+        // A failure is asked for again only if the service has taken the network.
+        panel().set("wifi.state", 5);
+        panel().clearCalls();
+        if (result == 0)
+            answerNextBox(1);
+        UpdataWifiList(m_page.get());
+        QTRY_VERIFY(dialogsDone());
+        QCOMPARE(serviceCalls(), // no scan while joining
+                 result == 0 ? QStringList("getStatus[false,5000]"_s) : QStringList());
+    }
+
+    void joinsNothing()
+    {
+        typeOnKeyboard("\x1b"_s); // no password
+        touch(0);
+        typeOnKeyboard("\n"_s); // an empty one
+        touch(0);
+        whenOpen("SoftKeyboard", [this](const QWidget *) {
+            m_page->setNetInfo(OFF);
+            return true;
+        });
+        typeOnKeyboard("a\n"_s);
+        touch(0);
+        QVERIFY(dialogsDone());
+        QVERIFY(names().isEmpty());
+        m_page->setNetInfo(ON);
+        const std::string bytes("a\0\xff", 3);
+        m_page->setAccessPoints({{0, 50, "", "", 0}, {0, 40, bytes, "", 0}});
+        touch(0); // hides its name
+        QVERIFY(serviceCalls().filter("setConnectInfo"_s).isEmpty());
+        touch(1); // its name is bytes, whatever is shown of it
+        QCOMPARE(panel().get("wifi.user.ssid").get<std::string>(), bytes);
+    }
+
+    void busyServiceIsAskedAgain()
+    {
+        auto *again = m_page->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
+        again->setInterval(0);
+        touch(1);
+        panel().set("wifi.state", 7);
+        panel().fail("netT.getStatus", -2, 1);
+        m_page->setNetInfo(ON); // the only record of it
+        QTRY_VERIFY(isTicked());
+        QVERIFY(!again->isActive());
+
+        m_page->slot_UpdataState(4);
+        panel().set("wifi.user.ssid", "Other");
+        panel().fail("netT.getConnectInfo", -2, 1);
+        m_page->slot_UpdataState(7);
+        QVERIFY(!topRowShown()); // with the name that stood there before
+        QTRY_COMPARE(onTop("lab_ssid")->text(), "Other"_s);
+
+        panel().fail("netT.getStatus", -2);
+        m_page->setNetInfo(ON);
+        panel().clearCalls();
+        QTRY_VERIFY(!serviceCalls().isEmpty());
+        QVERIFY(!again->isActive()); // nobody there
+    }
+
+    void joinsWhatTheFingerWentDownOn()
+    {
+        const QPoint guests = centreOf(1);
+        QTest::mousePress(list()->viewport(), Qt::LeftButton, {}, guests);
+        m_page->setAccessPoints({OFFICE, {3, 55, "Other", "", 0}, GUESTS});
+        QTest::mouseRelease(list()->viewport(), Qt::LeftButton, {}, guests);
+        QCOMPARE(onTop("lab_ssid")->text(), "Guests"_s);
+        touch(1); // by a tap that came meanwhile, and finds another network there
+        QCOMPARE(onTop("lab_ssid")->text(), "Guests"_s);
+        QTRY_COMPARE((touch(1), onTop("lab_ssid")->text()), "Other"_s);
+    }
+
+    void refreshRules_data()
+    {
+        rows({"seen | 0 | getAPList[true,5000] getStatus[false,5000]", "another tab | 0",
+              "another group | 0", "off | 0", "connecting | 3 | getStatus[false,5000]",
+              "after a failure | 5 | getAPList[true,5000]",
+              "connected | 7 | getAPList[true,5000] getStatus[false,5000]"});
+    }
+
+    void refreshRules()
+    {
+        const QString rule = cell(0);
+        const int state = number(1);
+        m_page->setPageVisible(rule != "another tab"_s);
+        m_page->setVisible(rule != "another group"_s);
+        m_page->setNetInfo(rule == "off"_s ? OFF : ON);
+        if (state == 5)
+            answerNextBox(1);
+        m_page->slot_UpdataState(state);
+        panel().clearCalls();
+        UpdataWifiList(nullptr);
+        for (int tick = 0; tick < 3; ++tick) // within ten seconds only the first has work
+            UpdataWifiList(m_page.get());
+        QCOMPARE(serviceCalls().join(QLatin1Char(' ')), cell(2));
+    }
+
+    void emptyScanAndLateAnswerChangeNothing()
+    {
+        panel().set("wifi", {{"aps", Json::array()}, {"state", 5}});
+        panel().delay("netT.getStatus", 300);
+        std::thread timer([this] { UpdataWifiList(m_page.get()); });
+        QTRY_VERIFY(!serviceCalls().isEmpty()); // has scanned, and asks now
+        QTest::qWait(50);
+        touch(1);
+        panel().set("wifi.state", 5); // the answer under way is still about the former network
+        timer.join();
+        QCoreApplication::processEvents();
+        QVERIFY(topRowShown());
+        QVERIFY(QApplication::activeModalWidget() == nullptr);
+        QCOMPARE(names(), QStringList("Office"_s));
+        QVERIFY(find<QLabel>("lab_Scan")->movie() == nullptr);
+    }
+
+    void scanOnAnotherThread()
+    {
+        panel().delay("netT.getAPList", 200);
+        std::thread timer([this] { UpdataWifiList(m_page.get()); });
+        QTRY_VERIFY(find<QLabel>("lab_Scan")->movie() != nullptr);
+        m_page->setPageVisible(false);
+        m_page->setPageVisible(true);
+        QTRY_COMPARE(names().size(), 4);
+        timer.join();
+        QCOMPARE(names(), QStringList({"Workshop"_s, "Office"_s, "Guests"_s, "Warehouse"_s}));
+    }
+
+    void device()
+    {
+        m_page->slot_UpdataState(7);
+        panel().fail("netT.netIsExist", -4, 1);
+        const QByteArray printed = printedBy([&] { m_page->setNetInfo(ON); });
+        QVERIFY(printed.endsWith("net [wlan] Is not Exist!\n"));
+        for (const bool absent : {true, false}) {
+            if (!absent)
+                m_page->setNetInfo(OFF);
+            QVERIFY(!topRowShown() && names().isEmpty() && !list()->isEnabled());
+            QCOMPARE(enabled("btn_WifiSwitch"), !absent);
+            QCOMPARE(text("lab_WifiStatus"), absent ? "Unplugged"_s : "Enable"_s);
+            m_page->setNetInfo(ON); // with the networks that were there
+            QVERIFY(names().size() == 2 && list()->isEnabled());
+        }
+        press("btn_WifiSwitch");
+        m_page->slot_SetExist(false); // and the answer never comes
+        m_page->setNetInfo(ON);
+        QVERIFY(!shown("label_move") && enabled("btn_WifiSwitch"));
+    }
+
+    void switchWaitsForTheRecord()
+    {
+        for (const auto &[on, result] : {std::pair(true, 0), {true, -1}, {false, 0}, {false, -1}}) {
+            m_page->setNetInfo(on ? ON : OFF);
+            const QString operation = on ? "netDeviceDown"_s : "netDeviceUp"_s;
+            panel().fail("netT." + operation.toStdString(), result, 1);
+            panel().clearCalls();
+            const QByteArray printed = printedBy([&] {
+                press("btn_WifiSwitch");
+                press("btn_WifiSwitch");
+            });
+            QCOMPARE(QString::fromLatin1(printed),
+                     operation + (result < 0 ? " [wlan0] error \n"_s : " [wlan0] ok \n"_s));
+            QCOMPARE(serviceCalls(), QStringList(operation + R"(["wlan0",true,5000])"_s));
+            m_page->setNetInfo(on ? ON : OFF); // says nothing new
+            QVERIFY(!list()->isEnabled() && shown("label_move"));
+            m_page->setNetInfo(on ? OFF : ON);
+            QVERIFY(!shown("label_move") && enabled("btn_WifiSwitch"));
+        }
+    }
+
+    void parametersFollowTheRecords()
+    {
+        panel().set("net.devices.1",
+                    Json::parse(R"({"sIpAddr": "10.0.0.60", "sSubnetMask": "255.0.0.0",
+            "sGateway": "10.0.0.1", "sPrefDns": "8.8.8.8", "sAlterDns": "9.9.9.9"})"));
+        m_page->slot_UpdataState(7);
+        QStringList seen;
+        whenOpen("WifiPara", [&](const QWidget *dialog) {
+            const Record lease = recordOf("enable", "disable", "10.0.0.99");
+            for (const Record &record : {ON, lease, OFF}) { // the last one closes the dialog
+                const auto *field = dialog->findChild<QLineEdit *>("line_Ip4"_s);
+                seen += field->text() + (field->isEnabled() ? " static"_s : " DHCP"_s);
+                m_page->setNetInfo(record);
+            }
+            return true;
+        });
+        panel().clearCalls();
+        const QByteArray printed =
+            printedBy([&] { QTest::mouseClick(onTop("lab_ssid"), Qt::LeftButton); });
+        QVERIFY(dialogsDone());
+        QCOMPARE(seen, QStringList({"60 DHCP"_s, "7 DHCP"_s, "99 static"_s}));
+        QVERIFY(
+            printed.startsWith("m_strEthIP = [10.0.0.60], m_strSubnetMask = [255.0.0.0], "
+                               "m_strGateWay = [10.0.0.1],m_strDnsPrimary = [8.8.8.8], "
+                               "m_strDnsSecondary = [9.9.9.9] m_strMac = [02:00:5e:10:00:02]\n"));
+        const QString asked = R"(getIp["wlan0",false,5000] getDns["wlan0",false,5000] )"
+                              R"(isNetDeviceDhcp["wlan0",true,5000])"_s;
+        QVERIFY(serviceCalls().join(QLatin1Char(' ')).startsWith(asked));
+    }
+
+    void noServiceNoJob()
+    {
+        panel().set("net.server", false);
+        QString text;
+        answerNextBox(1, &text);
+        m_page->startRefresh();
+        QCOMPARE(text, "netServer not run"_s);
+    }
 
 private:
     AccessPointList *list() const { return find<AccessPointList>("list_Wifi"); }
-    QStringList names() const;
+
+    QStringList names() const
+    {
+        QStringList texts;
+        for (int row = 0; row < list()->count(); ++row)
+            texts += list()->nameIn(row);
+        return texts;
+    }
+
     QLabel *onTop(const char *label) const
     {
         return find("wid_wifiConnect")->findChild<QLabel *>(QString::fromLatin1(label));
@@ -76,352 +406,6 @@ private:
         QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, centreOf(row));
     }
 };
-
-void NetWiFiTest::init()
-{
-    panel().reset();
-    panel().set("wifi", {{"state", 0}, {"user", {{"ssid", ""}, {"password", ""}}}});
-    m_page = std::make_unique<NetWiFi>();
-    m_page->resize(800, 480);
-    m_page->setPageVisible(true);
-    m_page->show();
-    m_page->setNetInfo(ON);
-    m_page->setAccessPoints({OFFICE, GUESTS});
-    panel().clearCalls();
-}
-
-QStringList NetWiFiTest::names() const
-{
-    QStringList texts;
-    for (int row = 0; row < list()->count(); ++row)
-        texts += list()->nameIn(row);
-    return texts;
-}
-
-void NetWiFiTest::states_data()
-{
-    // state | style of the name; none: no top row
-    rows({"0", "2", "4", "6", "8", "-1", "1 | color: rgb(0, 0, 0);", "3 | color: rgb(0, 0, 0);",
-          "7 | color: rgb(71, 148, 214);"});
-}
-
-void NetWiFiTest::states()
-{
-    const int state = number(0);
-    const QString look = cell(1);
-    for (const bool visible : {true, false}) {
-        init();
-        panel().set("wifi", {{"user", {{"ssid", "Office"}, {"password", "p"}}}, {"signal", 30}});
-        m_page->setPageVisible(visible);
-        const QByteArray printed = printedBy([&] {
-            m_page->slot_UpdataState(state);
-            QCOMPARE(topRowShown(), visible && !look.isEmpty());
-            m_page->setPageVisible(true);
-        });
-        QVERIFY(printed.startsWith("slot_UpdataState = [" + QByteArray::number(state) + "]\n"));
-        QCOMPARE(printed.contains("getConnectInfo = [Office][p][4]\n"), !look.isEmpty());
-        QCOMPARE(topRowShown(), !look.isEmpty());
-        QCOMPARE(names().contains("Office"_s), look.isEmpty());
-        if (look.isEmpty())
-            continue;
-        QCOMPARE(onTop("lab_ssid")->text(), "Office"_s);
-        QCOMPARE(onTop("lab_ssid")->styleSheet(), look);
-        QVERIFY(onTop("lab_signal")->styleSheet().contains("wifi2_2.png"_s));
-        m_page->setAccessPoints({OFFICE}); // a new scan tells another level
-        QVERIFY(onTop("lab_signal")->styleSheet().contains("wifi2_3.png"_s));
-        const bool connected = state == 7;
-        QCOMPARE(isTicked(), connected);
-        QCOMPARE(onTop("lab_Ok")->movie() != nullptr, !connected);
-        QCOMPARE(onTop("lab_ip")->isHidden(), !connected);
-        QCOMPARE(onTop("lab_ip")->text(), "10.0.0.7"_s);
-        m_page->slot_UpdataState(4); // and the network is back in the list
-        QVERIFY(!topRowShown() && names().contains("Office"_s));
-    }
-}
-
-void NetWiFiTest::recordsReportTheState_data()
-{
-    // state of the page | of the service
-    rows({"0 | 7 | seen | told", "0 | 7 | unseen | told", "7 | 4 | seen | told", "0 | 2 | seen | -",
-          "0 | 1 | seen | told", "3 | 3 | seen | -", "3 | 0 | seen | told", "3 | 5 | seen | told",
-          "3 | 5 | unseen | -", "5 | 5 | seen | -"});
-}
-
-void NetWiFiTest::recordsReportTheState()
-{
-    const int before = number(0);
-    const int service = number(1);
-    const bool visible = cell(2) == "seen"_s;
-    const bool reported = cell(3) == "told"_s;
-    if (before == 5)
-        answerNextBox(1);
-    m_page->slot_UpdataState(before);
-    panel().set("wifi.state", service);
-    m_page->setPageVisible(visible);
-    const QByteArray printed = printedBy([&] {
-        if (service == 5 && before != 5 && visible)
-            answerNextBox(1);
-        m_page->setNetInfo(ON);
-        QCoreApplication::processEvents();
-        m_page->setNetInfo(service == 7 ? OFF : ON); // 7 is told with every record
-        QTRY_VERIFY(dialogsDone());
-    });
-    QCOMPARE(printed.count("slot_UpdataState"), reported ? 1 : 0);
-    QCOMPARE(printed.contains("slot_UpdataState = [" + QByteArray::number(service)), reported);
-}
-
-void NetWiFiTest::failureIsToldOnce()
-{
-    m_page->slot_UpdataState(3);
-    panel().set("wifi.state", 5);
-    whenOpen("MessageBox", [&](const QWidget *) {
-        m_page->setNetInfo(OFF); // whatever comes while the box is open
-        m_page->setNetInfo(ON);
-        m_page->setAccessPoints({GUESTS});
-        return true;
-    });
-    answerNextBox(1);
-    UpdataWifiList(m_page.get());
-    QTRY_VERIFY(dialogsDone());
-    QVERIFY(!topRowShown());
-}
-
-void NetWiFiTest::joining_data()
-{
-    rows({"0 | ab1", "1 |", "1 | | refused"}); // row of the network | password
-}
-
-void NetWiFiTest::joining()
-{
-    const int row = number(0);
-    const QString password = cell(1);
-    const int result = cell(2).isEmpty() ? 0 : -1;
-    if (result < 0)
-        panel().fail("netT.setConnectInfo", result);
-    if (!password.isEmpty())
-        typeOnKeyboard(password + "\n"_s);
-    const QString name = list()->nameIn(row);
-    const QByteArray printed = printedBy([&] { touch(row); });
-    const QString kind = password.isEmpty() ? "0"_s : "4"_s;
-    QCOMPARE(QString::fromUtf8(printed),
-             "slot_UpdataState = [0]\n"
-             "============setConnectInfo =[%1] [%2] [%3]\n"
-             "setConnectInfo ===== %4\n"
-             "slot_UpdataState = [3]\n"
-             "getConnectInfo = %5\n"_s.arg(
-                 name, password, kind, result < 0 ? "err"_s : "ok"_s,
-                 result < 0 ? "[][][4]"_s : "[%1][%2][%3]"_s.arg(name, password, kind)));
-    QCOMPARE(serviceCalls().join(QLatin1Char(' ')),
-             R"(setConnectInfo["%1","%2",false,5000] connectwifi[] )"
-             "getConnectInfo[true,5000] getSignal[true,5000]"_s.arg(name, password));
-    QVERIFY(topRowShown());
-    QCOMPARE(names().contains(name), result < 0); // then the service tells another name
-    panel().set("wifi.state", 2); // on its way into a network the service is in none
-    m_page->setNetInfo(ON);
-    QVERIFY(topRowShown());
-    // A failure is asked for again only if the service has taken the network.
-    panel().set("wifi.state", 5);
-    panel().clearCalls();
-    if (result == 0)
-        answerNextBox(1);
-    UpdataWifiList(m_page.get());
-    QTRY_VERIFY(dialogsDone());
-    QCOMPARE(serviceCalls(), // no scan while joining
-             result == 0 ? QStringList("getStatus[false,5000]"_s) : QStringList());
-}
-
-void NetWiFiTest::joinsNothing()
-{
-    typeOnKeyboard("\x1b"_s); // no password
-    touch(0);
-    typeOnKeyboard("\n"_s); // an empty one
-    touch(0);
-    whenOpen("SoftKeyboard", [this](const QWidget *) {
-        m_page->setNetInfo(OFF);
-        return true;
-    });
-    typeOnKeyboard("a\n"_s);
-    touch(0);
-    QVERIFY(dialogsDone());
-    QVERIFY(names().isEmpty());
-    m_page->setNetInfo(ON);
-    const std::string bytes("a\0\xff", 3);
-    m_page->setAccessPoints({{0, 50, "", "", 0}, {0, 40, bytes, "", 0}});
-    touch(0); // hides its name
-    QVERIFY(serviceCalls().filter("setConnectInfo"_s).isEmpty());
-    touch(1); // its name is bytes, whatever is shown of it
-    QCOMPARE(panel().get("wifi.user.ssid").get<std::string>(), bytes);
-}
-
-void NetWiFiTest::busyServiceIsAskedAgain()
-{
-    auto *again = m_page->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
-    again->setInterval(0);
-    touch(1);
-    panel().set("wifi.state", 7);
-    panel().fail("netT.getStatus", -2, 1);
-    m_page->setNetInfo(ON); // the only record of it
-    QTRY_VERIFY(isTicked());
-    QVERIFY(!again->isActive());
-
-    m_page->slot_UpdataState(4);
-    panel().set("wifi.user.ssid", "Other");
-    panel().fail("netT.getConnectInfo", -2, 1);
-    m_page->slot_UpdataState(7);
-    QVERIFY(!topRowShown()); // with the name that stood there before
-    QTRY_COMPARE(onTop("lab_ssid")->text(), "Other"_s);
-
-    panel().fail("netT.getStatus", -2);
-    m_page->setNetInfo(ON);
-    panel().clearCalls();
-    QTRY_VERIFY(!serviceCalls().isEmpty());
-    QVERIFY(!again->isActive()); // nobody there
-}
-
-void NetWiFiTest::joinsWhatTheFingerWentDownOn()
-{
-    const QPoint guests = centreOf(1);
-    QTest::mousePress(list()->viewport(), Qt::LeftButton, {}, guests);
-    m_page->setAccessPoints({OFFICE, {3, 55, "Other", "", 0}, GUESTS});
-    QTest::mouseRelease(list()->viewport(), Qt::LeftButton, {}, guests);
-    QCOMPARE(onTop("lab_ssid")->text(), "Guests"_s);
-    touch(1); // by a tap that came meanwhile, and finds another network there
-    QCOMPARE(onTop("lab_ssid")->text(), "Guests"_s);
-    QTRY_COMPARE((touch(1), onTop("lab_ssid")->text()), "Other"_s);
-}
-
-void NetWiFiTest::refreshRules_data()
-{
-    rows({"seen | 0 | getAPList[true,5000] getStatus[false,5000]", "another tab | 0",
-          "another group | 0", "off | 0", "connecting | 3 | getStatus[false,5000]",
-          "after a failure | 5 | getAPList[true,5000]",
-          "connected | 7 | getAPList[true,5000] getStatus[false,5000]"});
-}
-
-void NetWiFiTest::refreshRules()
-{
-    const QString rule = cell(0);
-    const int state = number(1);
-    m_page->setPageVisible(rule != "another tab"_s);
-    m_page->setVisible(rule != "another group"_s);
-    m_page->setNetInfo(rule == "off"_s ? OFF : ON);
-    if (state == 5)
-        answerNextBox(1);
-    m_page->slot_UpdataState(state);
-    panel().clearCalls();
-    UpdataWifiList(nullptr);
-    for (int tick = 0; tick < 3; ++tick) // within ten seconds only the first has work
-        UpdataWifiList(m_page.get());
-    QCOMPARE(serviceCalls().join(QLatin1Char(' ')), cell(2));
-}
-
-void NetWiFiTest::emptyScanAndLateAnswerChangeNothing()
-{
-    panel().set("wifi", {{"aps", Json::array()}, {"state", 5}});
-    panel().delay("netT.getStatus", 300);
-    std::thread timer([this] { UpdataWifiList(m_page.get()); });
-    QTRY_VERIFY(!serviceCalls().isEmpty()); // has scanned, and asks now
-    QTest::qWait(50);
-    touch(1);
-    panel().set("wifi.state", 5); // the answer under way is still about the former network
-    timer.join();
-    QCoreApplication::processEvents();
-    QVERIFY(topRowShown());
-    QVERIFY(QApplication::activeModalWidget() == nullptr);
-    QCOMPARE(names(), QStringList("Office"_s));
-    QVERIFY(find<QLabel>("lab_Scan")->movie() == nullptr);
-}
-
-void NetWiFiTest::scanOnAnotherThread()
-{
-    panel().delay("netT.getAPList", 200);
-    std::thread timer([this] { UpdataWifiList(m_page.get()); });
-    QTRY_VERIFY(find<QLabel>("lab_Scan")->movie() != nullptr);
-    m_page->setPageVisible(false);
-    m_page->setPageVisible(true);
-    QTRY_COMPARE(names().size(), 4);
-    timer.join();
-    QCOMPARE(names(), QStringList({"Workshop"_s, "Office"_s, "Guests"_s, "Warehouse"_s}));
-}
-
-void NetWiFiTest::device()
-{
-    m_page->slot_UpdataState(7);
-    panel().fail("netT.netIsExist", -4, 1);
-    const QByteArray printed = printedBy([&] { m_page->setNetInfo(ON); });
-    QVERIFY(printed.endsWith("net [wlan] Is not Exist!\n"));
-    for (const bool absent : {true, false}) {
-        if (!absent)
-            m_page->setNetInfo(OFF);
-        QVERIFY(!topRowShown() && names().isEmpty() && !list()->isEnabled());
-        QCOMPARE(enabled("btn_WifiSwitch"), !absent);
-        QCOMPARE(text("lab_WifiStatus"), absent ? "Unplugged"_s : "Enable"_s);
-        m_page->setNetInfo(ON); // with the networks that were there
-        QVERIFY(names().size() == 2 && list()->isEnabled());
-    }
-    press("btn_WifiSwitch");
-    m_page->slot_SetExist(false); // and the answer never comes
-    m_page->setNetInfo(ON);
-    QVERIFY(!shown("label_move") && enabled("btn_WifiSwitch"));
-}
-
-void NetWiFiTest::switchWaitsForTheRecord()
-{
-    for (const auto &[on, result] : {std::pair(true, 0), {true, -1}, {false, 0}, {false, -1}}) {
-        m_page->setNetInfo(on ? ON : OFF);
-        const QString operation = on ? "netDeviceDown"_s : "netDeviceUp"_s;
-        panel().fail("netT." + operation.toStdString(), result, 1);
-        panel().clearCalls();
-        const QByteArray printed = printedBy([&] {
-            press("btn_WifiSwitch");
-            press("btn_WifiSwitch");
-        });
-        QCOMPARE(QString::fromLatin1(printed),
-                 operation + (result < 0 ? " [wlan0] error \n"_s : " [wlan0] ok \n"_s));
-        QCOMPARE(serviceCalls(), QStringList(operation + R"(["wlan0",true,5000])"_s));
-        m_page->setNetInfo(on ? ON : OFF); // says nothing new
-        QVERIFY(!list()->isEnabled() && shown("label_move"));
-        m_page->setNetInfo(on ? OFF : ON);
-        QVERIFY(!shown("label_move") && enabled("btn_WifiSwitch"));
-    }
-}
-
-void NetWiFiTest::parametersFollowTheRecords()
-{
-    panel().set("net.devices.1", Json::parse(R"({"sIpAddr": "10.0.0.60", "sSubnetMask": "255.0.0.0",
-        "sGateway": "10.0.0.1", "sPrefDns": "8.8.8.8", "sAlterDns": "9.9.9.9"})"));
-    m_page->slot_UpdataState(7);
-    QStringList seen;
-    whenOpen("WifiPara", [&](const QWidget *dialog) {
-        const Record lease = recordOf("enable", "disable", "10.0.0.99");
-        for (const Record &record : {ON, lease, OFF}) { // the last one closes the dialog
-            const auto *field = dialog->findChild<QLineEdit *>("line_Ip4"_s);
-            seen += field->text() + (field->isEnabled() ? " static"_s : " DHCP"_s);
-            m_page->setNetInfo(record);
-        }
-        return true;
-    });
-    panel().clearCalls();
-    const QByteArray printed =
-        printedBy([&] { QTest::mouseClick(onTop("lab_ssid"), Qt::LeftButton); });
-    QVERIFY(dialogsDone());
-    QCOMPARE(seen, QStringList({"60 DHCP"_s, "7 DHCP"_s, "99 static"_s}));
-    QVERIFY(printed.startsWith("m_strEthIP = [10.0.0.60], m_strSubnetMask = [255.0.0.0], "
-                               "m_strGateWay = [10.0.0.1],m_strDnsPrimary = [8.8.8.8], "
-                               "m_strDnsSecondary = [9.9.9.9] m_strMac = [02:00:5e:10:00:02]\n"));
-    const QString asked = R"(getIp["wlan0",false,5000] getDns["wlan0",false,5000] )"
-                          R"(isNetDeviceDhcp["wlan0",true,5000])"_s;
-    QVERIFY(serviceCalls().join(QLatin1Char(' ')).startsWith(asked));
-}
-
-void NetWiFiTest::noServiceNoJob()
-{
-    panel().set("net.server", false);
-    QString text;
-    answerNextBox(1, &text);
-    m_page->startRefresh();
-    QCOMPARE(text, "netServer not run"_s);
-}
 
 QTEST_MAIN(NetWiFiTest)
 #include "NetWiFiTest.moc"

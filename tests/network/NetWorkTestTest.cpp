@@ -51,143 +51,8 @@ QString runOf(
     return told.join(QLatin1Char(' ')) + " = %1"_s.arg(result);
 }
 
-} // namespace
-
-class NetWorkTestTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void cloudStates();
-    void chains_data();
-    void chains();
-    void asks();
-    void prints();
-    void showsStates_data();
-    void showsStates();
-    void runsOnceAndCanBeClosed();
-    void keepsTheRowThatMattersInSight();
-    void waitsForTheFirstWordOfTheCloud();
-    void saysThatThePoolIsFull();
-    void speaksAnotherLanguageInTheMiddle();
-    void canGoInTheMiddle();
-
-private:
-    QString text(const char *row, const char *label);
-    // Where a row begins in what is seen of the list; -1 if it is not wholly there.
-    int topInSight(const char *row);
-    QPushButton *button() { return m_dialog->findChild<QPushButton *>("btn_StartDiag"_s); }
-    QString status() { return m_dialog->findChild<QLabel *>("lab_status"_s)->text(); }
-
-    PanelRoot m_root;
-    std::unique_ptr<NetWorkTestUi> m_dialog;
-};
-
-void NetWorkTestTest::initTestCase()
-{
-    loadResources();
-    COS::CCosThreadPool::init(0, 1, 1);
-}
-
-void NetWorkTestTest::init()
-{
-    sim::panel().reset();
-    m_root.clear();
-    m_root.write(ENGLISH, CABLE_EN);
-    m_root.write(CHINESE, CABLE_CH);
-    m_dialog = std::make_unique<NetWorkTestUi>();
-    m_dialog->setLanguage(1);
-    m_dialog->setEthDevice("eth0");
-    m_dialog->slot_Util(0, 1, "Europe"_s);
-}
-
-void NetWorkTestTest::cleanup()
-{
-    sim::panel().hurry();
-    m_dialog.reset();
-}
-
-QString NetWorkTestTest::text(const char *row, const char *label)
-{
-    const auto *found = m_dialog->findChild<NetWorkTestItem *>(QLatin1String(row));
-    const auto *shown =
-        found == nullptr ? nullptr : found->findChild<QLabel *>(QLatin1String(label));
-    return shown == nullptr || shown->isHidden() ? QString() : shown->text();
-}
-
-int NetWorkTestTest::topInSight(const char *row)
-{
-    const auto *found = m_dialog->findChild<NetWorkTestItem *>(QLatin1String(row));
-    const auto *view = m_dialog->findChild<QScrollArea *>("area_rows"_s)->viewport();
-    const QRect place =
-        found == nullptr ? QRect() : QRect(found->mapTo(view, QPoint()), found->size());
-    return view->rect().contains(place) ? place.top() : -1;
-}
-
-// --- The run -----------------------------------------------------------------------------------
-
-void NetWorkTestTest::cloudStates()
-{
-    const QString ethernet = "3# 4√ 5√ 6√ 7√ 8√ 9:12 = 0"_s;
-    for (const int loaded : {0, 7})
-        QCOMPARE(runOf(loaded, 1), "0√ "_s + ethernet);
-    QCOMPARE(runOf(-3, 1), "0!-1 "_s + ethernet);
-    for (const int missing : {-1, -2, -4})
-        QCOMPARE(runOf(missing, 1), "0× = -1"_s);
-
-    const QString all = "0√ 3# 4√ 5√ 6√ 7√ 8!%1 10# 11√ 12√ 13√ 14:88 15√ 16!%1 "
-                        "18# 19√ 20√ 21:22 22√ 24√ 23√ 25!%1 = -2"_s;
-    for (const auto &[status, code] :
-         {std::pair(-5, -5), {-4, -4}, {-3, -3}, {-2, -2}, {-1, -4}, {0, -4}, {-6, -4}, {2, -4}})
-        QCOMPARE(runOf(0, status), all.arg(code));
-}
-
-void NetWorkTestTest::chains_data()
-{
-    // the trouble, as a scenario | what is told; "cut" leaves the modem alone
-    rows({
-        R"("fail": [["netT.isNetUp", -2, 1]])"
-        "| 3# 4√ 5× 10# 11√ 12√ 13√ 14:88 15√ 16√ 17:12 = 0",
-        R"("fail": [["netT.getIp", -1, 1]])"
-        "| 3# 4√ 5√ 6√ 7× 10# 11√ 12√ 13√ 14:88 15√ 16√ 17:12 = 0",
-        R"("fail": [["netT.getNetServerAddr", -1, 1]])"
-        "| 3# 4√ 5√ 6√ 7√ 8√ 9× 10# 11√ 12√ 13√ 14:88 15√ 16√ 17:12 = 0",
-        R"("net": {"ping": {"cloud.example.com": {"min": 1, "avg": 300, "max": 500, "lost": 0}}})"
-        "| 3# 4√ 5√ 6√ 7√ 8√ 9:300 = 0",
-        R"("net": {"ping": {"cloud.example.com": {"min": 1, "avg": 20, "max": 501, "lost": 0}}})"
-        "| 3# 4√ 5√ 6√ 7√ 8√ 9:501 = 0",
-        R"("net": {"ping": {"cloud.example.com": -1}})"
-        "| 3# 4√ 5√ 6√ 7√ 8√ 9:9999 = 0",
-        R"("fail": [["netT.getCsqSignal", -2]])"
-        "| cut 18# 19√ 20√ 21:-2 22√ 24√ 23√ 25√ 26:12 = 0",
-        R"("fail": [["netT.getCCID", -1]])"
-        "| cut 18# 19√ 20√ 21:22 22× = -2",
-        R"("fail": [["netT.get4gDialUpMode", 1]])"
-        "| cut 18# 19√ 20√ 21:22 22√ 24× 23√ 25√ 26:12 = 0",
-    });
-}
-
-void NetWorkTestTest::chains()
-{
-    sim::panel().apply(sim::Json::parse("{" + cell(0).toStdString() + "}"));
-    QString told = cell(1);
-    if (told.startsWith("cut"_s)) {
-        sim::panel().set("net.cable", {{"eth0", -1}, {"wlan0", -1}});
-        told.replace("cut"_s, "3# 4√ 5√ 6× 10# 11√ 12√ 13×"_s);
-    }
-    QCOMPARE(runOf(0, 1), "0√ "_s + told);
-}
-
-// All three links as far as they go, and what each call gets.
-void NetWorkTestTest::asks()
-{
-    // So that Ethernet and Wi-Fi go as far as their last check, and fail there.
-    const auto failTwice = [] { sim::panel().fail("netT.getNetServerAddr", -1, 2); };
-    failTwice();
-    const QStringList expected = R"(netIsExist["eth0",false,5000]
+// What a run asks that goes to the end of all three links.
+const QStringList ALL_CALLS = R"(netIsExist["eth0",false,5000]
 isNetUp["eth0",false,5000]
 checkEthCableLink["eth0",false,5000]
 getIp["eth0",false,5000]
@@ -209,188 +74,309 @@ checkEthCableLink["usb0",false,5000]
 getNetServerAddr[false,5000]
 getIp["usb0",false,5000]
 netTping["usb0","cloud.example.com","10.64.0.2",false,5,false,50000])"_s.split(QLatin1Char('\n'));
-    QVERIFY(runOf(0, 1).endsWith("26:12 = 0"_s));
-    QCOMPARE(serviceCalls(), expected);
 
-    // Stopped, it ends after the call under way, whichever that is.
-    for (int last = 1; last < expected.size(); ++last) {
-        sim::panel().clearFailures();
+} // namespace
+
+class NetWorkTestTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        loadResources();
+        COS::CCosThreadPool::init(0, 1, 1);
+    }
+
+    void init()
+    {
+        sim::panel().reset();
+        m_root.clear();
+        m_root.write(ENGLISH, CABLE_EN);
+        m_root.write(CHINESE, CABLE_CH);
+        m_dialog = std::make_unique<NetWorkTestUi>();
+        m_dialog->setLanguage(1);
+        m_dialog->setEthDevice("eth0");
+        m_dialog->slot_Util(0, 1, "Europe"_s);
+    }
+
+    void cleanup()
+    {
+        sim::panel().hurry();
+        m_dialog.reset();
+    }
+
+    void cloudStates()
+    {
+        const QString ethernet = "3# 4√ 5√ 6√ 7√ 8√ 9:12 = 0"_s;
+        for (const int loaded : {0, 7})
+            QCOMPARE(runOf(loaded, 1), "0√ "_s + ethernet);
+        QCOMPARE(runOf(-3, 1), "0!-1 "_s + ethernet);
+        for (const int missing : {-1, -2, -4})
+            QCOMPARE(runOf(missing, 1), "0× = -1"_s);
+
+        const QString all = "0√ 3# 4√ 5√ 6√ 7√ 8!%1 10# 11√ 12√ 13√ 14:88 15√ 16!%1 "
+                            "18# 19√ 20√ 21:22 22√ 24√ 23√ 25!%1 = -2"_s;
+        for (const auto &[status, code] : {std::pair(-5, -5),
+                                           {-4, -4},
+                                           {-3, -3},
+                                           {-2, -2},
+                                           {-1, -4},
+                                           {0, -4},
+                                           {-6, -4},
+                                           {2, -4}})
+            QCOMPARE(runOf(0, status), all.arg(code));
+    }
+
+    void chains_data()
+    {
+        // the trouble, as a scenario | what is told; "cut" leaves the modem alone
+        rows({
+            R"("fail": [["netT.isNetUp", -2, 1]])"
+            "| 3# 4√ 5× 10# 11√ 12√ 13√ 14:88 15√ 16√ 17:12 = 0",
+            R"("fail": [["netT.getIp", -1, 1]])"
+            "| 3# 4√ 5√ 6√ 7× 10# 11√ 12√ 13√ 14:88 15√ 16√ 17:12 = 0",
+            R"("fail": [["netT.getNetServerAddr", -1, 1]])"
+            "| 3# 4√ 5√ 6√ 7√ 8√ 9× 10# 11√ 12√ 13√ 14:88 15√ 16√ 17:12 = 0",
+            R"("net": {"ping": {"cloud.example.com": {"min": 1, "avg": 300, "max": 500, "lost": 0}}})"
+            "| 3# 4√ 5√ 6√ 7√ 8√ 9:300 = 0",
+            R"("net": {"ping": {"cloud.example.com": {"min": 1, "avg": 20, "max": 501, "lost": 0}}})"
+            "| 3# 4√ 5√ 6√ 7√ 8√ 9:501 = 0",
+            R"("net": {"ping": {"cloud.example.com": -1}})"
+            "| 3# 4√ 5√ 6√ 7√ 8√ 9:9999 = 0",
+            R"("fail": [["netT.getCsqSignal", -2]])"
+            "| cut 18# 19√ 20√ 21:-2 22√ 24√ 23√ 25√ 26:12 = 0",
+            R"("fail": [["netT.getCCID", -1]])"
+            "| cut 18# 19√ 20√ 21:22 22× = -2",
+            R"("fail": [["netT.get4gDialUpMode", 1]])"
+            "| cut 18# 19√ 20√ 21:22 22√ 24× 23√ 25√ 26:12 = 0",
+        });
+    }
+
+    void chains()
+    {
+        sim::panel().apply(sim::Json::parse("{" + cell(0).toStdString() + "}"));
+        QString told = cell(1);
+        if (told.startsWith("cut"_s)) {
+            sim::panel().set("net.cable", {{"eth0", -1}, {"wlan0", -1}});
+            told.replace("cut"_s, "3# 4√ 5√ 6× 10# 11√ 12√ 13×"_s);
+        }
+        QCOMPARE(runOf(0, 1), "0√ "_s + told);
+    }
+
+    // All three links as far as they go, and what each call gets.
+    void asks()
+    {
+        // So that Ethernet and Wi-Fi go as far as their last check, and fail there.
+        const auto failTwice = [] { sim::panel().fail("netT.getNetServerAddr", -1, 2); };
         failTwice();
-        sim::panel().clearCalls();
-        runOf(0, 1, [last] { return serviceCalls().size() >= last; });
-        QCOMPARE(serviceCalls(), expected.mid(0, last));
+        QVERIFY(runOf(0, 1).endsWith("26:12 = 0"_s));
+        QCOMPARE(serviceCalls(), ALL_CALLS);
+
+        // Stopped, it ends after the call under way, whichever that is.
+        for (int last = 1; last < ALL_CALLS.size(); ++last) {
+            sim::panel().clearFailures();
+            failTwice();
+            sim::panel().clearCalls();
+            runOf(0, 1, [last] { return serviceCalls().size() >= last; });
+            QCOMPARE(serviceCalls(), ALL_CALLS.mid(0, last));
+        }
     }
-}
 
-void NetWorkTestTest::prints()
-{
-    sim::panel().set("net.ping", {{"*", {{"min", 2}, {"avg", 5}, {"max", 9}, {"lost", 20}}}});
-    QCOMPARE(printedBy([] { runOf(0, 1); }),
-             QByteArray("-----------------[0]\nnTestCloudRet = [0]\n"
-                        "getNetServerAddr = [cloud.example.com]\n"
-                        "nRet = [0] nMaxPacketTransTime=[9] nMinPacketTransTime = [2] "
-                        "\tnAvgPacketTransTime = [5] nLostPackagePercentage = [20]\n"));
-}
-
-// --- The dialog --------------------------------------------------------------------------------
-
-void NetWorkTestTest::showsStates_data()
-{
-    // item | state | values | mark | colour | title | result | advice
-    rows({
-        "6 | 0 | 0 | | 0, 170, 255 | T",
-        "3 | 3 | 0 | | 0, 170, 255 | T",
-        "6 | 1 | 0 | × | 255, 0, 0 | T | bad | do",
-        "6 | 2 | 0 | √ | 0, 170, 255 | T | good",
-        "0 | -1 | 0 | × | 255, 0, 0 | T | bad    Get resource file failed! | do",
-        "8 | -2 | 0 | × | 255, 0, 0 | T:Europe | bad    Time synchronize failed! | do",
-        "16 | -3 | 0 | × | 255, 0, 0 | T:Europe | bad    Certificate download failed! | do",
-        "25 | -4 | 0 | × | 255, 0, 0 | T:Europe | bad    Server connection failed! | do",
-        "8 | -5 | 0 | × | 255, 0, 0 | T:Europe | bad    Topic subscribe failed! | do",
-        "14 | 4 | 76 100 | Strong | 0, 170, 255 | T",
-        "14 | 4 | 51 75 | Medium | 206, 206, 0 | T",
-        "14 | 4 | -1 0 50 | Weak | 255, 0, 0 | T | | do",
-        "21 | 4 | 25 31 | Strong | 0, 170, 255 | T",
-        "21 | 4 | 17 24 | Medium | 206, 206, 0 | T",
-        "21 | 4 | -1 16 99 | Weak | 255, 0, 0 | T | | do", // 99: not known
-        "9 | 5 | 99 | 99ms | 0, 170, 255 | T",
-        "17 | 5 | 100 | 100ms | 206, 206, 0 | T",
-        "26 | 5 | 499 | 499ms | 206, 206, 0 | T",
-        "9 | 5 | 500 | 500ms | 255, 0, 0 | T | | do",
-        "9 | 5 | 9999 | 9999ms | 255, 0, 0 | T | bad | do",
-    });
-}
-
-void NetWorkTestTest::showsStates()
-{
-    QMovie movie;
-    NetWorkTestItem row(number(0), &movie, nullptr);
-    row.setTexts({"T"_s, "good"_s, "bad"_s, "do"_s}, "Europe"_s);
-    const auto label = [&row](const char *name) {
-        return row.findChild<QLabel *>(QLatin1String(name));
-    };
-    for (const QString &value : cell(2).split(QLatin1Char(' '))) {
-        row.setState(number(1), value.toInt());
-        QCOMPARE(label("lab_state")->movie() != nullptr, number(1) == TEST_RUNNING);
-        QCOMPARE(label("lab_state")->text(), cell(3));
-        QCOMPARE(label("lab_state")->styleSheet(), "color: rgb(%1);"_s.arg(cell(4)));
-        QCOMPARE(label("lab_title")->text(), cell(5));
-        QCOMPARE(label("lab_result")->text(), cell(6));
-        QCOMPARE(label("lab_solution")->text(), cell(7));
+    void prints()
+    {
+        sim::panel().set("net.ping", {{"*", {{"min", 2}, {"avg", 5}, {"max", 9}, {"lost", 20}}}});
+        QCOMPARE(printedBy([] { runOf(0, 1); }),
+                 QByteArray("-----------------[0]\nnTestCloudRet = [0]\n"
+                            "getNetServerAddr = [cloud.example.com]\n"
+                            "nRet = [0] nMaxPacketTransTime=[9] nMinPacketTransTime = [2] "
+                            "\tnAvgPacketTransTime = [5] nLostPackagePercentage = [20]\n"));
     }
-}
 
-void NetWorkTestTest::runsOnceAndCanBeClosed()
-{
-    m_dialog->show();
-    sim::panel().delay("netT.isNetUp", 4500); // until it is hurried
-    button()->click();
-    QCOMPARE(status(), "Diagnosing"_s);
-    QTRY_COMPARE(text("EthIdentified", "lab_state"), "√"_s);
-    QVERIFY(!button()->isEnabled());
-    button()->click();
-    m_dialog->findChild<QPushButton *>("btn_close"_s)->click();
-    QVERIFY(!m_dialog->isVisible());
-    sim::panel().hurry();
-    QTRY_COMPARE(status(), "The network connection is successful."_s);
-    QVERIFY(button()->isEnabled());
-    QCOMPARE(serviceCalls().filter("netIsExist"_s).size(), 1);
-    QCOMPARE(text("EthNetDelay", "lab_state"), "12ms"_s);
-
-    m_dialog->slot_Util(-1, -1, QString());
-    m_dialog->show();
-    button()->click(); // a run clears what the one before has left
-    QTRY_VERIFY(button()->isEnabled());
-    QCOMPARE(status(), "The cloud settings are missing or damaged. The network was not checked."_s);
-    QCOMPARE(m_dialog->findChildren<NetWorkTestItem *>().size(), 1);
-}
-
-void NetWorkTestTest::keepsTheRowThatMattersInSight()
-{
-    sim::panel().set("lcd.width", 480);
-    sim::panel().set("lcd.height", 272);
-    sim::panel().set("net.cable.eth0", -1);
-    m_dialog->setWifiDevice("wlan0");
-    m_dialog->setFixedSize(336, 217);
-    m_dialog->show();
-    sim::panel().delay("netT.netTping", 300);
-    button()->click();
-    QTRY_VERIFY(topInSight("WifiHotsGateaway") > 0); // the newest
-    QTRY_VERIFY(button()->isEnabled());
-    QTRY_VERIFY(topInSight("EthConnect") >= 0); // the first that failed
-
-    auto *bar = m_dialog->findChild<QScrollArea *>("area_rows"_s)->verticalScrollBar();
-    button()->click();
-    QTRY_VERIFY(m_dialog->findChild<NetWorkTestItem *>("WifiNetDelay"_s) == nullptr); // cleared
-    QTRY_VERIFY(topInSight("WifiHotsGateaway") > 0);
-    bar->triggerAction(QScrollBar::SliderToMinimum); // the operator reads on from the first row
-    QTRY_VERIFY(button()->isEnabled());
-    QTest::qWait(0); // until the last rows have found their places
-    QCOMPARE(bar->value(), 0);
-
-    button()->click();
-    m_dialog->hide();
-    QTRY_VERIFY(button()->isEnabled());
-    m_dialog->show();
-    QTRY_VERIFY(topInSight("EthConnect") >= 0);
-}
-
-void NetWorkTestTest::waitsForTheFirstWordOfTheCloud()
-{
-    m_dialog = std::make_unique<NetWorkTestUi>(); // as soon after the program's start
-    m_dialog->setEthDevice("eth0");
-    m_dialog->show();
-    bool begun = false;
-    connect(m_dialog.get(), &NetWorkTestUi::sgl_BtnCheck, this, [&begun] { begun = true; });
-    button()->click();
-    QTRY_VERIFY(begun);
-    m_dialog->slot_Util(0, 1, QString());
-    QTRY_COMPARE(status(), "The network connection is successful."_s);
-}
-
-void NetWorkTestTest::saysThatThePoolIsFull()
-{
-    m_dialog->show();
-    std::mutex held;
-    std::unique_lock<std::mutex> hold(held);
-    const auto wait = [&held] { const std::lock_guard<std::mutex> until(held); };
-    while (COS::CCosThreadPool::submit(wait) >= 0) {
+    void showsStates_data()
+    {
+        // item | state | values | mark | colour | title | result | advice
+        rows({
+            "6 | 0 | 0 | | 0, 170, 255 | T",
+            "3 | 3 | 0 | | 0, 170, 255 | T",
+            "6 | 1 | 0 | × | 255, 0, 0 | T | bad | do",
+            "6 | 2 | 0 | √ | 0, 170, 255 | T | good",
+            "0 | -1 | 0 | × | 255, 0, 0 | T | bad    Get resource file failed! | do",
+            "8 | -2 | 0 | × | 255, 0, 0 | T:Europe | bad    Time synchronize failed! | do",
+            "16 | -3 | 0 | × | 255, 0, 0 | T:Europe | bad    Certificate download failed! | do",
+            "25 | -4 | 0 | × | 255, 0, 0 | T:Europe | bad    Server connection failed! | do",
+            "8 | -5 | 0 | × | 255, 0, 0 | T:Europe | bad    Topic subscribe failed! | do",
+            "14 | 4 | 76 100 | Strong | 0, 170, 255 | T",
+            "14 | 4 | 51 75 | Medium | 206, 206, 0 | T",
+            "14 | 4 | -1 0 50 | Weak | 255, 0, 0 | T | | do",
+            "21 | 4 | 25 31 | Strong | 0, 170, 255 | T",
+            "21 | 4 | 17 24 | Medium | 206, 206, 0 | T",
+            "21 | 4 | -1 16 99 | Weak | 255, 0, 0 | T | | do", // 99: not known
+            "9 | 5 | 99 | 99ms | 0, 170, 255 | T",
+            "17 | 5 | 100 | 100ms | 206, 206, 0 | T",
+            "26 | 5 | 499 | 499ms | 206, 206, 0 | T",
+            "9 | 5 | 500 | 500ms | 255, 0, 0 | T | | do",
+            "9 | 5 | 9999 | 9999ms | 255, 0, 0 | T | bad | do",
+        });
     }
-    button()->click();
-    QCOMPARE(status(), "The panel is busy. Please try again."_s);
-    QVERIFY(button()->isEnabled());
-    hold.unlock();
-    QTRY_VERIFY((button()->click(), status() == "Diagnosing"_s));
-}
 
-void NetWorkTestTest::speaksAnotherLanguageInTheMiddle()
-{
-    sim::panel().set("net.cable.eth0", -1);
-    sim::panel().delay("netT.checkEthCableLink", 4500);
-    m_dialog->show();
-    button()->click();
-    QTRY_COMPARE(text("EthConnect", "lab_title"), "Cable"_s);
-    m_dialog->setLanguage(0);
-    QCOMPARE(text("EthConnect", "lab_title"), "网线"_s);
-    sim::panel().hurry();
-    QTRY_COMPARE(text("EthConnect", "lab_solution"), "插好"_s);
-    m_dialog->setLanguage(1);
-    QCOMPARE(text("EthConnect", "lab_solution"), "Plug it in"_s);
-    QCOMPARE(text("EthConnect", "lab_result"), "out"_s);
-    m_dialog->setLanguage(2); // no file: the key is all that is known
-    QCOMPARE(text("EthConnect", "lab_title"), "EthConnect"_s);
-    QCOMPARE(text("EthConnect", "lab_solution"), QString());
-}
+    void showsStates()
+    {
+        QMovie movie;
+        NetWorkTestItem row(number(0), &movie, nullptr);
+        row.setTexts({"T"_s, "good"_s, "bad"_s, "do"_s}, "Europe"_s);
+        const auto label = [&row](const char *name) {
+            return row.findChild<QLabel *>(QLatin1String(name));
+        };
+        for (const QString &value : cell(2).split(QLatin1Char(' '))) {
+            row.setState(number(1), value.toInt());
+            QCOMPARE(label("lab_state")->movie() != nullptr, number(1) == TEST_RUNNING);
+            QCOMPARE(label("lab_state")->text(), cell(3));
+            QCOMPARE(label("lab_state")->styleSheet(), "color: rgb(%1);"_s.arg(cell(4)));
+            QCOMPARE(label("lab_title")->text(), cell(5));
+            QCOMPARE(label("lab_result")->text(), cell(6));
+            QCOMPARE(label("lab_solution")->text(), cell(7));
+        }
+    }
 
-void NetWorkTestTest::canGoInTheMiddle()
-{
-    sim::panel().delay("netT.isNetUp", 1500);
-    m_dialog->show();
-    button()->click();
-    QTRY_COMPARE(text("EthIdentified", "lab_state"), "√"_s);
-    m_dialog.reset();
-    QVERIFY(serviceCalls().last().startsWith("isNetUp"_s));
-}
+    void runsOnceAndCanBeClosed()
+    {
+        m_dialog->show();
+        sim::panel().delay("netT.isNetUp", 4500); // until it is hurried
+        button()->click();
+        QCOMPARE(status(), "Diagnosing"_s);
+        QTRY_COMPARE(text("EthIdentified", "lab_state"), "√"_s);
+        QVERIFY(!button()->isEnabled());
+        button()->click();
+        m_dialog->findChild<QPushButton *>("btn_close"_s)->click();
+        QVERIFY(!m_dialog->isVisible());
+        sim::panel().hurry();
+        QTRY_COMPARE(status(), "The network connection is successful."_s);
+        QVERIFY(button()->isEnabled());
+        QCOMPARE(serviceCalls().filter("netIsExist"_s).size(), 1);
+        QCOMPARE(text("EthNetDelay", "lab_state"), "12ms"_s);
+
+        m_dialog->slot_Util(-1, -1, QString());
+        m_dialog->show();
+        button()->click(); // a run clears what the one before has left
+        QTRY_VERIFY(button()->isEnabled());
+        QCOMPARE(status(),
+                 "The cloud settings are missing or damaged. The network was not checked."_s);
+        QCOMPARE(m_dialog->findChildren<NetWorkTestItem *>().size(), 1);
+    }
+
+    void keepsTheRowThatMattersInSight()
+    {
+        sim::panel().set("lcd.width", 480);
+        sim::panel().set("lcd.height", 272);
+        sim::panel().set("net.cable.eth0", -1);
+        m_dialog->setWifiDevice("wlan0");
+        m_dialog->setFixedSize(336, 217);
+        m_dialog->show();
+        sim::panel().delay("netT.netTping", 300);
+        button()->click();
+        QTRY_VERIFY(topInSight("WifiHotsGateaway") > 0); // the newest
+        QTRY_VERIFY(button()->isEnabled());
+        QTRY_VERIFY(topInSight("EthConnect") >= 0); // the first that failed
+
+        auto *bar = m_dialog->findChild<QScrollArea *>("area_rows"_s)->verticalScrollBar();
+        button()->click();
+        QTRY_VERIFY(m_dialog->findChild<NetWorkTestItem *>("WifiNetDelay"_s) == nullptr); // cleared
+        QTRY_VERIFY(topInSight("WifiHotsGateaway") > 0);
+        bar->triggerAction(QScrollBar::SliderToMinimum); // the operator reads on from the first row
+        QTRY_VERIFY(button()->isEnabled());
+        QTest::qWait(0); // until the last rows have found their places
+        QCOMPARE(bar->value(), 0);
+
+        button()->click();
+        m_dialog->hide();
+        QTRY_VERIFY(button()->isEnabled());
+        m_dialog->show();
+        QTRY_VERIFY(topInSight("EthConnect") >= 0);
+    }
+
+    void waitsForTheFirstWordOfTheCloud()
+    {
+        m_dialog = std::make_unique<NetWorkTestUi>(); // as soon after the program's start
+        m_dialog->setEthDevice("eth0");
+        m_dialog->show();
+        bool begun = false;
+        connect(m_dialog.get(), &NetWorkTestUi::sgl_BtnCheck, this, [&begun] { begun = true; });
+        button()->click();
+        QTRY_VERIFY(begun);
+        m_dialog->slot_Util(0, 1, QString());
+        QTRY_COMPARE(status(), "The network connection is successful."_s);
+    }
+
+    void saysThatThePoolIsFull()
+    {
+        m_dialog->show();
+        std::mutex held;
+        std::unique_lock<std::mutex> hold(held);
+        const auto wait = [&held] { const std::lock_guard<std::mutex> until(held); };
+        while (COS::CCosThreadPool::submit(wait) >= 0) {
+        }
+        button()->click();
+        QCOMPARE(status(), "The panel is busy. Please try again."_s);
+        QVERIFY(button()->isEnabled());
+        hold.unlock();
+        QTRY_VERIFY((button()->click(), status() == "Diagnosing"_s));
+    }
+
+    void speaksAnotherLanguageInTheMiddle()
+    {
+        sim::panel().set("net.cable.eth0", -1);
+        sim::panel().delay("netT.checkEthCableLink", 4500);
+        m_dialog->show();
+        button()->click();
+        QTRY_COMPARE(text("EthConnect", "lab_title"), "Cable"_s);
+        m_dialog->setLanguage(0);
+        QCOMPARE(text("EthConnect", "lab_title"), "网线"_s);
+        sim::panel().hurry();
+        QTRY_COMPARE(text("EthConnect", "lab_solution"), "插好"_s);
+        m_dialog->setLanguage(1);
+        QCOMPARE(text("EthConnect", "lab_solution"), "Plug it in"_s);
+        QCOMPARE(text("EthConnect", "lab_result"), "out"_s);
+        m_dialog->setLanguage(2); // no file: the key is all that is known
+        QCOMPARE(text("EthConnect", "lab_title"), "EthConnect"_s);
+        QCOMPARE(text("EthConnect", "lab_solution"), QString());
+    }
+
+    void canGoInTheMiddle()
+    {
+        sim::panel().delay("netT.isNetUp", 1500);
+        m_dialog->show();
+        button()->click();
+        QTRY_COMPARE(text("EthIdentified", "lab_state"), "√"_s);
+        m_dialog.reset();
+        QVERIFY(serviceCalls().last().startsWith("isNetUp"_s));
+    }
+
+private:
+    QString text(const char *row, const char *label)
+    {
+        const auto *found = m_dialog->findChild<NetWorkTestItem *>(QLatin1String(row));
+        const auto *shown =
+            found == nullptr ? nullptr : found->findChild<QLabel *>(QLatin1String(label));
+        return shown == nullptr || shown->isHidden() ? QString() : shown->text();
+    }
+
+    // Where a row begins in what is seen of the list; -1 if it is not wholly there.
+    int topInSight(const char *row)
+    {
+        const auto *found = m_dialog->findChild<NetWorkTestItem *>(QLatin1String(row));
+        const auto *view = m_dialog->findChild<QScrollArea *>("area_rows"_s)->viewport();
+        const QRect place =
+            found == nullptr ? QRect() : QRect(found->mapTo(view, QPoint()), found->size());
+        return view->rect().contains(place) ? place.top() : -1;
+    }
+
+    QPushButton *button() { return m_dialog->findChild<QPushButton *>("btn_StartDiag"_s); }
+    QString status() { return m_dialog->findChild<QLabel *>("lab_status"_s)->text(); }
+
+    PanelRoot m_root;
+    std::unique_ptr<NetWorkTestUi> m_dialog;
+};
 
 QTEST_MAIN(NetWorkTestTest)
 #include "NetWorkTestTest.moc"
