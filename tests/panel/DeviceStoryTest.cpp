@@ -25,71 +25,68 @@ class DeviceStoryTest : public QObject
     Q_OBJECT
 
 private slots:
-    void codeSaysTheIdentifier_data();
-    void codeSaysTheIdentifier();
-    void mobileNetworkByTouch();
-};
-
-void DeviceStoryTest::codeSaysTheIdentifier_data()
-{
-    QTest::addColumn<QString>("screen");
-    QTest::addColumn<QJsonValue>("product");
-    QTest::addColumn<QString>("read");
-    const QString longText = "https://panels.example.com/bind?product=P-070T-0042&line=3&salt="_s +
-                             QString(56, QLatin1Char('x'));
-    const QString machineId = "0210 8150 0420 7001"_s;
-    for (const char *screen : {"480x272", "1280x800"}) {
-        const auto row = [screen](const char *name, const QJsonValue &product,
-                                  const QString &read) {
-            QTest::addRow("%s at %s", name, screen)
-                << QString::fromLatin1(screen) << product << read;
-        };
-        row("plain", "P-070T-0042"_s, "P-070T-0042"_s);
-        row("long", longText, longText);
-        row("UTF-8", "产品 Größe 42"_s, "产品 Größe 42"_s);
-        row("empty", QString(), machineId);
-        row("unreadable", QJsonValue::Null, machineId);
+    void codeSaysTheIdentifier_data()
+    {
+        QTest::addColumn<QString>("screen");
+        QTest::addColumn<QJsonValue>("product");
+        QTest::addColumn<QString>("read");
+        const QString longText =
+            "https://panels.example.com/bind?product=P-070T-0042&line=3&salt="_s +
+            QString(56, QLatin1Char('x'));
+        const QString machineId = "0210 8150 0420 7001"_s;
+        for (const char *screen : {"480x272", "1280x800"}) {
+            const auto row = [screen](const char *name, const QJsonValue &product,
+                                      const QString &read) {
+                QTest::addRow("%s at %s", name, screen)
+                    << QString::fromLatin1(screen) << product << read;
+            };
+            row("plain", "P-070T-0042"_s, "P-070T-0042"_s);
+            row("long", longText, longText);
+            row("UTF-8", "产品 Größe 42"_s, "产品 Größe 42"_s);
+            row("empty", QString(), machineId);
+            row("unreadable", QJsonValue::Null, machineId);
+        }
     }
-}
 
-void DeviceStoryTest::codeSaysTheIdentifier()
-{
-    QFETCH(QString, screen);
-    QFETCH(QJsonValue, product);
-    QFETCH(QString, read);
-    Operator panel;
-    const QJsonObject machine{{"machine"_s, QJsonObject{{"product"_s, product}}}};
-    QVERIFY(panel.write("/scenario.json"_s, QJsonDocument(machine).toJson()));
-    panel.setEnvironment("SYSSET_LCD"_s, screen);
-    panel.setEnvironment("SYSSET_SCENARIO"_s, panel.file("/scenario.json"_s));
-    QVERIFY(panel.start());
-    QVERIFY(panel.appears("lab_QRcode"_s));
-    const QString picture = panel.file("/screen.png"_s);
-    QVERIFY2(!panel.ask({"ui"_s, "shot"_s, picture}).isUndefined(), qPrintable(panel.error()));
-    QCOMPARE(decoded(picture), read);
-}
+    void codeSaysTheIdentifier()
+    {
+        QFETCH(QString, screen);
+        QFETCH(QJsonValue, product);
+        QFETCH(QString, read);
+        Operator panel;
+        const QJsonObject machine{{"machine"_s, QJsonObject{{"product"_s, product}}}};
+        QVERIFY(panel.write("/scenario.json"_s, QJsonDocument(machine).toJson()));
+        panel.setEnvironment("SYSSET_LCD"_s, screen);
+        panel.setEnvironment("SYSSET_SCENARIO"_s, panel.file("/scenario.json"_s));
+        QVERIFY(panel.start());
+        QVERIFY(panel.appears("lab_QRcode"_s));
+        const QString picture = panel.file("/screen.png"_s);
+        QVERIFY2(!panel.ask({"ui"_s, "shot"_s, picture}).isUndefined(), qPrintable(panel.error()));
+        QCOMPARE(decoded(picture), read);
+    }
 
-void DeviceStoryTest::mobileNetworkByTouch()
-{
-    Operator panel;
-    const auto hasIcon = [&](int level) {
-        return panel.looksLike("lab_4gSignal"_s, "4G_%1"_s.arg(level));
-    };
-    panel.setEnvironment("SYSSET_LCD"_s, "480x272"_s);
-    QVERIFY(panel.start());
-    QVERIFY(panel.press("btn_Net"_s) && panel.press("tab_Net"_s, 2));
-    QVERIFY(hasIcon(3));
-    QVERIFY(panel.press("btn_4G"_s) && panel.appears("lab_4gStatus"_s) && hasIcon(0));
-    QVERIFY(panel.press("btn_4G"_s) && hasIcon(3) && panel.shows("lab_4gIP_4"_s, "2"_s));
-    QVERIFY(panel.press("radio_manual"_s) && panel.press("line_ApnName"_s));
-    QVERIFY(panel.shows("lab_Field"_s, "接入点"_s));
-    QVERIFY(panel.type('c', "qapn"_s)); // the q spends the first key of the process
-    QVERIFY(panel.becomes("modem.apn.name"_s, "apn"_s));
-    QCOMPARE(panel.get("modem.apn.mode"_s).toString(), "enable"_s);
-    QVERIFY(panel.set("modem.csq"_s, "9") && hasIcon(2));
-    QCOMPARE(panel.text("line_ApnName"_s), "apn"_s);
-    QVERIFY(panel.isVisible("wdg_vpn"_s));
-}
+    void mobileNetworkByTouch()
+    {
+        Operator panel;
+        const auto hasIcon = [&](int level) {
+            return panel.looksLike("lab_4gSignal"_s, "4G_%1"_s.arg(level));
+        };
+        panel.setEnvironment("SYSSET_LCD"_s, "480x272"_s);
+        QVERIFY(panel.start());
+        QVERIFY(panel.press("btn_Net"_s) && panel.press("tab_Net"_s, 2));
+        QVERIFY(hasIcon(3));
+        QVERIFY(panel.press("btn_4G"_s) && panel.appears("lab_4gStatus"_s) && hasIcon(0));
+        QVERIFY(panel.press("btn_4G"_s) && hasIcon(3) && panel.shows("lab_4gIP_4"_s, "2"_s));
+        QVERIFY(panel.press("radio_manual"_s) && panel.press("line_ApnName"_s));
+        QVERIFY(panel.shows("lab_Field"_s, "接入点"_s));
+        QVERIFY(panel.type('c', "qapn"_s)); // the q spends the first key of the process
+        QVERIFY(panel.becomes("modem.apn.name"_s, "apn"_s));
+        QCOMPARE(panel.get("modem.apn.mode"_s).toString(), "enable"_s);
+        QVERIFY(panel.set("modem.csq"_s, "9") && hasIcon(2));
+        QCOMPARE(panel.text("line_ApnName"_s), "apn"_s);
+        QVERIFY(panel.isVisible("wdg_vpn"_s));
+    }
+};
 
 QTEST_GUILESS_MAIN(DeviceStoryTest)
 #include "DeviceStoryTest.moc"

@@ -85,226 +85,211 @@ class DiagnosisStoryTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void faults_data();
-    void faults();
-    void closedAndEndedInTheMiddle();
-    void faultsOfTheStart_data();
-    void faultsOfTheStart();
+    void initTestCase()
+    {
+        start();
+        awaitCloud(1);
+        for (const QString &part : {"net"_s, "wifi"_s, "modem"_s, "cloud"_s})
+            m_healthy[part] = m_panel->get(part);
+    }
+
+    void faults_data()
+    {
+        // scenario | marks of the link's rows, in order | result | reason
+        rows({
+            "eth-absent | × | good",
+            "eth-off | √ × | good",
+            "eth-unplugged | √ √ × | good",
+            "eth-no-address | √ √ √ × | good",
+            "eth-gateway-silent | √ √ √ × | good",
+            "eth-server-silent | √ √ √ √ √ 9999ms | good",
+            "eth-slow | √ √ √ √ √ 600ms | good",
+            "wifi-absent | × | good",
+            "wifi-off | √ × | good",
+            "wifi-not-joined | √ √ × | good",
+            "wifi-weak | √ √ √ Weak √ √ 12ms | good",
+            "wifi-no-address | √ √ √ Strong × | good",
+            "wifi-gateway-silent | √ √ √ Strong × | good",
+            "wifi-server-silent | √ √ √ Strong √ √ 9999ms | good",
+            "wifi-slow | √ √ √ Strong √ √ 600ms | good",
+            "4g-absent | × | none",
+            "4g-off | √ × | none",
+            "4g-weak | √ √ Weak √ √ √ √ 12ms | good",
+            "4g-no-signal | √ √ Weak √ √ √ √ 12ms | good",
+            "4g-no-sim | √ √ Medium × | none",
+            "4g-not-attached | √ √ Medium √ × √ √ 12ms | good",
+            "4g-no-link | √ √ Medium √ √ × | none",
+            "4g-server-silent | √ √ Medium √ √ √ √ 9999ms | good",
+            "4g-slow | √ √ Medium √ √ √ √ 600ms | good",
+            "cloud-no-server-address | √ √ √ √ √ × | none",
+            "cloud-connecting | √ √ √ √ × | none | Server connection failed!",
+            "cloud-no-time | √ √ √ √ × | none | Time synchronize failed!",
+            "cloud-no-certificate | √ √ √ √ × | none | Certificate download failed!",
+            "cloud-no-server | √ √ √ √ × | none | Server connection failed!",
+            "cloud-no-subscription | √ √ √ √ × | none | Topic subscribe failed!",
+        });
+    }
+
+    void faults()
+    {
+        const QString name = cell(0);
+        const QString link = name.section(QLatin1Char('-'), 0, 0);
+        QJsonObject fault = scenario(name);
+        QVERIFY(!fault.isEmpty());
+        for (const QString &part : fault.keys())
+            fault[part] = merged(m_healthy.value(part), fault.value(part));
+        put(fault);
+        if (fault.contains("cloud"_s))
+            awaitCloud(fault.value("cloud"_s)["status"_s].toInt());
+        diagnose();
+        readInBothLanguages(link == "cloud"_s ? "eth"_s : link, cell(1), cell(2), cell(3));
+        for (const QString &part : fault.keys())
+            fault[part] = m_healthy.value(part);
+        put(fault);
+        if (link == "cloud"_s || link == "4g"_s) // no link may have been online
+            awaitCloud(1);
+    }
+
+    void closedAndEndedInTheMiddle()
+    {
+        m_panel->ask({"delay"_s, "netT.netTping"_s, "30000"_s});
+        touch("btn_StartDiag"_s);
+        touch("btn_close"_s);
+        openDiagnosis();
+        QVERIFY(!m_panel->press("btn_StartDiag"_s));
+        QCOMPARE(m_panel->error(), "btn_StartDiag is disabled"_s);
+        QCOMPARE(m_panel->text("lab_status"_s), said("Diagnosing"_s));
+        m_panel->ask({"quit"_s});
+        QCOMPARE(m_panel->waitForEnd(), 0);
+    }
+
+    void faultsOfTheStart_data()
+    {
+        rows({"cloud-no-configuration | unchecked", "cloud-bad-configuration | unchecked",
+              "cloud-no-resource | none | Get resource file failed!"});
+    }
+
+    void faultsOfTheStart()
+    {
+        start(cell(0));
+        QVERIFY(m_panel->prints("loadCloudXML"));
+        awaitCloud(-1); // the first period has told the dialog
+        diagnose();
+        readInBothLanguages("cloud"_s, "×"_s, cell(1), cell(2));
+    }
 
 private:
-    void start(const QString &scenario = "full"_s);
-    void touch(const QString &object, int index = -1);
-    void openDiagnosis();
-    void diagnose();
+    void start(const QString &scenario = "full"_s)
+    {
+        m_panel = std::make_unique<Operator>();
+        m_english = true;
+        m_panel->setEnvironment("SYSSET_SCENARIO"_s, scenario);
+        QVERIFY(m_panel->writeEnglish());
+        const QString cloud = m_panel->file("/mnt/data/prj/cloud"_s);
+        QVERIFY(QDir().mkpath(cloud));
+        QVERIFY(QFile::copy(QStringLiteral(SOURCE_FOLDER "/platform/sim/samples/cloud.xml"),
+                            cloud + "/cloud.xml"_s));
+        QVERIFY(m_panel->start());
+        openDiagnosis();
+    }
+
+    void touch(const QString &object, int index = -1)
+    {
+        QVERIFY2(PanelProcess::wait([&] { return m_panel->press(object, index); }),
+                 qPrintable(object));
+    }
+
+    void openDiagnosis()
+    {
+        touch("btn_Net"_s);
+        touch("tab_Net"_s, EXTEND_TAB);
+        touch("btn_check"_s);
+        QVERIFY(m_panel->appears("btn_StartDiag"_s));
+    }
+
+    void diagnose()
+    {
+        touch("btn_StartDiag"_s);
+        QVERIFY(PanelProcess::wait([this] { return m_panel->isEnabled("btn_StartDiag"_s); }));
+    }
+
     // Reads what is shown, changes the language and reads it again.
     void readInBothLanguages(const QString &link, const QString &marks, const QString &result,
-                             const QString &reason);
+                             const QString &reason)
+    {
+        read(link, marks, result, reason);
+        touch("btn_close"_s);
+        touch("btn_Sysset"_s);
+        touch("tab_System"_s, LANGUAGE_TAB);
+        m_english = !m_english;
+        touch(m_english ? "ENBtn"_s : "CHBtn"_s);
+        openDiagnosis();
+        read(link, marks, result, reason);
+    }
+
     void read(const QString &link, const QString &marks, const QString &result,
-              const QString &reason);
-    void put(const QJsonObject &parts);
+              const QString &reason)
+    {
+        const QJsonObject dialog =
+            m_panel->ask({"ui"_s, "dump"_s, "NetWorkTestUi"_s}).toArray().first().toObject();
+        const QJsonObject items =
+            readObject(m_english ? "resources/NetWorkTest/NetWorkTest_en.json"_s
+                                 : "resources/NetWorkTest/NetWorkTest_ch.json"_s);
+        const QString saidReason = reason.isEmpty() ? reason : said("    "_s + reason);
+        QStringList expected;
+        for (const QString &mark : marks.split(QLatin1Char(' ')))
+            expected << said(mark);
+        QStringList seen;
+        for (const QString &key : CHAINS[link]) {
+            QMap<QString, QString> row;
+            collectTexts(dialog, key, false, row);
+            if (row.isEmpty())
+                continue;
+            const QString mark = row["lab_state"_s];
+            const QJsonObject texts = items.value(key).toObject();
+            const QString region = key.endsWith("MQTT"_s) ? said(":Europe"_s) : ""_s;
+            QCOMPARE(row["lab_title"_s], texts.value("ItemString"_s).toString() + region);
+            const bool failed = mark == "×"_s || mark == "9999ms"_s;
+            const bool bad = failed || mark == said("Weak"_s) || mark == "600ms"_s;
+            if (failed)
+                QCOMPARE(row["lab_result"_s], texts.value("failure"_s).toString() + saidReason);
+            QCOMPARE(row["lab_solution"_s], bad ? texts.value("Solution"_s).toString() : QString());
+            seen << mark;
+        }
+        QCOMPARE(seen, expected);
+        QCOMPARE(m_panel->text("lab_status"_s), said(RESULTS[result]));
+    }
+
+    void put(const QJsonObject &parts)
+    {
+        for (auto part = parts.begin(); part != parts.end(); ++part) {
+            const QJsonObject whole{{"value"_s, part.value()}};
+            const QByteArray json = QJsonDocument(whole).toJson(QJsonDocument::Compact);
+            QVERIFY2(m_panel->set(part.key(), json.mid(9).chopped(1)), // {"value": ... }
+                     qPrintable(m_panel->error()));
+        }
+    }
+
     // Waits until the cloud monitor has read that status.
-    void awaitCloud(int status);
+    void awaitCloud(int status)
+    {
+        m_panel->ask({"calls"_s, "clear"_s});
+        QVERIFY(PanelProcess::wait([&] {
+            for (const QJsonValue call : m_panel->ask({"calls"_s}).toArray()) {
+                if (call["op"_s] == "netT.CAsyncClient.getConnectedStatus"_s &&
+                    call["result"_s] == status)
+                    return true;
+            }
+            return false;
+        }));
+    }
+
     QString said(const QString &text) { return m_english ? text : inChinese(text); }
 
     std::unique_ptr<Operator> m_panel;
     bool m_english = true;
     QJsonObject m_healthy;
 };
-
-void DiagnosisStoryTest::start(const QString &scenario)
-{
-    m_panel = std::make_unique<Operator>();
-    m_english = true;
-    m_panel->setEnvironment("SYSSET_SCENARIO"_s, scenario);
-    QVERIFY(m_panel->writeEnglish());
-    const QString cloud = m_panel->file("/mnt/data/prj/cloud"_s);
-    QVERIFY(QDir().mkpath(cloud));
-    QVERIFY(QFile::copy(QStringLiteral(SOURCE_FOLDER "/platform/sim/samples/cloud.xml"),
-                        cloud + "/cloud.xml"_s));
-    QVERIFY(m_panel->start());
-    openDiagnosis();
-}
-
-void DiagnosisStoryTest::touch(const QString &object, int index)
-{
-    QVERIFY2(PanelProcess::wait([&] { return m_panel->press(object, index); }), qPrintable(object));
-}
-
-void DiagnosisStoryTest::openDiagnosis()
-{
-    touch("btn_Net"_s);
-    touch("tab_Net"_s, EXTEND_TAB);
-    touch("btn_check"_s);
-    QVERIFY(m_panel->appears("btn_StartDiag"_s));
-}
-
-void DiagnosisStoryTest::diagnose()
-{
-    touch("btn_StartDiag"_s);
-    QVERIFY(PanelProcess::wait([this] { return m_panel->isEnabled("btn_StartDiag"_s); }));
-}
-
-void DiagnosisStoryTest::put(const QJsonObject &parts)
-{
-    for (auto part = parts.begin(); part != parts.end(); ++part) {
-        const QJsonObject whole{{"value"_s, part.value()}};
-        const QByteArray json = QJsonDocument(whole).toJson(QJsonDocument::Compact);
-        QVERIFY2(m_panel->set(part.key(), json.mid(9).chopped(1)), // {"value": ... }
-                 qPrintable(m_panel->error()));
-    }
-}
-
-void DiagnosisStoryTest::awaitCloud(int status)
-{
-    m_panel->ask({"calls"_s, "clear"_s});
-    QVERIFY(PanelProcess::wait([&] {
-        for (const QJsonValue call : m_panel->ask({"calls"_s}).toArray()) {
-            if (call["op"_s] == "netT.CAsyncClient.getConnectedStatus"_s &&
-                call["result"_s] == status)
-                return true;
-        }
-        return false;
-    }));
-}
-
-void DiagnosisStoryTest::read(const QString &link, const QString &marks, const QString &result,
-                              const QString &reason)
-{
-    const QJsonObject dialog =
-        m_panel->ask({"ui"_s, "dump"_s, "NetWorkTestUi"_s}).toArray().first().toObject();
-    const QJsonObject items = readObject(m_english ? "resources/NetWorkTest/NetWorkTest_en.json"_s
-                                                   : "resources/NetWorkTest/NetWorkTest_ch.json"_s);
-    const QString saidReason = reason.isEmpty() ? reason : said("    "_s + reason);
-    QStringList expected;
-    for (const QString &mark : marks.split(QLatin1Char(' ')))
-        expected << said(mark);
-    QStringList seen;
-    for (const QString &key : CHAINS[link]) {
-        QMap<QString, QString> row;
-        collectTexts(dialog, key, false, row);
-        if (row.isEmpty())
-            continue;
-        const QString mark = row["lab_state"_s];
-        const QJsonObject texts = items.value(key).toObject();
-        const QString region = key.endsWith("MQTT"_s) ? said(":Europe"_s) : ""_s;
-        QCOMPARE(row["lab_title"_s], texts.value("ItemString"_s).toString() + region);
-        const bool failed = mark == "×"_s || mark == "9999ms"_s;
-        const bool bad = failed || mark == said("Weak"_s) || mark == "600ms"_s;
-        if (failed)
-            QCOMPARE(row["lab_result"_s], texts.value("failure"_s).toString() + saidReason);
-        QCOMPARE(row["lab_solution"_s], bad ? texts.value("Solution"_s).toString() : QString());
-        seen << mark;
-    }
-    QCOMPARE(seen, expected);
-    QCOMPARE(m_panel->text("lab_status"_s), said(RESULTS[result]));
-}
-
-void DiagnosisStoryTest::readInBothLanguages(const QString &link, const QString &marks,
-                                             const QString &result, const QString &reason)
-{
-    read(link, marks, result, reason);
-    touch("btn_close"_s);
-    touch("btn_Sysset"_s);
-    touch("tab_System"_s, LANGUAGE_TAB);
-    m_english = !m_english;
-    touch(m_english ? "ENBtn"_s : "CHBtn"_s);
-    openDiagnosis();
-    read(link, marks, result, reason);
-}
-
-void DiagnosisStoryTest::initTestCase()
-{
-    start();
-    awaitCloud(1);
-    for (const QString &part : {"net"_s, "wifi"_s, "modem"_s, "cloud"_s})
-        m_healthy[part] = m_panel->get(part);
-}
-
-void DiagnosisStoryTest::faults_data()
-{
-    // scenario | marks of the link's rows, in order | result | reason
-    rows({
-        "eth-absent | × | good",
-        "eth-off | √ × | good",
-        "eth-unplugged | √ √ × | good",
-        "eth-no-address | √ √ √ × | good",
-        "eth-gateway-silent | √ √ √ × | good",
-        "eth-server-silent | √ √ √ √ √ 9999ms | good",
-        "eth-slow | √ √ √ √ √ 600ms | good",
-        "wifi-absent | × | good",
-        "wifi-off | √ × | good",
-        "wifi-not-joined | √ √ × | good",
-        "wifi-weak | √ √ √ Weak √ √ 12ms | good",
-        "wifi-no-address | √ √ √ Strong × | good",
-        "wifi-gateway-silent | √ √ √ Strong × | good",
-        "wifi-server-silent | √ √ √ Strong √ √ 9999ms | good",
-        "wifi-slow | √ √ √ Strong √ √ 600ms | good",
-        "4g-absent | × | none",
-        "4g-off | √ × | none",
-        "4g-weak | √ √ Weak √ √ √ √ 12ms | good",
-        "4g-no-signal | √ √ Weak √ √ √ √ 12ms | good",
-        "4g-no-sim | √ √ Medium × | none",
-        "4g-not-attached | √ √ Medium √ × √ √ 12ms | good",
-        "4g-no-link | √ √ Medium √ √ × | none",
-        "4g-server-silent | √ √ Medium √ √ √ √ 9999ms | good",
-        "4g-slow | √ √ Medium √ √ √ √ 600ms | good",
-        "cloud-no-server-address | √ √ √ √ √ × | none",
-        "cloud-connecting | √ √ √ √ × | none | Server connection failed!",
-        "cloud-no-time | √ √ √ √ × | none | Time synchronize failed!",
-        "cloud-no-certificate | √ √ √ √ × | none | Certificate download failed!",
-        "cloud-no-server | √ √ √ √ × | none | Server connection failed!",
-        "cloud-no-subscription | √ √ √ √ × | none | Topic subscribe failed!",
-    });
-}
-
-void DiagnosisStoryTest::faults()
-{
-    const QString name = cell(0);
-    const QString link = name.section(QLatin1Char('-'), 0, 0);
-    QJsonObject fault = scenario(name);
-    QVERIFY(!fault.isEmpty());
-    for (const QString &part : fault.keys())
-        fault[part] = merged(m_healthy.value(part), fault.value(part));
-    put(fault);
-    if (fault.contains("cloud"_s))
-        awaitCloud(fault.value("cloud"_s)["status"_s].toInt());
-    diagnose();
-    readInBothLanguages(link == "cloud"_s ? "eth"_s : link, cell(1), cell(2), cell(3));
-    for (const QString &part : fault.keys())
-        fault[part] = m_healthy.value(part);
-    put(fault);
-    if (link == "cloud"_s || link == "4g"_s) // no link may have been online
-        awaitCloud(1);
-}
-
-void DiagnosisStoryTest::closedAndEndedInTheMiddle()
-{
-    m_panel->ask({"delay"_s, "netT.netTping"_s, "30000"_s});
-    touch("btn_StartDiag"_s);
-    touch("btn_close"_s);
-    openDiagnosis();
-    QVERIFY(!m_panel->press("btn_StartDiag"_s));
-    QCOMPARE(m_panel->error(), "btn_StartDiag is disabled"_s);
-    QCOMPARE(m_panel->text("lab_status"_s), said("Diagnosing"_s));
-    m_panel->ask({"quit"_s});
-    QCOMPARE(m_panel->waitForEnd(), 0);
-}
-
-void DiagnosisStoryTest::faultsOfTheStart_data()
-{
-    rows({"cloud-no-configuration | unchecked", "cloud-bad-configuration | unchecked",
-          "cloud-no-resource | none | Get resource file failed!"});
-}
-
-void DiagnosisStoryTest::faultsOfTheStart()
-{
-    start(cell(0));
-    QVERIFY(m_panel->prints("loadCloudXML"));
-    awaitCloud(-1); // the first period has told the dialog
-    diagnose();
-    readInBothLanguages("cloud"_s, "×"_s, cell(1), cell(2));
-}
 
 QTEST_GUILESS_MAIN(DiagnosisStoryTest)
 #include "DiagnosisStoryTest.moc"
