@@ -7,7 +7,7 @@
 #include "tests/support/PanelRoot.h"
 #include "tests/support/PrintedBy.h"
 #include "tests/support/Text.h"
-#include "tests/system/Rows.h"
+#include "tests/support/Rows.h"
 
 #include <QDir>
 #include <QFile>

@@ -5,7 +5,7 @@
 #include "system/RuntimeWord.h"
 #include "tests/support/PrintedBy.h"
 #include "tests/support/Text.h"
-#include "tests/system/Rows.h"
+#include "tests/support/Rows.h"
 
 namespace {
 

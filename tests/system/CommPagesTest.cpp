@@ -3,7 +3,7 @@
 #include "system/CommuniCation.h"
 #include "tests/support/Dialogs.h"
 #include "tests/support/Text.h"
-#include "tests/system/Rows.h"
+#include "tests/support/Rows.h"
 
 #include <QLabel>
 #include <QLineEdit>

@@ -5,7 +5,7 @@
 #include "tests/support/Dialogs.h"
 #include "tests/support/PanelRoot.h"
 #include "tests/support/Text.h"
-#include "tests/system/Rows.h"
+#include "tests/support/Rows.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>

@@ -5,6 +5,7 @@
 #include "platform/sim/Panel.h"
 #include "tests/support/PanelRoot.h"
 #include "tests/support/PrintedBy.h"
+#include "tests/support/Rows.h"
 #include "tests/support/Text.h"
 #include "update/LegacyExchange.h"
 #include "update/Progress.h"
@@ -13,7 +14,6 @@
 
 #include <QFile>
 #include <QtEndian>
-#include <QTest>
 
 #include <thread>
 #include <unistd.h>
@@ -65,29 +65,22 @@ private slots:
         sim::panel().reset();
     }
 
+    // size | port, mode, data bits, stop bits and parity in hexadecimal
     void plcTakesTheProgram_data()
     {
-        QTest::addColumn<QByteArray>("line");
-        QTest::addColumn<int>("size");
-
-        QTest::newRow("a byte") << FIRST_PORT << 1;
-        QTest::newRow("a frame, RS-422") << QByteArray("\0\1\x07\2E", 5) << 2048;
-        QTest::newRow("a byte more, RS-485") << QByteArray("\0\2\x08\0O", 5) << 2049;
-        QTest::newRow("second port") << QByteArray("\1\0\x08\0N", 5) << 10000;
-        QTest::newRow("more frames than numbers")
-            << QByteArray("\1\2\x08\0\2", 5) << 256 * 2048 + 5;
+        rows({"1 | 0000080000", "2048 | 0001070245", "2049 | 000208004F", "10000 | 010008004E",
+              "524293 | 0102080002"}); // a frame and a byte more; more frames than numbers
     }
     void plcTakesTheProgram()
     {
-        QFETCH(QByteArray, line);
-        QFETCH(int, size);
-        const QByteArray program = programOf(size);
+        const QByteArray program = programOf(number(0));
         int result = 1;
-        const QByteArray printed = printedBy([&] { result = download(line, 9600, program); });
+        const QByteArray printed = printedBy(
+            [&] { result = download(QByteArray::fromHex(cell(1).toLatin1()), 9600, program); });
         QCOMPARE(result, 0);
         QCOMPARE(taken(), program);
         QCOMPARE(g_Progress.nPercent.load(), 100);
-        QCOMPARE(printed.count("nWritePlcLen"), (size + 2047) / 2048 + 2);
+        QCOMPARE(printed.count("nWritePlcLen"), (program.size() + 2047) / 2048 + 2);
         QVERIFY(printed.contains("nWritePlcLen 17 nReadPlcLen 11!\r\n"));
         QVERIFY(printed.contains("\non_UpdatePLCProgram_clicked end time "));
     }
@@ -96,7 +89,6 @@ private slots:
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<int>("result");
-
         const QByteArray good = headerOf(FIRST_PORT, 9600, 3) + "abc";
         QTest::newRow("missing") << QByteArray() << -8;
         QTest::newRow("other mark") << "x" + good.mid(1) << -22;
@@ -117,50 +109,30 @@ private slots:
         QCOMPARE(lineState("frames"), 0);
     }
 
+    // the PLC's code | result
     void resultSaysWhyThePlcRefuses_data()
     {
-        QTest::addColumn<int>("code");
-        QTest::addColumn<int>("result");
-
-        QTest::newRow("type") << 1 << -16;
-        QTest::newRow("capacity") << 2 << -32;
-        QTest::newRow("password") << 3 << -24;
-        QTest::newRow("check sum") << 4 << -9;
-        QTest::newRow("order") << 5 << -20;
-        QTest::newRow("unknown") << 255 << -20;
+        rows({"1 | -16", "2 | -32", "3 | -24", "4 | -9", "5 | -20", "255 | -20"});
     }
     void resultSaysWhyThePlcRefuses()
     {
-        QFETCH(int, code);
-        sim::panel().set("plc.line.refuse", code);
-        QTEST(download(FIRST_PORT, 9600, programOf(5000)), "result");
+        sim::panel().set("plc.line.refuse", number(0));
+        QCOMPARE(download(FIRST_PORT, 9600, programOf(5000)), number(1));
         QCOMPARE(taken(), QByteArray());
     }
 
+    // answers to all frames, or to so many | result
     void asksThreeTimes_data()
     {
-        QTest::addColumn<QString>("answer");
-        QTest::addColumn<int>("spoil");
-        QTest::addColumn<int>("result");
-
-        QTest::newRow("silent twice") << "none" << 2 << 0;
-        QTest::newRow("silent") << "none" << -1 << -25;
-        QTest::newRow("noise twice") << "noise" << 2 << 0;
-        QTest::newRow("noise") << "noise" << -1 << -13;
-        QTest::newRow("no end twice") << "endless" << 2 << 0;
-        QTest::newRow("no end") << "endless" << -1 << -13;
-        QTest::newRow("wrong sum twice") << "wrongSum" << 2 << 0;
-        QTest::newRow("wrong sum") << "wrongSum" << -1 << -13;
-        QTest::newRow("late once") << "late" << 1 << 0;
-        QTest::newRow("always late") << "late" << -1 << 0;
+        rows({"none | 2 | 0", "none | -1 | -25", "noise | 2 | 0", "noise | -1 | -13",
+              "endless | 2 | 0", "endless | -1 | -13", "wrongSum | 2 | 0", "wrongSum | -1 | -13",
+              "late | 1 | 0", "late | -1 | 0"});
     }
     void asksThreeTimes()
     {
-        QFETCH(QString, answer);
-        QFETCH(int, spoil);
-        QFETCH(int, result);
-        const std::string kind = answer.toStdString();
-        sim::panel().set("plc.line", {{"answer", kind}, {"spoil", spoil}, {"lateMs", 150}});
+        const int result = number(2);
+        sim::panel().set(
+            "plc.line", {{"answer", cell(0).toStdString()}, {"spoil", number(1)}, {"lateMs", 150}});
         const QByteArray program = programOf(5000);
         QCOMPARE(sendWithin(100ms, program), result);
         QCOMPARE(taken(), result == 0 ? program : QByteArray());

@@ -6,11 +6,12 @@
 #include "platform/sim/Panel.h"
 #include "tests/support/PanelRoot.h"
 #include "tests/support/PrintedBy.h"
+#include "tests/support/Rows.h"
+#include "tests/support/Text.h"
 #include "update/Progress.h"
 
 #include <QFileInfo>
 #include <QTemporaryFile>
-#include <QTest>
 
 #include <cerrno>
 #include <cstdarg>
@@ -43,6 +44,17 @@ int failWith(int error)
 {
     errno = error;
     return error == 0 ? 0 : -1;
+}
+
+// Of "0 1 9600 8 0 E": port, mode, baud, data bits, stop bits, parity as a number or a letter.
+std::array<int, 6> lineOf(const QString &text)
+{
+    std::array<int, 6> line{};
+    const QStringList parts = text.split(u' ');
+    std::transform(parts.begin(), parts.end(), line.begin(), [](const QString &part) {
+        return part[0].isLetter() ? part[0].unicode() : part.toInt();
+    });
+    return line;
 }
 
 } // namespace
@@ -85,133 +97,93 @@ private slots:
     }
     void cleanup() { sim::panel().reset(); }
 
+    // port | node | the modes asked for
     void opensTheNodeOfAName_data()
     {
-        QTest::addColumn<QString>("node");
-        QTest::addColumn<QList<int>>("modes");
-
-        QTest::newRow("RS232_1") << "com1-232" << QList<int>();
-        QTest::newRow("RS422_1") << "com1-422" << QList<int>{1};
-        QTest::newRow("RS485_1") << "com1-422" << QList<int>{0};
-        QTest::newRow("RS232_2") << "com2-232" << QList<int>();
-        QTest::newRow("RS485_2") << "com2-485" << QList<int>();
+        rows({"RS232_1 | com1-232 | []", "RS422_1 | com1-422 | [1]", "RS485_1 | com1-422 | [0]",
+              "RS232_2 | com2-232 | []", "RS485_2 | com2-485 | []"});
     }
     void opensTheNodeOfAName()
     {
-        QFETCH(QString, node);
-        const int fd = openDev(QTest::currentDataTag());
+        const int fd = openDev(cell(0).toStdString());
         QVERIFY(fd >= 0);
-        QCOMPARE(QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(fd)).canonicalFilePath(),
-                 QFileInfo(nodePath(node)).canonicalFilePath());
-        QTEST(watched.modes, "modes");
+        QCOMPARE(QFileInfo("/proc/self/fd/%1"_s.arg(fd)).canonicalFilePath(),
+                 QFileInfo(nodePath(cell(1))).canonicalFilePath());
+        QCOMPARE(sim::Json(watched.modes).dump(), cell(2).toStdString());
         close(fd);
     }
 
     void tellsWhyAPortDoesNotOpen_data()
     {
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<int>("modeError");
-        QTest::addColumn<QByteArray>("reason");
-
-        QTest::newRow("unknown") << QByteArray("RS422_2") << 0 << QByteArray("No such device");
-        QTest::newRow("missing") << QByteArray("RS232_2") << 0
-                                 << QByteArray("No such file or directory");
-        QTest::newRow("not switched")
-            << QByteArray("RS485_1") << EIO << QByteArray("Input/output error");
+        rows({"RS422_2 | No such device", "RS232_2 | No such file or directory",
+              "RS485_1 | Input/output error"}); // unknown, missing, not switched
     }
     void tellsWhyAPortDoesNotOpen()
     {
-        QFETCH(QByteArray, name);
-        QFETCH(QByteArray, reason);
-        QFETCH(int, modeError);
-        watched.modeError = modeError;
-        QFile::remove(nodePath(QStringLiteral("com2-232")));
+        watched.modeError = EIO;
+        QFile::remove(nodePath("com2-232"_s));
         int fd = 0;
-        const QByteArray told = printedBy([&] { fd = openDev(name.toStdString()); }, stderr);
+        const QByteArray told = printedBy([&] { fd = openDev(cell(0).toStdString()); }, stderr);
         QCOMPARE(fd, -1);
-        QCOMPARE(told, "{OpenDev} Err:Can't Open Serial Port\tErrStr:" + reason + ".\n");
+        QCOMPARE(told,
+                 "{OpenDev} Err:Can't Open Serial Port\tErrStr:" + cell(1).toLatin1() + ".\n");
     }
 
-    void setsTheSpeed_data()
-    {
-        QTest::addColumn<int>("result");
-        QTest::addColumn<int>("flushes");
-        QTest::addColumn<quint32>("speed");
-
-        QTest::newRow("115200") << 0 << 1 << quint32(B115200);
-        QTest::newRow("38400") << 0 << 2 << quint32(B38400);
-        QTest::newRow("19200") << 0 << 3 << quint32(B19200);
-        QTest::newRow("9600") << 0 << 4 << quint32(B9600);
-        QTest::newRow("4800") << 0 << 5 << quint32(B4800);
-        QTest::newRow("2400") << 0 << 6 << quint32(B2400);
-        QTest::newRow("1200") << 0 << 7 << quint32(B1200);
-        QTest::newRow("300") << 0 << 8 << quint32(B300);
-        QTest::newRow("57600") << -1 << 8 << quint32(B50);
-    }
     void setsTheSpeed()
     {
+        const std::pair<int, speed_t> speeds[] = {
+            {115200, B115200}, {38400, B38400}, {19200, B19200}, {9600, B9600}, {4800, B4800},
+            {2400, B2400},     {1200, B1200},   {300, B300},     {57600, B50}};
         const int fd = openDev("RS232_1");
-        termios line = {};
-        tcgetattr(fd, &line);
-        cfsetspeed(&line, B50);
-        tcsetattr(fd, TCSANOW, &line);
-        QTEST(setSpeed(fd, QByteArray(QTest::currentDataTag()).toInt()), "result");
-        QTEST(watched.flushes, "flushes");
-        tcgetattr(fd, &line);
-        QTEST(quint32(cfgetispeed(&line)), "speed");
-        QTEST(quint32(cfgetospeed(&line)), "speed");
+        int flushes = 0; // one for each that is looked at
+        for (const auto &[baud, speed] : speeds) {
+            termios line = {};
+            tcgetattr(fd, &line);
+            cfsetspeed(&line, B50);
+            tcsetattr(fd, TCSANOW, &line);
+            watched.flushes = 0;
+            QCOMPARE(setSpeed(fd, baud), baud == 57600 ? -1 : 0);
+            QCOMPARE(watched.flushes, std::min(++flushes, 8));
+            tcgetattr(fd, &line);
+            QVERIFY(cfgetispeed(&line) == speed && cfgetospeed(&line) == speed);
+        }
         close(fd);
     }
 
+    // data bits, stop bits, parity | sent | whether input parity is checked, as it was before
     void setsTheFraming_data()
     {
-        QTest::addColumn<int>("dataBits");
-        QTest::addColumn<int>("stopBits");
-        QTest::addColumn<int>("parity");
-        QTest::addColumn<quint32>("control"); // size, parity and stop bits
-        QTest::addColumn<bool>("checks");     // input parity
-
-        const auto row = [](const char *name, int data, int stop, int parity, quint32 control,
-                            bool checks) {
-            QTest::newRow(name) << data << stop << parity << control << checks;
-        };
-        const auto stays = PARODD; // where no parity is sent, its kind stays as it was
-        row("8N1", 8, 0, 0, CS8 | stays, false);
-        row("7n2", 7, 2, 'n', CS7 | CSTOPB | stays, false);
-        row("8N2", 8, 2, 'N', CS8 | CSTOPB | stays, false);
-        row("7O1", 7, 0, 1, CS7 | PARENB | PARODD, true);
-        row("8O1", 8, 0, 'O', CS8 | PARENB | PARODD, true);
-        row("8o2", 8, 2, 'o', CS8 | PARENB | PARODD | CSTOPB, true);
-        row("7E1", 7, 0, 2, CS7 | PARENB, true);
-        row("8E1", 8, 0, 'E', CS8 | PARENB, true);
-        row("8e2", 8, 2, 'e', CS8 | PARENB | CSTOPB, true);
-        row("8S1", 8, 0, 'S', CS8 | stays, true);
-        row("7s2", 7, 2, 's', CS7 | CSTOPB | stays, true);
+        rows({"8 0 0 | 8N1 | 0", "7 2 n | 7N2 | 0", "8 2 N | 8N2 | 0", "7 0 1 | 7O1 | 1",
+              "8 0 O | 8O1 | 1", "8 2 o | 8O2 | 1", "7 0 2 | 7E1 | 1", "8 0 E | 8E1 | 1",
+              "8 2 e | 8E2 | 1", "8 0 S | 8N1 | 1", "7 2 s | 7N2 | 1"});
     }
     void setsTheFraming()
     {
-        QFETCH(int, dataBits);
-        QFETCH(int, stopBits);
-        QFETCH(int, parity);
+        const auto wanted = lineOf(cell(0));
         const int fd = openDev("RS232_1");
         termios line = {};
         tcgetattr(fd, &line);
-        line.c_cflag |= PARODD | CSTOPB | CRTSCTS;
+        line.c_cflag |= CSTOPB | CRTSCTS | (cell(1)[1] == u'O' ? 0 : PARODD);
         line.c_iflag |= INPCK | ICRNL | IGNCR | INLCR | IXON | IXOFF | IXANY;
         line.c_lflag |= ICANON | ECHO | ECHOE | ISIG;
         line.c_oflag |= OPOST | ONLCR | OCRNL;
         tcsetattr(fd, TCSANOW, &line);
-        QCOMPARE(setParity(fd, dataBits, stopBits, parity), 0);
+        QCOMPARE(setParity(fd, wanted[0], wanted[1], wanted[2]), 0);
         close(fd);
         const termios &set = watched.line;
-        QTEST(quint32(set.c_cflag & (CSIZE | PARENB | PARODD | CSTOPB)), "control");
-        QTEST((set.c_iflag & INPCK) != 0, "checks");
+        const char parity = (set.c_cflag & PARENB) == 0   ? 'N'
+                            : (set.c_cflag & PARODD) != 0 ? 'O'
+                                                          : 'E';
+        QCOMPARE("%1%2%3"_s.arg((set.c_cflag & CSIZE) == CS8 ? 8 : 7)
+                     .arg(QLatin1Char(parity))
+                     .arg((set.c_cflag & CSTOPB) != 0 ? 2 : 1),
+                 cell(1));
+        QCOMPARE((set.c_iflag & INPCK) != 0, cell(2) == "1"_s);
         QCOMPARE(set.c_cflag & (CLOCAL | CREAD | CRTSCTS), tcflag_t(CLOCAL | CREAD));
         QCOMPARE(set.c_iflag & (ICRNL | IGNCR | INLCR | IXON | IXOFF | IXANY), 0U);
         QCOMPARE(set.c_lflag & (ICANON | ECHO | ECHOE | ISIG), 0U);
         QCOMPARE(set.c_oflag & (OPOST | ONLCR | OCRNL), 0U);
-        QCOMPARE(int(set.c_cc[VTIME]), 40);
-        QCOMPARE(int(set.c_cc[VMIN]), 0);
+        QVERIFY(set.c_cc[VTIME] == 40 && set.c_cc[VMIN] == 0);
     }
 
     void tellsThatTheFramingIsRefused()
@@ -223,62 +195,48 @@ private slots:
         close(fd);
     }
 
+    // The first alone fits.
     void closesBothIfAPortCannotBeSetUp_data()
     {
-        QTest::addColumn<QVector<int>>("line"); // port, mode, baud, data bits, stop bits, parity
-        QTest::addColumn<int>("result");
-
-        QTest::newRow("fits") << QVector<int>{0, 2, 9600, 7, 2, 'E'} << 0;
-        QTest::newRow("second port RS-422") << QVector<int>{1, 1, 9600, 8, 0, 0} << -1;
-        QTest::newRow("third port") << QVector<int>{2, 0, 9600, 8, 0, 0} << -1;
-        QTest::newRow("57600") << QVector<int>{0, 0, 57600, 8, 0, 0} << -1;
-        QTest::newRow("nine data bits") << QVector<int>{0, 0, 9600, 9, 0, 0} << -1;
-        QTest::newRow("stop bits 1") << QVector<int>{0, 0, 9600, 8, 1, 0} << -1;
-        QTest::newRow("parity 3") << QVector<int>{0, 0, 9600, 8, 0, 3} << -1;
-        QTest::newRow("parity M") << QVector<int>{0, 0, 9600, 8, 0, 'M'} << -1;
+        rows({"0 2 9600 7 2 E", "1 1 9600 8 0 0", "2 0 9600 8 0 0", "0 0 57600 8 0 0",
+              "0 0 9600 9 0 0", "0 0 9600 8 1 0", "0 0 9600 8 0 3", "0 0 9600 8 0 M"});
     }
     void closesBothIfAPortCannotBeSetUp()
     {
-        QFETCH(QVector<int>, line);
+        const auto line = lineOf(cell(0));
+        const bool fits = line[0] == 0 && line[1] == 2;
         const int given = open("/dev/null", O_RDONLY);
         const int opened = openFiles();
         int fd = given;
-        QTEST(openPort(given, fd, {line[0], line[1], line[2], line[3], line[4], line[5]}),
-              "result");
-        QCOMPARE(fd >= 0, QTest::currentDataTag() == QByteArray("fits"));
-        QCOMPARE(openFiles(), opened + (fd >= 0 ? 1 : -1));
-        QCOMPARE(fcntl(given, F_GETFD) >= 0, fd >= 0);
-        if (fd >= 0) {
+        QCOMPARE(openPort(given, fd, {line[0], line[1], line[2], line[3], line[4], line[5]}),
+                 fits ? 0 : -1);
+        QCOMPARE(fd >= 0, fits);
+        QCOMPARE(openFiles(), opened + (fits ? 1 : -1));
+        QCOMPARE(fcntl(given, F_GETFD) >= 0, fits);
+        if (fits) {
             close(fd);
             close(given);
         }
     }
 
+    // content in hexadecimal | result | printed
     void knowsAProgramFile_data()
     {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<QByteArray>("printed");
-        QTest::addColumn<int>("result");
-
-        QTest::newRow("program") << QByteArray("\x57\xA2\x33\x01 and more", 13)
-                                 << QByteArray("ntotalpos = 13\r\n20161111** = 20161111\r\n") << 0;
-        QTest::newRow("other") << QByteArray("\x57\xA2\x33\x02", 4)
-                               << QByteArray("ntotalpos = 4\r\n20161111** = 36938327\r\n") << -1;
-        QTest::newRow("short") << QByteArray("\x57\xA2\x33", 3) << QByteArray("ntotalpos = 3\r\n")
-                               << -1;
+        rows({"57A23301616263 | 0 | ntotalpos = 7\r\n20161111** = 20161111",
+              "57A23302 | -1 | ntotalpos = 4\r\n20161111** = 36938327",
+              "57A233 | -1 | ntotalpos = 3"});
     }
     void knowsAProgramFile()
     {
-        QFETCH(QByteArray, content);
         QTemporaryFile file;
         file.open();
-        file.write(content);
+        file.write(QByteArray::fromHex(cell(0).toLatin1()));
         file.flush();
         int result = 1;
         const QByteArray printed = printedBy([&] { result = checkHeader(file.handle()); });
-        QTEST(result, "result");
-        QTEST(printed, "printed");
-        QCOMPARE(g_Progress.nTotal.load(), content.size());
+        QCOMPARE(result, number(1));
+        QCOMPARE(printed, cell(2).toLatin1() + "\r\n");
+        QCOMPARE(g_Progress.nTotal.load(), file.size());
     }
 
 private:
@@ -288,9 +246,7 @@ private:
     }
     static int openFiles()
     {
-        return QDir(QStringLiteral("/proc/self/fd"))
-            .entryList(QDir::NoDotAndDotDot | QDir::System)
-            .size();
+        return QDir("/proc/self/fd"_s).entryList(QDir::NoDotAndDotDot | QDir::System).size();
     }
 
     PanelRoot m_root;
