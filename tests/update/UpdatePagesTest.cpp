@@ -266,6 +266,8 @@ private slots:
         pick(PROJECT, 0);
         press(PROJECT);
         QVERIFY(label(PROJECT).startsWith("Downloading"_s));
+        QTRY_VERIFY(bar(PLC)->value() > 0); // a second, and so two ticks of the project's timer
+        QCOMPARE(bar(PROJECT)->value(), 0);
         m_pages[PLC]->setUdiskPresent(false);
         m_pages[PLC]->clearUdisk();
         QVERIFY(!m_pages[PLC]->isEnabled());
