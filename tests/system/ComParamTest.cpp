@@ -4,8 +4,8 @@
 #include "platform/sim/Panel.h"
 #include "system/RuntimeWord.h"
 #include "tests/support/PrintedBy.h"
-#include "tests/support/Text.h"
 #include "tests/support/Rows.h"
+#include "tests/support/Text.h"
 
 namespace {
 
@@ -52,7 +52,7 @@ private slots:
     {
         constexpr unsigned int ADDRESS = 10591;
         const QByteArray printed =
-            printedBy([] { QCOMPARE(writeWord(ADDRESS, cell(0)), cell(1).toInt()); });
+            printedBy([] { QCOMPARE(writeWord(ADDRESS, cell(0)), number(1)); });
         const QRegularExpression traced(
             R"(^\[\d+\]\{SetAddrData\} Write dwAddr = 10591 Data is %1\n$)"_s.arg(cell(2)));
         QCOMPARE(traced.match(QString::fromLatin1(printed)).hasMatch(), cell(1) == "0"_s);
@@ -119,7 +119,7 @@ private slots:
     void writes()
     {
         const QString before = portWords(BASE);
-        QCOMPARE(ComParamLists().writePort("COM1-1"_s, cell(0)), cell(1).toInt());
+        QCOMPARE(ComParamLists().writePort("COM1-1"_s, cell(0)), number(1));
         QCOMPARE(portWords(BASE), cell(2).isEmpty() ? before : cell(2));
     }
 
@@ -132,7 +132,7 @@ private slots:
     void writesWhatTheRuntimeTakes()
     {
         const unsigned int base = cell(0).toUInt();
-        QCOMPARE(ComParamLists().writePort(base, SAMPLE), cell(1).toInt());
+        QCOMPARE(ComParamLists().writePort(base, SAMPLE), number(1));
         QCOMPARE(portWords(base), cell(2));
     }
 

@@ -2,8 +2,8 @@
 #include "system/CommSetting.h"
 #include "system/CommuniCation.h"
 #include "tests/support/Dialogs.h"
-#include "tests/support/Text.h"
 #include "tests/support/Rows.h"
+#include "tests/support/Text.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -213,7 +213,7 @@ private slots:
     }
     void stepsAField()
     {
-        const int field = cell(1).toInt();
+        const int field = number(1);
         sim::panel().set("machine.sn", nullptr);
         for (const QString &step : cell(2).split(QLatin1Char(' '))) {
             const QStringList texts = step.split(QLatin1Char('/'));
