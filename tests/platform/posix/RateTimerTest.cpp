@@ -3,9 +3,10 @@
 #include "platform/posix/Schedule.h"
 #include "tests/platform/posix/Counter.h"
 #include "tests/platform/posix/Threads.h"
+#include "tests/support/Rows.h"
+#include "tests/support/Text.h"
 
 #include <QProcess>
-#include <QtTest>
 
 #include <atomic>
 #include <memory>
@@ -165,7 +166,7 @@ private slots:
     void endsAfterItsCount_data() { modes(); }
     void endsAfterItsCount()
     {
-        QFETCH(int, mode);
+        const int mode = number(0);
         Counter calls;
         QCOMPARE(CCosRateTimer::addTimer(count, &calls, "a", TICK, 3, mode), 0);
         QVERIFY(calls.reaches(3));
@@ -196,23 +197,16 @@ private slots:
         CCosRateTimer::destory();
     }
 
-    void slowTaskDelaysOnlyItself_data()
-    {
-        QTest::addColumn<int>("slowTasks");
-        QTest::addColumn<int>("slowTicks");
-        QTest::newRow("due together") << 1 << 1;
-        QTest::newRow("due later") << 1 << 3;
-        QTest::newRow("several stuck") << 4 << 1;
-    }
+    // slow tasks | their period in ticks
+    void slowTaskDelaysOnlyItself_data() { rows({"1 | 1", "1 | 3", "4 | 1"}); }
     void slowTaskDelaysOnlyItself()
     {
-        QFETCH(int, slowTasks);
-        QFETCH(int, slowTicks);
+        const int slowTasks = number(0);
         std::vector<std::unique_ptr<Slow>> slow;
         for (int i = 0; i < slowTasks; ++i) {
             slow.push_back(std::make_unique<Slow>());
             CCosRateTimer::addTimer(Slow::run, slow.back().get(), "slow" + std::to_string(i),
-                                    slowTicks * TICK, -1, 0);
+                                    number(1) * TICK, -1, 0);
         }
         Counter calls;
         addForEver(count, &calls, "quick");
@@ -232,7 +226,7 @@ private slots:
     void callsOfOneNameNeverOverlap_data() { modes(); }
     void callsOfOneNameNeverOverlap()
     {
-        QFETCH(int, mode);
+        const int mode = number(0);
         Slow old;
         Counter renewed;
         addForEver(Slow::run, &old, "a", mode);
@@ -270,7 +264,7 @@ private slots:
     void destoryWaitsForCalls_data() { modes(); }
     void destoryWaitsForCalls()
     {
-        QFETCH(int, mode);
+        const int mode = number(0);
         Slow slow;
         addForEver(Slow::run, &slow, "slow", mode);
         QVERIFY(slow.calls.reaches(1));
@@ -309,33 +303,21 @@ private slots:
         }
     }
 
-    void endsWithTheProcess_data()
-    {
-        QTest::addColumn<QByteArray>("output");
-        QTest::newRow("soon") << QByteArray("finished\n");
-        QTest::newRow("stuck") << QByteArray();
-        QTest::newRow("inside") << QByteArray();
-    }
+    // task under way | what it still prints
+    void endsWithTheProcess_data() { rows({"soon | finished", "stuck", "inside"}); }
     void endsWithTheProcess()
     {
         QProcess child;
-        child.start(
-            QCoreApplication::applicationFilePath(),
-            {QStringLiteral("--exit-during"), QString::fromLatin1(QTest::currentDataTag())});
+        child.start(QCoreApplication::applicationFilePath(), {"--exit-during"_s, cell(0)});
         QVERIFY(child.waitForFinished(60000));
         QCOMPARE(child.readAllStandardError(), QByteArray());
         QCOMPARE(child.exitStatus(), QProcess::NormalExit);
         QCOMPARE(child.exitCode(), 0);
-        QTEST(child.readAllStandardOutput(), "output");
+        QCOMPARE(child.readAllStandardOutput().trimmed(), cell(1).toLatin1());
     }
 
 private:
-    static void modes()
-    {
-        QTest::addColumn<int>("mode");
-        QTest::newRow("on the service's threads") << 0;
-        QTest::newRow("in the pool") << 1;
-    }
+    static void modes() { rows({"0 | on the service's threads", "1 | in the pool"}); }
 };
 
 int main(int argc, char *argv[])

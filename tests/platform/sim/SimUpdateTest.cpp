@@ -3,8 +3,8 @@
 #include "platform/sim/LoopbackSocket.h"
 #include "platform/sim/Panel.h"
 #include "tests/support/PanelRoot.h"
-
-#include <QtTest>
+#include "tests/support/Rows.h"
+#include "tests/support/Text.h"
 
 #include <sys/stat.h>
 
@@ -70,12 +70,8 @@ private slots:
         m_root.clear();
     }
 
-    void checksAFile_data()
+    void checksAFile()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<QString>("model");
-        QTest::addColumn<int>("error");
         const QByteArray good = headed("KV100", 100, "data");
         const QByteArray newer = headed("KV100", 101, "data");
         const char *const longest = "KV-with-a-model-name-of-32-bytes";
@@ -85,128 +81,98 @@ private slots:
             QByteArray content;
             const char *model;
             int error;
-        } rows[] = {{"headed", "a.tmt3", good, "KV100", 0},
-                    {"no data", "a.tmt3", headed("KV100", 0, {}), "KV100", 0},
-                    {"longest model", "a.tmt3", headed(longest, 1, "data"), longest, 0},
-                    {"plain", "a.tmt3", "whatever", "KV070T", 0},
-                    {"empty", "a.tmt3", {}, "", -1},
-                    {"cut in its mark", "a.tmt3", good.left(7), "", -1},
-                    {"newer project", "a.tmt3", newer, "KV100", -9},
-                    {"newer firmware", "a.osf3", newer, "KV100", -9},
-                    {"far newer", "logo.osf2", headed("KV100", 0xFFFFFFFF, "x"), "KV100", -9},
-                    {"cut in its header", "a.tmt3", good.left(20), "", -1},
-                    {"cut in its data", "a.osf3", good.chopped(1), "", -1},
-                    {"longer than it says", "a.tmt3", good + "x", "", -1},
-                    {"folder", "folder.tmt3", {}, "", -1},
-                    {"pipe", "pipe.tmt3", {}, "", -1},
-                    {"missing", "missing.tmt3", {}, "", -1}};
-        for (const auto &[tag, name, content, model, error] : rows)
-            QTest::newRow(tag) << name << content << model << error;
-    }
-    void checksAFile()
-    {
-        QFETCH(QString, name);
-        QFETCH(QString, model);
-        QFETCH(int, error);
-        QFETCH(QByteArray, content);
-        const Answer answer = ask(CHECK, make(name, content));
-        QCOMPARE(answer.result, 268);
-        QCOMPARE(answer.error, error);
-        QCOMPARE(QString::fromStdString(answer.model), model);
+        } files[] = {{"headed", "a.tmt3", good, "KV100", 0},
+                     {"no data", "a.tmt3", headed("KV100", 0, {}), "KV100", 0},
+                     {"longest model", "a.tmt3", headed(longest, 1, "data"), longest, 0},
+                     {"plain", "a.tmt3", "whatever", "KV070T", 0},
+                     {"empty", "a.tmt3", {}, "", -1},
+                     {"cut in its mark", "a.tmt3", good.left(7), "", -1},
+                     {"newer project", "a.tmt3", newer, "KV100", -9},
+                     {"newer firmware", "a.osf3", newer, "KV100", -9},
+                     {"far newer", "logo.osf2", headed("KV100", 0xFFFFFFFF, "x"), "KV100", -9},
+                     {"cut in its header", "a.tmt3", good.left(20), "", -1},
+                     {"cut in its data", "a.osf3", good.chopped(1), "", -1},
+                     {"longer than it says", "a.tmt3", good + "x", "", -1},
+                     {"folder", "folder.tmt3", {}, "", -1},
+                     {"pipe", "pipe.tmt3", {}, "", -1},
+                     {"missing", "missing.tmt3", {}, "", -1}};
+        for (const auto &[tag, name, content, model, error] : files) {
+            const Answer answer = ask(CHECK, make(QLatin1String(name), content));
+            QVERIFY2(answer.result == 268 && answer.error == error && answer.model == model, tag);
+        }
         panel().set("update.error", -7);
-        QCOMPARE(ask(CHECK, m_disk.filePath(name)).error, -7);
+        QCOMPARE(ask(CHECK, m_disk.filePath("missing.tmt3"_s)).error, -7);
     }
 
+    // name | version, or none without a header | what is installed
     void installsEveryByte_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<QString>("installed");
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<int>("version");
-        QTest::newRow("project") << "Line 1.b.tmt3" << headed("KV100", 7, sample())
-                                 << "project.tmt3"
-                                 << "project" << 7;
-        QTest::newRow("firmware") << "a.osf3" << headed("KV100", 9, sample()) << "firmware.osf3"
-                                  << "firmware" << 9;
-        QTest::newRow("plain") << "a.tmt3" << sample() << "project.tmt3"
-                               << "project" << 100;
-        QTest::newRow("no ending") << "noending" << sample() << "project"
-                                   << "project" << 100;
+        rows({"Line 1.b.tmt3 | 7 | project .tmt3", "a.osf3 | 9 | firmware .osf3",
+              "a.tmt3 | | project .tmt3", "noending | | project "});
     }
     void installsEveryByte()
     {
-        QFETCH(QString, name);
-        QFETCH(QByteArray, content);
-        QFETCH(QString, installed);
-        QFETCH(QString, kind);
-        ask(START, make(name, content));
+        const QByteArray content =
+            cell(1).isEmpty() ? sample() : headed("KV100", std::uint32_t(number(1)), sample());
+        const QString installed = cell(2).remove(u' ');
+        const std::string kind = cell(2).section(u' ', 0, 0).toStdString();
+        ask(START, make(cell(0), content));
         for (const int percent : {10, 30, 50, 70, 90, 100}) {
             const Answer answer = ask(POLL);
-            QCOMPARE(answer.state, 1);
-            QCOMPARE(answer.percent, percent);
+            QVERIFY(answer.state == 1 && answer.percent == percent);
         }
-        QCOMPARE(filesInPanel(), QStringList({QStringLiteral(".part")}));
+        QCOMPARE(filesInPanel(), ".part"_s);
         const Answer last = ask(POLL);
-        QCOMPARE(last.state, 0);
-        QCOMPARE(last.error, 0);
-        QCOMPARE(filesInPanel(), QStringList({installed}));
+        QVERIFY(last.state == 0 && last.error == 0);
+        QCOMPARE(filesInPanel(), installed);
         QFile file(panelFolder() + installed);
         QVERIFY(file.open(QIODevice::ReadOnly));
         QVERIFY(file.readAll() == content);
         const Json state = panel().get("update");
-        const std::string key = kind.toStdString();
-        QVERIFY(state["installed"][key] == name.toStdString());
-        QTEST(state[key + "Version"].get<int>(), "version");
+        QVERIFY(state["installed"][kind] == cell(0).toStdString());
+        QCOMPARE(state[kind + "Version"].get<int>(), cell(1).isEmpty() ? 100 : number(1));
         QCOMPARE(ask(POLL).error, -3); // nothing is being installed
     }
 
+    // the source half-way | result that is ordered | error
     void brokenInstallLeavesNothing_data()
     {
-        QTest::addColumn<QByteArray>("content"); // of the source half-way; null: it is gone
-        QTest::addColumn<int>("ordered");
-        QTest::addColumn<int>("error");
-        QTest::newRow("gone") << QByteArray() << 0 << -1;
-        QTest::newRow("cut") << sample().left(50000) << 0 << -1;
-        QTest::newRow("ordered") << sample() << -4 << -4;
+        rows({"gone | 0 | -1", "cut | 0 | -1", "whole | -4 | -4"});
     }
     void brokenInstallLeavesNothing()
     {
-        QFETCH(QByteArray, content);
-        QFETCH(int, ordered);
-        panel().set("update.result", ordered);
-        const QString path = make(QStringLiteral("a.tmt3"), sample());
+        panel().set("update.result", number(1));
+        const QString path = make("a.tmt3"_s, sample());
         ask(START, path);
         QCOMPARE(ask(POLL).state, 1);
-        if (content.isNull())
+        if (cell(0) == "gone"_s)
             QFile::remove(path);
-        else
-            make(QStringLiteral("a.tmt3"), content);
+        else if (cell(0) == "cut"_s)
+            QFile::resize(path, 50000);
         Answer answer = ask(POLL);
         while (answer.state == 1)
             answer = ask(POLL);
-        QTEST(answer.error, "error");
-        QCOMPARE(filesInPanel(), QStringList());
-        QVERIFY(panel().get("update.installed.project").get<std::string>().empty());
+        QCOMPARE(answer.error, number(2));
+        QCOMPARE(filesInPanel(), QString());
+        QVERIFY(panel().get("update.installed.project") == "");
     }
 
     void stepStandsForItsTime()
     {
         panel().set("update.stepTime", 600000);
-        ask(START, make(QStringLiteral("a.tmt3"), sample()));
+        ask(START, make("a.tmt3"_s, sample()));
         for (int i = 0; i < 3; ++i)
             QCOMPARE(ask(POLL).percent, 10);
         // One install at a time.
         panel().set("update", {{"stepTime", 1}, {"steps", {50}}});
-        QVERIFY(ask(START, make(QStringLiteral("b.osf3"), sample()), 100).result < 0);
+        QVERIFY(ask(START, make("b.osf3"_s, sample()), 100).result < 0);
         QTRY_COMPARE(ask(POLL).state, 0);
-        QCOMPARE(filesInPanel(), QStringList({QStringLiteral("project.tmt3")}));
+        QCOMPARE(filesInPanel(), "project.tmt3"_s);
     }
 
-    void misbehavesAsOrdered_data()
+    // From the first request on, and changed while it runs; and back.
+    void misbehavesAsOrdered()
     {
-        QTest::addColumn<QByteArray>("orders");
-        QTest::addColumn<int>("result");
         const std::pair<const char *, int> cases[] = {
             {R"({"silent": true})", CbbLocalUdp::ERR_TIMEOUT},
             {R"({"late": 600000})", CbbLocalUdp::ERR_TIMEOUT},
@@ -216,20 +182,15 @@ private slots:
             {R"({"reply": "long"})", 4096},
             {R"({"reply": "noise"})", 268},
             {R"({"reply": "unterminated"})", 268}};
-        for (const auto &[orders, result] : cases)
-            QTest::newRow(orders) << QByteArray(orders) << result;
-    }
-    // From the first request on, and changed while it runs; and back.
-    void misbehavesAsOrdered()
-    {
-        QFETCH(QByteArray, orders);
-        QFETCH(int, result);
         const Json before = panel().get("update");
-        for (int i = 0; i < 2; ++i) {
-            panel().set("update", Json::parse(orders.toStdString()));
-            QCOMPARE(ask(POLL, {}, SHORT).result, result);
-            panel().set("update", before);
-            QCOMPARE(ask(POLL).result, 268);
+        for (const auto &[orders, result] : cases) {
+            panel().reset();
+            for (int i = 0; i < 2; ++i) {
+                panel().set("update", Json::parse(orders));
+                QVERIFY2(ask(POLL, {}, SHORT).result == result, orders);
+                panel().set("update", before);
+                QVERIFY2(ask(POLL).result == 268, orders);
+            }
         }
     }
 
@@ -240,7 +201,7 @@ private slots:
         sim::LoopbackSocket client;
         client.bind(0);
         panel().set("update.late", 80);
-        const QString path = make(QStringLiteral("a.tmt3"), "x");
+        const QString path = make("a.tmt3"_s, "x");
         client.send(service, sim::toBytes(START) + path.toStdString());
         client.send(service, sim::toBytes(POLL));
         std::vector<std::uint32_t> percents;
@@ -253,27 +214,19 @@ private slots:
         QCOMPARE(percents, std::vector<std::uint32_t>({0, 10}));
     }
 
-    void diesWithinAnInstallAndComesBack_data()
-    {
-        QTest::addColumn<int>("dieAt");
-        QTest::addColumn<int>("polls"); // answered before
-        QTest::newRow("at the first step") << 1 << 0;
-        QTest::newRow("half-way") << 50 << 2;
-        QTest::newRow("just before the end") << 99 << 5;
-    }
+    // where it dies | polls answered before
+    void diesWithinAnInstallAndComesBack_data() { rows({"1 | 0", "50 | 2", "99 | 5"}); }
     void diesWithinAnInstallAndComesBack()
     {
-        QFETCH(int, dieAt);
-        QFETCH(int, polls);
-        panel().set("update.dieAt", dieAt);
-        ask(START, make(QStringLiteral("a.tmt3"), sample()));
+        panel().set("update.dieAt", number(0));
+        ask(START, make("a.tmt3"_s, sample()));
         const int port = panel().get("update.port").get<int>();
-        for (int i = 0; i < polls; ++i)
+        for (int i = 0; i < number(1); ++i)
             QCOMPARE(ask(POLL).state, 1);
         QVERIFY(ask(POLL, {}, SHORT).result < 0);
         QTRY_VERIFY(panel().get("update.alive") == false);
         QCOMPARE(ask(POLL).result, int(CbbLocalUdp::ERR_NO_SERVICE));
-        QCOMPARE(filesInPanel(), QStringList());
+        QCOMPARE(filesInPanel(), QString());
         panel().set("update.alive", true);
         QCOMPARE(ask(POLL).percent, 0);
         QCOMPARE(panel().get("update.port").get<int>(), port);
@@ -281,10 +234,10 @@ private slots:
 
     void resetEndsAnInstall()
     {
-        ask(START, make(QStringLiteral("a.tmt3"), sample()));
+        ask(START, make("a.tmt3"_s, sample()));
         QCOMPARE(ask(POLL).state, 1);
         panel().reset();
-        QCOMPARE(filesInPanel(), QStringList());
+        QCOMPARE(filesInPanel(), QString());
         QCOMPARE(ask(POLL).state, 0);
     }
 
@@ -338,11 +291,11 @@ private:
 
     static QString panelFolder()
     {
-        return QString::fromLocal8Bit(qgetenv("SYSSET_ROOT")) + QStringLiteral("/mnt/data/update/");
+        return QString::fromLocal8Bit(qgetenv("SYSSET_ROOT")) + "/mnt/data/update/"_s;
     }
-    static QStringList filesInPanel()
+    static QString filesInPanel()
     {
-        return QDir(panelFolder()).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+        return QDir(panelFolder()).entryList(QDir::Files | QDir::Hidden, QDir::Name).join(u' ');
     }
 
     PanelRoot m_root;
