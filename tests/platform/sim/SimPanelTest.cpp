@@ -1,6 +1,4 @@
 #include "platform/board.h"
-#include "platform/cos_time.h"
-#include "platform/machine.h"
 #include "platform/net.h"
 #include "platform/runtime.h"
 #include "platform/sim/Panel.h"
@@ -191,34 +189,6 @@ private slots:
         QCOMPARE(backstage_AddrWrite(10613, words, 2), 0);
         QCOMPARE(backstage_AddrRead(10614, words, 1), 0);
         QCOMPARE(words[0], static_cast<unsigned short>(2));
-    }
-
-    void clockIsSet()
-    {
-        const unsigned short words[] = {2031, 2, 3, 4, 5, 6};
-        QCOMPARE(backstage_AddrWrite(28, words, 6), 0);
-        COS::SYS_TIME_T time;
-        COS::CosTime::GetSysLocalTime(time);
-        QVERIFY(time.year == 2031 && time.minute == 5);
-        time.year = 2020;
-        QCOMPARE(COS::CosTime::SetSysLocalTime(time), 0);
-        QCOMPARE(COS::CosTime::TimeStampToZoneTime(COS::CosTime::GetTimeStamp()).year, 2020);
-        panel().set("clock.allowSet", 0);
-        QVERIFY(backstage_AddrWrite(28, words, 6) < 0);
-    }
-
-    void missingMachineFactsFail()
-    {
-        for (const char *field : {"hmiType", "deviceId", "remote", "cpuId", "boardModel"})
-            panel().set(std::string("machine.") + field, nullptr);
-        const KVCORE::TMachine machine;
-        std::string text("kept");
-        QCOMPARE(machine.GetHMIType(text), 0);
-        QVERIFY(machine.getDeviceId(text) < 0);
-        QCOMPARE(machine.enableRemote(), 0);
-        QVERIFY(PLATFORM::CPlatCpu::getCpuId(text) < 0);
-        QVERIFY(PLATFORM::CPlatBoard::getKVxxx(text) < 0);
-        QCOMPARE(text, std::string("kept"));
     }
 };
 

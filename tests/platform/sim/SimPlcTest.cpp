@@ -1,7 +1,6 @@
 #include "platform/plc.h"
 #include "platform/sim/Panel.h"
-
-#include <QtTest>
+#include "tests/support/Rows.h"
 
 #include <sys/stat.h>
 
@@ -15,23 +14,14 @@ class SimPlcTest : public QObject
 private slots:
     void init() { panel().reset(); }
 
+    // file | result that is ordered | result
     void readsOrderlyFilesOnly_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<int>("ordered");
-        QTest::addColumn<int>("result");
-        QTest::newRow("program") << "program.bin" << 0 << 0;
-        QTest::newRow("older") << "program.bin" << -3 << -3;
-        QTest::newRow("empty") << "empty.bin" << 0 << -1;
-        QTest::newRow("pipe") << "pipe.bin" << 0 << -1;
-        QTest::newRow("folder") << "" << 0 << -1;
-        QTest::newRow("missing") << "missing.bin" << 0 << -1;
+        rows({"program.bin | 0 | 0", "program.bin | -3 | -3", "empty.bin | 0 | -1",
+              "pipe.bin | 0 | -1", ". | 0 | -1", "missing.bin | 0 | -1"});
     }
     void readsOrderlyFilesOnly()
     {
-        QFETCH(QString, name);
-        QFETCH(int, ordered);
-        QFETCH(int, result);
         QTemporaryDir disk;
         const QByteArray content(5000, 'p');
         for (const auto &[file, bytes] : {std::pair("program.bin", content), {"empty.bin", {}}}) {
@@ -40,16 +30,17 @@ private slots:
             made.write(bytes);
         }
         ::mkfifo(disk.filePath(QStringLiteral("pipe.bin")).toLocal8Bit().constData(), 0600);
-        panel().set("plc.file", {{"read", ordered}, {"cam", false}});
+        panel().set("plc.file", {{"read", number(1)}, {"cam", false}});
         Plc5VDownLoadInfo info;
         tag extension;
         CLoadPlcInfo loader;
-        QCOMPARE(loader.ReadPlc5VDownLoadInfo(info, extension, disk.filePath(name).toStdString()),
-                 result);
+        QCOMPARE(
+            loader.ReadPlc5VDownLoadInfo(info, extension, disk.filePath(cell(0)).toStdString()),
+            number(2));
         std::size_t size = 0;
         for (const PlcProData &block : info.program)
             size += block.data.size();
-        QCOMPARE(size, result == 0 ? std::size_t(content.size()) : 0);
+        QCOMPARE(size, number(2) == 0 ? std::size_t(content.size()) : 0);
         QVERIFY(!info.bCam);
     }
 

@@ -1,5 +1,6 @@
 #include "platform/sim/UiFit.h"
 
+#include "tests/support/Rows.h"
 #include "tests/support/Text.h"
 
 #include <QLabel>
@@ -7,10 +8,6 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QTabBar>
-#include <QtTest>
-
-using Plant = void (*)(QWidget &page);
-Q_DECLARE_METATYPE(Plant)
 
 namespace {
 
@@ -31,7 +28,7 @@ void furnish(QWidget &page)
     page.resize(400, 300);
     page.setObjectName("page"_s);
     page.setStyleSheet("QWidget{background-color:white;color:black;}"_s);
-    put<QLabel>(page, "caption", {0, 0, 200, 40}, "Adresse 网络"_s);
+    put<QLabel>(page, "caption", {0, 0, 200, 40}, "Adresse 网络"_s)->setWordWrap(true);
     auto *greyed = put<QPushButton>(page, "greyed", {200, 0, 100, 40}, "Save"_s);
     greyed->setStyleSheet("color:#8c8c8c;"_s); // 3.4 to 1: enough where it is disabled
     greyed->setEnabled(false);
@@ -44,13 +41,29 @@ void furnish(QWidget &page)
     list->addItems({"one"_s, "two, half cut"_s}); // by the lower edge
     auto *tabs = put<QTabBar>(page, "tabs", {0, 170, 300, 40});
     tabs->setStyleSheet("QTabBar::tab{height:40px;width:100px;}"_s);
+    tabs->setElideMode(Qt::ElideRight);
     tabs->addTab("General"_s);
     tabs->addTab("Language"_s);
 }
 
-QLabel *caption(QWidget &page)
+// What the words of a table ask for, done to a widget of the page.
+void plant(QWidget *widget, const QString &what, const QString &argument)
 {
-    return page.findChild<QLabel *>("caption"_s);
+    const QStringList numbers = argument.split(u' ');
+    if (what == "size"_s)
+        widget->resize(numbers[0].toInt(), numbers[1].toInt());
+    else if (what == "move"_s)
+        widget->move(numbers[0].toInt(), numbers[1].toInt());
+    else if (what == "style"_s)
+        widget->setStyleSheet(argument);
+    else if (auto *label = qobject_cast<QLabel *>(widget))
+        label->setText(argument);
+    else if (auto *field = qobject_cast<QLineEdit *>(widget))
+        field->setText(argument);
+    else if (auto *list = qobject_cast<QListWidget *>(widget))
+        list->item(0)->setText(argument);
+    else if (auto *tabs = qobject_cast<QTabBar *>(widget))
+        tabs->setTabText(1, argument);
 }
 
 } // namespace
@@ -61,109 +74,39 @@ class UiFitTest : public QObject
     Q_OBJECT
 
 private slots:
-    void findsWhatIsWrong_data();
-    void findsWhatIsWrong();
+    // widget | what is done to it | kind and widget of each finding
+    void findsWhatIsWrong_data()
+    {
+        rows({"page | move 0 0 |",
+              "caption | size 30 40 | cut caption cut caption", // one run of letters for each font
+              "caption | text One word after the other, until no room is left | cut caption",
+              "field | text 0123456789012345678901234567890123456789 | cut field",
+              "list | text a long name, and another one behind it | cut qt_scrollarea_viewport",
+              "tabs | text Communication settings | cut tabs",
+              "greyed | move 190 10 | overlap caption", "greyed | move 350 0 | overlap greyed",
+              "caption | text \U0010FFFD | glyph caption", // assigned to nothing
+              "greyed | size 80 39 | small greyed",
+              "list | style QListWidget::item{height:30px;} | small list",
+              "tabs | style QTabBar::tab{height:20px;width:100px;} | small tabs small tabs",
+              "caption | style color:#8c8c8c; | pale caption pale caption",
+              "greyed | style color:#c4c4c3; | pale greyed",
+              "field | style background:#555555; | pale field"});
+    }
+    void findsWhatIsWrong()
+    {
+        QWidget page;
+        furnish(page);
+        QWidget *widget = cell(0) == "page"_s ? &page : page.findChild<QWidget *>(cell(0));
+        plant(widget, cell(1).section(u' ', 0, 0), cell(1).section(u' ', 1));
+        page.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&page));
+        QStringList kinds;
+        for (const sim::Json &finding : sim::fitFindings(&page, LEAST_TOUCH))
+            kinds += QString::fromStdString(finding["kind"].get<std::string>() + " " +
+                                            finding["widget"].get<std::string>());
+        QCOMPARE(kinds.join(u' '), cell(2));
+    }
 };
-
-void UiFitTest::findsWhatIsWrong_data()
-{
-    QTest::addColumn<Plant>("plant");
-    QTest::addColumn<QString>("found"); // kind and widget
-    const auto fault = [](const char *name, Plant plant, const char *found) {
-        QTest::newRow(name) << plant << QString::fromLatin1(found);
-    };
-    fault(
-        "nothing", [](QWidget &) {}, "");
-    fault(
-        "label too narrow", [](QWidget &page) { caption(page)->resize(30, 40); },
-        "cut caption cut caption"); // one run of letters for each font
-    fault(
-        "lines too many",
-        [](QWidget &page) {
-            caption(page)->setWordWrap(true);
-            caption(page)->setText(
-                "One word after the other, until no room is left "_s.repeated(4));
-        },
-        "cut caption");
-    fault(
-        "field too narrow",
-        [](QWidget &page) {
-            page.findChild<QLineEdit *>("field"_s)->setText("0123456789"_s.repeated(6));
-        },
-        "cut field");
-    fault(
-        "row elided",
-        [](QWidget &page) {
-            page.findChild<QListWidget *>()->item(0)->setText("a long name "_s.repeated(8));
-            page.findChild<QListWidget *>()->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        },
-        "cut qt_scrollarea_viewport");
-    fault(
-        "tab elided",
-        [](QWidget &page) {
-            page.findChild<QTabBar *>()->setElideMode(Qt::ElideRight);
-            page.findChild<QTabBar *>()->setTabText(1, "Communication settings"_s);
-        },
-        "cut tabs");
-    fault(
-        "sibling covered", [](QWidget &page) { page.findChild<QPushButton *>()->move(190, 10); },
-        "overlap caption");
-    fault(
-        "out of the page", [](QWidget &page) { page.findChild<QPushButton *>()->move(350, 0); },
-        "overlap greyed");
-    fault(
-        "no glyph",
-        [](QWidget &page) {
-            const uint unassigned = 0x10FFFD;
-            caption(page)->setText(QString::fromUcs4(&unassigned, 1));
-        },
-        "glyph caption");
-    fault(
-        "button too small", [](QWidget &page) { page.findChild<QPushButton *>()->resize(80, 39); },
-        "small greyed");
-    fault(
-        "rows too low",
-        [](QWidget &page) {
-            page.findChild<QListWidget *>()->setStyleSheet("QListWidget::item{height:30px;}"_s);
-        },
-        "small list");
-    fault(
-        "tabs too low",
-        [](QWidget &page) {
-            page.findChild<QTabBar *>()->setStyleSheet("QTabBar::tab{height:20px;width:100px;}"_s);
-        },
-        "small tabs small tabs");
-    fault(
-        "pale text", [](QWidget &page) { caption(page)->setStyleSheet("color:#8c8c8c;"_s); },
-        "pale caption pale caption");
-    fault(
-        "pale where disabled",
-        [](QWidget &page) { page.findChild<QPushButton *>()->setStyleSheet("color:#c4c4c3;"_s); },
-        "pale greyed");
-    fault(
-        "pale ground",
-        [](QWidget &page) {
-            page.findChild<QLineEdit *>("field"_s)->setStyleSheet("background:#555555;"_s);
-        },
-        "pale field");
-}
-
-void UiFitTest::findsWhatIsWrong()
-{
-    QFETCH(Plant, plant);
-    QFETCH(QString, found);
-
-    QWidget page;
-    furnish(page);
-    plant(page);
-    page.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&page));
-    QStringList kinds;
-    for (const sim::Json &finding : sim::fitFindings(&page, LEAST_TOUCH))
-        kinds += QString::fromStdString(finding["kind"].get<std::string>() + " " +
-                                        finding["widget"].get<std::string>());
-    QCOMPARE(kinds.join(QLatin1Char(' ')), found);
-}
 
 QTEST_MAIN(UiFitTest)
 #include "UiFitTest.moc"
