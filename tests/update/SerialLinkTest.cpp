@@ -30,6 +30,7 @@ struct Watched
     int modeError = ENOTTY;
     int flushes = 0;
     termios line = {}; // last applied
+    tcflag_t read = 0; // control flags that a pseudo-terminal would not keep
     int applyError = 0;
 };
 Watched watched;
@@ -75,6 +76,13 @@ extern "C" int tcflush(int fd, int queue) noexcept
 {
     watched.flushes += queue == TCIOFLUSH ? 1 : 0;
     return next<int(int, int)>("tcflush")(fd, queue);
+}
+
+extern "C" int tcgetattr(int fd, termios *line) noexcept
+{
+    const int result = next<int(int, termios *)>("tcgetattr")(fd, line);
+    line->c_cflag |= watched.read;
+    return result;
 }
 
 extern "C" int tcsetattr(int fd, int when, const termios *line) noexcept
@@ -168,6 +176,7 @@ private slots:
         line.c_lflag |= ICANON | ECHO | ECHOE | ISIG;
         line.c_oflag |= OPOST | ONLCR | OCRNL;
         tcsetattr(fd, TCSANOW, &line);
+        watched.read = PARENB;
         QCOMPARE(setParity(fd, wanted[0], wanted[1], wanted[2]), 0);
         close(fd);
         const termios &set = watched.line;
