@@ -22,6 +22,7 @@ netT::stAllNetInfo_tag record(const char *kind, const char *function, const char
     result.sNetType = kind;
     result.sFunction = function;
     result.sIpAddr = ip;
+    result.sPrefDns = "7.7.7.7";
     result.sAlterDns = alterDns;
     return result;
 }
@@ -106,6 +107,8 @@ private slots:
 
         const QStringList events = eventsOf({records});
         QCOMPARE(events.join(u' '), cell(2));
+        for (const Json &ping : callsOf("netT.netTping"))
+            QVERIFY(ping[2] != "");
         QCOMPARE(callsOf("netT.CAsyncClient.getConnectedStatus").empty(),
                  !cell(2).contains("=1"_s));
         // The second run says only what it says every time.
