@@ -1,6 +1,7 @@
 #include "platform/sim/ControlServer.h"
 #include "platform/sim/Panel.h"
 #include "platform/sim/SimProgram.h"
+#include "tests/support/Rows.h"
 #include "tests/support/Text.h"
 
 #include <QComboBox>
@@ -11,7 +12,6 @@
 #include <QSlider>
 #include <QTabWidget>
 #include <QTemporaryDir>
-#include <QtTest>
 #include <QVBoxLayout>
 
 #include <future>
@@ -76,7 +76,7 @@ public:
         tabs->addTab(new QWidget, "two"_s);
     }
 
-    QPushButton *button = new QPushButton(QStringLiteral("A && &B"));
+    QPushButton *button = new QPushButton("A && &B"_s);
     QPushButton *disabled = new QPushButton;
     QSlider *slider = new QSlider(Qt::Horizontal);
     QListWidget *list = new QListWidget;
@@ -140,12 +140,7 @@ private slots:
         QVERIFY(send({"ui", "dump", "nobody"})["value"] == Json::array());
     }
 
-    void pressesRows_data()
-    {
-        QTest::addColumn<QString>("row");
-        for (const char *row : {"list 0", "list 49", "combo 3", "combo 49", "tabs 1"})
-            QTest::newRow(row) << row;
-    }
+    void pressesRows_data() { rows({"list 0", "list 49", "combo 3", "combo 49", "tabs 1"}); }
     void pressesRows()
     {
         const std::vector<std::string> row = split(QTest::currentDataTag());
@@ -175,46 +170,13 @@ private slots:
         }
     }
 
-    void slidesToTheValue()
-    {
-        for (const int value : {37, 1, 100}) {
-            QSignalSpy moves(m_window->slider, &QSlider::sliderMoved);
-            QVERIFY(send({"ui", "slide", "slider", std::to_string(value)})["ok"] == true);
-            QTRY_COMPARE(m_window->slider->value(), value);
-            QTRY_VERIFY(!m_window->slider->isSliderDown());
-            QVERIFY(!moves.isEmpty());
-        }
-    }
-
-    // The dialog's loop runs while the socket is asked, the button behind it cannot be pressed, and
-    // the dialog's own can.
-    void worksThroughAModalDialog()
-    {
-        QDialog dialog(m_window.get());
-        QPushButton close(QStringLiteral("close"), &dialog);
-        close.setObjectName(QStringLiteral("close"));
-        connect(&close, &QPushButton::clicked, &dialog, &QDialog::accept);
-        auto refusal = std::async(std::launch::async, [this] {
-            const auto ask = [this](const std::vector<std::string> &words) {
-                return Json::parse(exchange(m_socket, request(words)).toStdString());
-            };
-            while (ask({"ui", "dump", "close"})["value"][0]["visible"] != true)
-                ;
-            const Json behind = ask({"ui", "press", "button"});
-            ask({"ui", "press", "close"});
-            return behind.value("error", std::string());
-        });
-        QCOMPARE(dialog.exec(), int(QDialog::Accepted));
-        QCOMPARE(refusal.get(), std::string("button is behind a modal dialog"));
-    }
-
     void shootsTheScreen()
     {
         QDialog dialog(m_window.get());
-        dialog.setStyleSheet(QStringLiteral("background: red"));
+        dialog.setStyleSheet("background: red"_s);
         dialog.setGeometry(QRect(m_window->mapToGlobal(QPoint(100, 100)), QSize(50, 50)));
         dialog.show();
-        const QString file = m_folder.filePath(QStringLiteral("shot.png"));
+        const QString file = m_folder.filePath("shot.png"_s);
         QVERIFY(send({"ui", "shot", file.toStdString()})["ok"] == true);
         const QImage image(file);
         QCOMPARE(image.size(), QSize(1024, 600));
@@ -231,7 +193,7 @@ private slots:
         QCOMPARE(reply.wait_for(std::chrono::seconds(10)), std::future_status::ready);
         QVERIFY(reply.get().contains("1024"));
         sim::ControlServer impatient(std::chrono::milliseconds(100));
-        const QString path = m_folder.filePath(QStringLiteral("impatient.sock"));
+        const QString path = m_folder.filePath("impatient.sock"_s);
         QVERIFY(impatient.start(path));
         const QByteArray replies =
             std::async(std::launch::async, [&] {
@@ -269,7 +231,7 @@ private:
     }
 
     QTemporaryDir m_folder;
-    QString m_socket = m_folder.filePath(QStringLiteral("panel.sock"));
+    QString m_socket = m_folder.filePath("panel.sock"_s);
     sim::ControlServer m_server;
     std::unique_ptr<Window> m_window;
 };

@@ -157,19 +157,6 @@ private slots:
         QVERIFY(panel().get("update.installed.project") == "");
     }
 
-    void stepStandsForItsTime()
-    {
-        panel().set("update.stepTime", 600000);
-        ask(START, make("a.tmt3"_s, sample()));
-        for (int i = 0; i < 3; ++i)
-            QCOMPARE(ask(POLL).percent, 10);
-        // One install at a time.
-        panel().set("update", {{"stepTime", 1}, {"steps", {50}}});
-        QVERIFY(ask(START, make("b.osf3"_s, sample()), 100).result < 0);
-        QTRY_COMPARE(ask(POLL).state, 0);
-        QCOMPARE(filesInPanel(), "project.tmt3"_s);
-    }
-
     // From the first request on, and changed while it runs; and back.
     void misbehavesAsOrdered()
     {
