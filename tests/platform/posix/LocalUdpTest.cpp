@@ -53,46 +53,41 @@ private slots:
         CBB::moveLocalUdpPort("DownLoad", 0);
     }
 
-    void bringsTheReply_data()
-    {
-        QTest::addColumn<int>("size");
-        for (const int size : {0, 1, 268, 65507})
-            QTest::addRow("%d", size) << size;
-    }
     void bringsTheReply()
     {
-        QFETCH(int, size);
-        const std::string body(std::size_t(size), '\xFE');
-        std::string reply = "former";
-        std::thread echo = serve(m_service, 1, [&](const auto &request) {
-            m_service.send(request.from, request.bytes);
-        });
-        const int result = exchangeDatagram(m_service.port(), body, reply, LONG);
-        echo.join();
-        QCOMPARE(result, size);
-        QVERIFY(reply == body);
+        for (const std::size_t size : {0, 1, 268, 65507}) {
+            const std::string body(size, '\xFE');
+            std::string reply = "former";
+            std::thread echo = serve(m_service, 1, [&](const auto &request) {
+                m_service.send(request.from, request.bytes);
+            });
+            const int result = exchangeDatagram(m_service.port(), body, reply, LONG);
+            echo.join();
+            QCOMPARE(std::size_t(result), size);
+            QVERIFY(reply == body);
+        }
     }
 
-    void failsClearly_data()
-    {
-        QTest::addColumn<int>("port");
-        QTest::addColumn<int>("size");
-        QTest::addColumn<int>("result");
-        QTest::newRow("nobody there") << freePort() << 4 << int(CbbLocalUdp::ERR_NO_SERVICE);
-        QTest::newRow("too long") << freePort() << 65508 << int(CbbLocalUdp::ERR_SYSTEM);
-        QTest::newRow("unknown") << CBB::localUdpPort("Upload") << 4
-                                 << int(CbbLocalUdp::ERR_ENDPOINT);
-        QTest::newRow("no port") << 65536 << 4 << int(CbbLocalUdp::ERR_ENDPOINT);
-    }
+    // Without waiting.
     void failsClearly()
     {
-        QFETCH(int, port);
-        QFETCH(int, size);
+        const struct
+        {
+            const char *why;
+            int port;
+            std::size_t size;
+            int result;
+        } cases[] = {{"nobody there", freePort(), 4, CbbLocalUdp::ERR_NO_SERVICE},
+                     {"too long", freePort(), 65508, CbbLocalUdp::ERR_SYSTEM},
+                     {"unknown", CBB::localUdpPort("Upload"), 4, CbbLocalUdp::ERR_ENDPOINT},
+                     {"no port", 65536, 4, CbbLocalUdp::ERR_ENDPOINT}};
         QElapsedTimer timer;
         timer.start();
-        std::string reply = "former";
-        QTEST(exchangeDatagram(port, std::string(std::size_t(size), 'x'), reply, LONG), "result");
-        QVERIFY(reply.empty());
+        for (const auto &[why, port, size, result] : cases) {
+            std::string reply = "former";
+            QVERIFY2(exchangeDatagram(port, std::string(size, 'x'), reply, LONG) == result, why);
+            QVERIFY2(reply.empty(), why);
+        }
         QVERIFY(timer.elapsed() < LONG / 2);
     }
 
@@ -159,25 +154,19 @@ private slots:
         QCOMPARE(result, int(CbbLocalUdp::ERR_TIMEOUT));
     }
 
-    void environmentNamesThePort_data()
-    {
-        QTest::addColumn<QByteArray>("value");
-        QTest::addColumn<int>("port"); // 0: not from the environment
-        QTest::newRow("port") << QByteArray("40000") << 40000;
-        QTest::newRow("highest") << QByteArray("65535") << 65535;
-        for (const char *nonsense :
-             {"", "0", "-5", "65536", "40000x", " 40000", "port", "99999999999999999999"})
-            QTest::newRow(nonsense) << QByteArray(nonsense) << 0;
-    }
     void environmentNamesThePort()
     {
-        QFETCH(QByteArray, value);
-        QFETCH(int, port);
         const int usual = CBB::localUdpPort("DownLoad");
-        qputenv("SYSSET_UDP_DOWNLOAD", value);
-        QCOMPARE(CBB::localUdpPort("DownLoad"), port != 0 ? port : usual);
-        QCOMPARE(CBB::moveLocalUdpPort("DownLoad", 5000), port != 0 ? port : 5000);
-        QCOMPARE(CBB::moveLocalUdpPort("DownLoad", 0), port != 0 ? port : usual);
+        for (const char *value : {"40000", "65535", "", "0", "-5", "65536", "40000x", " 40000",
+                                  "port", "99999999999999999999"}) {
+            const int named = value == QByteArray("40000")   ? 40000
+                              : value == QByteArray("65535") ? 65535
+                                                             : 0;
+            qputenv("SYSSET_UDP_DOWNLOAD", value);
+            QCOMPARE(CBB::localUdpPort("DownLoad"), named != 0 ? named : usual);
+            QCOMPARE(CBB::moveLocalUdpPort("DownLoad", 5000), named != 0 ? named : 5000);
+            QCOMPARE(CBB::moveLocalUdpPort("DownLoad", 0), named != 0 ? named : usual);
+        }
     }
 
 private:

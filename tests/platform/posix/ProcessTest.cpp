@@ -1,8 +1,8 @@
 #include "platform/cos_process.h"
+#include "tests/support/Rows.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QtTest>
 
 #include <csignal>
 #include <sys/wait.h>
@@ -14,19 +14,16 @@ class ProcessTest : public QObject
     Q_OBJECT
 
 private slots:
+    // With a space, as proc(5) brackets names, as long as the kernel keeps, and longer.
     void findsRunningPrograms_data()
     {
-        QTest::addColumn<QByteArray>("name");
-        // With a space, as proc(5) brackets names, as long as the kernel keeps, and longer.
-        for (const char *name :
-             {"zq server", "zq) R (x", "zq-345678901234", "zq-server-of-the-network"})
-            QTest::newRow(name) << QByteArray(name);
+        rows({"zq server", "zq) R (x", "zq-345678901234", "zq-server-of-the-network"});
     }
     // Found while it runs; neither before, nor as a zombie, nor by a part of its name.
     void findsRunningPrograms()
     {
-        QFETCH(QByteArray, name);
-        const QString program = m_folder.filePath(QString::fromLatin1(name));
+        const QByteArray name = cell(0).toLatin1();
+        const QString program = m_folder.filePath(cell(0));
         QVERIFY(QFile::copy(QStandardPaths::findExecutable(QStringLiteral("sleep")), program));
         QCOMPARE(scanProcessTable(name.toStdString()), -1);
         QProcess process;

@@ -1,8 +1,7 @@
 #include "platform/cos_thread.h"
 #include "tests/platform/posix/Counter.h"
 #include "tests/platform/posix/Threads.h"
-
-#include <QtTest>
+#include "tests/support/Rows.h"
 
 using COS::CCosThreadPool;
 
@@ -27,21 +26,12 @@ private slots:
         QCOMPARE(CCosThreadPool::submit([] {}), -1);
     }
 
-    void boundsThreadsAndQueue_data()
-    {
-        QTest::addColumn<int>("minimum");
-        QTest::addColumn<int>("maximum");
-        QTest::addColumn<int>("queued");
-        QTest::newRow("as the program asks") << 1 << 5 << 20;
-        QTest::newRow("on demand only") << 0 << 2 << 1;
-        QTest::newRow("fixed") << 3 << 3 << 2;
-    }
+    // fewest threads | most | jobs that wait; the first is what the program asks for
+    void boundsThreadsAndQueue_data() { rows({"1 | 5 | 20", "0 | 2 | 1", "3 | 3 | 2"}); }
     void boundsThreadsAndQueue()
     {
-        QFETCH(int, minimum);
-        QFETCH(int, maximum);
-        QFETCH(int, queued);
-        QCOMPARE(CCosThreadPool::init(minimum, maximum, queued), 0);
+        const int maximum = number(1);
+        QCOMPARE(CCosThreadPool::init(number(0), maximum, number(2)), 0);
         Counter running;
         Counter gate;
         int accepted = 0;
@@ -50,7 +40,7 @@ private slots:
                    gate.reaches(1);
                }) == 0)
             ++accepted;
-        QCOMPARE(accepted, maximum + queued);
+        QCOMPARE(accepted, maximum + number(2));
         QVERIFY(running.reaches(maximum));
         QCOMPARE(threadsNamed("pool"), maximum);
         QCOMPARE(running.value(), maximum);

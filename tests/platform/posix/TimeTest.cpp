@@ -1,6 +1,5 @@
 #include "platform/cos_time.h"
-
-#include <QtTest>
+#include "tests/support/Rows.h"
 
 #include <climits>
 #include <cstdint>
@@ -23,26 +22,21 @@ class TimeTest : public QObject
     Q_OBJECT
 
 private slots:
+    // zone | stamp | wall clock. tzset(3): rules of the zone in the variable itself, so that no
+    // zone files are needed.
     void convertsInTheZone_data()
     {
-        // tzset(3): rules of the zone in the variable itself, so that no zone files are needed.
-        const char *berlin = "CET-1CEST,M3.5.0,M10.5.0/3";
-        QTest::addColumn<QString>("zone");
-        QTest::addColumn<qint64>("stamp");
-        QTest::addColumn<QString>("local");
-        QTest::newRow("before 1970") << "UTC0" << qint64{-86400} << "1969-12-31 00:00:00";
-        QTest::newRow("zone") << "CST-8" << qint64{951782400} << "2000-02-29 08:00:00";
-        QTest::newRow("winter") << berlin << qint64{1703980799} << "2023-12-31 00:59:59";
-        QTest::newRow("summer") << berlin << qint64{1688169600} << "2023-07-01 02:00:00";
-        QTest::newRow("after 2038") << berlin << qint64{4102444800} << "2100-01-01 01:00:00";
+        rows({"UTC0 | -86400 | 1969-12-31 00:00:00", "CST-8 | 951782400 | 2000-02-29 08:00:00",
+              "CET-1CEST,M3.5.0,M10.5.0/3 | 1703980799 | 2023-12-31 00:59:59",
+              "CET-1CEST,M3.5.0,M10.5.0/3 | 1688169600 | 2023-07-01 02:00:00",
+              "CET-1CEST,M3.5.0,M10.5.0/3 | 4102444800 | 2100-01-01 01:00:00"});
     }
     void convertsInTheZone()
     {
-        QFETCH(QString, zone);
-        QFETCH(qint64, stamp);
-        qputenv("TZ", zone.toLatin1());
+        qputenv("TZ", cell(0).toLatin1());
+        const qint64 stamp = cell(1).toLongLong();
         const SYS_TIME_T local = CosTime::TimeStampToZoneTime(stamp);
-        QTEST(text(local), "local");
+        QCOMPARE(text(local), cell(2));
         QCOMPARE(qint64{CosTime::TimeToTimeStamp(local)}, stamp);
     }
 
