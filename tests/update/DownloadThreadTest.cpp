@@ -216,27 +216,6 @@ private slots:
         QTRY_COMPARE(late.count(), 1);
     }
 
-    void confirmationLatches()
-    {
-        panel().apply({{"update", {{"error", -9}, {"steps", Json::array()}}}});
-        bool accept = true;
-        connect(
-            m_worker.get(), &CDownloadThread::sglConfirm, this,
-            [&] {
-                m_signals += "asked"_s;
-                if (accept)
-                    m_worker->setConfirmed();
-            },
-            Qt::BlockingQueuedConnection);
-        for (const bool accepted : {true, false}) {
-            accept = accepted;
-            m_signals.clear();
-            start(IMAGE);
-            QTRY_COMPARE(signalsSeen(), "asked; probar 100; imagebar 100; image 0"_s);
-            QTRY_VERIFY(isDone());
-        }
-    }
-
     // The program ends while the question is on its way to a thread that waits for the worker.
     void endsWithQuestionOpen()
     {
