@@ -155,8 +155,6 @@ private slots:
     {
         rows({"btn_CommunIndetail | btn_Communication_L btn_Parity_R btn_StopBits_R btn_Save | "
               "0 3 8 2 1 20 100 3 2 1 1 | RS232,9600,8,2,ODD 20,100,3,2",
-              "btn_TimeOutIndetail | btn_WaitTimeOut_R btn_RetryTimeOut_L btn_Save | "
-              "2 3 8 1 0 30 100 3 1 1 1 | RS422,9600,8,1,NONE 30,100,3,1",
               "btn_TimeOutIndetail | btn_WaitTimeOut_R btn_Canl | "
               "2 3 8 1 0 20 100 3 2 1 1 | RS422,9600,8,1,NONE 20,100,3,2",
               // Eighth behind 9600 stands the rate that the codec has with blanks alone.

@@ -175,40 +175,34 @@ private slots:
         QCOMPARE(list(PROJECT)->currentRow(), 50);
     }
 
-    // page | laid over the panel's state | what is downloaded | the box, "/" for a new line
+    // page | what the panel meets | what is downloaded | the box, "/" for a new line
     void jobFromPressToBox_data()
     {
-        const char *const success = R"({"update": {"steps": [20]}})";
-        const char *const failure =
-            R"({"update": {"steps": [], "result": -3}, "fail": [["plc.Commu", -5]]})";
-        const char *const otherModel = R"({"update": {"model": "KV101<b>"}})";
-        const char *const noModel =
-            R"({"update": {"model": "KV101"}, "machine": {"hmiType": null}})";
-        const std::array<const char *, 3> cases[] = {
-            {success, "0 | HMI project", "Download successfully!/Updated, please restart HMI!"},
-            {success, "1 | HMI firmware",
-             "Update Successful/Updated firmware/Please restart HMI!!"},
-            {success, "2 | PLC project", "Download successfully!/Updated PLC program!"},
-            {failure, "0 | HMI project", "Download failure!/Failed to update, please restart HMI!"},
-            {failure, "1 | HMI firmware", "Update failure!"},
-            {failure, "2 | PLC project", "Download failure!/Unable to communicate with the PLC!"},
-            {otherModel, "0 | HMI project",
-             "Download failure!/HMI model: KV070T/Model settings in project: KV101<b>/"
-             "Model does not match, please modify it!"},
-            {otherModel, "1 | HMI firmware",
-             "Update failure!/HMI model: KV070T/Model settings in firmware: KV101<b>/"
-             "Model does not match, please re-select the firmware file!"},
-            {noModel, "0 | HMI project", "Download failure!/Failed to get HMI model."},
-            {noModel, "1 | HMI firmware", "Update failure!/Failed to get Local HMI model."}};
-        QTest::addColumn<QString>("box");
-        for (const auto &[orders, page, box] : cases)
-            QTest::addRow("%s | %s", page, orders) << QString::fromLatin1(box);
+        rows(
+            {"0 | success | HMI project | Download successfully!/Updated, please restart HMI!",
+             "1 | success | HMI firmware | "
+             "Update Successful/Updated firmware/Please restart HMI!!",
+             "2 | success | PLC project | Download successfully!/Updated PLC program!",
+             "0 | failure | HMI project | Download failure!/Failed to update, please restart HMI!",
+             "1 | failure | HMI firmware | Update failure!",
+             "2 | failure | PLC project | Download failure!/Unable to communicate with the PLC!",
+             "0 | other model | HMI project | Download failure!/HMI model: KV070T/"
+             "Model settings in project: KV101<b>/Model does not match, please modify it!",
+             "1 | other model | HMI firmware | Update failure!/HMI model: KV070T/Model settings in "
+             "firmware: KV101<b>/Model does not match, please re-select the firmware file!",
+             "0 | no model | HMI project | Download failure!/Failed to get HMI model.",
+             "1 | no model | HMI firmware | Update failure!/Failed to get Local HMI model."});
     }
     void jobFromPressToBox()
     {
-        QFETCH(QString, box);
+        const std::map<QString, const char *> orders = {
+            {"success"_s, R"({"update": {"steps": [20]}})"},
+            {"failure"_s,
+             R"({"update": {"steps": [], "result": -3}, "fail": [["plc.Commu", -5]]})"},
+            {"other model"_s, R"({"update": {"model": "KV101<b>"}})"},
+            {"no model"_s, R"({"update": {"model": "KV101"}, "machine": {"hmiType": null}})"}};
         const Page page = Page(number(0));
-        panel().apply(Json::parse(cell(2).toStdString()));
+        panel().apply(Json::parse(orders.at(cell(1))));
         addFiles({"a.tmt3", "a.osf3", "a.bin"});
         press(page);
         insert();
@@ -221,11 +215,11 @@ private slots:
             press(page); // nothing more: it is under way
             QCOMPARE(label(page),
                      "Downloading %1:U1/%2,Please do not shut down or replug the device!"_s.arg(
-                         cell(1), FILES[page]));
+                         cell(2), FILES[page]));
             QCOMPARE(panel().get("buzzer.opens").get<int>(), clicks + 2);
             QVERIFY(!m_pages[page]->isEnabled());
-            QCOMPARE(onOneLine(answered()), box);
-            QCOMPARE(onOneLine(label(page)), box.section(u'/', 1));
+            QCOMPARE(onOneLine(answered()), cell(3));
+            QCOMPARE(onOneLine(label(page)), cell(3).section(u'/', 1));
             QVERIFY(m_pages[page]->isEnabled() && list(page)->isEnabled());
             QCOMPARE(bar(page)->value(), 0);
             QTRY_COMPARE(panel().get("partition.writable"), Json(false));
