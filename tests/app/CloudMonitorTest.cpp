@@ -108,7 +108,7 @@ private slots:
         const QStringList events = eventsOf({records});
         QCOMPARE(events.join(u' '), cell(2));
         for (const Json &ping : callsOf("netT.netTping"))
-            QVERIFY(ping[2] != "");
+            QVERIFY(!ping[2].get<std::string>().empty());
         QCOMPARE(callsOf("netT.CAsyncClient.getConnectedStatus").empty(),
                  !cell(2).contains("=1"_s));
         // The second run says only what it says every time.

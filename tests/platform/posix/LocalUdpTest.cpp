@@ -74,16 +74,15 @@ private slots:
         const struct
         {
             const char *why;
-            int port;
             std::size_t size;
-            int result;
-        } cases[] = {{"nobody there", freePort(), 4, CbbLocalUdp::ERR_NO_SERVICE},
-                     {"too long", freePort(), 65508, CbbLocalUdp::ERR_SYSTEM},
-                     {"unknown", CBB::localUdpPort("Upload"), 4, CbbLocalUdp::ERR_ENDPOINT},
-                     {"no port", 65536, 4, CbbLocalUdp::ERR_ENDPOINT}};
+            int port, result;
+        } cases[] = {{"nobody there", 4, freePort(), CbbLocalUdp::ERR_NO_SERVICE},
+                     {"too long", 65508, freePort(), CbbLocalUdp::ERR_SYSTEM},
+                     {"unknown", 4, CBB::localUdpPort("Upload"), CbbLocalUdp::ERR_ENDPOINT},
+                     {"no port", 4, 65536, CbbLocalUdp::ERR_ENDPOINT}};
         QElapsedTimer timer;
         timer.start();
-        for (const auto &[why, port, size, result] : cases) {
+        for (const auto &[why, size, port, result] : cases) {
             std::string reply = "former";
             QVERIFY2(exchangeDatagram(port, std::string(size, 'x'), reply, LONG) == result, why);
             QVERIFY2(reply.empty(), why);

@@ -154,7 +154,7 @@ private slots:
         task.name = "task";
         task.period = task.next = 4;
         QVERIFY(schedule.add(task));
-        const std::pair<posix::Tick, posix::Tick> calls[] = {{4, 4}, {10, 11}, {12, 17}, {20, 20}};
+        const std::pair<posix::Tick, posix::Tick> calls[] = {{4, 4}, {10, 11}, {12, 27}, {28, 28}};
         for (const auto &[start, end] : calls) {
             QVERIFY(!schedule.claim(*schedule.nextDue() - 1));
             QVERIFY(schedule.claim(start));

@@ -147,7 +147,7 @@ private slots:
             answer = ask(POLL);
         QCOMPARE(answer.error, number(2));
         QCOMPARE(filesInPanel(), QString());
-        QVERIFY(panel().get("update.installed.project") == "");
+        QVERIFY(panel().get("update.installed.project").get<std::string>().empty());
     }
 
     // From the first request on, and changed while it runs; and back.
