@@ -34,7 +34,7 @@ QString visibleOf(const QWidget *keyboard, const QStringList &names)
         if (keyboard->findChild<QWidget *>(name)->isVisible())
             visible += name;
     }
-    return visible.join(QLatin1Char(' '));
+    return visible.join(u' ');
 }
 
 // What the marks of a table stand for.
@@ -49,7 +49,7 @@ QString unmarked(const QString &text)
 
 QRect rectOf(const QString &numbers)
 {
-    const QStringList parts = numbers.split(QLatin1Char(' '));
+    const QStringList parts = numbers.split(u' ');
     return {parts[0].toInt(), parts[1].toInt(), parts[2].toInt(), parts[3].toInt()};
 }
 
@@ -110,7 +110,7 @@ private slots:
     {
         SoftKeyboard keyboard(nullptr, cell(1));
         QSignalSpy entered(&keyboard, &SoftKeyboard::Sgl_InputText);
-        const QStringList limits = cell(2).split(QLatin1Char(' '));
+        const QStringList limits = cell(2).split(u' ');
         keyboard.setRange(limits.first().toInt(), limits.last().toInt());
         keyboard.setMaxLength(limits.last().toInt());
         typeOnKeyboard(unmarked(cell(3)));
@@ -148,7 +148,7 @@ private slots:
         });
         keyboard.setMode(number(0));
         QCOMPARE(visible, cell(1));
-        QCOMPARE(line->displayText().replace(QChar(0x25cf), QLatin1Char('*')), cell(2));
+        QCOMPARE(line->displayText().replace(QChar(0x25cf), u'*'), cell(2));
         QCOMPARE(line->alignment(), cell(3) == "left"_s ? Qt::AlignLeft : Qt::AlignHCenter);
         QCOMPARE(keyboard.findChild<QLabel *>("lab_Max"_s)->text(), "Max:31"_s);
         QCOMPARE(button(&keyboard, "btn_n_abc")->isEnabled(), number(0) != KB_MODE_NUMBER);
@@ -238,7 +238,7 @@ private slots:
     // goes.
     void fieldIsNamedAndMarked()
     {
-        const QString label = cell(0) == "long"_s ? QString(500, QLatin1Char('W')) : cell(0);
+        const QString label = cell(0) == "long"_s ? QString(500, u'W') : cell(0);
         QWidget page;
         page.setStyleSheet("QLineEdit[edited=\"true\"]{color:#ff0000;}"_s);
         QLabel neighbour("Other:"_s, &page);

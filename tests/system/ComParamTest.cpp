@@ -25,12 +25,12 @@ QString portWords(unsigned int base)
         unsigned short word = 0;
         words << (backstage_AddrRead(base + i, &word, 1) == 0 ? QString::number(word) : "x"_s);
     }
-    return words.join(QLatin1Char(' '));
+    return words.join(u' ');
 }
 
 void setWords(unsigned int base, const QString &words)
 {
-    for (const QString &word : words.split(QLatin1Char(' ')))
+    for (const QString &word : words.split(u' '))
         sim::panel().set(path(base++), word == "x"_s ? sim::Json() : sim::Json(word.toInt()));
 }
 
@@ -101,9 +101,9 @@ private slots:
         bool complete = false;
         const int read = lists.readPort(BASE, text, &complete);
         QCOMPARE(text, cell(1).replace("BLANKS"_s, "\t\t\t\t\t\t  "_s));
-        QCOMPARE(complete, !cell(0).contains(QLatin1Char('x')));
+        QCOMPARE(complete, !cell(0).contains(u'x'));
         QCOMPARE("%1 %2"_s.arg(read).arg(lists.writePort(BASE, text)), cell(2));
-        if (complete && !cell(0).startsWith(QLatin1Char('4'))) // 4 is written as 6
+        if (complete && !cell(0).startsWith(u'4')) // 4 is written as 6
             QCOMPARE(portWords(BASE), cell(0));
     }
 

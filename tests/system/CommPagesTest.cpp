@@ -57,7 +57,7 @@ QString words(unsigned int base)
     for (unsigned int i = 0; i < COM_FIELDS; ++i)
         texts << QString::fromStdString(
             sim::panel().get("words." + std::to_string(base + i)).dump());
-    return texts.join(QLatin1Char(' '));
+    return texts.join(u' ');
 }
 
 void setWord(unsigned int address, const sim::Json &word)
@@ -92,7 +92,7 @@ private slots:
         QString ports = shown("line_ComNum");
         for (const QChar step : "LRRRRRRR"_s) {
             press(m_page.get(), "btn_Com"_s + step);
-            ports += QLatin1Char(' ') + shown("line_ComNum");
+            ports += u' ' + shown("line_ComNum");
         }
         QCOMPARE(ports, "COM1-1 COM3 COM1-1 COM1-2 COM1-3 COM2-1 COM3 COM1-1 COM1-2"_s);
         QCOMPARE(summaries(), "RS485_1,115200,8,1,EVEN 50,500,3,5"_s);
@@ -168,7 +168,7 @@ private slots:
         m_page->resize(300, 390);
         m_page->init(&m_lists);
         QVERIFY(shown("line_SerialCommiation").endsWith(QChar(0x2026)));
-        pressInDialog(cell(1).split(QLatin1Char(' ')));
+        pressInDialog(cell(1).split(u' '));
         press(m_page.get(), cell(0));
         QCOMPARE(words(FIRST), cell(2));
         QVERIFY(saysWhyNotSaved(cell(4)));
@@ -213,13 +213,13 @@ private slots:
     {
         const int field = number(1);
         sim::panel().set("machine.sn", nullptr);
-        for (const QString &step : cell(2).split(QLatin1Char(' '))) {
-            const QStringList texts = step.split(QLatin1Char('/'));
+        for (const QString &step : cell(2).split(u' ')) {
+            const QStringList texts = step.split(u'/');
             const QString from = QString(texts[0]).replace("BLANKS"_s, "\t\t\t\t\t\t  "_s);
             for (const auto &[button, expected] :
                  {std::pair{"btn_%1_L"_s, texts[1]}, {"btn_%1_R"_s, texts[2]}}) {
                 CommuniCation dialog(nullptr);
-                dialog.prepare({"COM3"_s, QString(field, QLatin1Char(',')) + from}, {});
+                dialog.prepare({"COM3"_s, QString(field, u',') + from}, {});
                 dialog.selectPage(field / COM_WAIT_TIMEOUT * 7); // all but 0 is the second page
                 dialog.show();
                 press(&dialog, button.arg(cell(0)));
@@ -256,13 +256,13 @@ private slots:
     void offersFreeConnections()
     {
         const auto port = [](const QString &text) {
-            return ComPort{text.section(QLatin1Char(' '), 0, 0), text.section(QLatin1Char(' '), 1)};
+            return ComPort{text.section(u' ', 0, 0), text.section(u' ', 1)};
         };
         std::vector<ComPort> inUse;
-        for (const QString &text : cell(2).split(QLatin1Char(',')))
+        for (const QString &text : cell(2).split(u','))
             inUse.push_back(port(text));
-        const QString round = cell(3) + QLatin1Char(' ') + cell(3).section(QLatin1Char(' '), 0, 0);
-        for (const QString &serialNumber : cell(0).split(QLatin1Char(','))) {
+        const QString round = cell(3) + u' ' + cell(3).section(u' ', 0, 0);
+        for (const QString &serialNumber : cell(0).split(u',')) {
             sim::panel().set("machine.sn", serialNumber.toStdString());
             CommuniCation dialog(nullptr);
             dialog.show();
@@ -270,11 +270,11 @@ private slots:
             auto *line = dialog.findChild<QLineEdit *>("line_Communication"_s);
             line->clear();
             QStringList offered;
-            for (int i = 0; i <= round.count(QLatin1Char(' ')); ++i) {
+            for (int i = 0; i <= round.count(u' '); ++i) {
                 press(&dialog, "btn_Communication_R"_s);
                 offered << line->text();
             }
-            QCOMPARE(offered.join(QLatin1Char(' ')), round);
+            QCOMPARE(offered.join(u' '), round);
         }
     }
 
@@ -282,7 +282,7 @@ private:
     QString shown(const char *name) { return lineText(m_page.get(), QLatin1String(name)); }
     QString summaries()
     {
-        return shown("line_SerialCommiation") + QLatin1Char(' ') + shown("line_TimeCommiation");
+        return shown("line_SerialCommiation") + u' ' + shown("line_TimeCommiation");
     }
     // Nothing at all without a reason.
     bool saysWhyNotSaved(const QString &reason)

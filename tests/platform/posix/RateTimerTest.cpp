@@ -272,6 +272,7 @@ private slots:
             while (CCosRateTimer::removeTimer("slow") == 0 ||
                    addForEver(Slow::run, &slow, "x") != -1)
                 CCosRateTimer::removeTimer("x"); // until destory() has begun
+            COS::CosTime::SleepCos(50);          // time for one that does not wait to be gone
             slow.gate.add();
         });
         CCosRateTimer::destory();

@@ -17,7 +17,7 @@ private slots:
     void comeIntoANewRoot()
     {
         sim::installFiles();
-        QCOMPARE(QDir(m_folder).entryList(QDir::Files).join(QLatin1Char(' ')),
+        QCOMPARE(QDir(m_folder).entryList(QDir::Files).join(u' '),
                  "NetWorkTest_ch.json NetWorkTest_en.json"_s);
         // What somebody has taken away stays away.
         QVERIFY(QFile::remove(m_folder + "/NetWorkTest_ch.json"_s));
