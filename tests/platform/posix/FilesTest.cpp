@@ -12,6 +12,7 @@
 
 using COS::CosDir;
 using COS::CosFile;
+using namespace std::string_literals;
 
 class FilesTest : public QObject
 {
@@ -29,43 +30,40 @@ private slots:
         QCOMPARE(::symlink("file", at("link").c_str()), 0);
     }
 
-    void copiesWholeOrNotAtAll_data()
-    {
-        QTest::addColumn<QByteArray>("from");
-        QTest::addColumn<QByteArray>("to");
-        QTest::addColumn<int>("result");
-        const auto row = [](const char *name, const char *from, const QByteArray &to, int result) {
-            QTest::newRow(name) << QByteArray(from) << to << result;
-        };
-        const QByteArray longest(255, 'n');
-        row("in new directories", "source", "a/b/c", 0);
-        row("over a file", "source", "file", 0);
-        row("over a link", "source", "link", 0);
-        row("over itself", "source", "source", 0);
-        row("longest name", "source", longest, 0);
-        row("hostile name", "source", "\xff\n*'$", 0);
-        row("nothing", "missing", "file", -1);
-        row("a directory", "directory", "file", -1);
-        row("a pipe", "pipe", "file", -1);
-        row("unreadable bytes", "/proc/self/mem", "file", -1);
-        row("below a file", "source", "file/x", -2);
-        row("over a directory", "source", "directory", -3);
-        row("name too long", "source", longest + 'n', -3);
-        row("no name", "source", "directory/", -3);
-    }
     void copiesWholeOrNotAtAll()
     {
-        QFETCH(QByteArray, from);
-        QFETCH(QByteArray, to);
-        QFETCH(int, result);
-        const std::string source = from.startsWith('/') ? from.toStdString() : at(from);
-        QCOMPARE(CosFile::CopyWithMakeDir(source, at(to)), result);
-        QCOMPARE(read("file"), result == 0 && to == "file" ? "new" : "old");
-        if (result == 0)
-            QCOMPARE(read(to), "new");
-        std::vector<std::string> left;
-        QCOMPARE(CosDir::ListDir(at(""), ".copy-*", left), 0);
-        QCOMPARE(CosDir::ListDir(at("directory"), "*", left), 0);
+        const QByteArray longest(255, 'n');
+        const struct
+        {
+            const char *why;
+            QByteArray from, to;
+            int result;
+        } cases[] = {
+            {"in new directories", "source", "a/b/c", 0},
+            {"over a file", "source", "file", 0},
+            {"over a link", "source", "link", 0},
+            {"over itself", "source", "source", 0},
+            {"longest name", "source", longest, 0},
+            {"hostile name", "source", "\xff\n*'$", 0},
+            {"nothing", "missing", "file", -1},
+            {"a directory", "directory", "file", -1},
+            {"a pipe", "pipe", "file", -1},
+            {"unreadable bytes", "/proc/self/mem", "file", -1},
+            {"below a file", "source", "file/x", -2},
+            {"over a directory", "source", "directory", -3},
+            {"name too long", "source", longest + 'n', -3},
+            {"no name", "source", "directory/", -3},
+        };
+        for (const auto &[why, from, to, result] : cases) {
+            init();
+            const std::string source = from.startsWith('/') ? from.toStdString() : at(from);
+            QVERIFY2(CosFile::CopyWithMakeDir(source, at(to)) == result, why);
+            QVERIFY2(read("file") == (result == 0 && to == "file" ? "new" : "old"), why);
+            QVERIFY2(result != 0 || read(to) == "new", why);
+            std::vector<std::string> left;
+            QVERIFY2(CosDir::ListDir(at(""), ".copy-*", left) == 0, why);
+            QVERIFY2(CosDir::ListDir(at("directory"), "*", left) == 0, why);
+        }
     }
 
     void copiesBytesAndPermissions()
@@ -81,36 +79,27 @@ private slots:
         QCOMPARE(info.st_mode & ACCESSPERMS, mode_t{0644});
     }
 
-    void listsNamesAsBytes_data()
-    {
-        QTest::addColumn<QByteArray>("pattern");
-        QTest::addColumn<QByteArrayList>("names");
-        const auto row = [](const char *pattern, const QByteArrayList &names) {
-            QTest::newRow(pattern) << QByteArray(pattern) << names;
-        };
-        row("*.*", {".hidden", "a\n.b", QByteArray(250, 'n') + ".long", "\xff\xfe.txt"});
-        row("*.txt", {"\xff\xfe.txt"});
-        row("[a-c]*", {"a\n.b", "b"});
-        row("[", {});
-    }
     void listsNamesAsBytes()
     {
-        QFETCH(QByteArray, pattern);
+        const std::string longName = std::string(250, 'n') + ".long";
+        const std::pair<const char *, std::vector<std::string>> cases[] = {
+            {"*.*", {".hidden", "a\n.b", longName, "\xff\xfe.txt"}},
+            {"*.txt", {"\xff\xfe.txt"}},
+            {"[a-c]*", {"a\n.b", "b"}},
+            {"[", {}},
+        };
         QCOMPARE(CosDir::MakeDir(at("list")), 0);
-        for (const char *name : {"b", "\xff\xfe.txt", "a\n.b", ".hidden"})
-            write(QByteArray("list/") + name, "");
-        write("list/" + QByteArray(250, 'n') + ".long", "");
+        for (const std::string &name : {"b"s, "\xff\xfe.txt"s, "a\n.b"s, ".hidden"s, longName})
+            write("list/" + QByteArray::fromStdString(name), "");
         for (const char *locale : {"C", "C.UTF-8"}) {
             std::setlocale(LC_ALL, locale); // NOLINT(concurrency-mt-unsafe): one thread
-            std::vector<std::string> names{"old"};
-            const int count = CosDir::ListDir(at("list"), pattern.toStdString(), names);
-            QByteArrayList got;
-            std::transform(names.begin(), names.end(), std::back_inserter(got),
-                           QByteArray::fromStdString);
-            QTEST(got, "names");
-            QCOMPARE(count, got.size());
-            QCOMPARE(CosDir::ListDir(at("file"), "*", names), -1);
-            QVERIFY(names.empty());
+            for (const auto &[pattern, expected] : cases) {
+                std::vector<std::string> names{"old"};
+                const int count = CosDir::ListDir(at("list"), pattern, names);
+                QVERIFY2(names == expected && count == int(expected.size()), pattern);
+                QCOMPARE(CosDir::ListDir(at("file"), "*", names), -1);
+                QVERIFY(names.empty());
+            }
         }
     }
 
