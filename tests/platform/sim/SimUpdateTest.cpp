@@ -97,7 +97,7 @@ private slots:
         QCOMPARE(ask(CHECK, m_disk.filePath("a.tmt3"_s)).error, -7);
     }
 
-    // name | version, or none without a header | what is installed
+    // name | version, or none without a header | kind and ending of what is installed
     void installsEveryByte_data()
     {
         rows({"Line 1.b.tmt3 | 7 | project .tmt3", "a.osf3 | 9 | firmware .osf3",
