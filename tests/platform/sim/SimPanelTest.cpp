@@ -141,18 +141,28 @@ private slots:
         QCOMPARE(panel().get("buzzer.opens").get<int>(), 3);
     }
 
+    // And what is plugged in by then reaches them too, but nothing that has been taken out.
     void hotPlugReachesRegistrations()
     {
+        const auto listen = [](Plugged &plugged) {
+            const PLATFORM::MediaCallbacks callbacks{Plugged::add<'+'>, Plugged::add<'-'>};
+            QCOMPARE(PLATFORM::CPlatMedia::addDev({PLATFORM::DEV_UDISK}, callbacks, &plugged), 0);
+        };
         Plugged plugged;
+        Plugged later;
+        panel().media().insert(201, "/forgotten");
+        panel().reset();
         panel().media().insert(201, "/first");
         panel().media().insert(999, "/unknown");
-        QCOMPARE(PLATFORM::CPlatMedia::addDev({PLATFORM::DEV_UDISK},
-                                              {Plugged::add<'+'>, Plugged::add<'-'>}, &plugged),
-                 0);
+        listen(plugged);
         panel().media().insert(777, "/late");
         panel().media().remove(201, "/first");
-        const std::vector<std::string> expected{"+201/first", "+777/late", "-201/first"};
+        listen(later);
+        panel().media().insert(201, "/last");
+        const std::vector<std::string> expected{"+201/first", "+777/late", "-201/first",
+                                                "+201/last"};
         QTRY_COMPARE(plugged.seen(), expected);
+        QTRY_COMPARE(later.seen(), std::vector<std::string>{"+201/last"});
         panel().reset();
     }
 
