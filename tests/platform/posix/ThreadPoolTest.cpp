@@ -3,6 +3,8 @@
 #include "tests/platform/posix/Threads.h"
 #include "tests/support/Rows.h"
 
+#include <thread>
+
 using COS::CCosThreadPool;
 
 class ThreadPoolTest : public QObject
@@ -44,8 +46,13 @@ private slots:
         QVERIFY(running.reaches(maximum));
         QCOMPARE(threadsNamed("pool"), maximum);
         QCOMPARE(running.value(), maximum);
-        gate.add();
+        std::thread opener([&] {
+            while (CCosThreadPool::submit([] {}) != -1) // full, until destory() has begun
+                std::this_thread::yield();
+            gate.add();
+        });
         CCosThreadPool::destory(); // lets the waiting ones finish
+        opener.join();
         QCOMPARE(running.value(), accepted);
         QTRY_COMPARE(threadsNamed("pool"), 0);
     }
