@@ -80,24 +80,45 @@ private slots:
         m_pages = {};
     }
 
-    // page | codes with one text=a word of each of its lines
+    // page | codes | a word of each line of their text
     void resultTexts_data()
     {
-        rows({"0 | 0=Updated, please restart; -1=not found in Udisk; -4=get HMI model; "
-              "-5=KV070T/in project: /Model does not match; -8=Project file unmatched; "
-              "1 -2 -3 -6 -7 -9=Failed to update, please restart",
-              "1 | 0=Updated firmware/restart; -1=get Udisk HMI firmware; -4=get HMI model; "
-              "-8 -9=Project file unmatched; -11=get Udisk HMI model; 1 -2 -3 -5 -6 -7 -10 -12=",
-              "2 | 0=Updated PLC; -1 -20=update PLC program; -2 -21=open COM; "
-              "-3 -25=timeout/reasons/parameter setting/cable; -4 -24=password; "
-              "-5 -7 -13=communicate; -6=stop PLC\uFF01; -8 -15 -22=read file; "
-              "-9=program failed/PLC program!/cable; -10=comment failed/PLC comment!/cable; "
-              "-11=memory failed/PLC memory!/cable; -12=CAM table/related parameters/cable; "
-              "1 -14 -34=set disable upload; -16=PLC type; "
-              "-17 -18=parameter failed/PLC parameter setting/cable; -19 -23=PLC version; "
-              "-26=PLC subprogram; -27=prohibit uploading; -28=subroutine encryption; "
-              "-29=contains program ID; -30=program ID error; -31=program ID required; "
-              "-32=Program exceeds; -33=Comment exceeds"});
+        rows({"0 | 0 | Updated, please restart",
+              "0 | -1 | not found in Udisk",
+              "0 | -4 | get HMI model",
+              "0 | -5 | KV070T/in project: /Model does not match",
+              "0 | -8 | Project file unmatched",
+              "0 | 1 -2 -3 -6 -7 -9 | Failed to update, please restart",
+              "1 | 0 | Updated firmware/restart",
+              "1 | -1 | get Udisk HMI firmware",
+              "1 | -4 | get HMI model",
+              "1 | -8 -9 | Project file unmatched",
+              "1 | -11 | get Udisk HMI model",
+              "1 | 1 -2 -3 -5 -6 -7 -10 -12 |",
+              "2 | 0 | Updated PLC",
+              "2 | -1 -20 | update PLC program",
+              "2 | -2 -21 | open COM",
+              "2 | -3 -25 | timeout/reasons/parameter setting/cable",
+              "2 | -4 -24 | password",
+              "2 | -5 -7 -13 | communicate",
+              "2 | -6 | stop PLC\uFF01",
+              "2 | -8 -15 -22 | read file",
+              "2 | -9 | program failed/PLC program!/cable",
+              "2 | -10 | comment failed/PLC comment!/cable",
+              "2 | -11 | memory failed/PLC memory!/cable",
+              "2 | -12 | CAM table/related parameters/cable",
+              "2 | 1 -14 -34 | set disable upload",
+              "2 | -16 | PLC type",
+              "2 | -17 -18 | parameter failed/PLC parameter setting/cable",
+              "2 | -19 -23 | PLC version",
+              "2 | -26 | PLC subprogram",
+              "2 | -27 | prohibit uploading",
+              "2 | -28 | subroutine encryption",
+              "2 | -29 | contains program ID",
+              "2 | -30 | program ID error",
+              "2 | -31 | program ID required",
+              "2 | -32 | Program exceeds",
+              "2 | -33 | Comment exceeds"});
     }
     // A text that differs from the translated one by a letter stays English.
     void resultTexts()
@@ -109,20 +130,17 @@ private slots:
             QMetaObject::invokeMethod(m_pages[page].get(), slot, Q_ARG(int, code.toInt()));
             return label(Page(page)).split(page == PROJECT ? "\n"_s : "\r\n"_s);
         };
-        std::map<QString, QString> sources; // by the Chinese of it: no two texts may become one
-        for (const QString &texts : cell(1).split("; "_s)) {
-            const QStringList words = texts.section(u'=', 1).split(u'/');
-            for (const QString &code : texts.section(u'=', 0, 0).split(u' ')) {
-                const QStringList english = linesOf(LANGUAGE_ENGLISH, code);
-                const QStringList chinese = linesOf(LANGUAGE_CHINESE, code);
-                QCOMPARE(english.size(), words.size());
-                QCOMPARE(english.join(QString()).isEmpty(), words.join(QString()).isEmpty());
-                for (int i = 0; i < words.size(); ++i) {
-                    QVERIFY2(english[i].contains(words[i]), qPrintable(code + english[i]));
-                    QVERIFY2(isChinese(chinese[i]) || words[i].isEmpty(), qPrintable(chinese[i]));
-                    QCOMPARE(sources.emplace(chinese[i], english[i]).first->second, english[i]);
-                    QVERIFY(chinese[i].endsWith(u'\uFF01') || !words[i].endsWith(u'\uFF01'));
-                }
+        const QStringList words = cell(2).split(u'/');
+        for (const QString &code : cell(1).split(u' ')) {
+            const QStringList english = linesOf(LANGUAGE_ENGLISH, code);
+            const QStringList chinese = linesOf(LANGUAGE_CHINESE, code);
+            QCOMPARE(english.size(), words.size());
+            QCOMPARE(english.join(QString()).isEmpty(), cell(2).isEmpty());
+            for (int i = 0; i < words.size(); ++i) {
+                QVERIFY2(english[i].contains(words[i]), qPrintable(code + english[i]));
+                QVERIFY2(isChinese(chinese[i]) || words[i].isEmpty(), qPrintable(chinese[i]));
+                QCOMPARE(m_english.emplace(chinese[i], english[i]).first->second, english[i]);
+                QVERIFY(chinese[i].endsWith(u'\uFF01') || !words[i].endsWith(u'\uFF01'));
             }
         }
     }
@@ -387,6 +405,7 @@ private:
     std::unique_ptr<QTemporaryDir> m_stick;
     std::unique_ptr<CDownloadThread> m_worker;
     std::array<std::unique_ptr<UpdatePage>, 3> m_pages;
+    std::map<QString, QString> m_english; // by the Chinese of it: no two texts may become one
 };
 
 QTEST_MAIN(UpdatePagesTest)
