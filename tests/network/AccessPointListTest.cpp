@@ -44,6 +44,13 @@ private slots:
         m_list->setAccessPoints({{0, 101, "b", "", 0}, {0, -1, "a", "", 4}});
         QCOMPARE(iconIn(0), b);
         QCOMPARE(iconIn(1), a);
+        std::vector<AccessPoint> many(40, {0, 50, "b", "", 0});
+        many.push_back({0, 60, "out of sight", "", 4});
+        m_list->setAccessPoints(many);
+        std::swap(many.front(), many.back());
+        many.front().nLevel = 101;
+        m_list->setAccessPoints(many);
+        QCOMPARE(iconIn(0), a);
         m_list->setAccessPoints({{0, 101, "another", "", 0}});
         QCOMPARE(iconIn(0), QString());
     }
