@@ -145,8 +145,7 @@ void Net4G::retranslate()
 
 bool Net4G::eventFilter(QObject *watched, QEvent *event)
 {
-    // A disabled widget still hands its presses to the filter.
-    if (event->type() == QEvent::MouseButtonPress && static_cast<QWidget *>(watched)->isEnabled())
+    if (isPress(watched, event))
         press(watched);
     return QWidget::eventFilter(watched, event);
 }

@@ -80,7 +80,7 @@ void NetEth::retranslate()
 
 bool NetEth::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::MouseButtonPress)
+    if (isPress(watched, event))
         press(watched);
     return QWidget::eventFilter(watched, event);
 }
@@ -96,8 +96,7 @@ void NetEth::press(QObject *target)
         m_addresses->startDhcp();
         showDhcpView();
     } else if (QLineEdit *field = m_addresses->fieldOf(target)) {
-        // A disabled field still hands its presses to the filter.
-        if (m_addresses->isEditable() && field->isEnabled())
+        if (m_addresses->isEditable())
             m_addresses->edit(field);
     }
 }

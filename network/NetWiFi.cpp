@@ -362,9 +362,7 @@ void NetWiFi::join(const netT::stApInfo_tag &accessPoint, const std::string &pas
 
 bool NetWiFi::eventFilter(QObject *watched, QEvent *event)
 {
-    // A disabled widget still hands its presses to the filter.
-    if (watched == ui->wid_wifiConnect && event->type() == QEvent::MouseButtonPress &&
-        ui->wid_wifiConnect->isEnabled())
+    if (watched == ui->wid_wifiConnect && isPress(watched, event))
         openParameters();
     return QWidget::eventFilter(watched, event);
 }

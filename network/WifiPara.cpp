@@ -66,7 +66,7 @@ void WifiPara::setDevName(const std::string &device)
 
 bool WifiPara::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::MouseButtonPress)
+    if (isPress(watched, event))
         press(watched);
     return QDialog::eventFilter(watched, event);
 }
@@ -84,7 +84,6 @@ void WifiPara::press(QObject *target)
         m_addresses->startDhcp();
         setLook(true);
     } else if (QLineEdit *field = m_addresses->fieldOf(target)) {
-        // A disabled field still hands its presses to the filter.
         if (m_addresses->isEditable())
             m_addresses->edit(field);
     }

@@ -102,8 +102,7 @@ void CommSetting::retranslate()
 bool CommSetting::eventFilter(QObject *watched, QEvent *event)
 {
     const bool isStation = watched == ui->line_HmiStation || watched == ui->line_StandStation;
-    if (isStation && event->type() == QEvent::MouseButtonPress && isEnabled()) {
-        // A disabled page still hands its presses to the filter.
+    if (isStation && isPress(watched, event)) {
         if (watched == ui->line_HmiStation)
             editStation(ui->line_HmiStation, COM_HMI_STATION);
         else

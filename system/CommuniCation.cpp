@@ -136,7 +136,7 @@ QStringList CommuniCation::values(int page) const
 
 bool CommuniCation::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::MouseButtonPress) {
+    if (isPress(watched, event)) {
         for (std::size_t i = 0; i < m_fields.size(); ++i) {
             const FieldRule &rule = RULES[i];
             if (watched == m_fields[i].line && rule.rule != Rule::List)

@@ -69,7 +69,7 @@ void General::retranslate()
 
 bool General::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::MouseButtonPress && !m_clock->edit(watched))
+    if (isPress(watched, event) && !m_clock->edit(watched))
         m_backlightBuzzer->edit(watched);
     return QWidget::eventFilter(watched, event);
 }

@@ -63,6 +63,12 @@ void keyClick()
     PLATFORM::CPlatBuzzer::open();
 }
 
+bool isPress(const QObject *watched, const QEvent *event)
+{
+    return event->type() == QEvent::MouseButtonPress &&
+           static_cast<const QWidget *>(watched)->isEnabled();
+}
+
 QString imagePath(const QString &name)
 {
     return QStringLiteral(":/SysSet_images/SysSet_images/") + name;

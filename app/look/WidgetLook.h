@@ -3,12 +3,18 @@
 
 #include <QString>
 
+class QEvent;
 class QLabel;
+class QObject;
 class QPushButton;
 class QWidget;
 
 // The key click that every press sounds first.
 void keyClick();
+
+// Whether `event`, seen by an event filter of the widget `watched`, is a press that it obeys: a
+// disabled widget still hands its presses to the filter.
+bool isPress(const QObject *watched, const QEvent *event);
 
 // The path of an image of the program, "name" with its ending: "UsbInPut.png".
 QString imagePath(const QString &name);
