@@ -204,8 +204,8 @@ struct CloudConfig
 
 // Loads the cloud configuration from the file at `path`: fills the addresses and ports of `config`,
 // and `text` with the cloud's region. Returns 0; negative on failure, both untouched: -1 no file,
-// -2 a bad one, -3 a resource file that it needs is missing. cloud_file.h has the format. Any
-// thread.
+// -2 a bad one, -3 a resource file that it needs is missing. Blocks for the reading. Any thread.
+// platform/posix/CloudFile.h has the format and reads it.
 int loadCloudXML(const std::string &path, CloudConfig &config, std::string &text);
 
 // The MQTT client of the remote-access cloud. It works on the service's threads.

@@ -1,3 +1,5 @@
+#include "platform/posix/LocalUdp.h"
+
 #include "platform/local_udp.h"
 #include "platform/sim/LoopbackSocket.h"
 
@@ -11,7 +13,7 @@
 #include <thread>
 
 using CBB::CbbLocalUdp;
-using CBB::exchangeDatagram;
+using posix::exchangeDatagram;
 using sim::LoopbackSocket;
 
 namespace {
@@ -50,7 +52,7 @@ private slots:
     void cleanup()
     {
         qunsetenv("SYSSET_UDP_DOWNLOAD");
-        CBB::moveLocalUdpPort("DownLoad", 0);
+        posix::moveLocalUdpPort("DownLoad", 0);
     }
 
     void bringsTheReply()
@@ -78,7 +80,7 @@ private slots:
             int port, result;
         } cases[] = {{"nobody there", 4, freePort(), CbbLocalUdp::ERR_NO_SERVICE},
                      {"too long", 65508, freePort(), CbbLocalUdp::ERR_SYSTEM},
-                     {"unknown", 4, CBB::localUdpPort("Upload"), CbbLocalUdp::ERR_ENDPOINT},
+                     {"unknown", 4, posix::localUdpPort("Upload"), CbbLocalUdp::ERR_ENDPOINT},
                      {"no port", 4, 65536, CbbLocalUdp::ERR_ENDPOINT}};
         QElapsedTimer timer;
         timer.start();
@@ -155,16 +157,16 @@ private slots:
 
     void environmentNamesThePort()
     {
-        const int usual = CBB::localUdpPort("DownLoad");
+        const int usual = posix::localUdpPort("DownLoad");
         for (const char *value : {"40000", "65535", "", "0", "-5", "65536", "40000x", " 40000",
                                   "port", "99999999999999999999"}) {
             const int named = value == QByteArray("40000")   ? 40000
                               : value == QByteArray("65535") ? 65535
                                                              : 0;
             qputenv("SYSSET_UDP_DOWNLOAD", value);
-            QCOMPARE(CBB::localUdpPort("DownLoad"), named != 0 ? named : usual);
-            QCOMPARE(CBB::moveLocalUdpPort("DownLoad", 5000), named != 0 ? named : 5000);
-            QCOMPARE(CBB::moveLocalUdpPort("DownLoad", 0), named != 0 ? named : usual);
+            QCOMPARE(posix::localUdpPort("DownLoad"), named != 0 ? named : usual);
+            QCOMPARE(posix::moveLocalUdpPort("DownLoad", 5000), named != 0 ? named : 5000);
+            QCOMPARE(posix::moveLocalUdpPort("DownLoad", 0), named != 0 ? named : usual);
         }
     }
 

@@ -1,17 +1,14 @@
 // Choice and setting-up of a serial port, on the pseudo-terminals of the simulated panel. What a
 // pseudo-terminal does not keep (framing) or has not (the mode switch) is watched at the call.
-#include "update/SerialLink.h"
-
 #include "platform/paths.h"
+#include "platform/serial_line.h"
 #include "platform/sim/Panel.h"
 #include "tests/support/PanelRoot.h"
 #include "tests/support/PrintedBy.h"
 #include "tests/support/Rows.h"
 #include "tests/support/Text.h"
-#include "update/Progress.h"
 
 #include <QFileInfo>
-#include <QTemporaryFile>
 
 #include <cerrno>
 #include <cstdarg>
@@ -19,6 +16,8 @@
 #include <fcntl.h>
 #include <sys/ioctl.h>
 #include <termios.h>
+
+using namespace PLATFORM;
 
 namespace {
 
@@ -93,7 +92,7 @@ extern "C" int tcsetattr(int fd, int when, const termios *line) noexcept
     return next<int(int, int, const termios *)>("tcsetattr")(fd, when, line);
 }
 
-class SerialLinkTest : public QObject
+class SerialLineTest : public QObject
 {
     Q_OBJECT
 
@@ -228,26 +227,6 @@ private slots:
         }
     }
 
-    // content in hexadecimal | result | printed
-    void knowsAProgramFile_data()
-    {
-        rows({"57A23301616263 | 0 | ntotalpos = 7\r\n20161111** = 20161111",
-              "57A23302 | -1 | ntotalpos = 4\r\n20161111** = 36938327",
-              "57A233 | -1 | ntotalpos = 3"});
-    }
-    void knowsAProgramFile()
-    {
-        QTemporaryFile file;
-        file.open();
-        file.write(QByteArray::fromHex(cell(0).toLatin1()));
-        file.flush();
-        int result = 1;
-        const QByteArray printed = printedBy([&] { result = checkHeader(file.handle()); });
-        QCOMPARE(result, number(1));
-        QCOMPARE(printed, cell(2).toLatin1() + "\r\n");
-        QCOMPARE(g_Progress.nTotal.load(), file.size());
-    }
-
 private:
     static QString nodePath(const QString &node)
     {
@@ -261,5 +240,5 @@ private:
     PanelRoot m_root;
 };
 
-QTEST_GUILESS_MAIN(SerialLinkTest)
-#include "SerialLinkTest.moc"
+QTEST_GUILESS_MAIN(SerialLineTest)
+#include "SerialLineTest.moc"
