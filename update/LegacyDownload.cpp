@@ -2,17 +2,18 @@
 
 #include "platform/cos_file.h"
 #include "platform/cos_time.h"
-#include "platform/file_descriptor.h"
 #include "platform/paths.h"
+#include "platform/serial_line.h"
 #include "update/LegacyExchange.h"
 #include "update/LegacyProgram.h"
 #include "update/RC4Cryptor.h"
 
-#include <QString>
+#include <QScopeGuard>
 
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -45,19 +46,20 @@ void removeWithShell(const std::string &path)
 
 int sendDeciphered(const std::string &path)
 {
-    COS::FileDescriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
-    if (!file.isOpen())
+    const int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    if (file < 0)
         return CANNOT_READ;
-    const auto program = readLegacyProgram(file.get());
+    auto fileCloser = qScopeGuard([file] { close(file); });
+    const auto program = readLegacyProgram(file);
     if (!program)
         return NO_PROGRAM;
     int port = -1;
-    if (openPort(file.get(), port, program->line) != 0) {
-        file.release(); // closed with the port
+    if (PLATFORM::openPort(file, port, program->line) != 0) {
+        fileCloser.dismiss(); // closed with the port
         return CANNOT_OPEN_PORT;
     }
-    const COS::FileDescriptor line(port);
-    return LegacyExchange(line.get(), program->line.baud).send(program->bytes);
+    const auto portCloser = qScopeGuard([port] { PLATFORM::closePort(port); });
+    return LegacyExchange(port, program->line.baud).send(program->bytes);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "update/LegacyExchange.h"
 
 #include "platform/cos_time.h"
+#include "platform/serial_line.h"
 #include "update/LegacyFrame.h"
 #include "update/Progress.h"
 
@@ -8,14 +9,13 @@
 #include <QThread>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <iterator>
-#include <poll.h>
-#include <termios.h>
-#include <unistd.h>
+#include <utility>
 
 namespace {
+
+using PLATFORM::PortEvent;
 
 // Modbus leaves the function codes 65 to 72 to its users.
 constexpr char BEGIN = 0x41;
@@ -137,7 +137,7 @@ LegacyExchange::Reply LegacyExchange::ask(char function, const QByteArray &frame
     if (!std::exchange(m_isFirst, false))
         COS::CosTime::SleepCos(PAUSE_MS);
     m_received.clear();
-    tcflush(m_line, TCIFLUSH);
+    PLATFORM::dropReceived(m_line);
     const std::chrono::milliseconds onLine(qint64(frame.size()) * BITS_A_CHARACTER * 1000 / m_baud);
     const Clock::time_point deadline = Clock::now() + onLine + m_patience;
     if (!transmit(frame, deadline))
@@ -149,13 +149,13 @@ bool LegacyExchange::transmit(const QByteArray &frame, Clock::time_point deadlin
 {
     int sent = 0;
     while (sent < frame.size()) {
-        if (!isReady(POLLOUT, deadline))
+        if (!awaitLine(PortEvent::Writable, deadline))
             return false;
-        const ssize_t count =
-            write(m_line, frame.constData() + sent, static_cast<std::size_t>(frame.size() - sent));
-        if (count < 0 && errno != EAGAIN && errno != EINTR)
+        const int count = PLATFORM::writePort(m_line, frame.constData() + sent,
+                                              static_cast<std::size_t>(frame.size() - sent));
+        if (count < 0)
             return false;
-        sent += static_cast<int>(std::max<ssize_t>(count, 0));
+        sent += count;
     }
     return true;
 }
@@ -187,26 +187,24 @@ LegacyExchange::Outcome LegacyExchange::readMore(Clock::time_point deadline)
 {
     if (m_received.size() > LONGEST_ANSWER)
         return Outcome::Wrong;
-    if (!isReady(POLLIN, deadline))
+    if (!awaitLine(PortEvent::Readable, deadline))
         return m_received.isEmpty() ? Outcome::Silent : Outcome::Wrong;
     char buffer[LONGEST_ANSWER];
-    const ssize_t count = read(m_line, buffer, sizeof buffer);
-    if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR))
+    const int count = PLATFORM::readPort(m_line, buffer, sizeof buffer);
+    if (count < 0)
         return Outcome::Broken;
-    m_received.append(buffer, static_cast<int>(std::max<ssize_t>(count, 0)));
+    m_received.append(buffer, count);
     return Outcome::Answered;
 }
 
-// Also when the line is broken, which the read or write then tells.
-bool LegacyExchange::isReady(short events, Clock::time_point deadline) const
+// False when the time is over or the program ends.
+bool LegacyExchange::awaitLine(PortEvent event, Clock::time_point deadline) const
 {
     for (;;) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
         const auto slice = std::clamp(left, std::chrono::milliseconds(0), STOP_SLICE);
-        pollfd poll{m_line, events, 0};
-        const int ready = ::poll(&poll, 1, static_cast<int>(slice.count()));
-        if (ready > 0 || (ready < 0 && errno != EINTR))
-            return ready > 0;
+        if (PLATFORM::awaitPort(m_line, event, slice))
+            return true;
         if (left <= slice || isStopped())
             return false;
     }

@@ -2,6 +2,8 @@
 // the next goes out. docs/decisions/0008-legacy-plc-download.md has the exchange.
 #pragma once
 
+#include "platform/serial_line.h"
+
 #include <QByteArray>
 
 #include <chrono>
@@ -9,7 +11,7 @@
 class LegacyExchange
 {
 public:
-    // `line` is open and set up and stays the caller's; it must not block. An answer may take
+    // `line` is a port that is open and set up; it stays the caller's. An answer may take
     // `patience` longer than its frame is on the line at `baud` bits a second.
     LegacyExchange(int line, int baud, std::chrono::milliseconds patience = std::chrono::seconds(4))
         : m_line(line), m_baud(baud), m_patience(patience)
@@ -40,7 +42,7 @@ private:
     bool transmit(const QByteArray &frame, Clock::time_point deadline) const;
     Reply receive(char function, Clock::time_point deadline);
     Outcome readMore(Clock::time_point deadline);
-    bool isReady(short events, Clock::time_point deadline) const;
+    bool awaitLine(PLATFORM::PortEvent event, Clock::time_point deadline) const;
     bool isAnswer(char function, const QByteArray &bytes) const;
 
     const int m_line;

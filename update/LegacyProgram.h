@@ -2,7 +2,7 @@
 // its layout.
 #pragma once
 
-#include "update/SerialLink.h"
+#include "platform/serial_line.h"
 
 #include <QByteArray>
 
@@ -10,10 +10,11 @@
 
 struct LegacyProgram
 {
-    SerialSettings line; // as the header has it, not yet checked
+    PLATFORM::SerialSettings line; // as the header has it, not yet checked
     QByteArray bytes;
 };
 
-// Reads the deciphered file `fd`, which stays open. Nothing if it does not begin as a program file
+// Reads the deciphered file `fd`, which stays open. Its length goes to g_Progress.nTotal (cut to 31
+// bits). Nothing if it does not begin as a program file
 // does, or what follows the header is empty, longer than 16 MiB or not as long as the header says.
 std::optional<LegacyProgram> readLegacyProgram(int fd);

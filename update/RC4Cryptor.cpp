@@ -1,11 +1,12 @@
 #include "update/RC4Cryptor.h"
 
-#include "platform/file_descriptor.h"
+#include <QScopeGuard>
 
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -33,12 +34,13 @@ constexpr off_t LARGEST_FILE = (off_t(16) << 20) + 20;
 int openRegular(const std::string &path, int flags)
 {
     // Without O_NONBLOCK a FIFO would hold the caller up.
-    COS::FileDescriptor file(open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    const int file = open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    auto closer = qScopeGuard([file] { close(file); });
     struct stat status = {};
-    if (!file.isOpen() || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        status.st_size > LARGEST_FILE)
+    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > LARGEST_FILE)
         return -1;
-    return file.release();
+    closer.dismiss();
+    return file;
 }
 
 // Reads until `buffer` is full or the file ends. Returns how much; -1 on failure.
@@ -119,21 +121,23 @@ std::string legacyProgramKey()
 
 int decipherFile(const std::string &source, const std::string &target)
 {
-    const COS::FileDescriptor from(openRegular(source, O_RDONLY));
-    if (!from.isOpen())
+    const int from = openRegular(source, O_RDONLY);
+    if (from < 0)
         return -1;
-    const COS::FileDescriptor to(openRegular(target, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW));
-    if (!to.isOpen())
+    const auto fromCloser = qScopeGuard([from] { close(from); });
+    const int to = openRegular(target, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
+    if (to < 0)
         return -1;
+    const auto toCloser = qScopeGuard([to] { close(to); });
     RC4Cryptor cryptor(legacyProgramKey());
     std::vector<unsigned char> chunk(CHUNK);
     ssize_t size = 0;
     do {
-        size = readFully(from.get(), chunk);
+        size = readFully(from, chunk);
         if (size < 0)
             return -1;
         cryptBlocks(cryptor, chunk.data(), static_cast<std::size_t>(size));
-        if (!writeFully(to.get(), chunk.data(), static_cast<std::size_t>(size)))
+        if (!writeFully(to, chunk.data(), static_cast<std::size_t>(size)))
             return -1;
     } while (static_cast<std::size_t>(size) == chunk.size());
     return 0;

@@ -1,13 +1,14 @@
-#include "platform/cloud_file.h"
-#include "platform/net.h"
+#include "platform/posix/CloudFile.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QXmlStreamReader>
 
-namespace netT {
+namespace posix {
 namespace {
+
+using netT::CloudConfig;
 
 constexpr qint64 LARGEST_FILE = 65536;
 constexpr int LARGEST_PORT = 65535;
@@ -114,4 +115,4 @@ int readCloudFile(const std::string &path, CloudConfig &config, std::string &reg
     return 0;
 }
 
-} // namespace netT
+} // namespace posix

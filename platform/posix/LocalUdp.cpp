@@ -1,5 +1,7 @@
-#include "platform/file_descriptor.h"
+#include "platform/posix/LocalUdp.h"
+
 #include "platform/local_udp.h"
+#include "platform/posix/FileDescriptor.h"
 
 #include <algorithm>
 #include <array>
@@ -17,10 +19,10 @@
 #include <poll.h>
 #include <sys/socket.h>
 
-namespace CBB {
+namespace posix {
 namespace {
 
-using COS::FileDescriptor;
+using CBB::CbbLocalUdp;
 using Clock = std::chrono::steady_clock;
 
 constexpr int LARGEST_PORT = 65535;
@@ -196,4 +198,4 @@ int exchangeDatagram(int port, const std::string &body, std::string &reply, unsi
     return result;
 }
 
-} // namespace CBB
+} // namespace posix

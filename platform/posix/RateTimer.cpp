@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 
 namespace posix {
 namespace {
@@ -12,6 +13,11 @@ using std::chrono::milliseconds;
 
 // Long enough for the short tasks that are due together, short enough that nobody notices.
 constexpr milliseconds GRACE{3};
+
+Moment now()
+{
+    return std::chrono::steady_clock::now();
+}
 
 } // namespace
 
@@ -31,15 +37,14 @@ RateTimer::RateTimer()
 int RateTimer::start(int tickMs)
 {
     const Lock lock(m_mutex);
-    if (m_state != State::Down || tickMs < 1 || !m_takeoverTimer.open())
+    if (m_state != State::Down || tickMs < 1 || !m_alarm.open())
         return -1;
-    m_origin = std::chrono::steady_clock::now();
+    m_origin = now();
     m_tick = milliseconds(tickMs);
     m_grace = std::min<std::chrono::nanoseconds>(GRACE, m_tick);
-    m_isLed = false;
-    m_takeoverAt.reset();
+    m_lead = 0;
     if (!startStandby()) { // finds no leader and leads
-        m_takeoverTimer.close();
+        m_alarm.close();
         return -1;
     }
     m_state = State::Up;
@@ -51,46 +56,44 @@ int RateTimer::add(Task task, int periodMs)
     const Lock lock(m_mutex);
     if (m_state != State::Up)
         return -1;
-    const Moment now = look();
     task.period = (milliseconds(periodMs) + m_tick - milliseconds(1)) / m_tick;
-    task.next = tickAt(now + m_tick - std::chrono::nanoseconds(1)) + task.period;
+    task.next = tickAt(now() + m_tick - std::chrono::nanoseconds(1)) + task.period;
     if (!m_schedule.add(std::move(task)))
         return -2;
-    arm();
+    m_dueChanged.notify_one();
     return 0;
 }
 
 int RateTimer::remove(const std::string &name)
 {
     const Lock lock(m_mutex);
-    if (!m_schedule.remove(name))
-        return -1;
-    look();
-    arm();
-    return 0;
+    return m_schedule.remove(name) ? 0 : -1;
 }
 
-void RateTimer::stop()
+bool RateTimer::stop(int waitMs)
 {
     Lock lock(m_mutex);
-    if (m_state == State::Down)
-        return;
-    end();
-    const auto isOver = [this] { return m_threads == 0 && m_schedule.isQuiet(); };
-    m_changed.wait(lock, [&] { return isOver() || m_state != State::Ending; });
-    if (m_state != State::Ending) // another thread stopped it as well
-        return;
-    m_takeoverTimer.close();
+    if (m_state == State::Up)
+        end();
+    const auto isOver = [this] {
+        return m_state != State::Ending || (m_threads == 0 && m_schedule.isQuiet());
+    };
+    if (!waitUntilOver(m_changed, lock, waitMs, isOver))
+        return false;
+    if (m_state != State::Ending) // it was down, or another thread stopped it as well
+        return true;
+    m_alarm.close();
     m_state = State::Down;
     m_changed.notify_all();
+    return true;
 }
 
 void RateTimer::end()
 {
     m_state = State::Ending;
     m_schedule.clear();
-    m_leadChanged.notify_one();
-    m_takeoverTimer.set(Moment{});
+    m_dueChanged.notify_one();
+    m_alarm.set(Moment{});
 }
 
 void RateTimer::stopAtExit()
@@ -102,60 +105,14 @@ void RateTimer::stopAtExit()
     m_changed.wait_for(lock, PATIENCE_AT_EXIT, [this] { return m_schedule.isQuiet(); });
 }
 
-// --- Time ---------------------------------------------------------------------------------------
-
-// Reading the clock costs more than all else that an idle tick does, so each reading is kept for
-// as long as nothing has been waited for since.
-[[gnu::hot]] Moment RateTimer::look()
-{
-    m_now = std::chrono::steady_clock::now();
-    return m_now;
-}
-
-[[gnu::hot]] Tick RateTimer::tickAt(Moment moment) const
+Tick RateTimer::tickAt(Moment moment) const
 {
     return (moment - m_origin) / m_tick;
 }
 
-[[gnu::hot]] Moment RateTimer::timeOf(Tick tick) const
+Moment RateTimer::timeOf(Tick tick) const
 {
     return m_origin + tick * m_tick;
-}
-
-// When the standby is to look after the leader. While it is in a task: once another one is due and
-// the grace is over. Else: when the task behind the one that it runs next would be late. A leader
-// that is awake but has got no processor yet is given its time again.
-[[gnu::hot]] std::optional<Moment> RateTimer::takeoverTime() const
-{
-    const std::optional<Tick> due = m_inTaskSince ? m_schedule.nextDue() : m_schedule.secondDue();
-    if (!due)
-        return std::nullopt;
-    if (m_inTaskSince)
-        return std::max(timeOf(*due), *m_inTaskSince + m_grace);
-    return std::max<Moment>(timeOf(*due), m_now) + m_grace;
-}
-
-// After any change of what is due: moves both sleepers' moments, and wakes the leader only if its
-// own has moved.
-[[gnu::hot]] void RateTimer::arm()
-{
-    if (m_state != State::Up)
-        return;
-    armTakeover();
-    if (m_schedule.nextDue() != m_leaderWaitsFor)
-        m_leadChanged.notify_one();
-}
-
-[[gnu::hot]] void RateTimer::armTakeover()
-{
-    const std::optional<Moment> moment = takeoverTime();
-    if (moment == m_takeoverAt) // mostly so: a frequent task alone at its tick can delay nobody yet
-        return;
-    m_takeoverAt = moment;
-    if (moment)
-        m_takeoverTimer.set(*moment);
-    else
-        m_takeoverTimer.clear();
 }
 
 // --- Threads ------------------------------------------------------------------------------------
@@ -168,7 +125,7 @@ bool RateTimer::startStandby()
 }
 
 // A thread's life. It starts as the standby, and comes back from its lead when it has lost it.
-[[gnu::hot]] void RateTimer::serve()
+void RateTimer::serve()
 {
     Lock lock(m_mutex);
     while (awaitLead(lock)) {
@@ -181,104 +138,110 @@ bool RateTimer::startStandby()
     m_changed.notify_all();
 }
 
-// The leader is stuck in a task while another one waits.
-bool RateTimer::isLeaderLate() const
-{
-    const std::optional<Moment> moment = takeoverTime();
-    return m_inTaskSince && moment && *moment <= m_now;
-}
-
 // Stands by. True when this thread is to lead, false when the service ends.
 bool RateTimer::awaitLead(Lock &lock)
 {
-    look();
-    while (m_state == State::Up && m_isLed && !isLeaderLate()) {
-        armTakeover();
+    while (m_state == State::Up && m_lead != 0 && !isLeaderStuck()) {
         lock.unlock();
-        m_takeoverTimer.wait();
+        m_alarm.wait();
         lock.lock();
-        look();
     }
     return m_state == State::Up;
 }
 
-[[gnu::hot]] void RateTimer::lead(Lock &lock)
+// Also asked after an alarm that was cleared while the standby woke.
+bool RateTimer::isLeaderStuck() const
+{
+    return m_busySince && *m_busySince + m_grace <= now();
+}
+
+void RateTimer::lead(Lock &lock)
 {
     const std::uint64_t mine = ++m_lead;
-    m_isLed = true;
     m_hasStandby = false;
-    m_inTaskSince.reset();
-    while (m_state == State::Up) {
+    while (isLeading(mine)) {
         if (!m_hasStandby) // each time again, should the system have given no thread
             startStandby();
         runDue(lock, mine);
-        arm();
-        if (m_lead != mine)
-            return;
-        awaitDue(lock);
+        if (isLeading(mine))
+            awaitDue(lock);
     }
 }
 
-// The leader's sleep. It ends early when something earlier, or the end, comes up.
-[[gnu::hot]] void RateTimer::awaitDue(Lock &lock)
+bool RateTimer::isLeading(std::uint64_t lead) const
 {
-    m_leaderWaitsFor = m_schedule.nextDue();
-    if (m_state == State::Up && m_leaderWaitsFor)
-        m_leadChanged.wait_until(lock, timeOf(*m_leaderWaitsFor));
-    else if (m_state == State::Up)
-        m_leadChanged.wait(lock);
+    return m_state == State::Up && m_lead == lead;
+}
+
+// The leader's sleep. It ends early when another task may be due earlier, or with the service.
+void RateTimer::awaitDue(Lock &lock)
+{
+    if (const std::optional<Tick> due = m_schedule.nextDue())
+        m_dueChanged.wait_until(lock, timeOf(*due));
+    else
+        m_dueChanged.wait(lock);
 }
 
 // --- Calls --------------------------------------------------------------------------------------
 
-[[gnu::hot]] void RateTimer::runDue(Lock &lock, std::uint64_t lead)
+void RateTimer::runDue(Lock &lock, std::uint64_t lead)
 {
-    look();
-    while (m_state == State::Up && m_lead == lead) {
-        const std::optional<Task> task = m_schedule.claim(tickAt(m_now));
+    m_busySince = now();
+    m_alarm.set(*m_busySince + m_grace);
+    while (isLeading(lead)) {
+        const std::optional<Task> task = m_schedule.claim(tickAt(now()));
         if (!task)
-            return;
-        if (task->mode == 1)
-            handToPool(*task);
-        else
-            runHere(lock, *task, lead);
+            break;
+        runTask(lock, *task);
     }
+    if (!isLeading(lead)) // the alarm is another's, or rings for the end
+        return;
+    m_busySince.reset();
+    m_alarm.clear();
 }
 
-[[gnu::hot]] void RateTimer::runHere(Lock &lock, const Task &task, std::uint64_t lead)
+void RateTimer::runTask(Lock &lock, const Task &task)
 {
-    m_inTaskSince = m_now;
-    call(lock, task);
-    if (m_lead == lead)
-        m_inTaskSince.reset();
-}
-
-void RateTimer::handToPool(const Task &task)
-{
-    if (COS::CCosThreadPool::submit([this, task] { runInPool(task); }) != 0)
-        finish(task);
-}
-
-void RateTimer::runInPool(const Task &task)
-{
-    Lock lock(m_mutex);
-    call(lock, task);
-    arm();
-}
-
-[[gnu::hot]] void RateTimer::call(Lock &lock, const Task &task)
-{
-    if (m_schedule.begin(task)) {
-        lock.unlock();
-        task.function(task.argument);
-        lock.lock();
+    if (task.mode == 1) {
+        handToPool(lock, task);
+        return;
     }
+    call(lock, task);
     finish(task);
 }
 
-[[gnu::hot]] void RateTimer::finish(const Task &task)
+void RateTimer::handToPool(Lock &lock, const Task &task)
 {
-    m_schedule.finish(task.name, tickAt(look()));
+    lock.unlock();
+    {
+        // The call is over when the pool lets go of the job: has run it, refused it or dropped it.
+        const std::shared_ptr<const Task> handed(new Task(task), [this](const Task *ended) {
+            const Lock held(m_mutex);
+            finish(*ended);
+            delete ended;
+        });
+        COS::CCosThreadPool::submit([this, handed] {
+            Lock held(m_mutex);
+            call(held, *handed);
+        });
+    }
+    lock.lock();
+}
+
+void RateTimer::call(Lock &lock, const Task &task)
+{
+    if (!m_schedule.begin(task))
+        return;
+    lock.unlock();
+    task.function(task.argument);
+    lock.lock();
+}
+
+// The leader may sleep past the next call of this task.
+void RateTimer::finish(const Task &task)
+{
+    m_schedule.finish(task.name, tickAt(now()));
+    m_dueChanged.notify_one();
     if (m_state == State::Ending && m_schedule.isQuiet()) // nobody else waits for a call's end
         m_changed.notify_all();
 }
@@ -312,9 +275,9 @@ int CCosRateTimer::removeTimer(const std::string &name)
     return posix::RateTimer::instance().remove(name);
 }
 
-void CCosRateTimer::destory()
+bool CCosRateTimer::destory(int waitMs)
 {
-    posix::RateTimer::instance().stop();
+    return posix::RateTimer::instance().stop(waitMs);
 }
 
 } // namespace COS

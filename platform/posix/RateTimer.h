@@ -1,11 +1,11 @@
 // The service behind CCosRateTimer.
 //
 // One thread leads: it sleeps until the next tick at which a task is due and runs the tasks
-// itself, so that a tick costs one wake-up and no hand-over. A second thread stands by. It sleeps
-// until the moment at which a stuck leader would begin to delay another task, and that moment
-// moves on without waking it. If the leader is stuck then, the standby takes the lead, starts a
-// new standby and runs what is due; the former leader ends when it comes back from its task. So
-// there are never more threads than tasks that run, and two.
+// itself, so that a tick costs one wake-up and no hand-over. Before it runs them it sets an alarm,
+// which it clears when it is done: a second thread, the standby, sleeps on the alarm. If that rings
+// the leader is stuck in a task: the standby takes the lead, starts a new standby and runs what is
+// due. The former leader ends when it comes back from its task. So there are never more threads
+// than tasks that run, and two.
 #pragma once
 
 #include "platform/posix/Schedule.h"
@@ -26,7 +26,7 @@ public:
     int start(int tickMs);
     int add(Task task, int periodMs);
     int remove(const std::string &name);
-    void stop();
+    bool stop(int waitMs);
 
 private:
     using Lock = std::unique_lock<std::mutex>;
@@ -40,21 +40,17 @@ private:
     bool startStandby();
     void serve();
     bool awaitLead(Lock &lock);
+    bool isLeaderStuck() const;
     void lead(Lock &lock);
+    bool isLeading(std::uint64_t lead) const;
     void awaitDue(Lock &lock);
 
     void runDue(Lock &lock, std::uint64_t lead);
-    void runHere(Lock &lock, const Task &task, std::uint64_t lead);
-    void handToPool(const Task &task);
-    void runInPool(const Task &task);
+    void runTask(Lock &lock, const Task &task);
+    void handToPool(Lock &lock, const Task &task);
     void call(Lock &lock, const Task &task);
     void finish(const Task &task);
 
-    Moment look();
-    std::optional<Moment> takeoverTime() const;
-    bool isLeaderLate() const;
-    void arm();
-    void armTakeover();
     void end();
     void stopAtExit();
 
@@ -66,15 +62,11 @@ private:
     std::chrono::nanoseconds m_tick{};
     std::chrono::nanoseconds m_grace{}; // how long the leader may hold up other tasks
 
-    std::condition_variable m_leadChanged; // the leader sleeps on it
-    std::optional<Tick> m_leaderWaitsFor;
-    Moment m_now;                       // as last looked at
-    TimerFd m_takeoverTimer;            // the standby sleeps on it
-    std::optional<Moment> m_takeoverAt; // what it is set to
-    std::uint64_t m_lead = 0;           // counts the takeovers: who took the last one leads
-    bool m_isLed = false;
+    std::condition_variable m_dueChanged; // the leader sleeps on it
+    TimerFd m_alarm;                      // the standby sleeps on it
+    std::optional<Moment> m_busySince;    // when the leader began to run what is due
+    std::uint64_t m_lead = 0;             // counts the leaders: who came last leads
     bool m_hasStandby = false;
-    std::optional<Moment> m_inTaskSince; // the leader
     int m_threads = 0;
 };
 

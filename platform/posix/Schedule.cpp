@@ -32,31 +32,17 @@ bool Schedule::remove(const std::string &name)
     return true;
 }
 
-[[gnu::hot]] std::optional<Tick> Schedule::nextDue() const
+std::optional<Tick> Schedule::nextDue() const
 {
-    return earliest().first;
-}
-
-[[gnu::hot]] std::optional<Tick> Schedule::secondDue() const
-{
-    return earliest().second;
-}
-
-[[gnu::hot]] std::pair<std::optional<Tick>, std::optional<Tick>> Schedule::earliest() const
-{
-    std::pair<std::optional<Tick>, std::optional<Tick>> due;
+    std::optional<Tick> due;
     for (const Task &task : m_tasks) {
-        if (isUnderWay(task.name))
-            continue;
-        if (!due.first || task.next < *due.first)
-            due = {task.next, due.first};
-        else if (!due.second || task.next < *due.second)
-            due.second = task.next;
+        if ((!due || task.next < *due) && !isUnderWay(task.name))
+            due = task.next;
     }
     return due;
 }
 
-[[gnu::hot]] std::optional<Task> Schedule::claim(Tick now)
+std::optional<Task> Schedule::claim(Tick now)
 {
     const std::optional<Tick> due = nextDue();
     if (!due || *due > now)
@@ -69,7 +55,7 @@ bool Schedule::remove(const std::string &name)
     return *task;
 }
 
-[[gnu::hot]] bool Schedule::begin(const Task &claimed)
+bool Schedule::begin(const Task &claimed)
 {
     const auto task = find(claimed.name);
     if (task == m_tasks.end() || task->id != claimed.id)
@@ -79,7 +65,7 @@ bool Schedule::remove(const std::string &name)
     return true;
 }
 
-[[gnu::hot]] void Schedule::finish(const std::string &name, Tick now)
+void Schedule::finish(const std::string &name, Tick now)
 {
     m_underWay.erase(std::find(m_underWay.begin(), m_underWay.end(), name));
     const auto task = find(name);
@@ -87,13 +73,13 @@ bool Schedule::remove(const std::string &name)
         skipPast(*task, now);
 }
 
-[[gnu::hot]] std::vector<Task>::iterator Schedule::find(const std::string &name)
+std::vector<Task>::iterator Schedule::find(const std::string &name)
 {
     return std::find_if(m_tasks.begin(), m_tasks.end(),
                         [&](const Task &task) { return task.name == name; });
 }
 
-[[gnu::hot]] bool Schedule::isUnderWay(const std::string &name) const
+bool Schedule::isUnderWay(const std::string &name) const
 {
     return std::find(m_underWay.begin(), m_underWay.end(), name) != m_underWay.end();
 }

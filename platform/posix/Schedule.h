@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace posix {
@@ -36,8 +35,6 @@ public:
 
     // The next tick at which a task is due that may be called then, perhaps a past one.
     std::optional<Tick> nextDue() const;
-    // The same for the one after it; the same tick if two are due together.
-    std::optional<Tick> secondDue() const;
 
     // The task that is overdue for longest at `now`, of several the one that was added first. Its
     // name is under way until finish(): nothing else of that name is claimed.
@@ -53,7 +50,6 @@ public:
 
 private:
     std::vector<Task>::iterator find(const std::string &name);
-    std::pair<std::optional<Tick>, std::optional<Tick>> earliest() const;
     bool isUnderWay(const std::string &name) const;
 
     std::vector<Task> m_tasks; // in the order of their adding

@@ -22,13 +22,13 @@ void arm(int fd, std::int64_t nanoseconds)
 
 bool TimerFd::open()
 {
-    m_fd = COS::FileDescriptor(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC));
+    m_fd = FileDescriptor(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC));
     return m_fd.isOpen();
 }
 
 void TimerFd::close()
 {
-    const COS::FileDescriptor closing = std::move(m_fd);
+    const FileDescriptor closing = std::move(m_fd);
 }
 
 void TimerFd::set(Moment moment)

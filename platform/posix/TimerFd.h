@@ -1,7 +1,7 @@
 // A moment that one thread sleeps for and that others can move (timerfd_create(2)).
 #pragma once
 
-#include "platform/file_descriptor.h"
+#include "platform/posix/FileDescriptor.h"
 
 #include <chrono>
 
@@ -27,7 +27,7 @@ public:
     void wait() const;
 
 private:
-    COS::FileDescriptor m_fd;
+    FileDescriptor m_fd;
 };
 
 } // namespace posix

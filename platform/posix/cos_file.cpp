@@ -1,6 +1,6 @@
 #include "platform/cos_file.h"
 
-#include "platform/file_descriptor.h"
+#include "platform/posix/FileDescriptor.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -15,7 +15,7 @@
 namespace COS {
 namespace {
 
-using COS::FileDescriptor;
+using posix::FileDescriptor;
 
 constexpr std::size_t COPY_BLOCK = 65536;
 

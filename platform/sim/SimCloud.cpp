@@ -1,6 +1,6 @@
 // netT, the client of the remote-access cloud.
-#include "platform/cloud_file.h"
 #include "platform/net.h"
+#include "platform/posix/CloudFile.h"
 #include "platform/sim/Panel.h"
 
 using sim::Json;
@@ -45,7 +45,7 @@ int loadCloudXML(const std::string &path, CloudConfig &config, std::string &text
     return panel().call("netT.loadCloudXML", Json::array({path}), [&](Json &state) {
         Json &cloud = state["cloud"];
         if (cloud["load"].is_null()) {
-            const int result = readCloudFile(path, config, text);
+            const int result = posix::readCloudFile(path, config, text);
             if (result >= 0)
                 cloud["text"] = text;
             return result;

@@ -1,5 +1,6 @@
 // CBB: requests to the panel's local services go over a real socket, here as on a panel.
 #include "platform/local_udp.h"
+#include "platform/posix/LocalUdp.h"
 #include "platform/sim/Bytes.h"
 #include "platform/sim/Panel.h"
 
@@ -18,8 +19,8 @@ int CbbLocalUdp::request(const std::string &endpoint, const std::string &body, s
     return panel().callOutside("CBB.request", Json::array({endpoint, command, payload, timeoutMs}),
                                timeoutMs, ERR_TIMEOUT, [&](unsigned int timeLeftMs) {
                                    panel().update().ensureRunning();
-                                   return exchangeDatagram(localUdpPort(endpoint), body, reply,
-                                                           timeLeftMs);
+                                   return posix::exchangeDatagram(posix::localUdpPort(endpoint),
+                                                                  body, reply, timeLeftMs);
                                });
 }
 

@@ -1,5 +1,6 @@
 // The small services: notify client, versions, digest, process lookup.
 #include "platform/cos_process.h"
+#include "platform/posix/ProcessTable.h"
 #include "platform/services.h"
 #include "platform/sim/NetDevices.h"
 #include "platform/sim/Panel.h"
@@ -58,7 +59,7 @@ int CosOsState::GetProcessPIDByName(const std::string &name)
 {
     return panel().call("COS.GetProcessPIDByName", Json::array({name}), [&](Json &state) {
         if (name != "netServer")
-            return scanProcessTable(name);
+            return posix::scanProcessTable(name);
         return state["net"]["server"].get<bool>() ? static_cast<int>(getpid()) : -1;
     });
 }

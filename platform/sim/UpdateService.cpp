@@ -1,6 +1,6 @@
 #include "platform/sim/UpdateService.h"
 
-#include "platform/local_udp.h"
+#include "platform/posix/LocalUdp.h"
 #include "platform/sim/Panel.h"
 
 #include <iostream>
@@ -17,14 +17,14 @@ constexpr int PORTS_TRIED = 100;
 // which requests are led to. 0 if there is none.
 int bindSomewhere(UpdateServer &server)
 {
-    const int first = CBB::localUdpPort(ENDPOINT);
+    const int first = posix::localUdpPort(ENDPOINT);
     if (server.bind(first))
         return first;
     for (int port = first + 1; port <= first + PORTS_TRIED; ++port) {
-        if (CBB::moveLocalUdpPort(ENDPOINT, port) == port && server.bind(port))
+        if (posix::moveLocalUdpPort(ENDPOINT, port) == port && server.bind(port))
             return port;
     }
-    CBB::moveLocalUdpPort(ENDPOINT, 0);
+    posix::moveLocalUdpPort(ENDPOINT, 0);
     return 0;
 }
 
@@ -46,7 +46,7 @@ std::shared_ptr<UpdateServer> UpdateService::start(Json &state)
     if (port == 0) {
         m_staysOut = true;
         std::cerr << "the simulated update service stays out: it cannot have port " +
-                         std::to_string(CBB::localUdpPort(ENDPOINT)) + "\n";
+                         std::to_string(posix::localUdpPort(ENDPOINT)) + "\n";
         return nullptr;
     }
     state["update"]["port"] = port;
@@ -67,7 +67,7 @@ bool UpdateService::forget(std::chrono::milliseconds patience)
 {
     const auto server = panel().locked([&](const Json &) {
         m_staysOut = false;
-        CBB::moveLocalUdpPort(ENDPOINT, 0);
+        posix::moveLocalUdpPort(ENDPOINT, 0);
         return std::exchange(m_server, nullptr);
     });
     return !server || server->stop(patience);

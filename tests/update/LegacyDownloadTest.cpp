@@ -2,6 +2,7 @@
 #include "update/LegacyDownload.h"
 
 #include "platform/paths.h"
+#include "platform/serial_line.h"
 #include "platform/sim/Panel.h"
 #include "tests/support/PanelRoot.h"
 #include "tests/support/PrintedBy.h"
@@ -10,7 +11,6 @@
 #include "update/LegacyExchange.h"
 #include "update/Progress.h"
 #include "update/RC4Cryptor.h"
-#include "update/SerialLink.h"
 
 #include <QFile>
 #include <QtEndian>
@@ -79,6 +79,10 @@ private slots:
             [&] { result = download(QByteArray::fromHex(cell(1).toLatin1()), 9600, program); });
         QCOMPARE(result, 0);
         QCOMPARE(taken(), program);
+        const int total = program.size() + 20;
+        QVERIFY(printed.contains("ntotalpos = " + QByteArray::number(total) +
+                                 "\r\n20161111** = 20161111\r\n"));
+        QCOMPARE(g_Progress.nTotal.load(), total);
         QCOMPARE(g_Progress.nPercent.load(), 100);
         QCOMPARE(printed.count("nWritePlcLen"), (program.size() + 2047) / 2048 + 2);
         QVERIFY(printed.contains("nWritePlcLen 17 nReadPlcLen 11!\r\n"));
@@ -181,7 +185,7 @@ private:
     static int sendWithin(std::chrono::milliseconds patience, const QByteArray &program)
     {
         int fd = -1;
-        if (openPort(-1, fd, {0, 0, 115200, 8, 0, 0}) != 0)
+        if (PLATFORM::openPort(-1, fd, {0, 0, 115200, 8, 0, 0}) != 0)
             return 1;
         const int result = LegacyExchange(fd, 115200, patience).send(program);
         close(fd);

@@ -16,8 +16,4 @@ public:
     static int GetProcessPIDByName(const std::string &name);
 };
 
-// The scan of /proc itself, the same on every panel: what GetProcessPIDByName answers where the
-// process table is the real one. Same arguments, result and thread.
-int scanProcessTable(const std::string &name);
-
 } // namespace COS

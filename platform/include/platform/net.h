@@ -64,7 +64,7 @@ enum WIFI_STATE_T {
     WIFI_INACTIVE = 2,
     WIFI_CONNECTING = 3,
     WIFI_DISCONNECTED = 4,
-    WIFI_FAILED = 5, // wrong password or out of reach
+    WIFI_FAILED = 5, // wrong password or out of reach; see connectwifi()
     WIFI_DISABLED = 6,
     WIFI_CONNECTED = 7,
 };
@@ -143,8 +143,10 @@ int getConnectInfo(stUserInfo_tag &info, bool flag, unsigned int timeoutMs);
 // than 32 bytes.
 int setConnectInfo(const std::string &ssid, const std::string &password, bool flag,
                    unsigned int timeoutMs);
-// Starts joining the stored network and returns at once; getStatus() tells how it goes. ERR_FAILED
-// while the device is switched off.
+// Starts joining the stored network and returns at once; getStatus() tells how it goes. When it
+// ends, well or badly, a record of the device follows. A failure lasts: getStatus() answers
+// WIFI_FAILED until the next connectwifi() or until the device is switched, as the program may ask
+// ten seconds later and more. ERR_FAILED while the device is switched off.
 int connectwifi();
 // The signal level, 0 to 100.
 int getSignal(bool flag, unsigned int timeoutMs);
@@ -166,8 +168,11 @@ int getDevPriority(std::string &kind, bool flag, unsigned int timeoutMs);
 int setDevPriority(const std::string &kind, bool flag, unsigned int timeoutMs);
 // The cloud server's address.
 int getNetServerAddr(std::string &address, bool flag, unsigned int timeoutMs);
-// Pings `count` times out of `device`. `target` is pinged, or `fallback` if `target` is empty.
-// `quiet` and `flag` are passed on to the service. Negative if no reply came.
+// Pings `target`, a dotted address or a host name, `count` times out of `device`. If `target` is
+// empty `fallback` is pinged: the alternate DNS server, for the status icons. Beside a target it is
+// the device's own address, perhaps empty: a client may send from it but does not ping it. `quiet`
+// and `flag` are passed on to the service. 0 or more if any reply came; negative, with
+// `statistics` untouched, if none did.
 int netTping(const std::string &device, const std::string &target, const std::string &fallback,
              stNetCommuPacketInfo_tag &statistics, bool quiet, int count, bool flag,
              unsigned int timeoutMs);
@@ -189,23 +194,28 @@ int get4gAtInfoCallBackup(AtInfoCallback callback, void *context);
 
 // --- Cloud -------------------------------------------------------------------------------------
 
+// What CAsyncClient::start() connects with. loadCloudXML() fills the first five, the program the
+// others.
 struct CloudConfig
 {
-    std::string sUrl;
-    std::string sCertUrl;
-    std::string sNtpUrl;
-    int nPort = 0;
-    int nCertPort = 0;
+    std::string sUrl;     // MQTT server: host name or dotted address
+    std::string sCertUrl; // certificate service, likewise
+    std::string sNtpUrl;  // time server, likewise, at its usual port
+    int nPort = 0;        // of the MQTT server, 1 to 65535
+    int nCertPort = 0;    // of the certificate service, 1 to 65535
+    // Who the panel is for the cloud, as getDeviceId() says; empty if that fails.
     std::string sDeviceId;
+    // MD5 of the processor's identifier, 32 lower-case hexadecimal digits, for what the client
+    // derives from it; the same at each start, stored nowhere.
     std::string sSalt;
-    std::string sRequestTopic;
-    std::string sResponseTopic;
+    std::string sRequestTopic;  // "kvhmi/CQ/" and sDeviceId
+    std::string sResponseTopic; // "kvhmi/CP/" and sDeviceId
 };
 
 // Loads the cloud configuration from the file at `path`: fills the addresses and ports of `config`,
 // and `text` with the cloud's region. Returns 0; negative on failure, both untouched: -1 no file,
-// -2 a bad one, -3 a resource file that it needs is missing. cloud_file.h has the format. Any
-// thread.
+// -2 a bad one, -3 a resource file that it needs is missing. Blocks for the reading. Any thread.
+// platform/posix/CloudFile.h has the format and reads it.
 int loadCloudXML(const std::string &path, CloudConfig &config, std::string &text);
 
 // The MQTT client of the remote-access cloud. It works on the service's threads.
@@ -220,8 +230,9 @@ public:
     CAsyncClient(const CAsyncClient &) = delete;
     CAsyncClient &operator=(const CAsyncClient &) = delete;
 
-    // Connects in the background and stays connected. `handler` gets what arrives on the
-    // configuration's topics, on the service's thread. Returns 0; negative on failure.
+    // Connects in the background and stays connected, over every loss of the link: the program
+    // calls it once. Subscribes to both topics of `config`; `handler` gets what arrives on them, on
+    // the service's thread. Returns 0; negative on failure, which is not asked for again.
     int start(const CloudConfig &config, MessageHandler handler, void *context);
 
     // 1 connected; 0 connecting; negative: the stage at which it stopped, -2 time

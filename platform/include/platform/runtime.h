@@ -1,4 +1,10 @@
 // Runtime access: the settings words of the control runtime, unsigned 16-bit each.
+//
+// There is no time-out: a call blocks its caller, mostly the GUI thread, until the runtime answers.
+// The pages read and write word by word, about eighty of them before the first picture and one for
+// each step of a slider, so a word must take a millisecond or less. Where the runtime is away or
+// busy, fail at once: a page shows the field empty or the write as refused, but a call that waits
+// holds up the whole program.
 #pragma once
 
 // Reads `count` words from `address` on into `words`. Returns 0; negative on failure (no such

@@ -1,5 +1,5 @@
-#include "platform/cloud_file.h"
-#include "platform/net.h"
+#include "platform/posix/CloudFile.h"
+
 #include "tests/support/Rows.h"
 #include "tests/support/Text.h"
 
@@ -61,7 +61,7 @@ private slots:
         }
         netT::CloudConfig config;
         std::string region;
-        QCOMPARE(netT::readCloudFile(path.toStdString(), config, region), number(1));
+        QCOMPARE(posix::readCloudFile(path.toStdString(), config, region), number(1));
         const QString read =
             QString::fromStdString(config.sUrl + " " + std::to_string(config.nPort) + " " + region);
         QCOMPARE(config.sUrl.empty() ? QString() : read.trimmed(), cell(2));
@@ -75,7 +75,7 @@ private slots:
         const std::string pipe = folder + "/pipe.xml"; // opening it would wait for a writer
         QCOMPARE(mkfifo(pipe.c_str(), 0600), 0);
         for (const std::string &path : {folder, folder + "/none.xml", pipe})
-            QCOMPARE(netT::readCloudFile(path, config, region), -1);
+            QCOMPARE(posix::readCloudFile(path, config, region), -1);
     }
 
 private:

@@ -1,18 +1,37 @@
 #include "platform/cos_file.h"
+#include "tests/support/Rows.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
 
 #include <clocale>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sys/stat.h>
 #include <thread>
-#include <unistd.h>
 
 using COS::CosDir;
 using COS::CosFile;
 using namespace std::string_literals;
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string LONGEST = std::string(250, 'n') + ".long";
+
+// Of a cell of a table.
+std::string bytesOf(const QString &text)
+{
+    return text.toLatin1().replace("LONGEST", LONGEST.c_str()).toStdString();
+}
+
+// Also takes away names that are no UTF-8.
+struct Folder : QTemporaryDir
+{
+    ~Folder() { fs::remove_all(path().toStdString()); }
+};
+
+} // namespace
 
 class FilesTest : public QObject
 {
@@ -21,49 +40,35 @@ class FilesTest : public QObject
 private slots:
     void init()
     {
-        m_folder = std::make_unique<QTemporaryDir>();
+        m_folder = std::make_unique<Folder>();
         QCOMPARE(CosDir::MakeDir(at("directory")), 0);
         write("file", "old");
         write("source", "new");
         QCOMPARE(::mkfifo(at("pipe").c_str(), 0600), 0);
-        QCOMPARE(::symlink("nowhere", at("dangling").c_str()), 0);
-        QCOMPARE(::symlink("file", at("link").c_str()), 0);
+        fs::create_symlink("nowhere", at("dangling"));
+        fs::create_symlink("file", at("link"));
     }
 
+    // from | to | result; bytes as Latin-1
+    void copiesWholeOrNotAtAll_data()
+    {
+        rows({"source | a/b/c | 0", "source | file | 0", "source | link | 0", "source | source | 0",
+              "source | LONGEST | 0", "source | ÿ\n*'$ | 0", "missing | file | -1",
+              "directory | file | -1", "pipe | file | -1",
+              "/proc/self/mem | file | -1", // opens, but cannot be read
+              "source | file/x | -2", "source | directory | -3", "source | LONGESTn | -3",
+              "source | directory/ | -3"});
+    }
     void copiesWholeOrNotAtAll()
     {
-        const QByteArray longest(255, 'n');
-        const struct
-        {
-            const char *why;
-            QByteArray from, to;
-            int result;
-        } cases[] = {
-            {"in new directories", "source", "a/b/c", 0},
-            {"over a file", "source", "file", 0},
-            {"over a link", "source", "link", 0},
-            {"over itself", "source", "source", 0},
-            {"longest name", "source", longest, 0},
-            {"hostile name", "source", "\xff\n*'$", 0},
-            {"nothing", "missing", "file", -1},
-            {"a directory", "directory", "file", -1},
-            {"a pipe", "pipe", "file", -1},
-            {"unreadable bytes", "/proc/self/mem", "file", -1},
-            {"below a file", "source", "file/x", -2},
-            {"over a directory", "source", "directory", -3},
-            {"name too long", "source", longest + 'n', -3},
-            {"no name", "source", "directory/", -3},
-        };
-        for (const auto &[why, from, to, result] : cases) {
-            init();
-            const std::string source = from.startsWith('/') ? from.toStdString() : at(from);
-            QVERIFY2(CosFile::CopyWithMakeDir(source, at(to)) == result, why);
-            QVERIFY2(read("file") == (result == 0 && to == "file" ? "new" : "old"), why);
-            QVERIFY2(result != 0 || read(to) == "new", why);
-            std::vector<std::string> left;
-            QVERIFY2(CosDir::ListDir(at(""), ".copy-*", left) == 0, why);
-            QVERIFY2(CosDir::ListDir(at("directory"), "*", left) == 0, why);
-        }
+        const std::string from = cell(0).toStdString();
+        const std::string to = bytesOf(cell(1));
+        QCOMPARE(CosFile::CopyWithMakeDir(from[0] == '/' ? from : at(from), at(to)), number(2));
+        QCOMPARE(read("file").c_str(), number(2) == 0 && to == "file" ? "new" : "old");
+        QVERIFY(number(2) != 0 || read(to) == "new");
+        std::vector<std::string> left;
+        QCOMPARE(CosDir::ListDir(at(""), ".copy-*", left), 0);
+        QCOMPARE(CosDir::ListDir(at("directory"), "*", left), 0);
     }
 
     void copiesBytesAndPermissions()
@@ -74,55 +79,51 @@ private slots:
         ::chmod(at("source").c_str(), 0444);
         QCOMPARE(CosFile::CopyWithMakeDir(at("source"), at("copy")), 0);
         QVERIFY(read("copy") == bytes);
-        struct stat info = {};
-        QCOMPARE(::stat(at("copy").c_str(), &info), 0);
-        QCOMPARE(info.st_mode & ACCESSPERMS, mode_t{0644});
+        QCOMPARE(int(fs::status(at("copy")).permissions()), 0644);
     }
 
+    // pattern | names in their order, bytes as Latin-1
+    void listsNamesAsBytes_data()
+    {
+        rows({"*.* | .hidden a\n.b LONGEST ÿþ.txt", "*.txt | ÿþ.txt", "[a-c]* | a\n.b b", "["});
+    }
     void listsNamesAsBytes()
     {
-        const std::string longName = std::string(250, 'n') + ".long";
-        const std::pair<const char *, std::vector<std::string>> cases[] = {
-            {"*.*", {".hidden", "a\n.b", longName, "\xff\xfe.txt"}},
-            {"*.txt", {"\xff\xfe.txt"}},
-            {"[a-c]*", {"a\n.b", "b"}},
-            {"[", {}},
-        };
+        std::vector<std::string> expected;
+        for (const QString &name : cell(1).split(u' ', Qt::SkipEmptyParts))
+            expected.push_back(bytesOf(name));
         QCOMPARE(CosDir::MakeDir(at("list")), 0);
-        for (const std::string &name : {"b"s, "\xff\xfe.txt"s, "a\n.b"s, ".hidden"s, longName})
-            write("list/" + QByteArray::fromStdString(name), "");
+        for (const char *name : {"b", "\xff\xfe.txt", "a\n.b", ".hidden"})
+            write("list/"s + name, "");
+        write("list/" + LONGEST, "");
         for (const char *locale : {"C", "C.UTF-8"}) {
             std::setlocale(LC_ALL, locale); // NOLINT(concurrency-mt-unsafe): one thread
-            for (const auto &[pattern, expected] : cases) {
-                std::vector<std::string> names{"old"};
-                const int count = CosDir::ListDir(at("list"), pattern, names);
-                QVERIFY2(names == expected && count == int(expected.size()), pattern);
-                QCOMPARE(CosDir::ListDir(at("file"), "*", names), -1);
-                QVERIFY(names.empty());
-            }
+            std::vector<std::string> names{"old"};
+            QCOMPARE(CosDir::ListDir(at("list"), cell(0).toStdString(), names),
+                     int(expected.size()));
+            QVERIFY(names == expected);
+            QCOMPARE(CosDir::ListDir(at("file"), "*", names), -1);
+            QVERIFY(names.empty());
         }
     }
 
     void makesDirectories()
     {
         for (const char *path : {"a/b/c", "a//b///", "directory"})
-            QVERIFY2(CosDir::MakeDir(at(path)) == 0 && isDirectory(path), path);
-        for (const QByteArray &path : {QByteArray("file"), QByteArray("file/a"),
-                                       QByteArray("dangling"), QByteArray(256, 'n')})
-            QVERIFY2(CosDir::MakeDir(at(path)) == -1 && !isDirectory(path), path);
+            QVERIFY2(CosDir::MakeDir(at(path)) == 0 && fs::is_directory(at(path)), path);
+        for (const std::string &path : {"file"s, "file/a"s, "dangling"s, std::string(256, 'n')})
+            QVERIFY2(CosDir::MakeDir(at(path)) == -1, path.c_str());
         QCOMPARE(CosDir::MakeDir(std::string()), -1);
     }
 
     void severalMakeTheSameDirectory()
     {
         std::atomic<int> failures{0};
-        std::array<std::thread, 4> threads;
-        for (std::thread &thread : threads) {
-            thread = std::thread([&] {
-                for (int n = 0; n < 50; ++n)
-                    failures += CosDir::MakeDir(at("race" + QByteArray::number(n) + "/a/b")) != 0;
-            });
-        }
+        const auto make = [&] {
+            for (int n = 0; n < 50; ++n)
+                failures += CosDir::MakeDir(at("race" + std::to_string(n) + "/a/b")) != 0;
+        };
+        std::thread threads[] = {std::thread(make), std::thread(make), std::thread(make)};
         for (std::thread &thread : threads)
             thread.join();
         QCOMPARE(failures.load(), 0);
@@ -137,25 +138,21 @@ private slots:
     }
 
 private:
-    std::string at(const QByteArray &name) const
+    std::string at(const std::string &name) const
     {
-        return m_folder->path().toStdString() + "/" + name.toStdString();
+        return m_folder->path().toStdString() + "/" + name;
     }
-    bool isDirectory(const QByteArray &name) const
-    {
-        return QFileInfo(QString::fromStdString(at(name))).isDir();
-    }
-    void write(const QByteArray &name, const std::string &bytes) const
+    void write(const std::string &name, const std::string &bytes) const
     {
         std::ofstream(at(name), std::ios::binary) << bytes;
     }
-    std::string read(const QByteArray &name) const
+    std::string read(const std::string &name) const
     {
         std::ifstream file(at(name), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<Folder> m_folder;
 };
 
 QTEST_GUILESS_MAIN(FilesTest)

@@ -1,43 +1,20 @@
+#include "platform/posix/LocalUdp.h"
+
 #include "platform/local_udp.h"
 #include "platform/sim/LoopbackSocket.h"
+#include "tests/support/Rows.h"
 
-#include <QElapsedTimer>
-#include <QtTest>
-
-#include <array>
 #include <csignal>
 #include <poll.h>
 #include <sys/time.h>
 #include <thread>
 
 using CBB::CbbLocalUdp;
-using CBB::exchangeDatagram;
 using sim::LoopbackSocket;
 
 namespace {
 
 constexpr unsigned int LONG = 60000; // milliseconds that no good run waits for
-
-// A thread that hands as many requests to `answer` as it is told to, and ends.
-template <typename Answer>
-std::thread serve(const LoopbackSocket &socket, int requests, Answer answer)
-{
-    return std::thread([&socket, requests, answer] {
-        for (int left = requests; left > 0;) {
-            pollfd waiting{socket.fd(), POLLIN, 0};
-            ::poll(&waiting, 1, -1);
-            if (const auto request = socket.receive(); request && left-- > 0)
-                answer(*request);
-        }
-    });
-}
-
-int freePort()
-{
-    LoopbackSocket socket;
-    socket.bind(0);
-    return socket.port();
-}
 
 } // namespace
 
@@ -46,48 +23,38 @@ class LocalUdpTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { QVERIFY(m_service.bind(0)); }
+    void init()
+    {
+        QVERIFY(m_service.bind(0));
+        m_reply = "former";
+    }
     void cleanup()
     {
         qunsetenv("SYSSET_UDP_DOWNLOAD");
-        CBB::moveLocalUdpPort("DownLoad", 0);
+        posix::moveLocalUdpPort("DownLoad", 0);
     }
 
+    void bringsTheReply_data() { rows({"0", "1", "268", "65507"}); }
     void bringsTheReply()
     {
-        for (const std::size_t size : {0, 1, 268, 65507}) {
-            const std::string body(size, '\xFE');
-            std::string reply = "former";
-            std::thread echo = serve(m_service, 1, [&](const auto &request) {
-                m_service.send(request.from, request.bytes);
-            });
-            const int result = exchangeDatagram(m_service.port(), body, reply, LONG);
-            echo.join();
-            QCOMPARE(std::size_t(result), size);
-            QVERIFY(reply == body);
-        }
+        const std::string body(number(0), '\xFE');
+        std::thread echo =
+            serve(1, [&](const auto &request) { m_service.send(request.from, request.bytes); });
+        const int result = ask(body, LONG);
+        echo.join();
+        QCOMPARE(result, number(0));
+        QVERIFY(m_reply == body);
     }
 
-    // Without waiting.
-    void failsClearly()
+    // bytes | port, nobody listens at 1 (tcpmux) | result
+    void failsAtOnce_data() { rows({"4 | 1 | -3", "65508 | 1 | -2", "4 | 65536 | -1"}); }
+    void failsAtOnce()
     {
-        const struct
-        {
-            const char *why;
-            std::size_t size;
-            int port, result;
-        } cases[] = {{"nobody there", 4, freePort(), CbbLocalUdp::ERR_NO_SERVICE},
-                     {"too long", 65508, freePort(), CbbLocalUdp::ERR_SYSTEM},
-                     {"unknown", 4, CBB::localUdpPort("Upload"), CbbLocalUdp::ERR_ENDPOINT},
-                     {"no port", 4, 65536, CbbLocalUdp::ERR_ENDPOINT}};
         QElapsedTimer timer;
         timer.start();
-        for (const auto &[why, size, port, result] : cases) {
-            std::string reply = "former";
-            QVERIFY2(exchangeDatagram(port, std::string(size, 'x'), reply, LONG) == result, why);
-            QVERIFY2(reply.empty(), why);
-        }
-        QVERIFY(timer.elapsed() < LONG / 2);
+        QCOMPARE(posix::exchangeDatagram(number(1), std::string(number(0), 'x'), m_reply, LONG),
+                 number(2));
+        QVERIFY(m_reply.empty() && timer.elapsed() < LONG / 2);
     }
 
     void waitsAsLongAsAskedThroughSignals()
@@ -100,12 +67,10 @@ private slots:
         QElapsedTimer timer;
         timer.start();
         setitimer(ITIMER_REAL, &every5ms, nullptr);
-        std::string reply = "former";
-        const int result = exchangeDatagram(m_service.port(), "body", reply, 100);
+        const int result = ask("body", 100);
         setitimer(ITIMER_REAL, &never, nullptr);
         QCOMPARE(result, int(CbbLocalUdp::ERR_TIMEOUT));
-        QVERIFY(timer.elapsed() >= 100);
-        QVERIFY(reply.empty());
+        QVERIFY(timer.elapsed() >= 100 && m_reply.empty());
     }
 
     // The replies to requests that were given up come when the last one is asked; and the ports
@@ -113,7 +78,7 @@ private slots:
     void lateReplyAnswersNothing()
     {
         std::vector<sockaddr_in> late;
-        std::thread thread = serve(m_service, 21, [&](const auto &request) {
+        std::thread thread = serve(21, [&](const auto &request) {
             if (request.bytes == "early") {
                 late.push_back(request.from);
                 return;
@@ -122,15 +87,13 @@ private slots:
                 m_service.send(from, "late");
             m_service.send(request.from, "right");
         });
-        std::string reply;
-        std::array<int, 20> results{};
-        for (int &result : results)
-            result = exchangeDatagram(m_service.port(), "early", reply, 1);
-        exchangeDatagram(m_service.port(), "last", reply, LONG);
+        int unanswered = 0;
+        for (int i = 0; i < 20; ++i)
+            unanswered += ask("early", 1) == CbbLocalUdp::ERR_TIMEOUT ? 1 : 0;
+        ask("last", LONG);
         thread.join();
-        for (const int result : results)
-            QCOMPARE(result, int(CbbLocalUdp::ERR_TIMEOUT));
-        QCOMPARE(reply.c_str(), "right");
+        QCOMPARE(unanswered, 20);
+        QCOMPARE(m_reply.c_str(), "right");
         for (const sockaddr_in &from : late)
             QVERIFY(!LoopbackSocket().bind(ntohs(from.sin_port)));
     }
@@ -139,37 +102,53 @@ private slots:
     {
         LoopbackSocket stranger;
         QVERIFY(stranger.bind(0));
-        std::thread thread = serve(m_service, 2, [&](const auto &request) {
+        std::thread thread = serve(1, [&](const auto &request) {
             stranger.send(request.from, "stranger");
-            if (request.bytes == "ask")
-                m_service.send(request.from, "service");
+            m_service.send(request.from, "service");
         });
-        std::string answered;
-        std::string unanswered;
-        exchangeDatagram(m_service.port(), "ask", answered, LONG);
-        const int result = exchangeDatagram(m_service.port(), "?", unanswered, 50);
+        ask("ask", LONG);
         thread.join();
-        QCOMPARE(answered.c_str(), "service");
-        QCOMPARE(result, int(CbbLocalUdp::ERR_TIMEOUT));
+        QCOMPARE(m_reply.c_str(), "service");
     }
 
+    // value | the port that it names; the usual one if it names none
+    void environmentNamesThePort_data()
+    {
+        rows({"40000 | 40000", "65535 | 65535", "", "0", "-5", "65536", "40000x", "_40000", "port",
+              "99999999999999999999"});
+    }
     void environmentNamesThePort()
     {
-        const int usual = CBB::localUdpPort("DownLoad");
-        for (const char *value : {"40000", "65535", "", "0", "-5", "65536", "40000x", " 40000",
-                                  "port", "99999999999999999999"}) {
-            const int named = value == QByteArray("40000")   ? 40000
-                              : value == QByteArray("65535") ? 65535
-                                                             : 0;
-            qputenv("SYSSET_UDP_DOWNLOAD", value);
-            QCOMPARE(CBB::localUdpPort("DownLoad"), named != 0 ? named : usual);
-            QCOMPARE(CBB::moveLocalUdpPort("DownLoad", 5000), named != 0 ? named : 5000);
-            QCOMPARE(CBB::moveLocalUdpPort("DownLoad", 0), named != 0 ? named : usual);
-        }
+        const int usual = posix::localUdpPort("DownLoad");
+        const int named = number(1);
+        qputenv("SYSSET_UDP_DOWNLOAD", cell(0).toLatin1().replace('_', ' '));
+        QCOMPARE(posix::localUdpPort("DownLoad"), named != 0 ? named : usual);
+        QCOMPARE(posix::moveLocalUdpPort("DownLoad", 5000), named != 0 ? named : 5000);
+        QCOMPARE(posix::moveLocalUdpPort("DownLoad", 0), named != 0 ? named : usual);
+        QCOMPARE(posix::localUdpPort("Upload"), -1);
     }
 
 private:
+    // A thread that hands as many requests to `answer` as it is told to, and ends.
+    template <typename Answer>
+    std::thread serve(int requests, Answer answer)
+    {
+        return std::thread([this, requests, answer] {
+            for (int left = requests; left > 0;) {
+                pollfd waiting{m_service.fd(), POLLIN, 0};
+                ::poll(&waiting, 1, -1);
+                if (const auto request = m_service.receive(); request && left-- > 0)
+                    answer(*request);
+            }
+        });
+    }
+    int ask(const std::string &body, unsigned int timeoutMs)
+    {
+        return posix::exchangeDatagram(m_service.port(), body, m_reply, timeoutMs);
+    }
+
     LoopbackSocket m_service; // at a new port for each test
+    std::string m_reply;
 };
 
 QTEST_GUILESS_MAIN(LocalUdpTest)

@@ -1,4 +1,4 @@
-#include "platform/cos_process.h"
+#include "platform/posix/ProcessTable.h"
 #include "tests/support/Rows.h"
 
 #include <QProcess>
@@ -7,7 +7,7 @@
 #include <csignal>
 #include <sys/wait.h>
 
-using COS::scanProcessTable;
+using posix::scanProcessTable;
 
 class ProcessTest : public QObject
 {

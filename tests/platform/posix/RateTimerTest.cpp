@@ -9,7 +9,6 @@
 #include <QProcess>
 
 #include <atomic>
-#include <memory>
 #include <thread>
 
 using COS::CCosRateTimer;
@@ -49,46 +48,25 @@ int addForEver(CCosRateTimer::Function function, void *argument, const char *nam
     return CCosRateTimer::addTimer(function, argument, name, TICK, -1, mode);
 }
 
-// True once the service has gone on for some ticks.
-bool someTicksPass()
-{
-    static Counter ticks; // outlives the task
-    const int before = ticks.value();
-    return addForEver(count, &ticks, "ticks") == 0 && ticks.reaches(before + 5) &&
-           CCosRateTimer::removeTimer("ticks") == 0;
-}
-
-int finishSoon(void *started)
-{
-    count(started);
-    COS::CosTime::SleepCos(100);
-    std::puts("finished");
-    std::fflush(stdout);
-    return 0;
-}
-
-int neverFinish(void *started)
-{
-    count(started);
-    for (;;)
-        COS::CosTime::SleepCos(1000);
-}
-
-int exitItself(void *)
-{
-    std::exit(0); // NOLINT(concurrency-mt-unsafe): that is the case
-}
-
 // The child of endsWithTheProcess(): exits while a task runs.
-[[noreturn]] void exitDuring(const QByteArray &task)
+[[noreturn]] void exitDuring(const QByteArray &how)
 {
-    static auto *started = new Counter; // never destroyed: tasks may still use it
+    static Slow &slow = *new Slow; // never destroyed: tasks may still use it
+    const auto finishSoon = [](void *) {
+        slow.calls.add();
+        COS::CosTime::SleepCos(100);
+        std::puts("finished");
+        return std::fflush(stdout);
+    };
+    const auto exitItself = [](void *) -> int { std::exit(0); }; // NOLINT(concurrency-mt-unsafe)
     CCosRateTimer::init(TICK);
-    addForEver(task == "stuck"    ? neverFinish
-               : task == "inside" ? exitItself
-                                  : finishSoon,
-               started, "task");
-    started->reaches(task == "inside" ? 2 : 1);
+    addForEver(how == "soon"     ? finishSoon
+               : how == "inside" ? CCosRateTimer::Function(exitItself)
+                                 : Slow::run,
+               &slow, "task");
+    slow.calls.reaches(how == "inside" ? 2 : 1);
+    if (how == "given up" && CCosRateTimer::destory(10))
+        std::abort();
     std::exit(0); // NOLINT(concurrency-mt-unsafe): only this thread gets here
 }
 
@@ -101,48 +79,41 @@ class RateTimerTest : public QObject
 private slots:
     void init()
     {
+        m = std::make_unique<Tasks>();
         QCOMPARE(CCosThreadPool::init(1, 2, 10), 0);
         QCOMPARE(CCosRateTimer::init(TICK), 0);
     }
     void cleanup()
     {
-        CCosRateTimer::destory();
-        CCosThreadPool::destory();
+        QVERIFY(CCosRateTimer::destory() && CCosThreadPool::destory());
         QTRY_COMPARE(threadsNamed("timer"), 0);
     }
 
+    // name | period | count | mode | result
+    void refusesBadArguments_data()
+    {
+        rows({"null | 5 | -1 | 0 | -1", " | 5 | -1 | 0 | -1", "a | 0 | -1 | 0 | -1",
+              "a | 5 | 0 | 0 | -1", "a | 5 | -2 | 0 | -1", "a | 5 | -1 | 2 | -1",
+              "used | 5 | -1 | 0 | -2", "a | 2147483647 | 2147483647 | 1 | 0"});
+    }
     void refusesBadArguments()
     {
-        struct
-        {
-            CCosRateTimer::Function function;
-            const char *name;
-            int period, times, mode, result;
-        } const cases[] = {
-            {nullptr, "a", 5, -1, 0, -1},  {count, "", 5, -1, 0, -1},
-            {count, "a", 0, -1, 0, -1},    {count, "a", 5, 0, 0, -1},
-            {count, "a", 5, -2, 0, -1},    {count, "a", 5, -1, 2, -1},
-            {count, "used", 5, -1, 0, -2}, {count, "a", INT_MAX, INT_MAX, 1, 0},
-        };
-        Counter calls;
-        addForEver(count, &calls, "used");
-        for (const auto &[function, name, period, times, mode, result] : cases)
-            QCOMPARE(CCosRateTimer::addTimer(function, &calls, name, period, times, mode), result);
-        CCosRateTimer::destory();
+        addForEver(count, &m->calls, "used");
+        QCOMPARE(CCosRateTimer::addTimer(cell(0) == "null"_s ? nullptr : count, &m->calls,
+                                         cell(0).toStdString(), number(1), number(2), number(3)),
+                 number(4));
     }
 
     void runsOnlyBetweenInitAndDestory()
     {
         QCOMPARE(CCosRateTimer::init(TICK), -1);
-        CCosRateTimer::destory();
-        Counter calls;
-        QCOMPARE(addForEver(count, &calls, "a"), -1);
-        QCOMPARE(CCosRateTimer::init(0), -1);
         for (int round = 1; round <= 20; ++round) {
+            QVERIFY(CCosRateTimer::destory() && CCosRateTimer::destory(0));
+            QCOMPARE(addForEver(count, &m->calls, "a"), -1);
+            QCOMPARE(CCosRateTimer::init(0), -1);
             QCOMPARE(CCosRateTimer::init(TICK), 0);
-            QCOMPARE(addForEver(count, &calls, "a"), 0);
-            QVERIFY(calls.reaches(round));
-            CCosRateTimer::destory();
+            QCOMPARE(addForEver(count, &m->calls, "a"), 0);
+            QVERIFY(m->calls.reaches(round));
         }
     }
 
@@ -166,35 +137,26 @@ private slots:
     void endsAfterItsCount_data() { modes(); }
     void endsAfterItsCount()
     {
-        const int mode = number(0);
-        Counter calls;
-        QCOMPARE(CCosRateTimer::addTimer(count, &calls, "a", TICK, 3, mode), 0);
-        QVERIFY(calls.reaches(3));
-        QVERIFY(someTicksPass());
-        QCOMPARE(calls.value(), 3);
+        QCOMPARE(CCosRateTimer::addTimer(count, &m->calls, "a", TICK, 3, number(0)), 0);
+        QVERIFY(m->calls.reaches(3) && someTicksPass());
+        QCOMPARE(m->calls.value(), 3);
         QCOMPARE(CCosRateTimer::removeTimer("a"), -1);
-        CCosRateTimer::destory();
     }
 
     void changesTasksFromATask()
     {
-        struct Tasks
-        {
-            Counter self, other, added;
-        } tasks;
         const auto change = [](void *argument) {
-            auto *all = static_cast<Tasks *>(argument);
             CCosRateTimer::removeTimer("self");
             CCosRateTimer::removeTimer("other");
-            addForEver(count, &all->added, "added");
-            return count(&all->self);
+            auto *tasks = static_cast<Tasks *>(argument);
+            addForEver(count, &tasks->others, "added");
+            return count(&tasks->calls);
         };
-        QCOMPARE(addForEver(change, &tasks, "self"), 0);
-        QCOMPARE(CCosRateTimer::addTimer(count, &tasks.other, "other", 60000, -1, 0), 0);
-        QVERIFY(tasks.added.reaches(5));
-        QCOMPARE(tasks.self.value(), 1);
+        QCOMPARE(addForEver(change, m.get(), "self"), 0);
+        QCOMPARE(CCosRateTimer::addTimer(count, nullptr, "other", 60000, -1, 0), 0);
+        QVERIFY(m->others.reaches(5));
+        QCOMPARE(m->calls.value(), 1);
         QCOMPARE(CCosRateTimer::removeTimer("other"), -1);
-        CCosRateTimer::destory();
     }
 
     // slow tasks | their period in ticks
@@ -202,110 +164,99 @@ private slots:
     void slowTaskDelaysOnlyItself()
     {
         const int slowTasks = number(0);
-        std::vector<std::unique_ptr<Slow>> slow;
-        for (int i = 0; i < slowTasks; ++i) {
-            slow.push_back(std::make_unique<Slow>());
-            CCosRateTimer::addTimer(Slow::run, slow.back().get(), "slow" + std::to_string(i),
+        for (int i = 0; i < slowTasks; ++i)
+            CCosRateTimer::addTimer(Slow::run, &m->slow[i], "slow" + std::to_string(i),
                                     number(1) * TICK, -1, 0);
-        }
-        Counter calls;
-        addForEver(count, &calls, "quick");
-        for (const auto &task : slow)
-            QVERIFY(task->calls.reaches(1));
-        QVERIFY(calls.reaches(calls.value() + 5));
+        addForEver(count, &m->calls, "quick");
+        for (int i = 0; i < slowTasks; ++i)
+            QVERIFY(m->slow[i].calls.reaches(1));
+        QVERIFY(m->calls.reaches(m->calls.value() + 5));
         QVERIFY(threadsNamed("timer") <= slowTasks + 2);
-        for (const auto &task : slow) {
-            QCOMPARE(task->calls.value(), 1);
-            task->gate.add();
-            QVERIFY(task->calls.reaches(3));
-            QVERIFY(!task->overlapped);
+        for (int i = 0; i < slowTasks; ++i) {
+            QCOMPARE(m->slow[i].calls.value(), 1);
+            m->slow[i].gate.add();
+            QVERIFY(m->slow[i].calls.reaches(3));
+            QVERIFY(!m->slow[i].overlapped);
         }
-        CCosRateTimer::destory();
     }
 
     void callsOfOneNameNeverOverlap_data() { modes(); }
     void callsOfOneNameNeverOverlap()
     {
-        const int mode = number(0);
-        Slow old;
-        Counter renewed;
-        addForEver(Slow::run, &old, "a", mode);
+        Slow &old = m->slow[0];
+        addForEver(Slow::run, &old, "a", number(0));
         QVERIFY(old.calls.reaches(1));
         QCOMPARE(CCosRateTimer::removeTimer("a"), 0);
-        QCOMPARE(addForEver(count, &renewed, "a", mode), 0);
+        QCOMPARE(addForEver(count, &m->calls, "a", number(0)), 0);
         QVERIFY(someTicksPass());
-        QCOMPARE(renewed.value(), 0);
+        QCOMPARE(m->calls.value(), 0);
         old.gate.add();
-        QVERIFY(renewed.reaches(3));
+        QVERIFY(m->calls.reaches(3));
         QCOMPARE(old.calls.value(), 1);
-        CCosRateTimer::destory();
     }
 
-    void removedTaskDoesNotStartInThePool()
+    // A call that waits for a thread of the pool is over when its task is removed or the pool ends.
+    void callWaitsInThePool_data() { rows({"removed", "dropped"}); }
+    void callWaitsInThePool()
     {
-        Slow first;
-        Slow second;
-        Counter calls;
-        Counter renewed;
-        addForEver(Slow::run, &first, "first", 1);
-        addForEver(Slow::run, &second, "second", 1);
-        QVERIFY(first.calls.reaches(1) && second.calls.reaches(1)); // all threads of the pool
-        addForEver(count, &calls, "waiting", 1);
+        for (Slow *job : {&m->slow[0], &m->slow[1]}) // all threads of the pool
+            QVERIFY(CCosThreadPool::submit([job] { Slow::run(job); }) == 0 &&
+                    job->calls.reaches(1));
+        addForEver(count, &m->calls, "waiting", 1);
         QVERIFY(someTicksPass());
         QCOMPARE(CCosRateTimer::removeTimer("waiting"), 0);
-        QCOMPARE(addForEver(count, &renewed, "waiting", 1), 0);
-        first.gate.add();
-        second.gate.add();
-        QVERIFY(renewed.reaches(1));
-        CCosRateTimer::destory();
-        QCOMPARE(calls.value(), 0);
+        QCOMPARE(addForEver(count, &m->others, "waiting", 1), 0);
+        const bool dropped = cell(0) == "dropped"_s;
+        if (dropped)
+            QVERIFY(!CCosRateTimer::destory(0) && !CCosThreadPool::destory(0) &&
+                    CCosRateTimer::destory(60000));
+        m->slow[0].gate.add();
+        m->slow[1].gate.add();
+        QVERIFY(dropped || m->others.reaches(1));
+        QCOMPARE(m->calls.value(), 0);
     }
 
     void destoryWaitsForCalls_data() { modes(); }
     void destoryWaitsForCalls()
     {
-        const int mode = number(0);
-        Slow slow;
-        addForEver(Slow::run, &slow, "slow", mode);
+        Slow &slow = m->slow[0];
+        addForEver(Slow::run, &slow, "slow", number(0));
         QVERIFY(slow.calls.reaches(1));
+        QVERIFY(!CCosRateTimer::destory(0));
+        QCOMPARE(CCosRateTimer::init(TICK), -1);
+        QCOMPARE(addForEver(count, &m->calls, "a"), -1);
         std::thread opener([&] {
-            while (CCosRateTimer::removeTimer("slow") == 0 ||
-                   addForEver(Slow::run, &slow, "x") != -1)
-                CCosRateTimer::removeTimer("x"); // until destory() has begun
-            COS::CosTime::SleepCos(50);          // time for one that does not wait to be gone
+            COS::CosTime::SleepCos(50); // time for one that does not wait to be gone
             slow.gate.add();
         });
-        CCosRateTimer::destory();
-        QCOMPARE(slow.gate.value(), 1);
+        QVERIFY(CCosRateTimer::destory());
         QCOMPARE(slow.inside.load(), 0);
         opener.join();
     }
 
     // A tick at which something is due costs one wake-up of one thread, any other tick none.
+    void wakesOncePerDueTick_data() { rows({"50 | every tick", "60000 | not within the test"}); }
     void wakesOncePerDueTick()
     {
-        for (const int period : {50, 60000}) { // every tick; not within the test
-            CCosRateTimer::destory();
-            QTRY_COMPARE(threadsNamed("timer"), 0);
-            QCOMPARE(CCosRateTimer::init(50), 0);
-            Counter calls;
-            CCosRateTimer::addTimer(count, &calls, "a", period, -1, 0);
-            CCosRateTimer::addTimer(count, &calls, "b", period, -1, 0);
-            QTRY_COMPARE(threadsNamed("timer"), 2);
-            int before = 0;
-            int after = 0;
-            threadsNamed("timer", &before);
-            QTest::qWait(1500);
-            threadsNamed("timer", &after);
-            CCosRateTimer::destory();
-            // Two calls a tick. A busy machine may add some, but not one a tick.
-            QVERIFY2(after - before <= calls.value() / 2 + 10,
-                     qPrintable(QString::number(after - before)));
-        }
+        CCosRateTimer::destory();
+        QTRY_COMPARE(threadsNamed("timer"), 0);
+        QCOMPARE(CCosRateTimer::init(50), 0);
+        CCosRateTimer::addTimer(count, &m->calls, "a", number(0), -1, 0);
+        CCosRateTimer::addTimer(count, &m->calls, "b", number(0), -1, 0);
+        QTRY_COMPARE(threadsNamed("timer"), 2);
+        int before = 0;
+        int after = 0;
+        threadsNamed("timer", &before);
+        QTest::qWait(1500);
+        threadsNamed("timer", &after);
+        // Two calls a tick. A busy machine may add some wake-ups, but not one a tick.
+        QVERIFY2(after - before <= m->calls.value() / 2 + 10,
+                 qPrintable("%1"_s.arg(after - before)));
     }
 
-    // task under way | what it still prints
-    void endsWithTheProcess_data() { rows({"soon | finished", "stuck", "inside"}); }
+    // what the exit meets: a task that ends soon | what it still prints; one that hangs; exit()
+    // from the task; one that destory() has given up
+    void endsWithTheProcess_data() { rows({"soon | finished", "stuck", "inside", "given up"}); }
     void endsWithTheProcess()
     {
         QProcess child;
@@ -318,7 +269,22 @@ private slots:
     }
 
 private:
+    // What the tasks of a test use; outlives the service.
+    struct Tasks
+    {
+        Counter calls, others, ticks;
+        std::array<Slow, 4> slow;
+    };
+
     static void modes() { rows({"0 | on the service's threads", "1 | in the pool"}); }
+    // True once the service has gone on for some ticks.
+    bool someTicksPass() const
+    {
+        return addForEver(count, &m->ticks, "ticks") == 0 && m->ticks.reaches(5) &&
+               CCosRateTimer::removeTimer("ticks") == 0;
+    }
+
+    std::unique_ptr<Tasks> m;
 };
 
 int main(int argc, char *argv[])

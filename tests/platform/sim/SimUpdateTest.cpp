@@ -1,4 +1,5 @@
 #include "platform/local_udp.h"
+#include "platform/posix/LocalUdp.h"
 #include "platform/sim/Bytes.h"
 #include "platform/sim/LoopbackSocket.h"
 #include "platform/sim/Panel.h"
@@ -221,7 +222,7 @@ private slots:
     void portThatIsTaken()
     {
         sim::LoopbackSocket other;
-        const int usual = CBB::localUdpPort("DownLoad");
+        const int usual = posix::localUdpPort("DownLoad");
         other.bind(usual); // if it is taken already, so much the better
         QCOMPARE(ask(POLL).result, 268);
         QVERIFY(panel().get("update.port") != usual);

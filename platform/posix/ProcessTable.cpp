@@ -1,6 +1,6 @@
-#include "platform/cos_process.h"
+#include "platform/posix/ProcessTable.h"
 
-#include "platform/file_descriptor.h"
+#include "platform/posix/FileDescriptor.h"
 
 #include <algorithm>
 #include <array>
@@ -10,14 +10,14 @@
 #include <filesystem>
 #include <vector>
 
-namespace COS {
+namespace posix {
 namespace {
 
 // The first bytes of a file of the process, enough for any path; empty if the process is gone.
 std::string readProc(int pid, const char *file)
 {
     const std::string path = "/proc/" + std::to_string(pid) + "/" + file;
-    const COS::FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     std::array<char, PATH_MAX> head{};
     const ssize_t size = fd.isOpen() ? ::read(fd.get(), head.data(), head.size()) : 0;
     return {head.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0))};
@@ -77,4 +77,4 @@ int scanProcessTable(const std::string &name)
     return -1;
 }
 
-} // namespace COS
+} // namespace posix

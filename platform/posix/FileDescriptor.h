@@ -4,7 +4,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace COS {
+namespace posix {
 
 class FileDescriptor
 {
@@ -34,4 +34,4 @@ private:
     int m_fd;
 };
 
-} // namespace COS
+} // namespace posix

@@ -1,29 +1,26 @@
-#include "update/SerialLink.h"
-
-#include "platform/file_descriptor.h"
 #include "platform/paths.h"
-#include "update/Progress.h"
-
-#include <QtEndian>
+#include "platform/posix/FileDescriptor.h"
+#include "platform/serial_line.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
 #include <iterator>
-#include <limits>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <system_error>
 #include <termios.h>
 
+namespace PLATFORM {
 namespace {
+
+using posix::FileDescriptor;
 
 // _IOW('w', 1, int) of the board's driver: 1 makes the line RS-422, 0 RS-485.
 constexpr unsigned long MODE_REQUEST = 0x40047701;
 constexpr int NO_SWITCH = -1;
 
-constexpr std::int32_t PROGRAM_MARK = 20161111;
 constexpr cc_t READ_TENTHS = 40;
 
 struct Port
@@ -171,6 +168,11 @@ int setUp(int fd, const SerialSettings &settings)
                        : setParity(fd, settings.dataBits, settings.stopBits, settings.parity);
 }
 
+bool isForNow(int error)
+{
+    return error == EAGAIN || error == EINTR;
+}
+
 } // namespace
 
 int openDev(const std::string &portName)
@@ -181,7 +183,7 @@ int openDev(const std::string &portName)
         return tellOpenFailure(ENODEV);
     // Without O_NONBLOCK a port with modem lines would wait here for a carrier.
     const int flags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
-    COS::FileDescriptor line(open(panelPath(port->node).c_str(), flags));
+    FileDescriptor line(open(panelPath(port->node).c_str(), flags));
     if (!line.isOpen() || !switchMode(line.get(), port->switchTo))
         return tellOpenFailure(errno);
     return line.release();
@@ -219,8 +221,8 @@ int setParity(int fd, int dataBits, int stopBits, int parity)
 
 int openPort(int closeOnFailure, int &fd, const SerialSettings &settings)
 {
-    COS::FileDescriptor given(closeOnFailure);
-    COS::FileDescriptor line(openDev(portNameOf(settings.port, settings.mode)));
+    FileDescriptor given(closeOnFailure);
+    FileDescriptor line(openDev(portNameOf(settings.port, settings.mode)));
     const int result = line.isOpen() ? setUp(line.get(), settings) : -1;
     fd = result == 0 ? line.release() : -1;
     if (result == 0)
@@ -228,17 +230,36 @@ int openPort(int closeOnFailure, int &fd, const SerialSettings &settings)
     return result;
 }
 
-int checkHeader(int fd)
+void closePort(int fd)
 {
-    const off_t size = lseek(fd, 0, SEEK_END);
-    std::printf("ntotalpos = %ld\r\n", static_cast<long>(size));
-    g_Progress.nTotal =
-        static_cast<std::int32_t>(std::min<off_t>(size, std::numeric_limits<std::int32_t>::max()));
-    lseek(fd, 0, SEEK_SET);
-    std::int32_t mark = 0;
-    if (read(fd, &mark, sizeof mark) != static_cast<ssize_t>(sizeof mark))
-        return -1;
-    mark = qFromLittleEndian(mark);
-    std::printf("20161111** = %d\r\n", mark);
-    return mark == PROGRAM_MARK ? 0 : -1;
+    ::close(fd);
 }
+
+bool awaitPort(int fd, PortEvent event, std::chrono::milliseconds timeout)
+{
+    pollfd poll{fd, static_cast<short>(event == PortEvent::Readable ? POLLIN : POLLOUT), 0};
+    return ::poll(&poll, 1, static_cast<int>(timeout.count())) > 0;
+}
+
+int readPort(int fd, char *buffer, std::size_t size)
+{
+    const ssize_t count = ::read(fd, buffer, size);
+    if (count > 0)
+        return static_cast<int>(count);
+    return count < 0 && isForNow(errno) ? 0 : -1;
+}
+
+int writePort(int fd, const char *bytes, std::size_t size)
+{
+    const ssize_t count = ::write(fd, bytes, size);
+    if (count >= 0)
+        return static_cast<int>(count);
+    return isForNow(errno) ? 0 : -1;
+}
+
+void dropReceived(int fd)
+{
+    tcflush(fd, TCIFLUSH);
+}
+
+} // namespace PLATFORM

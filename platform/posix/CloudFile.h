@@ -1,11 +1,12 @@
-// The file by which a project binds a panel to the remote-access cloud; the same on every panel.
+// The file by which a project binds a panel to the remote-access cloud, for loadCloudXML() of a
+// panel.
 #pragma once
+
+#include "platform/net.h"
 
 #include <string>
 
-namespace netT {
-
-struct CloudConfig;
+namespace posix {
 
 // Why a cloud file gives no configuration.
 enum CloudFileError {
@@ -29,6 +30,6 @@ enum CloudFileError {
 // port is 1 to 65535. Elements of other names are skipped; a document type, and with it every
 // entity of the file's own, is refused. Returns 0 and fills addresses and ports of `config` and
 // `region`, or a CloudFileError, both untouched. Blocks for the reading. Any thread.
-int readCloudFile(const std::string &path, CloudConfig &config, std::string &region);
+int readCloudFile(const std::string &path, netT::CloudConfig &config, std::string &region);
 
-} // namespace netT
+} // namespace posix

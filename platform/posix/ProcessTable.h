@@ -1,0 +1,12 @@
+// The processes of this system, for GetProcessPIDByName() of a panel.
+#pragma once
+
+#include <string>
+
+namespace posix {
+
+// Looks `name` up in /proc: what COS::CosOsState::GetProcessPIDByName answers where the process
+// table is the real one. Same argument, result and thread.
+int scanProcessTable(const std::string &name);
+
+} // namespace posix
