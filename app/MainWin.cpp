@@ -57,10 +57,10 @@ constexpr int TABS_ACROSS = 5; // tabs that fit side by side on the screen
 
 MainWin::MainWin()
     : ui(std::make_unique<Ui::Qt_MainWin>()),
-      m_cloudMonitor(m_cloudClient, OnCloudMessage, this,
-                     {[this] { m_pNetExtend->refreshPriority(); },
-                      [this](int type, bool online) { emit sgl_NetChange(type, online); },
-                      [this](int load, int status, const std::string &region) {
+      m_links({[this] { m_pNetExtend->refreshPriority(); },
+               [this](int type, bool online) { emit sgl_NetChange(type, online); }}),
+      m_cloudMonitor(m_cloudClient, OnCloudMessage, this, m_links,
+                     {[this](int load, int status, const std::string &region) {
                           emit sgl_Util(load, status, QString::fromStdString(region));
                       },
                       [this](bool up) { emit sgl_Tarnicloud(up); }})
@@ -91,7 +91,7 @@ MainWin::MainWin()
 MainWin::~MainWin()
 {
     hide();
-    m_cloudMonitor.stop(); // else the wait for its task could last many pings
+    m_links.stop(); // else the wait for its task could last many pings
     m_pNetExtend->diagnosis()->stop();
     m_tasks.reset();
     m_pDownloadThread.reset();

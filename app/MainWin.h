@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/CloudMonitor.h"
+#include "app/LinkMonitor.h"
 #include "app/StatusStrip.h"
 #include "platform/net.h"
 #include "platform/services.h"
@@ -128,6 +129,7 @@ private:
     std::atomic<unsigned int> m_hotPlugEvents{0};
 
     netT::CAsyncClient m_cloudClient;
+    LinkMonitor m_links;
     CloudMonitor m_cloudMonitor;
     std::unique_ptr<dsl::CNotifyClient> m_pNotifyClient;
     std::unique_ptr<ComParamLists> m_pComParams;
