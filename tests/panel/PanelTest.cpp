@@ -23,6 +23,7 @@ private slots:
     void keepsTheLanguage();
     void secondProgramLeaves();
     void refusesAScenario();
+    void answersWithoutStarting();
 
 private:
     static void setStaticAddress(Operator &panel);
@@ -270,6 +271,15 @@ void PanelTest::refusesAScenario()
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^sysset-sim: "_s));
         QCOMPARE(panel.waitForEnd(), 2);
     }
+}
+
+void PanelTest::answersWithoutStarting()
+{
+    Operator panel;
+    panel.setEnvironment("QT_QPA_PLATFORM"_s, "none"_s);
+    QVERIFY(!panel.start({"--help"_s}));
+    QCOMPARE(panel.waitForEnd(), 0);
+    QVERIFY(!QFile::exists(panel.file("/run"_s)));
 }
 
 QTEST_GUILESS_MAIN(PanelTest)
