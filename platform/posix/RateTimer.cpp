@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 
 namespace posix {
 namespace {
@@ -70,19 +71,22 @@ int RateTimer::remove(const std::string &name)
     return 0;
 }
 
-void RateTimer::stop()
+bool RateTimer::stop(int waitMs)
 {
     Lock lock(m_mutex);
-    if (m_state == State::Down)
-        return;
-    end();
-    const auto isOver = [this] { return m_threads == 0 && m_schedule.isQuiet(); };
-    m_changed.wait(lock, [&] { return isOver() || m_state != State::Ending; });
-    if (m_state != State::Ending) // another thread stopped it as well
-        return;
+    if (m_state == State::Up)
+        end();
+    const auto isOver = [this] {
+        return m_state != State::Ending || (m_threads == 0 && m_schedule.isQuiet());
+    };
+    if (!waitUntilOver(m_changed, lock, waitMs, isOver))
+        return false;
+    if (m_state != State::Ending) // it was down, or another thread stopped it as well
+        return true;
     m_takeoverTimer.close();
     m_state = State::Down;
     m_changed.notify_all();
+    return true;
 }
 
 void RateTimer::end()
@@ -239,7 +243,7 @@ bool RateTimer::awaitLead(Lock &lock)
         if (!task)
             return;
         if (task->mode == 1)
-            handToPool(*task);
+            handToPool(lock, *task);
         else
             runHere(lock, *task, lead);
     }
@@ -249,31 +253,45 @@ bool RateTimer::awaitLead(Lock &lock)
 {
     m_inTaskSince = m_now;
     call(lock, task);
+    finish(task);
     if (m_lead == lead)
         m_inTaskSince.reset();
 }
 
-void RateTimer::handToPool(const Task &task)
+void RateTimer::handToPool(Lock &lock, const Task &task)
 {
-    if (COS::CCosThreadPool::submit([this, task] { runInPool(task); }) != 0)
-        finish(task);
+    lock.unlock();
+    {
+        // The call is over when the pool lets go of the job: has run it, refused it or dropped it.
+        const std::shared_ptr<const Task> handed(new Task(task), [this](const Task *ended) {
+            finishInPool(*ended);
+            delete ended;
+        });
+        COS::CCosThreadPool::submit([this, handed] { callInPool(*handed); });
+    }
+    lock.lock();
 }
 
-void RateTimer::runInPool(const Task &task)
+void RateTimer::callInPool(const Task &task)
 {
     Lock lock(m_mutex);
     call(lock, task);
+}
+
+void RateTimer::finishInPool(const Task &task)
+{
+    const Lock lock(m_mutex);
+    finish(task);
     arm();
 }
 
 [[gnu::hot]] void RateTimer::call(Lock &lock, const Task &task)
 {
-    if (m_schedule.begin(task)) {
-        lock.unlock();
-        task.function(task.argument);
-        lock.lock();
-    }
-    finish(task);
+    if (!m_schedule.begin(task))
+        return;
+    lock.unlock();
+    task.function(task.argument);
+    lock.lock();
 }
 
 [[gnu::hot]] void RateTimer::finish(const Task &task)
@@ -312,9 +330,9 @@ int CCosRateTimer::removeTimer(const std::string &name)
     return posix::RateTimer::instance().remove(name);
 }
 
-void CCosRateTimer::destory()
+bool CCosRateTimer::destory(int waitMs)
 {
-    posix::RateTimer::instance().stop();
+    return posix::RateTimer::instance().stop(waitMs);
 }
 
 } // namespace COS

@@ -26,7 +26,7 @@ public:
     int start(int tickMs);
     int add(Task task, int periodMs);
     int remove(const std::string &name);
-    void stop();
+    bool stop(int waitMs);
 
 private:
     using Lock = std::unique_lock<std::mutex>;
@@ -45,8 +45,9 @@ private:
 
     void runDue(Lock &lock, std::uint64_t lead);
     void runHere(Lock &lock, const Task &task, std::uint64_t lead);
-    void handToPool(const Task &task);
-    void runInPool(const Task &task);
+    void handToPool(Lock &lock, const Task &task);
+    void callInPool(const Task &task);
+    void finishInPool(const Task &task);
     void call(Lock &lock, const Task &task);
     void finish(const Task &task);
 

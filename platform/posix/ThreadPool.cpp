@@ -23,7 +23,7 @@ public:
 
     int start(int minThreads, int maxThreads, int maxQueued);
     int submit(std::function<void()> job);
-    void stop();
+    bool stop(int waitMs);
 
 private:
     using Lock = std::unique_lock<std::mutex>;
@@ -38,7 +38,7 @@ private:
     void work();
     bool awaitJob(Lock &lock);
     void runJob(Lock &lock);
-    void end();
+    void end(Lock &lock);
     void stopAtExit();
 
     std::mutex m_mutex; // guards everything below
@@ -86,15 +86,16 @@ int ThreadPool::submit(std::function<void()> job)
     return 0;
 }
 
-void ThreadPool::stop()
+bool ThreadPool::stop(int waitMs)
 {
     Lock lock(m_mutex);
-    if (m_state == State::Down)
-        return;
-    end();
-    m_changed.wait(lock, [this] { return m_threads == 0 || m_state != State::Ending; });
+    end(lock);
+    const auto isOver = [this] { return m_threads == 0 || m_state != State::Ending; };
+    if (!posix::waitUntilOver(m_changed, lock, waitMs, isOver))
+        return false;
     if (m_state == State::Ending)
         m_state = State::Down;
+    return true;
 }
 
 bool ThreadPool::addThread()
@@ -133,28 +134,33 @@ void ThreadPool::runJob(Lock &lock)
     ++m_busy;
     lock.unlock();
     job();
-    job = nullptr; // what it holds may be destroyed by code that uses the pool
+    job = nullptr; // without the lock, as in end()
     lock.lock();
     --m_busy;
     m_changed.notify_all();
 }
 
-void ThreadPool::end()
+// From here on no job starts.
+void ThreadPool::end(Lock &lock)
 {
+    if (m_state != State::Up)
+        return;
     m_state = State::Ending;
     m_work.notify_all();
+    std::deque<std::function<void()>> dropped;
+    dropped.swap(m_jobs);
+    lock.unlock(); // what a job holds may be destroyed by code that uses the pool
+    dropped.clear();
+    lock.lock();
 }
 
 void ThreadPool::stopAtExit()
 {
-    std::deque<std::function<void()>> dropped;
     Lock lock(m_mutex);
     if (m_state != State::Up)
         return;
-    dropped.swap(m_jobs);
-    end();
+    end(lock);
     m_changed.wait_for(lock, posix::PATIENCE_AT_EXIT, [this] { return m_busy == 0; });
-    lock.unlock(); // before `dropped` runs destructors of others
 }
 
 } // namespace
@@ -171,9 +177,9 @@ int CCosThreadPool::submit(std::function<void()> job)
     return ThreadPool::instance().submit(std::move(job));
 }
 
-void CCosThreadPool::destory()
+bool CCosThreadPool::destory(int waitMs)
 {
-    ThreadPool::instance().stop();
+    return ThreadPool::instance().stop(waitMs);
 }
 
 } // namespace COS

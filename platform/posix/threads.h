@@ -2,7 +2,9 @@
 #pragma once
 
 #include <chrono>
+#include <condition_variable>
 #include <functional>
+#include <mutex>
 
 namespace posix {
 
@@ -14,5 +16,17 @@ constexpr std::chrono::seconds PATIENCE_AT_EXIT{1};
 // is never destroyed. An exception out of `body` ends the program (std::terminate).
 // Returns false if the system gives no thread. Any thread.
 bool startThread(const char *name, std::function<void()> body);
+
+// Sleeps on `changed` until `isOver()`, at most `waitMs` milliseconds; as long as it takes if that
+// is negative. Returns whether it is over. Any thread that holds `lock`.
+template <typename IsOver>
+bool waitUntilOver(std::condition_variable &changed, std::unique_lock<std::mutex> &lock, int waitMs,
+                   IsOver isOver)
+{
+    if (waitMs >= 0)
+        return changed.wait_for(lock, std::chrono::milliseconds(waitMs), isOver);
+    changed.wait(lock, isOver);
+    return true;
+}
 
 } // namespace posix

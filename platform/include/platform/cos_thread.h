@@ -26,9 +26,14 @@ public:
     // thread; -2 if `maxQueued` jobs wait already.
     static int submit(std::function<void()> job);
 
-    // Lets the waiting jobs finish, ends the threads and waits for them. Does nothing if the pool
-    // does not run. Not to be called from a job of the pool.
-    static void destory();
+    // Ends the pool. From the first call on no job starts and submit() takes none: the jobs that
+    // wait for a thread are destroyed without having run. The threads end after the jobs that run;
+    // they are waited for at most `waitMs` milliseconds, or as long as it takes if it is negative.
+    // Returns true once all threads have ended, at once if the pool does not run: only then may
+    // init() start it again. False if the time was over before: the running jobs go on, with all
+    // that the pool holds, also while the process exits; call it again to go on waiting.
+    // Not to be called from a job of the pool.
+    static bool destory(int waitMs = -1);
 };
 
 // Named periodic tasks, one service for the whole process. Tasks run on the service's own
@@ -72,9 +77,14 @@ public:
     // Returns 0; -1 if there is no task of that name.
     static int removeTimer(const std::string &name);
 
-    // Forgets all tasks, waits for the calls that are under way and ends the service. Not to be
-    // called from a task. Does nothing if the service does not run.
-    static void destory();
+    // Ends the service. From the first call on no task starts, and all are forgotten. The calls
+    // that are under way are waited for at most `waitMs` milliseconds, or as long as it takes if it
+    // is negative.
+    // Returns true once all calls and threads have ended, at once if the service does not run: only
+    // then may init() start it again. False if the time was over before: those calls go on, with
+    // all that the service holds, also while the process exits; call it again to go on waiting.
+    // Not to be called from a task.
+    static bool destory(int waitMs = -1);
 };
 
 } // namespace COS

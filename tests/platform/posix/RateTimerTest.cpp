@@ -84,11 +84,13 @@ int exitItself(void *)
 {
     static auto *started = new Counter; // never destroyed: tasks may still use it
     CCosRateTimer::init(TICK);
-    addForEver(task == "stuck"    ? neverFinish
+    addForEver(task == "soon"     ? finishSoon
                : task == "inside" ? exitItself
-                                  : finishSoon,
+                                  : neverFinish,
                started, "task");
     started->reaches(task == "inside" ? 2 : 1);
+    if (task == "given up" && CCosRateTimer::destory(10))
+        std::abort();
     std::exit(0); // NOLINT(concurrency-mt-unsafe): only this thread gets here
 }
 
@@ -275,10 +277,30 @@ private slots:
             COS::CosTime::SleepCos(50);          // time for one that does not wait to be gone
             slow.gate.add();
         });
-        CCosRateTimer::destory();
+        QVERIFY(!CCosRateTimer::destory(0)); // `slow` is inside until the opener has its -1
+        QCOMPARE(CCosRateTimer::init(TICK), -1);
+        QVERIFY(CCosRateTimer::destory());
         QCOMPARE(slow.gate.value(), 1);
         QCOMPARE(slow.inside.load(), 0);
         opener.join();
+    }
+
+    // A call that the pool drops without having run it is over.
+    void endsWithoutThePool()
+    {
+        Slow slow;
+        Counter calls;
+        CCosThreadPool::submit([&] { Slow::run(&slow); });
+        CCosThreadPool::submit([&] { Slow::run(&slow); });
+        QVERIFY(slow.calls.reaches(2)); // all threads of the pool
+        addForEver(count, &calls, "waiting", 1);
+        QVERIFY(someTicksPass());
+        QVERIFY(!CCosRateTimer::destory(0));
+        QVERIFY(!CCosThreadPool::destory(0));
+        QVERIFY(CCosRateTimer::destory(60000));
+        slow.gate.add();
+        QVERIFY(CCosThreadPool::destory());
+        QCOMPARE(calls.value(), 0);
     }
 
     // A tick at which something is due costs one wake-up of one thread, any other tick none.
@@ -305,7 +327,7 @@ private slots:
     }
 
     // task under way | what it still prints
-    void endsWithTheProcess_data() { rows({"soon | finished", "stuck", "inside"}); }
+    void endsWithTheProcess_data() { rows({"soon | finished", "stuck", "inside", "given up"}); }
     void endsWithTheProcess()
     {
         QProcess child;

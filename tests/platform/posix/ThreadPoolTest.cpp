@@ -51,10 +51,25 @@ private slots:
                 std::this_thread::yield();
             gate.add();
         });
-        CCosThreadPool::destory(); // lets the waiting ones finish
+        CCosThreadPool::destory(); // drops those that wait
         opener.join();
-        QCOMPARE(running.value(), accepted);
+        QCOMPARE(running.value(), maximum);
         QTRY_COMPARE(threadsNamed("pool"), 0);
+    }
+
+    void destoryWaitsAsLongAsAsked()
+    {
+        QCOMPARE(CCosThreadPool::init(1, 1, 5), 0);
+        Counter running, gate;
+        CCosThreadPool::submit([&] { running.add(), gate.reaches(1); });
+        QVERIFY(running.reaches(1));
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(!CCosThreadPool::destory(0) && !CCosThreadPool::destory(30));
+        QVERIFY(clock.elapsed() >= 30);
+        QCOMPARE(CCosThreadPool::init(1, 1, 5), -1);
+        gate.add();
+        QVERIFY(CCosThreadPool::destory(60000) && CCosThreadPool::destory(0));
     }
 
     void takesJobsFromItsJobs()
