@@ -57,10 +57,10 @@ constexpr int TABS_ACROSS = 5; // tabs that fit side by side on the screen
 
 MainWin::MainWin()
     : ui(std::make_unique<Ui::Qt_MainWin>()),
-      m_cloudMonitor(m_cloudClient, OnCloudMessage, this,
-                     {[this] { m_pNetExtend->refreshPriority(); },
-                      [this](int type, bool online) { emit sgl_NetChange(type, online); },
-                      [this](int load, int status, const std::string &region) {
+      m_links({[this] { m_pNetExtend->refreshPriority(); },
+               [this](int type, bool online) { emit sgl_NetChange(type, online); }}),
+      m_cloudMonitor(m_cloudClient, OnCloudMessage, this, m_links,
+                     {[this](int load, int status, const std::string &region) {
                           emit sgl_Util(load, status, QString::fromStdString(region));
                       },
                       [this](bool up) { emit sgl_Tarnicloud(up); }})
@@ -90,15 +90,34 @@ MainWin::MainWin()
 
 MainWin::~MainWin()
 {
-    hide();
-    m_cloudMonitor.stop(); // else the wait for its task could last many pings
+    m_links.stop();
     m_pNetExtend->diagnosis()->stop();
-    m_tasks.reset();
-    m_pDownloadThread.reset();
-    m_pNotifyClient.reset();
-    m_pComParams.reset();
+    m_pDownloadThread->giveUp();
+    const auto stopWorker = [this](int waitMs) {
+        return m_pDownloadThread->wait(static_cast<unsigned long>(waitMs));
+    };
+    const bool quiet = stopAll(
+        {COS::CCosRateTimer::destory, COS::CCosThreadPool::destory, stopWorker, stopCallbacks},
+        [this] { tellRestart(); });
+    if (quiet) { // else they may still be in use
+        m_pDownloadThread.reset();
+        m_pNotifyClient.reset();
+        m_pComParams.reset();
+    }
     settle();
-    reboot(1);
+    const bool hardware = !m_bRestart || PLATFORM::CPlatCpu::enableReboot() != 0;
+    reboot(hardware ? 1 : 0, quiet);
+}
+
+void MainWin::tellRestart()
+{
+    auto *box = new MessageBox(BOX_INFORMATION, this);
+    box->setText(tr("Restarting. Please wait."));
+    for (QPushButton *button : box->findChildren<QPushButton *>())
+        button->hide();
+    const QSize corner = fractionOf(m_screen, 0.25, 0.25);
+    placeOnScreen(box, fractionOf(m_screen, 0.5, 0.5), {corner.width(), corner.height()});
+    box->show();
 }
 
 MainWin::Tasks::Tasks()
@@ -109,6 +128,7 @@ MainWin::Tasks::Tasks()
 
 MainWin::Tasks::~Tasks()
 {
+    stopCallbacks(0);
     COS::CCosRateTimer::destory();
     COS::CCosThreadPool::destory();
 }
@@ -311,7 +331,6 @@ void MainWin::slot_UDevInput(int type, std::string path)
             page->listUdisk(path);
         }
     }
-    m_hotPlugEvents.fetch_add(1, std::memory_order_release);
 }
 
 void MainWin::slot_UDevOutput(int type, std::string)
@@ -325,7 +344,6 @@ void MainWin::slot_UDevOutput(int type, std::string)
     } else if (type == PLATFORM::DEV_WIFI) {
         slot_NetChange();
     }
-    m_hotPlugEvents.fetch_add(1, std::memory_order_release);
 }
 
 void MainWin::slot_NetChange(int type, bool online)
@@ -400,7 +418,6 @@ void MainWin::restart()
     keyClick();
     if (runBox(BOX_QUESTION, this, tr("Are you sure you want to restart HMI?")) == 0)
         return;
-    m_pDownloadThread->giveUp();
-    settle();
-    reboot(PLATFORM::CPlatCpu::enableReboot() != 0 ? 1 : 0);
+    m_bRestart = true;
+    QApplication::quit();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/CloudMonitor.h"
+#include "app/LinkMonitor.h"
 #include "app/StatusStrip.h"
 #include "platform/net.h"
 #include "platform/services.h"
@@ -9,7 +10,6 @@
 #include <QDialog>
 
 #include <array>
-#include <atomic>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -56,10 +56,6 @@ public:
     // Takes the network service's records. Any thread.
     void setNetRecords(const std::vector<netT::stAllNetInfo_tag> &records);
 
-    // Called after a hot-plug signal, which has blocked until its slot was done: makes what the
-    // slot did known to the calling thread. Media thread.
-    void awaitHotPlug() const { m_hotPlugEvents.load(std::memory_order_acquire); }
-
     // One run of the online and cloud check. Rate timer's thread.
     void checkCloud();
 
@@ -101,6 +97,7 @@ private:
     void highlightGroup(std::size_t index);
     void applyStyle();
     void restart();
+    void tellRestart();
     std::vector<netT::stAllNetInfo_tag> netRecords() const;
 
     std::unique_ptr<Ui::Qt_MainWin> ui;
@@ -118,16 +115,14 @@ private:
     QSize m_screen;
     int m_nLanguage = 0; // a copy of g_nLanguge, for what is told the language
     std::size_t m_nGroup = 0;
+    bool m_bRestart = false; // the operator has asked for the end
 
     mutable std::mutex m_recordsMutex;
     std::vector<netT::stAllNetInfo_tag> m_netRecords;
     bool m_bRecordsAnnounced = false; // sgl_NetChange() is on its way
 
-    // Counts the hot-plug events that the slots are done with. Qt hands over by a semaphore of its
-    // own, which tools that watch over threads do not see.
-    std::atomic<unsigned int> m_hotPlugEvents{0};
-
     netT::CAsyncClient m_cloudClient;
+    LinkMonitor m_links;
     CloudMonitor m_cloudMonitor;
     std::unique_ptr<dsl::CNotifyClient> m_pNotifyClient;
     std::unique_ptr<ComParamLists> m_pComParams;

@@ -1,10 +1,10 @@
 #include "app/Program.h"
 
+#include "app/CommandLine.h"
 #include "app/look/FontStyle.h"
 #include "app/look/WidgetLook.h"
 #include "app/MainWin.h"
 #include "app/Shutdown.h"
-#include "input/FieldKeyboard.h"
 #include "resources/Resources.h"
 #include "system/TimeZone.h"
 
@@ -14,20 +14,6 @@
 #include <exception>
 
 namespace {
-
-// Options as the program is started with them: "-p PASSWORD" asks for a password first, "-d WORD"
-// opens an update page. An option with nothing behind it is ignored.
-void obeyOptions(int argc, char **argv, MainWin *window)
-{
-    for (int i = 1; i + 1 < argc; ++i) {
-        const QByteArray option(argv[i]);
-        // The password is the second argument, wherever the option stands; this is intended.
-        if (option == "-p")
-            runPasswordGate(window, QString::fromLocal8Bit(argv[2]));
-        else if (option == "-d")
-            window->openUpdate(QString::fromLocal8Bit(argv[i + 1]));
-    }
-}
 
 void runWindow(int argc, char **argv, const std::function<void()> &shown)
 {
@@ -48,7 +34,9 @@ void dressApplication()
     substituteFonts();
 }
 
-void runProgram(int argc, char **argv, const std::function<void()> &shown)
+namespace {
+
+[[noreturn]] void startProgram(int argc, char **argv, const std::function<void()> &shown)
 {
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     // Nothing here draws with OpenGL; without it the X11 platform starts faster and smaller.
@@ -69,4 +57,18 @@ void runProgram(int argc, char **argv, const std::function<void()> &shown)
     // Only a window that could not be built gets here: a built one restarts the panel itself.
     settle();
     reboot(1);
+}
+
+} // namespace
+
+int runProgram(int argc, char **argv, const std::function<void()> &shown,
+               const std::function<int()> &prepare)
+{
+    const std::optional<int> answered = answerCommandLine(argc, argv);
+    if (answered)
+        return *answered;
+    const int refused = prepare ? prepare() : 0;
+    if (refused != 0)
+        return refused;
+    startProgram(argc, argv, shown);
 }

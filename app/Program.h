@@ -7,7 +7,11 @@
 // yet. GUI thread, once.
 void dressApplication();
 
-// Runs the settings program: builds and shows the window, obeys the options, runs the event loop.
-// Never returns: the program's end restarts the panel and leaves with exit status 0. `shown` is
-// called once, when the window has been shown and before anything modal can open.
-[[noreturn]] void runProgram(int argc, char **argv, const std::function<void()> &shown);
+// Runs the settings program: answers --help, --version and an unknown option, builds and shows the
+// window, obeys the other options, runs the event loop. `prepare` makes the panel ready before
+// anything is built and returns 0, or the status to exit with; it may be empty. `shown` is called
+// once, when the window has been shown and before anything modal can open.
+// Returns the exit status only if nothing has been built; else the program's end restarts the panel
+// and leaves with exit status 0.
+int runProgram(int argc, char **argv, const std::function<void()> &shown,
+               const std::function<int()> &prepare = {});

@@ -24,6 +24,7 @@ public:
     bool start(const QStringList &options = {});
     // Waits for the program's end. Returns its exit status; -1 if it crashed or did not end.
     int waitForEnd();
+    qint64 processId() const { return m_process.processId(); }
     // What the program has printed on standard output so far.
     QByteArray output() const;
 

@@ -4,10 +4,12 @@
 #include "platform/cos_thread.h"
 #include "platform/machine.h"
 #include "update/PlcDownload.h"
+#include "update/WritablePartition.h"
 
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -16,9 +18,6 @@ constexpr unsigned int POLL_TIMEOUT_MS = 1000;
 constexpr int POLL_PERIOD_MS = 50;
 constexpr int FOR_EVER = -1;
 constexpr int WAIT_SLICE_MS = 20;
-
-constexpr int READ_ONLY = 0;
-constexpr int WRITABLE = 1;
 
 constexpr int BAR_FULL = 100;
 
@@ -83,18 +82,18 @@ const CDownloadThread::InstallKind CDownloadThread::IMAGE = {
     "emit pDownloadThread->sglDownLoadImageResult(udiskUpdate.nErrNumber); = [%d]\n",
 };
 
+// A question that waits for this thread is delivered meanwhile, and declined.
 CDownloadThread::~CDownloadThread()
 {
-    disconnect();
     giveUp();
-    requestInterruption();
-    // A question on its way to this thread would wait for it for ever.
     while (!wait(WAIT_SLICE_MS))
-        QCoreApplication::removePostedEvents(nullptr, QEvent::MetaCall);
+        QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
 }
 
 bool CDownloadThread::SetFunction(int code, const QString &path)
 {
+    if (m_bGivenUp)
+        return false;
     if (m_bBusy.exchange(true)) {
         std::printf("busy\r\n");
         return false;
@@ -128,73 +127,64 @@ void CDownloadThread::threadDownPLC()
     std::printf("end\r\n");
     m_nPlcResult = result;
     // The page connects after it has started the job, which may fail in less time than that takes.
-    QMetaObject::invokeMethod(
-        this, [this, result] { emit sglDownLoadPlcProResult(result); }, Qt::QueuedConnection);
-}
-
-void CDownloadThread::remount(int mode)
-{
-    if (remountPartion(mode, "") < 0)
-        std::printf("remountPartion [%d] error \n", mode);
-}
-
-void CDownloadThread::makeWritable()
-{
-    ++m_nWritable;
-    remount(WRITABLE);
-}
-
-// Once for each makeWritable(), whoever comes first.
-void CDownloadThread::makeReadOnly()
-{
-    int installs = m_nWritable;
-    while (installs > 0 && !m_nWritable.compare_exchange_weak(installs, installs - 1))
-        ;
-    if (installs > 0)
-        remount(READ_ONLY);
+    const auto tellResult = [this, result] {
+        tell(&CDownloadThread::sglDownLoadPlcProResult, result);
+    };
+    QMetaObject::invokeMethod(this, tellResult, Qt::QueuedConnection);
 }
 
 void CDownloadThread::giveUp()
 {
-    for (const InstallKind *kind : {&PROJECT, &IMAGE})
+    std::map<const InstallKind *, Writable> polled; // released without the mutex
+    const std::lock_guard<std::mutex> lock(m_pollMutex);
+    m_bGivenUp = true;
+    polled.swap(m_polled);
+    for (const auto &[kind, writable] : polled)
         COS::CCosRateTimer::removeTimer(kind->timer);
-    while (m_nWritable > 0)
-        makeReadOnly();
+    requestInterruption();
+}
+
+UpdateResult CDownloadThread::ask(UpdateCommand command, const std::string &path,
+                                  unsigned int timeoutMs, UpdateStatus &status) const
+{
+    return m_bGivenUp ? UPDATE_FAILED : askUpdateService(command, path, timeoutMs, status);
+}
+
+void CDownloadThread::tell(void (CDownloadThread::*signal)(int), int value)
+{
+    if (!m_bGivenUp)
+        emit(this->*signal)(value);
 }
 
 void CDownloadThread::install(const InstallKind &kind)
 {
-    makeWritable();
+    if (m_bGivenUp)
+        return;
     storeModel(kind, std::string()); // of the file chosen before
-    if (!startInstall(kind))
-        makeReadOnly();
-    emit sglProBarValue(BAR_FULL);
+    startInstall(kind, std::make_shared<WritablePartition>());
+    tell(&CDownloadThread::sglProBarValue, BAR_FULL);
 }
 
-// Returns whether the service installs and is asked about it; else the result has been told.
-bool CDownloadThread::startInstall(const InstallKind &kind)
+void CDownloadThread::startInstall(const InstallKind &kind, const Writable &writable)
 {
     const std::string path = m_sPath.toStdString();
     UpdateStatus status;
-    if (askUpdateService(UPDATE_CHECK, path, CHECK_TIMEOUT_MS, status) != UPDATE_ANSWERED) {
-        emit(this->*kind.result)(kind.checkFailed);
-        return false;
+    if (ask(UPDATE_CHECK, path, CHECK_TIMEOUT_MS, status) != UPDATE_ANSWERED) {
+        tell(kind.result, kind.checkFailed);
+        return;
     }
     storeModel(kind, status.model);
     std::printf("[%d][%s]\n", status.nErrNumber, status.model.c_str());
     if (!isVersionFit(kind, status))
-        return false;
+        return;
     if (!isForThisPanel(kind, status.model)) {
-        emit sglImageBarValue(BAR_FULL);
-        emit(this->*kind.result)(kind.wrongModel);
-        return false;
+        tell(&CDownloadThread::sglImageBarValue, BAR_FULL);
+        tell(kind.result, kind.wrongModel);
+        return;
     }
-    const bool polled =
-        askUpdateService(UPDATE_INSTALL, path, kind.startTimeoutMs, status) != UPDATE_FAILED &&
-        COS::CCosRateTimer::addTimer(kind.task, this, kind.timer, POLL_PERIOD_MS, FOR_EVER, 0) >= 0;
-    if (!polled)
-        emit(this->*kind.result)(REQUEST_FAILED);
-    return polled;
+    if (ask(UPDATE_INSTALL, path, kind.startTimeoutMs, status) == UPDATE_FAILED ||
+        !startPolling(kind, writable))
+        tell(kind.result, REQUEST_FAILED);
 }
 
 // Or if the operator takes it as it is, where he is asked.
@@ -202,14 +192,21 @@ bool CDownloadThread::isVersionFit(const InstallKind &kind, const UpdateStatus &
 {
     if (checked.nErrNumber != VERSION_UNFIT)
         return true;
-    if (!kind.asksForNewer) {
-        emit(this->*kind.result)(kind.checkFailed);
-        return false;
-    }
-    emit sglConfirm();
-    if (!m_bConfirmed)
-        emit(this->*kind.result)(VERSION_UNFIT);
-    return m_bConfirmed;
+    const bool wanted = kind.asksForNewer && isConfirmed();
+    if (!wanted)
+        tell(kind.result, kind.asksForNewer ? VERSION_UNFIT : kind.checkFailed);
+    return wanted;
+}
+
+// Whether the operator has ever said yes. A question that the program's end drops is a no.
+bool CDownloadThread::isConfirmed()
+{
+    const auto ask = [this] {
+        if (!m_bGivenUp)
+            emit sglConfirm();
+    };
+    QMetaObject::invokeMethod(this, ask, Qt::BlockingQueuedConnection);
+    return m_bConfirmed && !m_bGivenUp;
 }
 
 // A panel that does not know its model and a file that names none are no match.
@@ -223,18 +220,49 @@ bool CDownloadThread::isForThisPanel(const InstallKind &kind, const std::string 
     return matches;
 }
 
+// Returns false if the program ends or the timer takes no task: nobody would hear of the install.
+bool CDownloadThread::startPolling(const InstallKind &kind, const Writable &writable)
+{
+    const std::lock_guard<std::mutex> lock(m_pollMutex);
+    if (m_bGivenUp ||
+        COS::CCosRateTimer::addTimer(kind.task, this, kind.timer, POLL_PERIOD_MS, FOR_EVER, 0) < 0)
+        return false;
+    m_polled[&kind] = writable;
+    return true;
+}
+
+void CDownloadThread::stopPolling(const InstallKind &kind)
+{
+    const std::lock_guard<std::mutex> lock(m_pollMutex);
+    COS::CCosRateTimer::removeTimer(kind.timer);
+    m_polled.erase(&kind);
+}
+
+// Null once the install is given up.
+CDownloadThread::Writable CDownloadThread::polled(const InstallKind &kind) const
+{
+    const std::lock_guard<std::mutex> lock(m_pollMutex);
+    const auto found = m_polled.find(&kind);
+    return found == m_polled.end() ? nullptr : found->second;
+}
+
 // A poll that fails tells that failure, and then the error number of a record that nobody has
 // written, which is 0; this is intended.
 void CDownloadThread::poll(const InstallKind &kind)
 {
+    const Writable writable = polled(kind); // released after the result
+    if (!writable)
+        return;
     UpdateStatus status;
-    const UpdateResult asked = askUpdateService(UPDATE_POLL, "", POLL_TIMEOUT_MS, status);
+    const UpdateResult asked = ask(UPDATE_POLL, "", POLL_TIMEOUT_MS, status);
+    if (m_bGivenUp)
+        return;
     if (asked == UPDATE_FAILED) {
-        emit(this->*kind.bar)(BAR_FULL);
-        emit(this->*kind.result)(REQUEST_FAILED);
+        tell(kind.bar, BAR_FULL);
+        tell(kind.result, REQUEST_FAILED);
     }
     if (status.state == UpdateStatus::INSTALLING) {
-        emit(this->*kind.bar)(status.percent);
+        tell(kind.bar, status.percent);
         return;
     }
     if (asked == UPDATE_TOO_SHORT)
@@ -246,13 +274,12 @@ void CDownloadThread::finishInstall(const InstallKind &kind, const UpdateStatus 
 {
     if (!status.model.empty())
         storeModel(kind, status.model);
-    COS::CCosRateTimer::removeTimer(kind.timer);
-    emit(this->*kind.bar)(BAR_FULL);
+    stopPolling(kind);
+    tell(kind.bar, BAR_FULL);
     if (kind.resultTrace != nullptr) {
         std::printf(kind.resultTrace, status.nErrNumber);
     }
-    emit(this->*kind.result)(status.nErrNumber);
-    makeReadOnly();
+    tell(kind.result, status.nErrNumber);
 }
 
 void CDownloadThread::storeModel(const InstallKind &kind, const std::string &model)

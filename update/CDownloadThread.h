@@ -7,15 +7,19 @@
 #include <QThread>
 
 #include <atomic>
+#include <map>
+#include <memory>
 #include <mutex>
 #include <string>
+
+class WritablePartition;
 
 // Carries out one job at a time: installs an HMI project or HMI firmware through the panel's update
 // service, or downloads a PLC program by itself. A job ends with one result signal, 0 for success.
 //
 // The thread only starts an install; a task of the rate timer then asks the service how far it is,
-// while the thread is free for another job. Signals therefore come from either thread, the PLC's
-// result from the event loop of the object's own. Everything else: GUI thread.
+// while the thread is free for another job. Signals therefore come from either thread, sglConfirm()
+// and the PLC's result from the event loop of the object's own. Everything else: GUI thread.
 class CDownloadThread : public QThread
 {
     Q_OBJECT
@@ -28,12 +32,13 @@ public:
     };
 
     CDownloadThread() = default;
-    // Waits for the job under way; a question that it would still ask counts as declined. The rate
-    // timer has stopped before, since its tasks use the object.
+    // Gives up and waits for the thread. The rate timer has stopped before, since its tasks use the
+    // object.
     ~CDownloadThread() override;
 
     // Starts job `code` on the file `path`. Returns false, after saying "busy", while another job
-    // is under way, and if the system gives no thread. An unknown code does nothing.
+    // is under way; also once given up, and if the system gives no thread. An unknown code does
+    // nothing.
     bool SetFunction(int code, const QString &path);
 
     // The last result of each kind, as the pages show it again after a language change. The pages
@@ -50,9 +55,13 @@ public:
     int projectModel(std::string &model) const;
     int imageModel(std::string &model) const;
 
-    // The program ends: nobody asks about an install any more, and the partition is read-only
-    // again. The update service may still be at work.
+    // The program ends: from now on nothing more is asked of the update service or the operator,
+    // and nothing is told; a question that is open counts as declined. Does not wait: a request
+    // under way may still finish on its thread, and the transfer of an older PLC program stops
+    // within a fifth of a second. The partition is read-only again when the last that was under way
+    // has ended.
     void giveUp();
+    bool isGivenUp() const { return m_bGivenUp; } // any thread
 
     // The operator has accepted a newer firmware. Nothing takes that back: every later question is
     // answered yes whatever is pressed; this is intended.
@@ -63,7 +72,8 @@ signals:
     void sglDownLoadImageResult(int result);
     void sglDownLoadProResult(int result);
     void sglDownLoadPlcProResult(int result);
-    // To be connected so that it blocks: the answer is looked at when it returns.
+    // From the thread of the object's own, while the job waits: the answer is looked at when it
+    // returns.
     void sglConfirm();
     void sglBoxMessage();
     void sglShowDownloadingPlc();
@@ -82,15 +92,22 @@ private:
     friend int UpDatePro(void *worker);
     friend int UpDateImg(void *worker);
 
+    // An install keeps one until it is over; a poll of it that is under way has it too.
+    using Writable = std::shared_ptr<WritablePartition>;
+
     void threadDownPLC();
-    static void remount(int mode);
-    void makeWritable();
-    void makeReadOnly();
+    UpdateResult ask(UpdateCommand command, const std::string &path, unsigned int timeoutMs,
+                     UpdateStatus &status) const;
+    void tell(void (CDownloadThread::*signal)(int), int value);
     void install(const InstallKind &kind);
-    bool startInstall(const InstallKind &kind);
+    void startInstall(const InstallKind &kind, const Writable &writable);
     bool isVersionFit(const InstallKind &kind, const UpdateStatus &checked);
+    bool isConfirmed();
     bool isForThisPanel(const InstallKind &kind, const std::string &model);
+    bool startPolling(const InstallKind &kind, const Writable &writable);
+    Writable polled(const InstallKind &kind) const;
     void poll(const InstallKind &kind);
+    void stopPolling(const InstallKind &kind);
     void finishInstall(const InstallKind &kind, const UpdateStatus &status);
     void storeModel(const InstallKind &kind, const std::string &model);
     int copyModel(std::string CDownloadThread::*from, std::string &to) const;
@@ -104,7 +121,10 @@ private:
     std::atomic<int> m_nImageResult{0};
     std::atomic<int> m_nPlcResult{1};
     std::atomic<bool> m_bConfirmed{false};
-    std::atomic<int> m_nWritable{0}; // installs that have made the partition writable
+
+    mutable std::mutex m_pollMutex;                   // guards the two below
+    std::map<const InstallKind *, Writable> m_polled; // what the rate timer asks about
+    std::atomic<bool> m_bGivenUp{false};              // set with the mutex held, read without
 
     mutable std::mutex m_modelMutex;
     std::string m_sProjectModel;

@@ -122,9 +122,7 @@ QString DownLoadHmiImage::modelReport() const
 void DownLoadHmiImage::setWorker(CDownloadThread *worker)
 {
     UpdatePage::setWorker(worker);
-    // The worker looks at the answer when the signal returns.
-    connect(worker, &CDownloadThread::sglConfirm, this, &DownLoadHmiImage::slot_Confirm,
-            Qt::BlockingQueuedConnection);
+    connect(worker, &CDownloadThread::sglConfirm, this, &DownLoadHmiImage::slot_Confirm);
 }
 
 void DownLoadHmiImage::slot_Confirm()

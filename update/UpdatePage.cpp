@@ -136,7 +136,7 @@ void UpdatePage::showResult(int code, bool finished)
 {
     const QString said = resultTextOf(code);
     m_widgets.label->setText(said);
-    if (!finished)
+    if (!finished || m_pWorker->isGivenUp())
         return;
     m_widgets.list->setEnabled(true);
     setEnabled(true);

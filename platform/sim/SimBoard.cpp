@@ -3,8 +3,6 @@
 #include "platform/sim/NetDevices.h"
 #include "platform/sim/Panel.h"
 
-#include <algorithm>
-
 using sim::Json;
 using sim::panel;
 
@@ -55,15 +53,6 @@ int readText(const char *op, const char *field, std::string &out)
         out = value.get<std::string>();
         return 0;
     });
-}
-
-// After remounts of these modes: calls nest, and one too many with 0 does nothing.
-bool isWritable(const Json &remounts)
-{
-    int depth = 0;
-    for (const Json &mode : remounts)
-        depth = mode == 1 ? depth + 1 : std::max(depth - 1, 0);
-    return depth > 0;
 }
 
 } // namespace
@@ -210,10 +199,9 @@ int remountPartion(int mode, const std::string &partition)
     return panel().call("remountPartion", Json::array({mode, partition}), [&](Json &state) {
         if (mode != 0 && mode != 1)
             return FAILED;
-        Json &remounts = state["partition"]["remounts"];
-        remounts.push_back(mode);
+        state["partition"]["remounts"].push_back(mode);
         if (partition.empty())
-            state["partition"]["writable"] = isWritable(remounts);
+            state["partition"]["writable"] = mode == 1;
         return 0;
     });
 }

@@ -165,6 +165,7 @@ int startFromEnvironment()
         return refuse(CANNOT_RUN, error.what());
     }
     std::atexit(leaveState);
+    std::at_quick_exit(leaveState);
     return 0;
 }
 

@@ -1,6 +1,5 @@
 #include "platform/sim/UiDriver.h"
 
-#include "platform/sim/Panel.h"
 #include "platform/sim/UiFit.h"
 #include "platform/sim/UiWidgets.h"
 
@@ -106,7 +105,6 @@ constexpr Action ACTIONS[] = {{"dump", 0, 1, dump},
 // nothing of a request to end.
 void endProgram()
 {
-    panel().hurry();
     auto *timer = new QTimer(QCoreApplication::instance());
     QObject::connect(timer, &QTimer::timeout, &QCoreApplication::quit);
     timer->start(QUIT_REPEAT_MS);

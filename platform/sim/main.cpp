@@ -22,8 +22,5 @@ void windowShown()
 
 int main(int argc, char **argv)
 {
-    const int refused = sim::startFromEnvironment();
-    if (refused != 0)
-        return refused;
-    runProgram(argc, argv, windowShown);
+    return runProgram(argc, argv, windowShown, sim::startFromEnvironment);
 }

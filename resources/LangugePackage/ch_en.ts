@@ -498,6 +498,10 @@
         <source>Are you sure you want to restart HMI?</source>
         <translation>Are you sure you want to restart HMI?</translation>
     </message>
+    <message>
+        <source>Restarting. Please wait.</source>
+        <translation>Restarting. Please wait.</translation>
+    </message>
 </context>
 <context>
     <name>MessageBox</name>

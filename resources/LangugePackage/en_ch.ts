@@ -498,6 +498,10 @@
         <source>Are you sure you want to restart HMI?</source>
         <translation>确定要重启 HMI 吗？</translation>
     </message>
+    <message>
+        <source>Restarting. Please wait.</source>
+        <translation>正在重启，请稍候。</translation>
+    </message>
 </context>
 <context>
     <name>MessageBox</name>

@@ -34,17 +34,17 @@ QStringList eventsOf(const std::vector<Records> &runs)
 {
     QStringList events;
     netT::CAsyncClient client;
-    CloudMonitor monitor(
-        client, nullptr, nullptr,
+    LinkMonitor links(
         {[&] { events << "?"_s; },
-         [&](int type, bool online) { events << "%1=%2"_s.arg(type).arg(int(online)); },
-         [&](int load, int status, const std::string &) {
-             events << "checked %1 %2"_s.arg(load).arg(status);
-         },
-         [&](bool up) {
-             events << "cloud=%1"_s.arg(int(up));
-             QCOMPARE(monitor.isCloudUp(), up);
-         }});
+         [&](int type, bool online) { events << "%1=%2"_s.arg(type).arg(int(online)); }});
+    CloudMonitor monitor(client, nullptr, nullptr, links,
+                         {[&](int load, int status, const std::string &) {
+                              events << "checked %1 %2"_s.arg(load).arg(status);
+                          },
+                          [&](bool up) {
+                              events << "cloud=%1"_s.arg(int(up));
+                              QCOMPARE(monitor.isCloudUp(), up);
+                          }});
     for (const Records &records : runs)
         monitor.run(records);
     return events;
@@ -127,7 +127,8 @@ private slots:
     {
         netT::CAsyncClient client;
         const auto fail = [](auto...) { QFAIL("nothing is to be reported after the stop"); };
-        CloudMonitor monitor(client, nullptr, nullptr, {[&] { monitor.stop(); }, fail, fail, fail});
+        LinkMonitor links({[&] { links.stop(); }, fail});
+        CloudMonitor monitor(client, nullptr, nullptr, links, {fail, fail});
         monitor.run({GOOD, GOOD, GOOD});
         const Json expected = {{"eth0", "", "8.8.8.8", false, 1, true, 50000}};
         QCOMPARE(callsOf("netT.netTping"), expected);

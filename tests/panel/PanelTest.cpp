@@ -5,6 +5,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <csignal>
+
 // How the whole program starts, is walked through and stands what comes from outside.
 class PanelTest : public QObject
 {
@@ -23,6 +25,9 @@ private slots:
     void keepsTheLanguage();
     void secondProgramLeaves();
     void refusesAScenario();
+    void answersWithoutStarting();
+    void ends_data();
+    void ends();
 
 private:
     static void setStaticAddress(Operator &panel);
@@ -270,6 +275,70 @@ void PanelTest::refusesAScenario()
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^sysset-sim: "_s));
         QCOMPARE(panel.waitForEnd(), 2);
     }
+}
+
+void PanelTest::answersWithoutStarting()
+{
+    Operator panel;
+    panel.setEnvironment("QT_QPA_PLATFORM"_s, "none"_s);
+    QVERIFY(!panel.start({"--help"_s}));
+    QCOMPARE(panel.waitForEnd(), 0);
+    QVERIFY(!QFile::exists(panel.file("/run"_s)));
+}
+
+void PanelTest::ends_data()
+{
+    // what is open or under way | its delay | touches | how it ends | argument of the reboot
+    rows({"-|| btn_Reboot | quit | 1", "-|| btn_Sysset line_Year | 15 | 1", "-p x ||| 1 | 1",
+          "-| dsl.getVersionList | tab_Machine:1 | btn_Ok | 0",
+          // A link's check and, where it is touched, the diagnosis: longer than anyone waits.
+          "-| netT.netTping || 2 | 1",
+          "-| netT.netTping | btn_Net tab_Net:3 btn_check btn_StartDiag btn_close | btn_Ok | 0"});
+}
+
+void PanelTest::ends()
+{
+    Operator panel;
+    QVERIFY(panel.start(cell(0).split(QLatin1Char(' '))));
+    QVERIFY(panel.set("machine.hardwareReset"_s, "0"));
+    const bool delayed = !cell(1).isEmpty();
+    const bool pings = cell(1) == "netT.netTping"_s;
+    if (delayed)
+        QVERIFY(!panel.ask({"delay"_s, cell(1), "60000"_s}).isUndefined());
+    const int checks = panel.output().count("loadCloudXML");
+    QVERIFY(!pings ||
+            PanelProcess::wait([&] { return panel.output().count("loadCloudXML") > checks; }));
+    for (const QString &touch : cell(2).split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        const QString tab = touch.section(QLatin1Char(':'), 1);
+        QVERIFY(PanelProcess::wait([&] {
+            return panel.press(touch.section(QLatin1Char(':'), 0, 0),
+                               tab.isEmpty() ? -1 : tab.toInt());
+        }));
+    }
+    QElapsedTimer timer;
+    timer.start();
+    if (cell(3) == "btn_Ok"_s)
+        QVERIFY(panel.press("btn_Reboot"_s) && panel.appears("MessageBox"_s) &&
+                panel.press("btn_Ok"_s));
+    else if (cell(3) == "quit"_s)
+        QVERIFY(!panel.ask({"quit"_s}).isUndefined());
+    else
+        QCOMPARE(::kill(pid_t(panel.processId()), number(3)), 0);
+    if (pings) {
+        QVERIFY(PanelProcess::wait([&] {
+            const auto labels = panel.ask({"ui"_s, "dump"_s, "label"_s}).toArray();
+            return QJsonDocument(labels).toJson().contains("正在重启，请稍候。");
+        }));
+        QVERIFY(!panel.press("btn_Ok"_s));
+        QCOMPARE(panel.ask({"ui"_s, "fit"_s}).toArray(), QJsonArray());
+        // A page that still worked would wait five seconds for this one.
+        QVERIFY(!panel.ask({"usb"_s, "insert"_s, "/no/such/path"_s}).isUndefined());
+    }
+    QCOMPARE(panel.waitForEnd(), 0);
+    QVERIFY2(timer.elapsed() < 13000, qPrintable(QString::number(timer.elapsed())));
+    QFile last(panel.file("/run/last.json"_s));
+    QVERIFY(last.open(QIODevice::ReadOnly));
+    QCOMPARE(QJsonDocument::fromJson(last.readAll())["reboots"_s].toArray(), QJsonArray{number(4)});
 }
 
 QTEST_GUILESS_MAIN(PanelTest)

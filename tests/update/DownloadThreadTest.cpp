@@ -94,9 +94,7 @@ private slots:
     }
     void jobs()
     {
-        const std::map<QString, int> codes = {
-            {"project"_s, PROJECT}, {"image"_s, IMAGE}, {"plc"_s, PLC}, {"nothing"_s, 0x1003}};
-        const int code = codes.at(cell(0));
+        const int code = jobCode();
         panel().apply(Json::parse(cell(1).toStdString()));
         start(code);
         QTRY_VERIFY(isDone());
@@ -137,7 +135,7 @@ private slots:
         startLongProject(4000);
         start(IMAGE);
         QTRY_COMPARE(signalsSeen(), "probar 100; image -11; probar 100; probar 100; project 0"_s);
-        QTRY_COMPARE(panel().get("partition.remounts"), Json({1, 1, 0, 0}));
+        QTRY_COMPARE(panel().get("partition.remounts"), Json({1, 1, 0}));
         QCOMPARE(panel().get("update.installed.firmware"), Json(""));
     }
 
@@ -151,12 +149,58 @@ private slots:
         QTRY_VERIFY(signalsSeen().contains("project -"_s));
     }
 
-    void endsDuringInstall()
+    // job | what has happened when the program ends | requests, as their commands, and remounts, as
+    // their modes 0 and 1; of the polls the first
+    void givenUp_data()
     {
-        startLongProject(60000);
+        rows({"project | nothing |", "project | 1 asked | 1 12 0", "project | model | 1 12 0",
+              "project | 2 asked | 1 12 6 0", "project | 3 asked | 1 12 6 7 0",
+              "project | polled | 1 12 6 7 0", "project | result | 1 12 6 7 0",
+              "image | 1 asked | 1 12 0", "image | question | 1 12 0",
+              "image | question unseen | 1 12 0", "image | 2 asked | 1 12 6 0",
+              "both | model | 1 12 6 7 1 12 0", "plc | start |"});
+    }
+    // What is under way ends by itself; nothing comes after it, and nothing is told.
+    void givenUp()
+    {
+        const QString moment = cell(1);
+        const bool both = cell(0) == "both"_s;
+        const int code = both || cell(0) == "image"_s ? IMAGE : jobCode();
+        if (both)
+            startLongProject(60000);
+        panel().apply({{"update",
+                        {{"steps", {30}},
+                         {"stepTime", moment == "result"_s ? 0 : 60000},
+                         {"error", moment.startsWith("question"_s) ? Json(-9) : Json()},
+                         {"late", moment.endsWith("asked"_s) ? 300 : 0}}}});
+        if (moment == "model"_s || code == PLC)
+            panel().apply(Json::parse(R"({"delay": [["KVCORE.GetHMIType", 60000],
+                ["PLATFORM.CPlatBoard.getKVxxx", 60000], ["plc.Commu", 60000]]})"));
+        connect(m_worker.get(), &CDownloadThread::sglConfirm, this, [this] {
+            m_worker->giveUp();
+            m_worker->setConfirmed();
+        });
+        if (moment != "nothing"_s)
+            start(code);
+        if (moment == "question unseen"_s) {
+            m_worker->setConfirmed();
+            while (!QAbstractEventDispatcher::instance()->hasPendingEvents()) // it is the first
+                QThread::yieldCurrentThread();
+            m_worker.reset();
+        } else {
+            QTRY_VERIFY(hasCome(moment));
+            m_worker->giveUp();
+            m_worker->giveUp();
+            panel().hurry();
+            QTRY_VERIFY(isDone() && m_worker->isGivenUp());
+            QVERIFY(!m_worker->SetFunction(PLC, m_files.at(PLC)));
+            QCOMPARE(COS::CCosRateTimer::removeTimer("UpDatePro"), -1);
+        }
         COS::CCosRateTimer::destory();
-        m_worker.reset();
-        QCOMPARE(panel().get("partition.remounts"), Json({1, 0}));
+        QCoreApplication::processEvents();
+        QCOMPARE(talk(), cell(2));
+        QCOMPARE(m_signals.filter(QRegularExpression("^(project|image|plc)"_s)).size(),
+                 moment == "result"_s ? 1 : 0);
     }
 
     // Commands, payloads and time-outs, in their order.
@@ -216,22 +260,14 @@ private slots:
         QTRY_COMPARE(late.count(), 1);
     }
 
-    // The program ends while the question is on its way to a thread that waits for the worker.
-    void endsWithQuestionOpen()
-    {
-        panel().set("update.error", -9);
-        connect(
-            m_worker.get(), &CDownloadThread::sglConfirm, this, [&] { m_signals += "asked"_s; },
-            Qt::BlockingQueuedConnection);
-        start(IMAGE);
-        while (!QAbstractEventDispatcher::instance()->hasPendingEvents()) // it is the first
-            QThread::yieldCurrentThread();
-        m_worker.reset();
-        QCOMPARE(signalsSeen(), QString());
-        QCOMPARE(panel().get("partition.writable"), Json(false));
-    }
-
 private:
+    static int jobCode()
+    {
+        const std::map<QString, int> codes = {
+            {"project"_s, PROJECT}, {"image"_s, IMAGE}, {"plc"_s, PLC}};
+        const auto found = codes.find(cell(0));
+        return found == codes.end() ? 0x1003 : found->second;
+    }
     void start(int code)
     {
         const auto file = m_files.find(code);
@@ -246,7 +282,33 @@ private:
     }
     bool isDone() const
     {
-        return m_worker->isFinished() && panel().get("partition.remounts").size() % 2 == 0;
+        return !m_worker->isRunning() && panel().get("partition.writable") == false;
+    }
+    bool hasCome(const QString &moment) const
+    {
+        std::string model;
+        if (moment.endsWith("asked"_s))
+            return panel().get("update.requests").size() == moment.left(1).toUInt();
+        if (moment == "model"_s)
+            return (cell(0) == "project"_s ? m_worker->projectModel(model)
+                                           : m_worker->imageModel(model)) == 0;
+        if (moment == "question"_s)
+            return m_worker->isGivenUp(); // by the slot
+        return moment == "nothing"_s || moment == "start"_s ||
+               m_signals.contains(moment == "polled"_s ? "probar 30"_s : "project 0"_s);
+    }
+    static QString talk()
+    {
+        QStringList seen;
+        for (const Json &call : panel().calls()) {
+            const bool isRequest = call["op"] == "CBB.request";
+            const QString number = QString::number(isRequest || call["op"] == "remountPartion"
+                                                       ? call["args"][isRequest ? 1 : 0].get<int>()
+                                                       : 7);
+            if (number != "7"_s || (isRequest && !seen.contains("7"_s)))
+                seen += number;
+        }
+        return seen.join(u' ');
     }
     // Bar values between the first and the last are the service's own.
     QString signalsSeen() const

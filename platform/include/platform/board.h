@@ -106,8 +106,8 @@ int Beep(int milliseconds);
 // negative on failure. Any thread.
 int my_reboot(int hardware);
 
-// Makes the system partition writable (`mode` 1) or read-only (0). `partition` names another
-// partition than the system's; empty for the system's. Calls nest: it is read-only again when as
-// many calls with 0 as with 1 have come, so that the end of one job does not stop another's
-// writing. Returns 0; negative on failure. Any thread.
+// Makes the system partition writable (`mode` 1) or read-only (0), whatever it was before.
+// `partition` names another partition than the system's; empty for the system's. The program counts
+// its jobs itself: 0 only comes when none is left that writes. Returns 0; negative on failure. Any
+// thread.
 int remountPartion(int mode, const std::string &partition);
