@@ -1,6 +1,7 @@
 // How long the listing of a full U-disk holds the GUI thread, beside the bare directory listing.
 #include "bench/Statistics.h"
 #include "resources/Resources.h"
+#include "update/CDownloadThread.h"
 #include "update/DownLoadHmiImage.h"
 #include "update/DownLoadHmiPro.h"
 #include "update/DownLoadPlcPro.h"

@@ -1,9 +1,8 @@
 #include "update/CDownloadThread.h"
 
-#include "platform/board.h"
 #include "platform/cos_thread.h"
-#include "platform/machine.h"
 #include "update/PlcDownload.h"
+#include "update/UpdateJob.h"
 #include "update/WritablePartition.h"
 
 #include <QCoreApplication>
@@ -21,66 +20,10 @@ constexpr int WAIT_SLICE_MS = 20;
 
 constexpr int BAR_FULL = 100;
 
-constexpr int PROJECT_WRONG_MODEL = -5;
-constexpr int PROJECT_UNMATCHED = -8;
-constexpr int VERSION_UNFIT = -9; // also the service's error number for it
+constexpr int VERSION_UNFIT = -9; // the service's error number
 constexpr int REQUEST_FAILED = -11;
-constexpr int IMAGE_WRONG_MODEL = -11;
-
-int projectPanelModel(std::string &model)
-{
-    return KVCORE::TMachine().GetHMIType(model);
-}
 
 } // namespace
-
-// How the two installs differ. That a project which is done, or wrong, moves the firmware's bar,
-// and the start of a firmware install the project's, is intended.
-struct CDownloadThread::InstallKind
-{
-    const char *timer;
-    COS::CCosRateTimer::Function task;
-    int checkFailed;
-    int wrongModel;
-    unsigned int startTimeoutMs;
-    bool asksForNewer; // a file of an unfit version may be installed if the operator wants it
-    int (*panelModel)(std::string &model);
-    std::string CDownloadThread::*model;
-    void (CDownloadThread::*result)(int);
-    void (CDownloadThread::*bar)(int);
-    const char *modelTrace;  // of the panel's model and the file's, if they differ
-    const char *resultTrace; // of the error number at the end
-};
-
-const CDownloadThread::InstallKind CDownloadThread::PROJECT = {
-    "UpDatePro",
-    UpDatePro,
-    PROJECT_UNMATCHED,
-    PROJECT_WRONG_MODEL,
-    8000,  // ms
-    false, // refused, then
-    projectPanelModel,
-    &CDownloadThread::m_sProjectModel,
-    &CDownloadThread::sglDownLoadProResult,
-    &CDownloadThread::sglProBarValue,
-    nullptr,
-    nullptr,
-};
-
-const CDownloadThread::InstallKind CDownloadThread::IMAGE = {
-    "UpDateImg",
-    UpDateImg,
-    REQUEST_FAILED,
-    IMAGE_WRONG_MODEL,
-    3000, // ms
-    true, // asks
-    PLATFORM::CPlatBoard::getKVxxx,
-    &CDownloadThread::m_sImageModel,
-    &CDownloadThread::sglDownLoadImageResult,
-    &CDownloadThread::sglImageBarValue,
-    "===========[%s][%s]\n",
-    "emit pDownloadThread->sglDownLoadImageResult(udiskUpdate.nErrNumber); = [%d]\n",
-};
 
 // A question that waits for this thread is delivered meanwhile, and declined.
 CDownloadThread::~CDownloadThread()
@@ -90,7 +33,7 @@ CDownloadThread::~CDownloadThread()
         QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
 }
 
-bool CDownloadThread::SetFunction(int code, const QString &path)
+bool CDownloadThread::SetFunction(int code, const std::string &path)
 {
     if (m_bGivenUp)
         return false;
@@ -110,12 +53,11 @@ bool CDownloadThread::SetFunction(int code, const QString &path)
 
 void CDownloadThread::run()
 {
-    if (m_nFunction == FUNC_DOWNLOAD_PRO)
-        install(PROJECT);
-    else if (m_nFunction == FUNC_DOWNLOAD_IMAGE)
-        install(IMAGE);
-    else if (m_nFunction == FUNC_DOWNLOAD_PLCPRO)
+    const UpdateJob *job = updateJob(m_nFunction);
+    if (job == &PLC_JOB)
         threadDownPLC();
+    else if (job != nullptr)
+        install(*job);
     m_bBusy = false;
 }
 
@@ -123,7 +65,7 @@ void CDownloadThread::threadDownPLC()
 {
     std::printf("start download\r\n");
     char failed[PLC_TRACE_SIZE] = {};
-    const int result = UpdatePLCprogram(m_sPath.toStdString(), failed);
+    const int result = UpdatePLCprogram(m_sPath, failed);
     std::printf("end\r\n");
     m_nPlcResult = result;
     // The page connects after it has started the job, which may fail in less time than that takes.
@@ -135,12 +77,12 @@ void CDownloadThread::threadDownPLC()
 
 void CDownloadThread::giveUp()
 {
-    std::map<const InstallKind *, Writable> polled; // released without the mutex
+    std::map<const UpdateJob *, Writable> polled; // released without the mutex
     const std::lock_guard<std::mutex> lock(m_pollMutex);
     m_bGivenUp = true;
     polled.swap(m_polled);
-    for (const auto &[kind, writable] : polled)
-        COS::CCosRateTimer::removeTimer(kind->timer);
+    for (const auto &[job, writable] : polled)
+        COS::CCosRateTimer::removeTimer(job->install->timer);
     requestInterruption();
 }
 
@@ -156,45 +98,44 @@ void CDownloadThread::tell(void (CDownloadThread::*signal)(int), int value)
         emit(this->*signal)(value);
 }
 
-void CDownloadThread::install(const InstallKind &kind)
+void CDownloadThread::install(const UpdateJob &job)
 {
     if (m_bGivenUp)
         return;
-    storeModel(kind, std::string()); // of the file chosen before
-    startInstall(kind, std::make_shared<WritablePartition>());
-    tell(&CDownloadThread::sglProBarValue, BAR_FULL);
+    storeModel(job, std::string()); // of the file chosen before
+    startInstall(job, std::make_shared<WritablePartition>());
+    tell(job.install->startedBar, BAR_FULL);
 }
 
-void CDownloadThread::startInstall(const InstallKind &kind, const Writable &writable)
+void CDownloadThread::startInstall(const UpdateJob &job, const Writable &writable)
 {
-    const std::string path = m_sPath.toStdString();
     UpdateStatus status;
-    if (ask(UPDATE_CHECK, path, CHECK_TIMEOUT_MS, status) != UPDATE_ANSWERED) {
-        tell(kind.result, kind.checkFailed);
+    if (ask(UPDATE_CHECK, m_sPath, CHECK_TIMEOUT_MS, status) != UPDATE_ANSWERED) {
+        tell(job.resultSignal, job.install->checkFailed);
         return;
     }
-    storeModel(kind, status.model);
+    storeModel(job, status.model);
     std::printf("[%d][%s]\n", status.nErrNumber, status.model.c_str());
-    if (!isVersionFit(kind, status))
+    if (!isVersionFit(job, status))
         return;
-    if (!isForThisPanel(kind, status.model)) {
-        tell(&CDownloadThread::sglImageBarValue, BAR_FULL);
-        tell(kind.result, kind.wrongModel);
+    if (!isForThisPanel(job, status.model)) {
+        tell(job.install->mismatchBar, BAR_FULL);
+        tell(job.resultSignal, job.install->wrongModel);
         return;
     }
-    if (ask(UPDATE_INSTALL, path, kind.startTimeoutMs, status) == UPDATE_FAILED ||
-        !startPolling(kind, writable))
-        tell(kind.result, REQUEST_FAILED);
+    if (ask(UPDATE_INSTALL, m_sPath, job.install->startTimeoutMs, status) == UPDATE_FAILED ||
+        !startPolling(job, writable))
+        tell(job.resultSignal, REQUEST_FAILED);
 }
 
 // Or if the operator takes it as it is, where he is asked.
-bool CDownloadThread::isVersionFit(const InstallKind &kind, const UpdateStatus &checked)
+bool CDownloadThread::isVersionFit(const UpdateJob &job, const UpdateStatus &checked)
 {
     if (checked.nErrNumber != VERSION_UNFIT)
         return true;
-    const bool wanted = kind.asksForNewer && isConfirmed();
+    const bool wanted = job.install->asksForNewer && isConfirmed();
     if (!wanted)
-        tell(kind.result, kind.asksForNewer ? VERSION_UNFIT : kind.checkFailed);
+        tell(job.resultSignal, job.install->versionUnfit);
     return wanted;
 }
 
@@ -210,47 +151,47 @@ bool CDownloadThread::isConfirmed()
 }
 
 // A panel that does not know its model and a file that names none are no match.
-bool CDownloadThread::isForThisPanel(const InstallKind &kind, const std::string &model)
+bool CDownloadThread::isForThisPanel(const UpdateJob &job, const std::string &model)
 {
     std::string panelModel;
-    const int read = kind.panelModel(panelModel);
+    const int read = job.install->panelModel(panelModel);
     const bool matches = read >= 0 && !model.empty() && panelModel == model;
-    if (!matches && kind.modelTrace != nullptr)
-        std::printf(kind.modelTrace, panelModel.c_str(), model.c_str());
+    if (!matches && job.install->modelTrace != nullptr)
+        std::printf(job.install->modelTrace, panelModel.c_str(), model.c_str());
     return matches;
 }
 
 // Returns false if the program ends or the timer takes no task: nobody would hear of the install.
-bool CDownloadThread::startPolling(const InstallKind &kind, const Writable &writable)
+bool CDownloadThread::startPolling(const UpdateJob &job, const Writable &writable)
 {
     const std::lock_guard<std::mutex> lock(m_pollMutex);
-    if (m_bGivenUp ||
-        COS::CCosRateTimer::addTimer(kind.task, this, kind.timer, POLL_PERIOD_MS, FOR_EVER, 0) < 0)
+    if (m_bGivenUp || COS::CCosRateTimer::addTimer(job.install->task, this, job.install->timer,
+                                                   POLL_PERIOD_MS, FOR_EVER, 0) < 0)
         return false;
-    m_polled[&kind] = writable;
+    m_polled[&job] = writable;
     return true;
 }
 
-void CDownloadThread::stopPolling(const InstallKind &kind)
+void CDownloadThread::stopPolling(const UpdateJob &job)
 {
     const std::lock_guard<std::mutex> lock(m_pollMutex);
-    COS::CCosRateTimer::removeTimer(kind.timer);
-    m_polled.erase(&kind);
+    COS::CCosRateTimer::removeTimer(job.install->timer);
+    m_polled.erase(&job);
 }
 
 // Null once the install is given up.
-CDownloadThread::Writable CDownloadThread::polled(const InstallKind &kind) const
+CDownloadThread::Writable CDownloadThread::polled(const UpdateJob &job) const
 {
     const std::lock_guard<std::mutex> lock(m_pollMutex);
-    const auto found = m_polled.find(&kind);
+    const auto found = m_polled.find(&job);
     return found == m_polled.end() ? nullptr : found->second;
 }
 
 // A poll that fails tells that failure, and then the error number of a record that nobody has
 // written, which is 0; this is intended.
-void CDownloadThread::poll(const InstallKind &kind)
+void CDownloadThread::poll(const UpdateJob &job)
 {
-    const Writable writable = polled(kind); // released after the result
+    const Writable writable = polled(job); // released after the result
     if (!writable)
         return;
     UpdateStatus status;
@@ -258,65 +199,56 @@ void CDownloadThread::poll(const InstallKind &kind)
     if (m_bGivenUp)
         return;
     if (asked == UPDATE_FAILED) {
-        tell(kind.bar, BAR_FULL);
-        tell(kind.result, REQUEST_FAILED);
+        tell(job.barSignal, BAR_FULL);
+        tell(job.resultSignal, REQUEST_FAILED);
     }
     if (status.state == UpdateStatus::INSTALLING) {
-        tell(kind.bar, status.percent);
+        tell(job.barSignal, status.percent);
         return;
     }
     if (asked == UPDATE_TOO_SHORT)
         status.nErrNumber = REQUEST_FAILED;
-    finishInstall(kind, status);
+    finishInstall(job, status);
 }
 
-void CDownloadThread::finishInstall(const InstallKind &kind, const UpdateStatus &status)
+void CDownloadThread::finishInstall(const UpdateJob &job, const UpdateStatus &status)
 {
     if (!status.model.empty())
-        storeModel(kind, status.model);
-    stopPolling(kind);
-    tell(kind.bar, BAR_FULL);
-    if (kind.resultTrace != nullptr) {
-        std::printf(kind.resultTrace, status.nErrNumber);
+        storeModel(job, status.model);
+    stopPolling(job);
+    tell(job.barSignal, BAR_FULL);
+    if (job.install->resultTrace != nullptr) {
+        std::printf(job.install->resultTrace, status.nErrNumber);
     }
-    tell(kind.result, status.nErrNumber);
+    tell(job.resultSignal, status.nErrNumber);
 }
 
-void CDownloadThread::storeModel(const InstallKind &kind, const std::string &model)
+void CDownloadThread::storeModel(const UpdateJob &job, const std::string &model)
 {
     const std::lock_guard<std::mutex> lock(m_modelMutex);
-    this->*kind.model = model;
+    m_models[&job] = model;
 }
 
-int CDownloadThread::copyModel(std::string CDownloadThread::*from, std::string &to) const
+int CDownloadThread::fileModel(const UpdateJob &job, std::string &model) const
 {
     const std::lock_guard<std::mutex> lock(m_modelMutex);
-    if ((this->*from).empty())
+    const auto found = m_models.find(&job);
+    if (found == m_models.end() || found->second.empty())
         return -1;
-    to = this->*from;
+    model = found->second;
     return 0;
-}
-
-int CDownloadThread::projectModel(std::string &model) const
-{
-    return copyModel(&CDownloadThread::m_sProjectModel, model);
-}
-
-int CDownloadThread::imageModel(std::string &model) const
-{
-    return copyModel(&CDownloadThread::m_sImageModel, model);
 }
 
 int UpDatePro(void *worker)
 {
     auto *thread = static_cast<CDownloadThread *>(worker);
-    thread->poll(CDownloadThread::PROJECT);
+    thread->poll(PROJECT_JOB);
     return 0;
 }
 
 int UpDateImg(void *worker)
 {
     auto *thread = static_cast<CDownloadThread *>(worker);
-    thread->poll(CDownloadThread::IMAGE);
+    thread->poll(IMAGE_JOB);
     return 0;
 }

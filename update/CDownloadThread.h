@@ -3,7 +3,6 @@
 
 #include "update/UpdateStatus.h"
 
-#include <QString>
 #include <QThread>
 
 #include <atomic>
@@ -13,6 +12,7 @@
 #include <string>
 
 class WritablePartition;
+struct UpdateJob;
 
 // Carries out one job at a time: installs an HMI project or HMI firmware through the panel's update
 // service, or downloads a PLC program by itself. A job ends with one result signal, 0 for success.
@@ -36,10 +36,10 @@ public:
     // object.
     ~CDownloadThread() override;
 
-    // Starts job `code` on the file `path`. Returns false, after saying "busy", while another job
-    // is under way; also once given up, and if the system gives no thread. An unknown code does
-    // nothing.
-    bool SetFunction(int code, const QString &path);
+    // Starts the job of `code`, a Function, on the file `path`, bytes of any encoding. Returns
+    // false, after saying "busy", while another job is under way; also once given up, and if the
+    // system gives no thread. An unknown code does nothing.
+    bool SetFunction(int code, const std::string &path);
 
     // The last result of each kind, as the pages show it again after a language change. The pages
     // reset the first two; a job writes the third alone.
@@ -50,10 +50,9 @@ public:
     int plcResult() const { return m_nPlcResult; }
     void setPlcResult(int result) { m_nPlcResult = result; }
 
-    // The model that the update service has named for the project, or for the firmware, chosen
-    // last. Returns 0; -1, with `model` untouched, if there is none.
-    int projectModel(std::string &model) const;
-    int imageModel(std::string &model) const;
+    // The model that the update service has named for the file of `job` chosen last. Returns 0; -1,
+    // with `model` untouched, if there is none.
+    int fileModel(const UpdateJob &job, std::string &model) const;
 
     // The program ends: from now on nothing more is asked of the update service or the operator,
     // and nothing is told; a question that is open counts as declined. Does not wait: a request
@@ -85,10 +84,6 @@ protected:
     void run() override;
 
 private:
-    struct InstallKind;
-    static const InstallKind PROJECT;
-    static const InstallKind IMAGE;
-
     friend int UpDatePro(void *worker);
     friend int UpDateImg(void *worker);
 
@@ -99,36 +94,34 @@ private:
     UpdateResult ask(UpdateCommand command, const std::string &path, unsigned int timeoutMs,
                      UpdateStatus &status) const;
     void tell(void (CDownloadThread::*signal)(int), int value);
-    void install(const InstallKind &kind);
-    void startInstall(const InstallKind &kind, const Writable &writable);
-    bool isVersionFit(const InstallKind &kind, const UpdateStatus &checked);
+    void install(const UpdateJob &job);
+    void startInstall(const UpdateJob &job, const Writable &writable);
+    bool isVersionFit(const UpdateJob &job, const UpdateStatus &checked);
     bool isConfirmed();
-    bool isForThisPanel(const InstallKind &kind, const std::string &model);
-    bool startPolling(const InstallKind &kind, const Writable &writable);
-    Writable polled(const InstallKind &kind) const;
-    void poll(const InstallKind &kind);
-    void stopPolling(const InstallKind &kind);
-    void finishInstall(const InstallKind &kind, const UpdateStatus &status);
-    void storeModel(const InstallKind &kind, const std::string &model);
-    int copyModel(std::string CDownloadThread::*from, std::string &to) const;
+    bool isForThisPanel(const UpdateJob &job, const std::string &model);
+    bool startPolling(const UpdateJob &job, const Writable &writable);
+    Writable polled(const UpdateJob &job) const;
+    void poll(const UpdateJob &job);
+    void stopPolling(const UpdateJob &job);
+    void finishInstall(const UpdateJob &job, const UpdateStatus &status);
+    void storeModel(const UpdateJob &job, const std::string &model);
 
     // Set while a job is under way. One thread sets it and another clears it, as no mutex may be.
     std::atomic<bool> m_bBusy{false};
     int m_nFunction = 0;
-    QString m_sPath;
+    std::string m_sPath;
 
     std::atomic<int> m_nProjectResult{0};
     std::atomic<int> m_nImageResult{0};
     std::atomic<int> m_nPlcResult{1};
     std::atomic<bool> m_bConfirmed{false};
 
-    mutable std::mutex m_pollMutex;                   // guards the two below
-    std::map<const InstallKind *, Writable> m_polled; // what the rate timer asks about
-    std::atomic<bool> m_bGivenUp{false};              // set with the mutex held, read without
+    mutable std::mutex m_pollMutex;                 // guards the two below
+    std::map<const UpdateJob *, Writable> m_polled; // what the rate timer asks about
+    std::atomic<bool> m_bGivenUp{false};            // set with the mutex held, read without
 
     mutable std::mutex m_modelMutex;
-    std::string m_sProjectModel;
-    std::string m_sImageModel;
+    std::map<const UpdateJob *, std::string> m_models; // of the files
 };
 
 // Tasks of the rate timer, under their own names: ask the update service how far the install of

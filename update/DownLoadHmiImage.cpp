@@ -1,56 +1,14 @@
 #include "update/DownLoadHmiImage.h"
 
 #include "app/look/MessageBox.h"
-#include "app/look/OutsideText.h"
 #include "app/look/Screen.h"
 #include "app/look/WidgetLook.h"
-#include "platform/machine.h"
 #include "ui_DownLoadHmiImage.h"
-#include "update/ResultText.h"
+#include "update/UpdateJob.h"
 
 #include <QListWidget>
 
 namespace {
-
-constexpr const char *CONTEXT = "DownLoadHmiImage";
-
-constexpr UpdatePageKind KIND = {
-    CONTEXT,
-    QT_TRANSLATE_NOOP("QObject", "Please select HMI firmware."),
-    QT_TRANSLATE_NOOP("DownLoadHmiImage", "Selected HMI firmware:"),
-    QT_TRANSLATE_NOOP("DownLoadHmiImage", "Downloading HMI firmware:"),
-    QT_TRANSLATE_NOOP("DownLoadHmiImage", "Please do not shut down or replug the device!"),
-    QT_TRANSLATE_NOOP("DownLoadHmiImage", "Update Successful"),
-    QT_TRANSLATE_NOOP("DownLoadHmiImage", "Update failure!"),
-    {".osf3", "logo.osf2", "logos.osf2"},
-    CDownloadThread::FUNC_DOWNLOAD_IMAGE,
-    200, // ms a tick
-    0,   // the stored result that says nothing
-    &CDownloadThread::imageResult,
-    &CDownloadThread::setImageResult, // at the choice of a row
-    &CDownloadThread::sglDownLoadImageResult,
-    &CDownloadThread::sglImageBarValue, // moves the bar
-    UpdatePageKind::CONNECT_FIRST,
-};
-
-constexpr int MODEL_DIFFERS = -11;
-
-constexpr ResultRow RESULTS[] = {
-    {0,
-     {QT_TRANSLATE_NOOP("DownLoadHmiImage", "Updated firmware"),
-      QT_TRANSLATE_NOOP("DownLoadHmiImage", "Please restart HMI!!")}},
-    {-1, {QT_TRANSLATE_NOOP("DownLoadHmiImage", "Failed to get Udisk HMI firmware.")}},
-    {-4, {QT_TRANSLATE_NOOP("DownLoadHmiImage", "Failed to get HMI model.")}},
-    {-8,
-     {QT_TRANSLATE_NOOP(
-         "DownLoadHmiImage",
-         "Project file unmatched. Please select the project that matches HMI firmware.")}},
-    {-9,
-     {QT_TRANSLATE_NOOP(
-         "DownLoadHmiImage",
-         "Project file unmatched. Please select the project that matches HMI firmware.")}},
-};
-constexpr ResultRow OTHER = {0, {}};
 
 // Of the page.
 constexpr double CONFIRM_WIDTH = 0.7;
@@ -59,7 +17,7 @@ constexpr double CONFIRM_HEIGHT = 0.6;
 } // namespace
 
 DownLoadHmiImage::DownLoadHmiImage()
-    : UpdatePage(KIND), ui(std::make_unique<Ui::DownLoadHmiImage>())
+    : UpdatePage(IMAGE_JOB), ui(std::make_unique<Ui::DownLoadHmiImage>())
 {
     ui->setupUi(this);
     setWidgets({ui->list_Image, ui->bar_Image, ui->btn_DownLoadImage, ui->lab_Image});
@@ -99,24 +57,6 @@ void DownLoadHmiImage::connectResult()
 {
     connect(worker(), &CDownloadThread::sglDownLoadImageResult, this,
             &DownLoadHmiImage::slot_ShowDownImageReResult);
-}
-
-QString DownLoadHmiImage::resultTextOf(int code) const
-{
-    return code == MODEL_DIFFERS ? modelReport() : resultText(RESULTS, OTHER, code, CONTEXT);
-}
-
-QString DownLoadHmiImage::modelReport() const
-{
-    std::string wanted;
-    if (worker()->imageModel(wanted) < 0)
-        return tr("Failed to get Udisk HMI model.");
-    std::string own;
-    if (KVCORE::TMachine().GetHMIType(own) == 0)
-        return tr("Failed to get Local HMI model.");
-    return tr("HMI model: ") + shownBytes(own) + QLatin1Char('\n') +
-           tr("Model settings in firmware: ") + shownBytes(wanted) + QLatin1Char('\n') +
-           tr("Model does not match, please re-select the firmware file!");
 }
 
 void DownLoadHmiImage::setWorker(CDownloadThread *worker)

@@ -31,8 +31,6 @@ private slots:
 private:
     void translateForm() override;
     void connectResult() override;
-    QString resultTextOf(int code) const override;
-    QString modelReport() const;
 
     std::unique_ptr<Ui::DownLoadHmiImage> ui;
 };

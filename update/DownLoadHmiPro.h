@@ -28,8 +28,6 @@ private slots:
 private:
     void translateForm() override;
     void connectResult() override;
-    QString resultTextOf(int code) const override;
-    QString modelReport() const;
 
     std::unique_ptr<Ui::DownLoadHmiPro> ui;
 };

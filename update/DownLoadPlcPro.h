@@ -28,7 +28,6 @@ private slots:
 private:
     void translateForm() override;
     void connectResult() override;
-    QString resultTextOf(int code) const override;
     void moveBar() override;
 
     std::unique_ptr<Ui::DownLoadPlcPro> ui;

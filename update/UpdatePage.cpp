@@ -9,6 +9,8 @@
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "platform/cos_file.h"
+#include "update/ResultText.h"
+#include "update/UpdateJob.h"
 
 #include <QCoreApplication>
 #include <QLabel>
@@ -60,13 +62,13 @@ void UpdatePage::listUdisk(const std::string &mountPath)
         rows += shownBytes(m_files.back().shown);
     }
     m_widgets.list->addItems(rows); // all at once: one by one takes five times as long
-    m_widgets.label->setText(generic(m_kind.prompt));
+    m_widgets.label->setText(generic(m_job.texts.prompt));
 }
 
 // Anywhere in the name, so that "a.tmt3.bak" is listed too; this is intended.
 bool UpdatePage::isListed(const std::string &name) const
 {
-    return std::any_of(m_kind.patterns.begin(), m_kind.patterns.end(), [&](const char *pattern) {
+    return std::any_of(m_job.patterns.begin(), m_job.patterns.end(), [&](const char *pattern) {
         return pattern != nullptr && name.find(pattern) != std::string::npos;
     });
 }
@@ -86,19 +88,19 @@ void UpdatePage::retranslate()
     setStyleWhenSeen(m_widgets.label, QStringLiteral(" QLabel{color:black;%1border-radius:4px;"
                                                      "border: 1px solid #C4C4C3;}")
                                           .arg(GetFontStyle()));
-    const int stored = (m_pWorker->*m_kind.storedResult)();
+    const int stored = (m_pWorker->*m_job.storedResult)();
     showResult(stored, false);
     const QListWidgetItem *row = m_widgets.list->currentItem();
     if (!m_bUdiskPresent)
         m_widgets.label->setText(generic(NO_UDISK));
-    else if (stored == m_kind.noResult)
+    else if (stored == m_job.noResult)
         m_widgets.label->setText(row != nullptr ? selectedText(row->text())
-                                                : generic(m_kind.prompt));
+                                                : generic(m_job.texts.prompt));
 }
 
 void UpdatePage::selectRow(const QString &itemText)
 {
-    (m_pWorker->*m_kind.resetResult)(0);
+    (m_pWorker->*m_job.resetResult)(0);
     say(selectedText(itemText));
 }
 
@@ -118,23 +120,22 @@ void UpdatePage::startDownload()
     if (row < 0 || row >= static_cast<int>(m_files.size()))
         return;
     const UdiskFileEntry &file = m_files[static_cast<std::size_t>(row)];
-    if (m_kind.order == UpdatePageKind::CONNECT_FIRST)
+    if (m_job.order == UpdateJob::CONNECT_FIRST)
         connectWorker();
-    m_pWorker->SetFunction(m_kind.function,
-                           QString::fromStdString(file.directory + "/" + file.name));
-    if (m_kind.order == UpdatePageKind::CONNECT_AFTER_START)
+    m_pWorker->SetFunction(m_job.function, file.directory + "/" + file.name);
+    if (m_job.order == UpdateJob::CONNECT_AFTER_START)
         connectWorker();
     m_widgets.bar->setValue(0);
-    say(QStringLiteral("%1%2,%3").arg(text(m_kind.downloading), shownBytes(file.shown),
-                                      text(m_kind.caution)));
-    m_nTimer = startTimer(m_kind.timerMs, Qt::CoarseTimer);
+    say(QStringLiteral("%1%2,%3").arg(text(m_job.texts.downloading), shownBytes(file.shown),
+                                      text(m_job.texts.caution)));
+    m_nTimer = startTimer(m_job.tickMs, Qt::CoarseTimer);
     m_widgets.list->setEnabled(false);
     setEnabled(false);
 }
 
 void UpdatePage::showResult(int code, bool finished)
 {
-    const QString said = resultTextOf(code);
+    const QString said = resultText(m_job, code, *m_pWorker);
     m_widgets.label->setText(said);
     if (!finished || m_pWorker->isGivenUp())
         return;
@@ -143,7 +144,7 @@ void UpdatePage::showResult(int code, bool finished)
     if (m_nTimer != 0)
         killTimer(m_nTimer);
     m_nTimer = 0;
-    const QString heading = text(code == 0 ? m_kind.succeeded : m_kind.failed);
+    const QString heading = text(code == 0 ? m_job.texts.succeeded : m_job.texts.failed);
     tell(code == 0, said.isEmpty() ? heading : heading + QLatin1Char('\n') + said);
     m_widgets.bar->setValue(0);
     disconnectWorker();
@@ -160,15 +161,15 @@ void UpdatePage::tell(bool success, const QString &said)
 void UpdatePage::connectWorker()
 {
     connectResult();
-    if (m_kind.barSignal != nullptr)
-        connect(m_pWorker, m_kind.barSignal, m_widgets.bar, &QProgressBar::setValue);
+    if (m_job.barSignal != nullptr)
+        connect(m_pWorker, m_job.barSignal, m_widgets.bar, &QProgressBar::setValue);
 }
 
 void UpdatePage::disconnectWorker()
 {
-    disconnect(m_pWorker, m_kind.resultSignal, this, nullptr);
-    if (m_kind.barSignal != nullptr)
-        disconnect(m_pWorker, m_kind.barSignal, m_widgets.bar, nullptr);
+    disconnect(m_pWorker, m_job.resultSignal, this, nullptr);
+    if (m_job.barSignal != nullptr)
+        disconnect(m_pWorker, m_job.barSignal, m_widgets.bar, nullptr);
 }
 
 void UpdatePage::timerEvent(QTimerEvent *event)
@@ -188,7 +189,7 @@ void UpdatePage::moveBar()
 
 QString UpdatePage::text(const char *source) const
 {
-    return QCoreApplication::translate(m_kind.context, source);
+    return QCoreApplication::translate(m_job.texts.context, source);
 }
 
 QString UpdatePage::generic(const char *source) const
@@ -198,5 +199,5 @@ QString UpdatePage::generic(const char *source) const
 
 QString UpdatePage::selectedText(const QString &itemText) const
 {
-    return QStringLiteral("%1%2").arg(text(m_kind.selected), itemText);
+    return QStringLiteral("%1%2").arg(text(m_job.texts.selected), itemText);
 }

@@ -1,50 +1,26 @@
 // What the three update pages have in common.
 #pragma once
 
-#include "update/CDownloadThread.h"
-
 #include <QString>
 #include <QWidget>
 
-#include <array>
 #include <string>
 #include <vector>
 
+class CDownloadThread;
 class QLabel;
 class QListWidget;
 class QProgressBar;
 class QPushButton;
+struct UpdateJob;
 
-// A file on the list, one a row, in the rows' order. Bytes of file names.
+// A file on the list, one a row, in the rows' order. Bytes as the file system has them: they need
+// not be text, and go to the worker as they are.
 struct UdiskFileEntry
 {
     std::string directory;
     std::string name;
     std::string shown; // "U%d/%s": the number of the U-disk and the name
-};
-
-// How a page differs from the other two. Texts are source texts, in the context of the page's class
-// but where said otherwise.
-struct UpdatePageKind
-{
-    const char *context;
-    const char *prompt; // in the context of all classes
-    const char *selected;
-    const char *downloading;
-    const char *caution; // while it downloads
-    const char *succeeded;
-    const char *failed;
-    std::array<const char *, 3> patterns; // a name that contains one of them is listed
-    CDownloadThread::Function function;
-    int timerMs;
-    int noResult; // the stored result that says nothing
-    // The project page resets its own result at the choice of a row, and so does the firmware page.
-    // The PLC page resets the project's and never its own; this is intended.
-    int (CDownloadThread::*storedResult)() const;
-    void (CDownloadThread::*resetResult)(int);
-    void (CDownloadThread::*resultSignal)(int);
-    void (CDownloadThread::*barSignal)(int); // null: the page moves its bar by itself
-    enum { CONNECT_FIRST, CONNECT_AFTER_START } order;
 };
 
 // Lists the matching files of the U-disk, has the worker install the one that is chosen, and tells
@@ -75,7 +51,7 @@ protected:
         QLabel *label;
     };
 
-    explicit UpdatePage(const UpdatePageKind &kind) : m_kind(kind) {}
+    explicit UpdatePage(const UpdateJob &job) : m_job(job) {}
 
     // Takes over the widgets of the page's form. Once.
     void setWidgets(const Widgets &widgets);
@@ -88,14 +64,10 @@ protected:
     // `finished` if the worker tells it: then the page is free again, and the operator is told.
     void showResult(int code, bool finished);
 
-    // A text of the page's own in the program's language.
-    QString text(const char *source) const;
-
     void timerEvent(QTimerEvent *event) override;
 
     virtual void translateForm() = 0;
     virtual void connectResult() = 0; // the worker's result signal to the page's slot
-    virtual QString resultTextOf(int code) const = 0;
     // At each tick while a job is under way: on by one between two reports.
     virtual void moveBar();
 
@@ -106,9 +78,10 @@ private:
     void connectWorker();
     void disconnectWorker();
     QString selectedText(const QString &itemText) const;
+    QString text(const char *source) const;
     QString generic(const char *source) const;
 
-    const UpdatePageKind &m_kind;
+    const UpdateJob &m_job;
     Widgets m_widgets{};
     CDownloadThread *m_pWorker = nullptr;
     std::vector<UdiskFileEntry> m_files;

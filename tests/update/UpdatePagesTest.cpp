@@ -11,6 +11,7 @@
 #include "update/DownLoadHmiPro.h"
 #include "update/DownLoadPlcPro.h"
 #include "update/Progress.h"
+#include "update/UpdateJob.h"
 
 #include <QFile>
 #include <QLabel>
@@ -19,9 +20,11 @@
 #include <QPushButton>
 #include <QScrollBar>
 
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <memory>
+#include <set>
 
 using sim::Json;
 using sim::panel;
@@ -78,6 +81,7 @@ private slots:
         COS::CCosRateTimer::destory();
         m_worker.reset();
         m_pages = {};
+        std::filesystem::remove_all(m_stick->path().toStdString()); // Qt leaves such names
     }
 
     // page | codes | a word of each line of their text
@@ -165,22 +169,46 @@ private slots:
         QCOMPARE(rowsOf(PROJECT), "U1/a.tmt3 U1/a.tmt3.bak"_s);
     }
 
-    void hostileNames()
+    // As a U-disk of a Chinese Windows has them (GBK), cut UTF-8, and what is special to a label or
+    // to printf(). Each row installs its own file, whatever it looks like.
+    void namesAreBytes()
     {
-        const QByteArray longName = QByteArray(250, 'x') + ".tmt3";
-        addFiles({"%s%n.tmt3", "<img src=x>.tmt3", "two\nlines.tmt3", "caf\xE9.tmt3",
-                  "\xE5\xB7\xA5\xE7\xA8\x8B.tmt3", "%1 %2.tmt3", longName});
-        insert();
-        for (const QString &name :
-             {"%s%n.tmt3"_s, "<img src=x>.tmt3"_s, "two\\x0Alines.tmt3"_s, "caf\\xE9.tmt3"_s,
-              "\u5DE5\u7A0B.tmt3"_s, "%1 %2.tmt3"_s, QString::fromLatin1(longName)}) {
-            const auto found = list(PROJECT)->findItems("U1/"_s + name, Qt::MatchExactly);
-            QVERIFY2(found.size() == 1, qPrintable(name));
-            pick(PROJECT, list(PROJECT)->row(found.first()));
-            QCOMPARE(label(PROJECT), "Selected HMI project:U1/"_s + name);
-            QCOMPARE(m_pages[PROJECT]->width(), 600);
+        const std::map<std::string, QString> names = {
+            // in the rows' order
+            {"%1 %2", "%1 %2"_s},
+            {"%s%n", "%s%n"_s},
+            {"<img src=x>", "<img src=x>"_s},
+            {"caf\\xE9", "caf\\xE9"_s},
+            {"caf\xE9", "caf\\xE9"_s},
+            {"cut\xE5\xB7", "cut\\xE5\\xB7"_s},
+            {"two\nlines", "two\\x0Alines"_s},
+            {std::string(250, 'x'), QString(250, u'x')},
+            {"\xB9\xA4\xB3\xCC", "\\xB9\\xA4\\xB3\\xCC"_s},
+            {"\xE5\xB7\xA5\xE7\xA8\x8B", "\u5DE5\u7A0B"_s}};
+        const std::string disk = m_stick->path().toStdString() + "/\xCA\xFD";
+        std::filesystem::create_directory(disk);
+        panel().set("update.steps", Json::array());
+        for (const Page page : {PROJECT, FIRMWARE, PLC}) {
+            const QString ending = FILES[page].mid(1);
+            for (const auto &[name, shown] : names)
+                std::ofstream(disk + '/' + name + ending.toStdString()) << "content";
+            m_pages[page]->listUdisk(disk);
+            int row = 0;
+            for (const auto &[name, shown] : names) {
+                panel().clearCalls();
+                pick(page, row++);
+                QVERIFY2(label(page).endsWith(":U1/"_s + shown + ending), qPrintable(label(page)));
+                QCOMPARE(m_pages[page]->width(), 600);
+                press(page);
+                QVERIFY2(answered().contains("uccess"_s), qPrintable(shown));
+                QCOMPARE(pathsAskedFor(), Json({disk + '/' + name + ending.toStdString()}));
+            }
         }
-        // Another U-disk and another language leave what is read and chosen where it is.
+    }
+
+    // Another U-disk and another language leave what is read and chosen where it is.
+    void listStaysWhereItIs()
+    {
         for (int i = 0; i < 99; ++i)
             addFiles({QByteArray::number(i) + ".tmt3"});
         insert();
@@ -270,7 +298,7 @@ private slots:
         QVERIFY(!m_pages[PROJECT]->isEnabled());
         QVERIFY(panel().get("partition.remounts").empty());
         QVERIFY(m_worker->SetFunction(CDownloadThread::FUNC_DOWNLOAD_PRO,
-                                      m_stick->filePath("a.tmt3"_s)));
+                                      m_stick->path().toStdString() + "/a.tmt3"));
         answered();
         QVERIFY(m_pages[PROJECT]->isEnabled());
     }
@@ -392,6 +420,19 @@ private:
     void press(Page page) const
     {
         QTest::mouseClick(find<QPushButton>(page, "btn_DownLoad"), Qt::LeftButton);
+    }
+    // Of the jobs since the calls were cleared.
+    static Json pathsAskedFor()
+    {
+        std::set<std::string> paths;
+        for (const Json &call : panel().calls()) {
+            const Json &args = call["args"];
+            if (call["op"] == "plc.ReadPlc5VDownLoadInfo")
+                paths.insert(args[0].get<std::string>());
+            else if (call["op"] == "CBB.request" && args[1] != 7)
+                paths.insert(args[2].get<std::string>());
+        }
+        return paths;
     }
     // The text of the box at the job's end, which it waits for.
     static QString answered()
