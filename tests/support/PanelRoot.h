@@ -8,8 +8,8 @@
 #include <filesystem>
 
 // SYSSET_ROOT names the folder as long as the object lives; then it is removed with all that is in
-// it, also names that are not UTF-8, which QDir cannot remove. To be made before anything asks for a
-// path.
+// it, also names that are not UTF-8, which QDir cannot remove. To be made before anything asks for
+// a path.
 class PanelRoot
 {
 public:
