@@ -19,7 +19,7 @@ constexpr Key KEYS[] = {{"size", &Finding::size},     {"language", &Finding::lan
                         {"state", &Finding::state},   {"kind", &Finding::kind},
                         {"widget", &Finding::widget}, {"detail", &Finding::detail}};
 
-// The same on the same screen, whatever state it is in.
+// Whether they differ in the state alone.
 bool isSame(const Finding &one, const Finding &other)
 {
     return one.size == other.size && one.language == other.language && one.kind == other.kind &&

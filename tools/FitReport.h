@@ -1,4 +1,4 @@
-// What a fit audit has found, against the list of what is let pass.
+// The findings of a fit audit, sorted by the list of waivers.
 #pragma once
 
 #include <QJsonObject>

@@ -8,7 +8,8 @@
 
 namespace {
 
-constexpr int TIMEOUT_MS = 30000;
+constexpr int PROCESS_TIMEOUT_MS = 30000; // for the program to start or to end
+constexpr int REPLY_TIMEOUT_MS = 30000;   // for the control socket to take a request or to reply
 
 QByteArray contents(const QString &path)
 {
@@ -26,7 +27,7 @@ PanelProcess::PanelProcess()
     if (!environment.contains(QStringLiteral("FONTCONFIG_FILE")))
         environment.insert(QStringLiteral("FONTCONFIG_FILE"), QStringLiteral(PANEL_FONTS));
     m_process.setProcessEnvironment(environment);
-    // To files: a pipe that nobody reads fills up and holds the panel.
+    // To files: the program would block on a pipe that nobody reads.
     m_process.setStandardOutputFile(m_root.path() + QStringLiteral("/stdout"));
     m_process.setStandardErrorFile(m_root.path() + QStringLiteral("/stderr"));
 }
@@ -36,7 +37,7 @@ PanelProcess::~PanelProcess()
     if (m_process.state() == QProcess::NotRunning)
         return;
     m_process.kill();
-    m_process.waitForFinished(TIMEOUT_MS);
+    m_process.waitForFinished(PROCESS_TIMEOUT_MS);
 }
 
 void PanelProcess::setEnvironment(const QString &name, const QString &value)
@@ -49,7 +50,8 @@ void PanelProcess::setEnvironment(const QString &name, const QString &value)
 bool PanelProcess::start(const QStringList &options)
 {
     m_process.start(QStringLiteral(PANEL_PROGRAM), options);
-    return wait([this] { return errors().contains("panel ready") || hasEnded(); }, TIMEOUT_MS) &&
+    return wait([this] { return errors().contains("panel ready") || hasEnded(); },
+                PROCESS_TIMEOUT_MS) &&
            !hasEnded();
 }
 
@@ -60,7 +62,7 @@ bool PanelProcess::hasEnded()
 
 int PanelProcess::waitForEnd()
 {
-    if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(TIMEOUT_MS))
+    if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(PROCESS_TIMEOUT_MS))
         return -1;
     if (m_process.exitCode() != 0 || m_process.exitStatus() != QProcess::NormalExit)
         qWarning("%s", errors().constData());
@@ -81,7 +83,7 @@ QJsonValue PanelProcess::ask(const QStringList &words)
 {
     QLocalSocket socket;
     socket.connectToServer(m_root.path() + QStringLiteral("/run/panel.sock"));
-    if (!socket.waitForConnected(TIMEOUT_MS)) {
+    if (!socket.waitForConnected(REPLY_TIMEOUT_MS)) {
         m_sError = socket.errorString();
         if (hasEnded())
             m_sError += QStringLiteral(": the panel has ended\n") + QString::fromUtf8(errors());
@@ -92,7 +94,7 @@ QJsonValue PanelProcess::ask(const QStringList &words)
     socket.write(QJsonDocument(request).toJson(QJsonDocument::Compact) + '\n');
     QByteArray line;
     while (!line.endsWith('\n') &&
-           (socket.bytesAvailable() > 0 || socket.waitForReadyRead(TIMEOUT_MS)))
+           (socket.bytesAvailable() > 0 || socket.waitForReadyRead(REPLY_TIMEOUT_MS)))
         line += socket.readAll();
     const QJsonObject reply = QJsonDocument::fromJson(line).object();
     m_sError = reply.value(QLatin1String("error")).toString();

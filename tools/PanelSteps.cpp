@@ -26,14 +26,14 @@ PanelSteps::PanelSteps(const QSize &screen, int language, QString scenario, Visi
 void PanelSteps::start(const QStringList &options)
 {
     m_panel = std::make_unique<PanelProcess>();
-    m_panel->setEnvironment(latin("SYSSET_SCENARIO"), m_sScenario);
-    m_panel->setEnvironment(latin("SYSSET_LCD"),
+    m_panel->setEnvironment(utf8("SYSSET_SCENARIO"), m_sScenario);
+    m_panel->setEnvironment(utf8("SYSSET_LCD"),
                             QStringLiteral("%1x%2").arg(m_screen.width()).arg(m_screen.height()));
-    const QString data = m_panel->file(latin("/mnt/data/prj"));
-    QFile language(data + latin("/LangugeSet.cof"));
-    if (!QDir().mkpath(data + latin("/cloud")) ||
-        !QFile::copy(latin(SOURCE_FOLDER "/platform/sim/samples/cloud.xml"),
-                     data + latin("/cloud/cloud.xml")) ||
+    const QString data = m_panel->file(utf8("/mnt/data/prj"));
+    QFile language(data + utf8("/LangugeSet.cof"));
+    if (!QDir().mkpath(data + utf8("/cloud")) ||
+        !QFile::copy(utf8(SOURCE_FOLDER "/platform/sim/samples/cloud.xml"),
+                     data + utf8("/cloud/cloud.xml")) ||
         !language.open(QIODevice::WriteOnly))
         throw Stuck("cannot prepare a panel's files");
     language.write(QByteArray("[HMI]\nLANGUAGEID=") + QByteArray::number(m_nLanguage) +
@@ -46,20 +46,20 @@ void PanelSteps::start(const QStringList &options)
 
 void PanelSteps::startIn(const char *scenario)
 {
-    const QString usual = std::exchange(m_sScenario, latin(scenario));
+    const QString usual = std::exchange(m_sScenario, utf8(scenario));
     start();
     m_sScenario = usual;
 }
 
-void PanelSteps::at(const char *state)
+void PanelSteps::visit(const char *state)
 {
     QThread::msleep(REST_MS);
-    passing(state);
+    visitAtOnce(state);
 }
 
-void PanelSteps::passing(const char *state)
+void PanelSteps::visitAtOnce(const char *state)
 {
-    m_sState = latin(state);
+    m_sState = utf8(state);
     m_visit(*m_panel, m_sState);
 }
 
@@ -72,7 +72,7 @@ void PanelSteps::await(const std::function<bool()> &condition, const QString &wh
 
 void PanelSteps::touch(const char *object, int index)
 {
-    await([&] { return m_panel->press(latin(object), index); }, latin(object));
+    await([&] { return m_panel->press(utf8(object), index); }, utf8(object));
 }
 
 void PanelSteps::touchList(const char *object, int index)
@@ -89,7 +89,7 @@ void PanelSteps::key(const char *object)
 
 void PanelSteps::set(const char *path, const char *json)
 {
-    if (!m_panel->set(latin(path), json))
+    if (!m_panel->set(utf8(path), json))
         throw Stuck("set " + std::string(path) + ": " + m_panel->error().toStdString());
 }
 
@@ -102,24 +102,24 @@ void PanelSteps::ask(const QStringList &words)
 
 void PanelSteps::awaitSeen(const char *object)
 {
-    await([&] { return m_panel->isVisible(latin(object)); }, latin(object));
+    await([&] { return m_panel->isVisible(utf8(object)); }, utf8(object));
 }
 
 void PanelSteps::awaitGone(const char *object)
 {
-    await([&] { return !m_panel->isVisible(latin(object)); }, latin(object) + latin(" to go"));
+    await([&] { return !m_panel->isVisible(utf8(object)); }, utf8(object) + utf8(" to go"));
 }
 
-void PanelSteps::box(const char *state, const char *answer)
+void PanelSteps::answerBox(const char *state, const char *answer)
 {
     awaitSeen("MessageBox");
-    at(state);
-    const QJsonValue text = m_panel->widget(latin("label"), latin("text"));
+    visit(state);
+    const QJsonValue text = m_panel->widget(utf8("label"), utf8("text"));
     key(answer);
     await(
         [&] {
-            return !m_panel->isVisible(latin("MessageBox")) ||
-                   m_panel->widget(latin("label"), latin("text")) != text;
+            return !m_panel->isVisible(utf8("MessageBox")) ||
+                   m_panel->widget(utf8("label"), utf8("text")) != text;
         },
-        latin("the box to go"));
+        utf8("the box to go"));
 }

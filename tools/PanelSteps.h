@@ -1,4 +1,4 @@
-// What can be done to a simulated panel step by step, each waiting until it can be done.
+// Steps of a walk through a simulated panel; each waits until it can be done.
 #pragma once
 
 #include "tools/PanelProcess.h"
@@ -10,8 +10,8 @@
 #include <memory>
 #include <stdexcept>
 
-// UTF-8 as what Qt takes.
-inline QString latin(const char *text)
+// The text of UTF-8 bytes.
+inline QString utf8(const char *text)
 {
     return QString::fromUtf8(text);
 }
@@ -26,38 +26,37 @@ struct Stuck : std::runtime_error
 class PanelSteps
 {
 public:
-    // Called with each state of the screen that is shown, and its name: "ethernet-static".
+    // Called for each state of the screen, with its name: "ethernet-static".
     using Visit = std::function<void(PanelProcess &panel, const QString &state)>;
 
-    // `language`: 0 Chinese, 1 English. `scenario`: name or path of a situation to start from.
+    // `language`: 0 Chinese, 1 English. `scenario`: as SYSSET_SCENARIO.
     PanelSteps(const QSize &screen, int language, QString scenario, Visit visit);
 
-    // Leaves each started panel alone for so long, until it has looked at its links; 0 without
-    // this.
+    // Waits so long after each start, until the panel has checked its links. Default 0.
     void setStartPause(unsigned long milliseconds) { m_nStartPauseMs = milliseconds; }
 
-    // Starts a panel that nobody has used, of that language, bound to a cloud; ends the one before.
+    // Starts a fresh panel with that language and a cloud configuration; ends the one before.
     void start(const QStringList &options = {});
-    // The same in a situation that is not that of the rest.
+    // The same in another scenario, for this once.
     void startIn(const char *scenario);
     PanelProcess &process() { return *m_panel; }
 
-    // Lets the state come to rest and shows it.
-    void at(const char *state);
-    // The same at once, where the state passes.
-    void passing(const char *state);
+    // Waits until the screen is steady, and shows the state.
+    void visit(const char *state);
+    // The same without waiting, for a state that does not last.
+    void visitAtOnce(const char *state);
 
     void touch(const char *object, int index = -1);
-    // A list that opens or closes, which ignores touches for a while after.
+    // A list that opens or closes; it ignores touches for a while after.
     void touchList(const char *object, int index = -1);
-    // A key of the keyboard, not sooner than it takes the next one.
+    // A key of the keyboard, which drops keys that follow too soon.
     void key(const char *object);
     void set(const char *path, const char *json);
     void ask(const QStringList &words);
     void awaitSeen(const char *object);
     void awaitGone(const char *object);
-    // Waits for the box, shows it and answers.
-    void box(const char *state, const char *answer = "btn_Ok");
+    // Waits for the message box, shows it as `state` and presses `answer`.
+    void answerBox(const char *state, const char *answer = "btn_Ok");
     void await(const std::function<bool()> &condition, const QString &what);
 
 private:

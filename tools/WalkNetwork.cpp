@@ -17,56 +17,55 @@ void ethernet(PanelSteps &panel)
     panel.touch("tab_Net", 0);
     panel.awaitSeen("radio_Dhcp");
     panel.awaitSeen("widget_EthIndetail");
-    panel.at("ethernet-dhcp");
+    panel.visit("ethernet-dhcp");
     const QByteArray address =
-        panel.process().get(latin("net.devices.0.sIpAddr")).toString().toUtf8();
+        panel.process().get(utf8("net.devices.0.sIpAddr")).toString().toUtf8();
     panel.await(
         [&panel] {
             panel.set("net.devices.0.sIpAddr", R"("")"); // a lease may still come in between
-            return panel.process().isVisible(latin("lab_replacwidgetEth"));
+            return panel.process().isVisible(utf8("lab_replacwidgetEth"));
         },
-        latin("an address that is gone"));
-    panel.at("ethernet-no-address");
+        utf8("an address that is gone"));
+    panel.visit("ethernet-no-address");
     panel.set("net.devices.0.sIpAddr", '"' + address + '"');
     panel.awaitSeen("widget_EthIndetail");
     panel.touch("radio_Static");
     panel.awaitSeen("widget_EthIndetail");
     panel.await(
-        [&panel] { return panel.process().widget(latin("line_Ip4"), latin("enabled")).toBool(); },
-        latin("fields that can be edited"));
-    panel.at("ethernet-static");
+        [&panel] { return panel.process().widget(utf8("line_Ip4"), utf8("enabled")).toBool(); },
+        utf8("fields that can be edited"));
+    panel.visit("ethernet-static");
     panel.touch("line_Ip4");
     panel.awaitSeen("SoftKeyboard");
-    panel.at("keyboard-number");
+    panel.visit("keyboard-number");
     panel.key("btn_close"); // the first key of a process has no effect
     panel.key("btn_close");
     panel.awaitGone("SoftKeyboard");
     panel.touch("btn_EthSwitch");
-    panel.passing("ethernet-pending");
+    panel.visitAtOnce("ethernet-pending");
     panel.awaitSeen("lab_EthStatus");
-    panel.at("ethernet-off");
+    panel.visit("ethernet-off");
     panel.set("net.devices.0.present", "false");
-    panel.at("ethernet-absent");
+    panel.visit("ethernet-absent");
     panel.set("net.devices.0.present", "true");
 }
 
-// A password that is not taken, and then a join from elsewhere that succeeds.
+// A wrong password, and then a join that does not come from the page and succeeds.
 void joinWifi(PanelSteps &panel)
 {
     const QByteArray user =
-        QJsonDocument(panel.process().get(latin("wifi.user")).toObject()).toJson();
-    panel.await([&panel] { return panel.process().press(latin("list_Wifi"), 0); },
-                latin("networks"));
+        QJsonDocument(panel.process().get(utf8("wifi.user")).toObject()).toJson();
+    panel.await([&panel] { return panel.process().press(utf8("list_Wifi"), 0); }, utf8("networks"));
     panel.awaitSeen("SoftKeyboard");
     for (const char *letter :
          {"btn_c_w", "btn_c_r", "btn_c_o", "btn_c_n", "btn_c_g", "btn_c_w", "btn_c_o", "btn_c_r"})
         panel.key(letter);
-    panel.ask({latin("delay"), latin("netT.setConnectInfo"), latin(SLOWLY)});
+    panel.ask({utf8("delay"), utf8("netT.setConnectInfo"), utf8(SLOWLY)});
     panel.key("btn_c_enter");
     panel.awaitGone("SoftKeyboard");
-    panel.at("wifi-connecting");
-    panel.box("wifi-failed");
-    panel.ask({latin("delay"), latin("clear")});
+    panel.visit("wifi-connecting");
+    panel.answerBox("wifi-failed");
+    panel.ask({utf8("delay"), utf8("clear")});
     panel.set("wifi.user", user.constData());
     panel.set("net.cable.wlan0", "-1");
     panel.set("net.cable.wlan0", "0");
@@ -78,52 +77,51 @@ void wifi(PanelSteps &panel)
 {
     panel.touch("tab_Net", WIFI_TAB);
     panel.awaitSeen("wid_wifiConnect");
-    panel.await([&panel] { return panel.process().press(latin("list_Wifi"), 0); },
-                latin("networks"));
+    panel.await([&panel] { return panel.process().press(utf8("list_Wifi"), 0); }, utf8("networks"));
     panel.awaitSeen("SoftKeyboard");
     panel.key("btn_c_o");
-    panel.at("wifi-password");
+    panel.visit("wifi-password");
     panel.key("btn_Eye");
-    panel.at("wifi-password-shown");
+    panel.visit("wifi-password-shown");
     panel.key("btn_close");
     panel.awaitGone("SoftKeyboard");
-    panel.at("wifi");
+    panel.visit("wifi");
     joinWifi(panel);
     panel.await(
         [&panel] {
-            return !panel.process().widget(latin("lab_ip"), latin("text")).toString().isEmpty();
+            return !panel.process().widget(utf8("lab_ip"), utf8("text")).toString().isEmpty();
         },
-        latin("an address"));
+        utf8("an address"));
     panel.touch("wid_wifiConnect");
     panel.awaitSeen("WifiPara");
-    panel.at("wifi-parameters");
+    panel.visit("wifi-parameters");
     panel.touch("radio_Static");
-    panel.at("wifi-parameters-static");
+    panel.visit("wifi-parameters-static");
     panel.touch("pushButton_2");
     panel.awaitGone("WifiPara");
     panel.touch("btn_WifiSwitch");
-    panel.passing("wifi-pending");
+    panel.visitAtOnce("wifi-pending");
     panel.awaitSeen("lab_WifiStatus");
-    panel.at("wifi-off");
+    panel.visit("wifi-off");
 }
 
 void cellular(PanelSteps &panel)
 {
     panel.touch("tab_Net", CELLULAR_TAB);
     panel.awaitSeen("radio_auto");
-    panel.at("4g");
+    panel.visit("4g");
     panel.touch("radio_manual");
     panel.awaitSeen("wdg_vpn");
-    panel.at("4g-manual");
+    panel.visit("4g-manual");
     panel.touch("line_ApnName");
     panel.awaitSeen("SoftKeyboard");
-    panel.at("keyboard-text");
+    panel.visit("keyboard-text");
     panel.key("btn_close");
     panel.awaitGone("SoftKeyboard");
     panel.touch("btn_4G");
-    panel.passing("4g-pending");
+    panel.visitAtOnce("4g-pending");
     panel.awaitSeen("lab_4gStatus");
-    panel.at("4g-off");
+    panel.visit("4g-off");
 }
 
 } // namespace
@@ -147,27 +145,27 @@ void walkDiagnosis(PanelSteps &panel)
     panel.awaitSeen("btn_check");
     panel.await(
         [&panel] {
-            return !panel.process().widget(latin("combox"), latin("text")).toString().isEmpty();
+            return !panel.process().widget(utf8("combox"), utf8("text")).toString().isEmpty();
         },
-        latin("the preferred network"));
-    panel.at("extend");
+        utf8("the preferred network"));
+    panel.visit("extend");
     panel.touchList("combox");
-    panel.at("extend-list");
+    panel.visit("extend-list");
     panel.touchList("combox", 0);
-    panel.await([&panel] { return panel.process().get(latin("cloud.started")).toBool(); },
-                latin("the cloud"));
+    panel.await([&panel] { return panel.process().get(utf8("cloud.started")).toBool(); },
+                utf8("the cloud"));
     panel.touch("btn_check");
     panel.awaitSeen("NetWorkTestUi");
-    panel.at("diagnosis");
-    panel.ask({latin("delay"), latin("netT.netTping"), latin(SLOWLY)});
+    panel.visit("diagnosis");
+    panel.ask({utf8("delay"), utf8("netT.netTping"), utf8(SLOWLY)});
     panel.touch("btn_StartDiag");
-    panel.at("diagnosis-running");
-    panel.ask({latin("delay"), latin("clear")});
+    panel.visit("diagnosis-running");
+    panel.ask({utf8("delay"), utf8("clear")});
     const auto ended = [&panel] {
-        return panel.process().widget(latin("btn_StartDiag"), latin("enabled")).toBool();
+        return panel.process().widget(utf8("btn_StartDiag"), utf8("enabled")).toBool();
     };
-    panel.await(ended, latin("the diagnosis"));
-    panel.at("diagnosis-passed");
+    panel.await(ended, utf8("the diagnosis"));
+    panel.visit("diagnosis-passed");
     panel.set("cloud.status", "-4");
     panel.set("net.cable.eth0", "-1");
     panel.set("net.ping", R"({"*": {"min": 8, "avg": 640, "max": 920, "lost": 20}})");
@@ -175,6 +173,6 @@ void walkDiagnosis(PanelSteps &panel)
     QThread::msleep(2200); // until the cloud has been looked at again
     panel.touch("btn_StartDiag");
     QThread::msleep(100);
-    panel.await(ended, latin("the diagnosis"));
-    panel.at("diagnosis-failed");
+    panel.await(ended, utf8("the diagnosis"));
+    panel.visit("diagnosis-failed");
 }

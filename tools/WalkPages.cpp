@@ -1,4 +1,4 @@
-// About, System, what comes before everything else, and panels that lack something.
+// About, System, the password question, and panels that lack something.
 #include "tools/PanelWalk.h"
 
 #include <QThread>
@@ -12,20 +12,20 @@ void communication(PanelSteps &panel)
 {
     panel.touch("tab_System", 1);
     panel.awaitSeen("btn_ComL");
-    panel.at("com");
+    panel.visit("com");
     panel.touch("btn_CommunIndetail");
     panel.awaitSeen("Communication");
-    panel.at("com-settings");
+    panel.visit("com-settings");
     panel.touch("btn_Canl");
     panel.awaitGone("Communication");
     panel.touch("btn_TimeOutIndetail");
     panel.awaitSeen("Communication");
-    panel.at("com-timeout");
-    panel.ask({latin("fail"), latin("backstage.AddrWrite"), latin("-1"), latin("1")});
+    panel.visit("com-timeout");
+    panel.ask({utf8("fail"), utf8("backstage.AddrWrite"), utf8("-1"), utf8("1")});
     panel.touch("btn_Save");
     panel.awaitGone("Communication");
     panel.awaitSeen("lab_NotSaved");
-    panel.at("com-not-saved");
+    panel.visit("com-not-saved");
 }
 
 void settings(PanelSteps &panel)
@@ -33,25 +33,25 @@ void settings(PanelSteps &panel)
     panel.touch("btn_Sysset");
     panel.touch("tab_System", 0);
     panel.awaitSeen("comboBox");
-    panel.at("general");
+    panel.visit("general");
     panel.touch("btn_BeepSwitch");
-    panel.at("general-other-beep");
+    panel.visit("general-other-beep");
     panel.touch("line_BacklightTime");
     panel.awaitSeen("SoftKeyboard");
-    panel.at("keyboard-number-wide");
+    panel.visit("keyboard-number-wide");
     panel.key("btn_close"); // the first key of a process has no effect
     panel.key("btn_close");
     panel.awaitGone("SoftKeyboard");
     panel.touchList("comboBox");
-    panel.at("zones");
+    panel.visit("zones");
     panel.touchList("comboBox", 1);
-    panel.ask({latin("fail"), latin("backstage.AddrWrite"), latin("-1"), latin("1")});
+    panel.ask({utf8("fail"), utf8("backstage.AddrWrite"), utf8("-1"), utf8("1")});
     panel.touch("btn_SetTime");
-    panel.box("general-not-saved");
+    panel.answerBox("general-not-saved");
     communication(panel);
     panel.touch("tab_System", 2);
     panel.awaitSeen("CHBtn");
-    panel.at("language");
+    panel.visit("language");
 }
 
 // On a board that tells nothing, with a clock that may not be set.
@@ -59,28 +59,28 @@ void unreadable(PanelSteps &panel)
 {
     panel.startIn("unreadable");
     panel.awaitSeen("tab_Machine");
-    panel.at("about-unreadable");
+    panel.visit("about-unreadable");
     panel.touch("btn_Sysset");
     panel.awaitSeen("comboBox");
-    panel.at("general-locked");
+    panel.visit("general-locked");
 }
 
-// Networks that have been seen stay on the list; a panel that never saw one has none.
+// On a fresh panel: networks that were seen once stay on the list.
 void nobodyInRange(PanelSteps &panel, bool searchFails)
 {
     panel.startIn("nobody-in-range");
-    panel.ask({latin("delay"), latin("netT.getAPList"), latin(SLOWLY)});
+    panel.ask({utf8("delay"), utf8("netT.getAPList"), utf8(SLOWLY)});
     if (searchFails)
-        panel.ask({latin("fail"), latin("netT.getAPList"), latin("-1")});
+        panel.ask({utf8("fail"), utf8("netT.getAPList"), utf8("-1")});
     panel.touch("btn_Net");
     panel.touch("tab_Net", 1);
     panel.await(
-        [&] { return panel.process().widget(latin("btn_WifiSwitch"), latin("enabled")).toBool(); },
-        latin("the Wi-Fi device"));
+        [&] { return panel.process().widget(utf8("btn_WifiSwitch"), utf8("enabled")).toBool(); },
+        utf8("the Wi-Fi device"));
     if (!searchFails)
-        panel.at("wifi-searching");
+        panel.visit("wifi-searching");
     QThread::msleep(SCANNED_MS);
-    panel.at(searchFails ? "wifi-search-failed" : "wifi-empty");
+    panel.visit(searchFails ? "wifi-search-failed" : "wifi-empty");
 }
 
 } // namespace
@@ -89,45 +89,45 @@ void walkPages(PanelSteps &panel)
 {
     panel.start();
     panel.awaitSeen("tab_Machine");
-    panel.at("about");
+    panel.visit("about");
     panel.touch("tab_Machine", 1);
-    panel.at("version");
+    panel.visit("version");
     settings(panel);
     panel.touch("btn_Reboot");
-    panel.box("restart", "btn_Cancel");
+    panel.answerBox("restart", "btn_Cancel");
 }
 
 void walkGate(PanelSteps &panel)
 {
-    panel.start({latin("-p"), latin("secret")});
+    panel.start({utf8("-p"), utf8("secret")});
     panel.awaitSeen("SoftKeyboard");
-    panel.at("keyboard-password");
+    panel.visit("keyboard-password");
     panel.key("btn_c_q"); // the first key of a process has no effect
     panel.key("btn_c_Shift");
     panel.key("btn_c_q");
-    panel.at("keyboard-capitals");
+    panel.visit("keyboard-capitals");
     panel.key("btn_c_char");
-    panel.at("keyboard-symbols");
+    panel.visit("keyboard-symbols");
     panel.key("btn_s_123");
-    panel.at("keyboard-digits");
+    panel.visit("keyboard-digits");
     panel.key("btn_n_abc");
     panel.key("btn_c_enter");
-    panel.box("password-error");
+    panel.answerBox("password-error");
 }
 
 // Without the network service.
 void walkAlone(PanelSteps &panel)
 {
     panel.startIn("no-network-service");
-    panel.box("no-network-service");
+    panel.answerBox("no-network-service");
     panel.touch("btn_Net");
     panel.touch("tab_Net", 0);
     panel.awaitSeen("btn_EthSwitch");
-    panel.at("ethernet-unknown");
+    panel.visit("ethernet-unknown");
     panel.touch("tab_Net", 1);
-    panel.at("wifi-unknown");
+    panel.visit("wifi-unknown");
     panel.touch("tab_Net", 2);
-    panel.at("4g-unknown");
+    panel.visit("4g-unknown");
     nobodyInRange(panel, false);
     nobodyInRange(panel, true);
     unreadable(panel);

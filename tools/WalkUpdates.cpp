@@ -16,9 +16,9 @@ public:
     explicit Stick(PanelSteps &panel) : m_panel(panel) {}
     Stick(const Stick &) = delete;
     Stick &operator=(const Stick &) = delete;
-    ~Stick() { m_panel.process().ask({latin("usb"), latin("remove"), m_folder.path()}); }
+    ~Stick() { m_panel.process().ask({utf8("usb"), utf8("remove"), m_folder.path()}); }
 
-    void insert() const { m_panel.ask({latin("usb"), latin("insert"), m_folder.path()}); }
+    void insert() const { m_panel.ask({utf8("usb"), utf8("insert"), m_folder.path()}); }
     QString file(const QString &name) const { return m_folder.filePath(name); }
     // A small file of the panel's own model, made by one of the project's tools.
     void make(const char *tool, const QString &name, const QStringList &options) const;
@@ -31,35 +31,35 @@ private:
 
 void Stick::make(const char *tool, const QString &name, const QStringList &options) const
 {
-    const QStringList arguments{latin(SOURCE_FOLDER "/tools/") + latin(tool), latin("--size"),
-                                latin("4096")};
+    const QStringList arguments{utf8(SOURCE_FOLDER "/tools/") + utf8(tool), utf8("--size"),
+                                utf8("4096")};
     QProcess process;
-    process.start(latin("/usr/bin/python3"), arguments + options + QStringList{file(name)});
+    process.start(utf8("/usr/bin/python3"), arguments + options + QStringList{file(name)});
     if (!process.waitForFinished() || process.exitCode() != 0)
         throw Stuck(std::string(tool) + " makes no " + name.toStdString());
 }
 
 void Stick::makeUpdate(const QString &name, const QStringList &options) const
 {
-    const QString model = m_panel.process().get(latin("machine.hmiType")).toString();
-    make("make-update-file", name, QStringList{latin("--model"), model} + options);
+    const QString model = m_panel.process().get(utf8("machine.hmiType")).toString();
+    make("make-update-file", name, QStringList{utf8("--model"), model} + options);
 }
 
 void fill(const Stick &stick)
 {
     for (const char *project : {"Packing line 3.tmt3", "包装线二号.tmt3"})
-        stick.makeUpdate(latin(project));
-    stick.makeUpdate(latin("KV070T-2.4.osf3"), {latin("--version"), latin("999")});
+        stick.makeUpdate(utf8(project));
+    stick.makeUpdate(utf8("KV070T-2.4.osf3"), {utf8("--version"), utf8("999")});
     for (const char *other : {"Spare panel.tmt3", "Spare panel.osf3"})
-        stick.makeUpdate(latin(other), {latin("--model"), latin(LONGEST_MODEL)});
-    stick.make("make-plc-program", latin("Conveyor.bin"), {});
+        stick.makeUpdate(utf8(other), {utf8("--model"), utf8(LONGEST_MODEL)});
+    stick.make("make-plc-program", utf8("Conveyor.bin"), {});
 }
 
 // More files than the list has room for, and a name as long as names are.
 void fillUp(const Stick &stick)
 {
-    const QString longest = latin("包装线 二号 夹具 ").repeated(8).left(75);
-    stick.makeUpdate(longest + latin(".tmt3"));
+    const QString longest = utf8("包装线 二号 夹具 ").repeated(8).left(75);
+    stick.makeUpdate(longest + utf8(".tmt3"));
     for (int i = 1; i < FILES; ++i) {
         QFile file(stick.file(QStringLiteral("Recipe %1.tmt3").arg(i)));
         if (!file.open(QIODevice::WriteOnly))
@@ -75,26 +75,26 @@ void download(PanelSteps &panel, const char *running, const char *done)
     panel.touch("btn_DownLoadPro");
     panel.await(
         [&panel] {
-            return panel.process().widget(latin("bar_Project"), latin("value")).toInt() == 40;
+            return panel.process().widget(utf8("bar_Project"), utf8("value")).toInt() == 40;
         },
-        latin("the bar"));
-    panel.at(running);
+        utf8("the bar"));
+    panel.visit(running);
     panel.set("update.stepTime", "0");
-    panel.box(done);
+    panel.answerBox(done);
 }
 
 void projects(PanelSteps &panel)
 {
     panel.touch("list_Pro", 0);
-    panel.at("update-list");
+    panel.visit("update-list");
     download(panel, "update-running", "update-done");
     panel.touch("list_Pro", 1);
     panel.touch("btn_DownLoadPro");
-    panel.box("update-other-model");
+    panel.answerBox("update-other-model");
     panel.touch("list_Pro", 0);
     panel.set("update.error", "-9");
     panel.touch("btn_DownLoadPro");
-    panel.box("update-refused");
+    panel.answerBox("update-refused");
     panel.set("update.error", "null");
 }
 
@@ -103,25 +103,25 @@ void firmware(PanelSteps &panel)
     panel.touch("tab_UpData", 1);
     panel.touch("list_Image", 0);
     panel.touch("btn_DownLoadImage");
-    panel.box("update-newer", "btn_Cancel");
-    panel.box("update-declined");
+    panel.answerBox("update-newer", "btn_Cancel");
+    panel.answerBox("update-declined");
     panel.touch("list_Image", 1);
     panel.touch("btn_DownLoadImage");
-    panel.box("update-other-board");
+    panel.answerBox("update-other-board");
 }
 
 void plcPrograms(PanelSteps &panel)
 {
     panel.touch("tab_UpData", 2);
     panel.touch("list_PlcPro", 0);
-    panel.at("update-plc");
-    panel.ask({latin("fail"), latin("plc.Commu"), latin("-25"), latin("1")});
+    panel.visit("update-plc");
+    panel.ask({utf8("fail"), utf8("plc.Commu"), utf8("-25"), utf8("1")});
     panel.touch("btn_DownLoadPlcPro");
-    panel.box("update-plc-timeout");
-    panel.at("update-plc-failed");
-    panel.ask({latin("fail"), latin("plc.Commu"), latin("-31"), latin("1")});
+    panel.answerBox("update-plc-timeout");
+    panel.visit("update-plc-failed");
+    panel.ask({utf8("fail"), utf8("plc.Commu"), utf8("-31"), utf8("1")});
     panel.touch("btn_DownLoadPlcPro");
-    panel.box("update-plc-no-id");
+    panel.answerBox("update-plc-no-id");
 }
 
 void manyFiles(PanelSteps &panel)
@@ -131,15 +131,15 @@ void manyFiles(PanelSteps &panel)
     fillUp(stick);
     stick.insert();
     const auto rows = [&panel] {
-        return panel.process().widget(latin("list_Pro"), latin("items")).toArray();
+        return panel.process().widget(utf8("list_Pro"), utf8("items")).toArray();
     };
-    panel.await([&] { return rows().size() == FILES; }, latin("all files"));
-    panel.at("update-many");
+    panel.await([&] { return rows().size() == FILES; }, utf8("all files"));
+    panel.visit("update-many");
     int longest = 0;
     while (rows()[longest].toString().size() < 80)
         ++longest;
     panel.touch("list_Pro", longest);
-    panel.at("update-long-name");
+    panel.visit("update-long-name");
     download(panel, "update-long-running", "update-long-done");
 }
 
@@ -151,7 +151,7 @@ void walkUpdates(PanelSteps &panel)
     panel.awaitSeen("tab_Machine");
     panel.touch("btn_UpData");
     panel.awaitSeen("list_Pro");
-    panel.at("update");
+    panel.visit("update");
     {
         const Stick stick(panel);
         fill(stick);

@@ -3,12 +3,12 @@
 //   --size WxH        only this screen (may be repeated; default: the five that there are)
 //   --language zh|en  only this language
 //   --part NAME       only this part of the walk (pages, network, diagnosis, updates, gate, alone)
-//   --pictures DIR    takes a picture of every state instead, from a panel with everyday values
+//   --pictures DIR    takes a picture of every state instead, in the scenario "full"
 //   --raw             prints a JSON array of what is found, held against no waiver
 //
-// Each screen in each language is walked by a process of its own, `fit-audit --raw`: a process with
-// threads does better without children (a sanitizer's lock that another thread holds is never freed
-// in the child).
+// Each screen in each language is walked by a process of its own, `fit-audit --raw`, because the
+// walks run at the same time and each starts children: a child of a process with threads may
+// inherit a lock that nobody releases.
 #include "tools/FitReport.h"
 #include "tools/PanelWalk.h"
 
@@ -50,17 +50,17 @@ struct Options
     bool whole; // nothing of the audit is left out
 };
 
-// A word that stands for nothing would let everything pass.
-QStringList known(const QStringList &words, const QStringList &all)
+// Throws on an unknown word: the audit would skip everything and pass.
+QStringList checked(const QStringList &words, const QStringList &all)
 {
     for (const QString &word : words)
         if (!all.contains(word))
             throw std::runtime_error("there is no " + word.toStdString() + ", only " +
-                                     all.join(latin(", ")).toStdString());
+                                     all.join(utf8(", ")).toStdString());
     return words;
 }
 
-QStringList either(const QStringList &chosen, const QStringList &all)
+QStringList orAll(const QStringList &chosen, const QStringList &all)
 {
     return chosen.isEmpty() ? all : chosen;
 }
@@ -68,26 +68,25 @@ QStringList either(const QStringList &chosen, const QStringList &all)
 Options parse(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    const QString value = latin("value");
-    parser.addOptions({{latin("size"), QString(), value},
-                       {latin("language"), QString(), value},
-                       {latin("part"), QString(), value},
-                       {latin("pictures"), QString(), value},
-                       {latin("raw"), QString()}});
+    const QString value = utf8("value");
+    parser.addOptions({{utf8("size"), QString(), value},
+                       {utf8("language"), QString(), value},
+                       {utf8("part"), QString(), value},
+                       {utf8("pictures"), QString(), value},
+                       {utf8("raw"), QString()}});
     parser.process(arguments);
-    const QStringList languages{latin("zh"), latin("en")};
+    const QStringList languages{utf8("zh"), utf8("en")};
     QStringList parts;
     for (const Part &part : PARTS)
-        parts += latin(part.name);
+        parts += utf8(part.name);
     const bool whole = parser.optionNames().isEmpty();
-    return {
-        either(parser.values(latin("size")), {latin("480x272"), latin("800x480"), latin("1024x600"),
-                                              latin("1280x800"), latin("1920x1080")}),
-        either(known(parser.values(latin("language")), languages), languages),
-        known(parser.values(latin("part")), parts),
-        parser.value(latin("pictures")),
-        parser.isSet(latin("raw")),
-        whole};
+    return {orAll(parser.values(utf8("size")), {utf8("480x272"), utf8("800x480"), utf8("1024x600"),
+                                                utf8("1280x800"), utf8("1920x1080")}),
+            orAll(checked(parser.values(utf8("language")), languages), languages),
+            checked(parser.values(utf8("part")), parts),
+            parser.value(utf8("pictures")),
+            parser.isSet(utf8("raw")),
+            whole};
 }
 
 QSize sizeOf(const QString &text)
@@ -101,27 +100,27 @@ QSize sizeOf(const QString &text)
 
 void audit(PanelProcess &panel, Finding where, QVector<Finding> &found)
 {
-    const QJsonValue reply = panel.ask({latin("ui"), latin("fit")});
+    const QJsonValue reply = panel.ask({utf8("ui"), utf8("fit")});
     if (!reply.isArray())
         throw Stuck(where.state.toStdString() + ": ui fit: " + panel.error().toStdString());
     const QJsonArray findings = reply.toArray();
     for (const QJsonValue finding : findings) {
-        where.kind = finding[latin("kind")].toString();
-        where.widget = finding[latin("widget")].toString();
-        where.detail = finding[latin("detail")].toString();
+        where.kind = finding[utf8("kind")].toString();
+        where.widget = finding[utf8("widget")].toString();
+        where.detail = finding[utf8("detail")].toString();
         found.append(where);
     }
 }
 
-// What stands around every page stays where it is: `places` has where it was seen first.
+// Adds a finding for each part of the frame that is not where it was: `places` has it by name.
 void auditFrame(PanelProcess &panel, Finding where, QJsonObject &places, QVector<Finding> &found)
 {
     for (const char *name : FRAME) {
-        const QString object = latin(name);
-        const QJsonValue place = panel.widget(object, latin("rect"));
+        const QString object = utf8(name);
+        const QJsonValue place = panel.widget(object, utf8("rect"));
         if (!panel.isVisible(object) || places.value(object) == place)
             continue;
-        where.kind = latin("moved");
+        where.kind = utf8("moved");
         where.widget = object;
         if (places.contains(object))
             found.append(where);
@@ -133,7 +132,7 @@ void shoot(PanelProcess &panel, const Finding &where, const QString &folder)
 {
     const QString name =
         QStringLiteral("%1-%2-%3.png").arg(where.size, where.language, where.state);
-    if (panel.ask({latin("ui"), latin("shot"), QDir(folder).absoluteFilePath(name)}).isUndefined())
+    if (panel.ask({utf8("ui"), utf8("shot"), QDir(folder).absoluteFilePath(name)}).isUndefined())
         throw Stuck("no picture: " + panel.error().toStdString());
 }
 
@@ -152,12 +151,12 @@ QVector<Finding> walk(const Options &options, const QString &size, const QString
             auditFrame(panel, where, places, found);
         }
     };
-    PanelSteps panel(sizeOf(size), language == latin("zh") ? 0 : 1,
-                     latin(pictures ? "full" : "widest"), visit);
+    PanelSteps panel(sizeOf(size), language == utf8("zh") ? 0 : 1,
+                     utf8(pictures ? "full" : "widest"), visit);
     if (pictures)
         panel.setStartPause(LINKS_CHECKED_MS);
     for (const Part &part : PARTS)
-        if (options.parts.isEmpty() || options.parts.contains(latin(part.name)))
+        if (options.parts.isEmpty() || options.parts.contains(utf8(part.name)))
             part.walk(panel);
     return found;
 }
@@ -172,7 +171,7 @@ int printRaw(const Options &options)
                 for (const Finding &finding : walk(options, size, language))
                     found.append(toJson(finding));
             } catch (const Stuck &stuck) {
-                throw std::runtime_error((size + latin(" ") + language).toStdString() + ": " +
+                throw std::runtime_error((size + utf8(" ") + language).toStdString() + ": " +
                                          stuck.what());
             }
     std::cout << QJsonDocument(found).toJson(QJsonDocument::Compact).constData() << '\n';
@@ -185,16 +184,16 @@ class WalkProcess
 public:
     WalkProcess(const Options &options, const QString &size, const QString &language)
     {
-        QStringList arguments{latin("--raw"), latin("--size"), size, latin("--language"), language};
+        QStringList arguments{utf8("--raw"), utf8("--size"), size, utf8("--language"), language};
         for (const QString &part : options.parts)
-            arguments << latin("--part") << part;
+            arguments << utf8("--part") << part;
         if (!options.pictures.isEmpty())
-            arguments << latin("--pictures") << options.pictures;
+            arguments << utf8("--pictures") << options.pictures;
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_process.start(QCoreApplication::applicationFilePath(), arguments);
     }
 
-    // Waits for its end and appends what it found. False where it got stuck, as it has said itself.
+    // Waits for its end and appends its findings. False where it got stuck, which it has reported.
     bool finish(QVector<Finding> &found)
     {
         m_process.waitForFinished(-1);
@@ -210,24 +209,24 @@ private:
     QProcess m_process;
 };
 
-// All screens, a few at a time: a walk mostly waits for its panel. Throws where one got stuck, but
-// not before the others have come to their end and put their panels away.
+// All screens, a few at a time: a walk mostly waits for its panel. Throws if one got stuck, after
+// the others have ended with their panels.
 QVector<Finding> walkAll(const Options &options)
 {
     QVector<Finding> found;
     bool complete = true;
-    std::deque<std::unique_ptr<WalkProcess>> under;
+    std::deque<std::unique_ptr<WalkProcess>> running;
     const auto collect = [&] {
-        complete = under.front()->finish(found) && complete;
-        under.pop_front();
+        complete = running.front()->finish(found) && complete;
+        running.pop_front();
     };
     for (const QString &size : options.sizes)
         for (const QString &language : options.languages) {
-            if (under.size() == WALKS_AT_A_TIME)
+            if (running.size() == WALKS_AT_A_TIME)
                 collect();
-            under.push_back(std::make_unique<WalkProcess>(options, size, language));
+            running.push_back(std::make_unique<WalkProcess>(options, size, language));
         }
-    while (!under.empty())
+    while (!running.empty())
         collect();
     if (!complete)
         throw std::runtime_error("not every screen was seen");
@@ -242,13 +241,13 @@ void print(const QStringList &lines)
 
 int run(const Options &options)
 {
-    FitReport report(latin(SOURCE_FOLDER "/tools/fit-waivers.json"));
+    FitReport report(utf8(SOURCE_FOLDER "/tools/fit-waivers.json"));
     for (const Finding &finding : walkAll(options))
         report.add(finding);
     if (!options.pictures.isEmpty())
         return 0;
     const QStringList faults = report.faults();
-    // Only the whole audit can tell that nothing needs a waiver any more.
+    // Only the whole audit shows that a waiver is not needed any more.
     const QStringList idle = options.whole ? report.idleWaivers() : QStringList();
     print(faults);
     for (const QString &waiver : idle)

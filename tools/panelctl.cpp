@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int PATIENCE_MS = 30000;
+constexpr int REPLY_TIMEOUT_MS = 30000;
 
 constexpr const char *HELP =
     R"(panelctl VERB ARG... sends one request to the running panel:
@@ -39,7 +39,7 @@ struct Failure : std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-// The panel runs in another folder than the person who types a path.
+// The panel's working directory is not that of the person who types a path.
 QString fromHere(const QString &path)
 {
     return path.isEmpty() || QDir::isAbsolutePath(path)
@@ -72,12 +72,12 @@ QByteArray ask(const QByteArray &line)
     QLocalSocket socket;
     const std::string path = sim::socketPath();
     socket.connectToServer(QString::fromStdString(path));
-    if (!socket.waitForConnected(PATIENCE_MS))
+    if (!socket.waitForConnected(REPLY_TIMEOUT_MS))
         throw Failure("no panel answers at " + path + ": " + socket.errorString().toStdString());
     socket.write(line);
     QByteArray reply;
     while (!reply.endsWith('\n')) {
-        if (!socket.waitForReadyRead(PATIENCE_MS))
+        if (!socket.waitForReadyRead(REPLY_TIMEOUT_MS))
             throw Failure("the panel sends no reply: " + socket.errorString().toStdString());
         reply += socket.readAll();
     }

@@ -16,21 +16,9 @@ void checkOperation(const std::string &op)
         throw BadRequest("no such operation: " + op);
 }
 
-const char *nameOfThread()
-{
-    if (getpid() == gettid())
-        return "gui";
-    char name[16] = {};
-    pthread_getname_np(pthread_self(), name, sizeof name);
-    for (const char *known : {"timer", "media", "net"})
-        if (std::strcmp(name, known) == 0)
-            return known;
-    return "worker";
-}
-
 } // namespace
 
-[[gnu::hot]] void CallLog::add(const char *op, Json args, std::int64_t result, const char *thread)
+void CallLog::add(const char *op, Json args, std::int64_t result, const char *thread)
 {
     if (m_calls == limit)
         dropOldest();
@@ -87,10 +75,8 @@ void Injections::delay(const std::string &op, int ms)
     m_delays[op] = ms;
 }
 
-[[gnu::hot]] Injections::Order Injections::next(const char *op)
+Injections::Order Injections::next(const char *op)
 {
-    if (m_failures.empty() && m_delays.empty())
-        return {};
     const auto delay = m_delays.find(op);
     return {nextResult(op), delay == m_delays.end() ? 0 : delay->second};
 }
@@ -106,10 +92,16 @@ std::optional<int> Injections::nextResult(const char *op)
     return code;
 }
 
-[[gnu::hot]] const char *callingThread()
+const char *callingThread()
 {
-    thread_local const char *const name = nameOfThread();
-    return name;
+    if (getpid() == gettid())
+        return "gui";
+    char name[16] = {};
+    pthread_getname_np(pthread_self(), name, sizeof name);
+    for (const char *known : {"timer", "media", "net"})
+        if (std::strcmp(name, known) == 0)
+            return known;
+    return "worker";
 }
 
 } // namespace sim

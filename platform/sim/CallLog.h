@@ -1,4 +1,4 @@
-// What the program has asked of the panel, and what the panel shall answer instead.
+// The platform calls so far, and the failures and delays that are ordered for the next ones.
 #pragma once
 
 #include "platform/sim/Json.h"
@@ -11,8 +11,8 @@
 
 namespace sim {
 
-// The calls so far, oldest first. Like calls in a row take one entry with a count, because the
-// buzzer's task alone makes twenty a second for ever; beyond `limit` calls the oldest are dropped.
+// The calls so far, oldest first. Equal calls in a row share one entry with a count, because the
+// buzzer's task makes twenty a second; beyond `limit` calls the oldest are dropped.
 class CallLog
 {
 public:
@@ -40,7 +40,7 @@ private:
     std::uint64_t m_calls = 0;
 };
 
-// The answers and delays that a test or a person has ordered, by operation.
+// The failures and delays that a test or a person has ordered, by operation.
 class Injections
 {
 public:

@@ -52,7 +52,7 @@ QString ControlListener::listen(const QString &path)
     std::memcpy(address.sun_path, name.constData(), static_cast<std::size_t>(name.size()));
     unlink(name.constData());
     m_socket = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    // Before it has a name, so that it is never open to others.
+    // The mode is set before bind(2) makes the file, so that others can never connect.
     if (m_socket == -1 || fchmod(m_socket, S_IRUSR | S_IWUSR) == -1 ||
         bind(m_socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) == -1 ||
         ::listen(m_socket, BACKLOG) == -1)
@@ -85,8 +85,8 @@ ControlClient::ControlClient(int socket, const GuiAccess &access, QObject *paren
 
 ControlClient::~ControlClient()
 {
-    if (m_errand)
-        *m_errand = false;
+    if (m_pending)
+        *m_pending = false;
     m_readable.setEnabled(false);
     m_writable.setEnabled(false);
     close(m_socket);
@@ -99,7 +99,7 @@ void ControlClient::receive()
     if (count > 0)
         m_received.append(block, static_cast<int>(count));
     else if (count == 0 || (errno != EAGAIN && errno != EINTR))
-        m_isLast = true;
+        m_isEof = true;
     proceed();
 }
 
@@ -114,21 +114,21 @@ void ControlClient::transmit()
     proceed();
 }
 
-// Serves what can be served. One request at a time, and none before its forerunner's reply is
-// taken, so that neither side's slowness fills the memory.
+// Serves one request after the other, the next one only when the reply to the one before is sent:
+// a client that does not read its replies fills no memory.
 void ControlClient::proceed()
 {
-    while (!m_errand && m_toSend.isEmpty() && takeLine())
+    while (!m_pending && m_toSend.isEmpty() && takeLine())
         continue;
-    const bool busy = m_errand || !m_toSend.isEmpty();
-    m_readable.setEnabled(!m_isLast && !busy);
+    const bool busy = m_pending || !m_toSend.isEmpty();
+    m_readable.setEnabled(!m_isEof && !busy);
     m_writable.setEnabled(!m_toSend.isEmpty());
-    if (m_isLast && !busy)
+    if (m_isEof && !busy)
         deleteLater();
 }
 
-// Takes one line from what was received, or as much of one as is too long. False if there is
-// neither.
+// Takes a line, or what has come of a line that is too long, from what was received. Returns false
+// if no whole line is left.
 bool ControlClient::takeLine()
 {
     const int end = m_received.indexOf('\n');
@@ -160,19 +160,20 @@ void ControlClient::serve(const QByteArray &line)
 
 void ControlClient::askGui(const Request &request)
 {
-    m_errand = std::make_shared<std::atomic<bool>>(true);
-    // Both in the control thread; an errand that is still open has its connection still.
-    const auto finish = [this, errand = m_errand](const std::string &reply) {
-        if (!errand->exchange(false))
+    m_pending = std::make_shared<std::atomic<bool>>(true);
+    // In the control thread. The destructor gives the request up, so `this` lives while it is
+    // pending.
+    const auto finish = [this, pending = m_pending](const std::string &reply) {
+        if (!pending->exchange(false))
             return;
-        m_errand.reset();
+        m_pending.reset();
         send(reply);
         proceed();
     };
-    QTimer::singleShot(m_access.patience, this,
+    QTimer::singleShot(m_access.timeout, this,
                        [finish] { finish(errorReply("the panel does not answer")); });
-    m_access.gui->post([request, finish, errand = m_errand, control = m_access.control] {
-        if (!*errand)
+    m_access.gui->post([request, finish, pending = m_pending, control = m_access.control] {
+        if (!*pending)
             return;
         control->post([finish, reply = uiReply(request)] { finish(reply); });
     });

@@ -13,23 +13,23 @@
 
 namespace sim {
 
-// What a connection needs to have something done on the GUI thread.
+// The way from a connection to the GUI thread and back.
 struct GuiAccess
 {
     Mailbox *gui;     // lives in the GUI thread, longer than the connection
-    Mailbox *control; // lives in the control thread, longer than work for the GUI thread
-    std::chrono::milliseconds patience;
+    Mailbox *control; // lives in the control thread, longer than a request at the GUI thread
+    std::chrono::milliseconds timeout;
 };
 
 // The listening socket; lives in the control thread. Bare sockets rather than Qt's: its network
-// library would add a thirtieth to the memory of a program that has no other use for it.
+// library would add 0.8 MiB to the program's memory (docs/decisions/0006-start-and-memory.md).
 class ControlListener : public Mailbox
 {
     Q_OBJECT
 
 public:
-    ControlListener(Mailbox &gui, std::chrono::milliseconds guiPatience)
-        : m_access{&gui, this, guiPatience}
+    ControlListener(Mailbox &gui, std::chrono::milliseconds guiTimeout)
+        : m_access{&gui, this, guiTimeout}
     {
     }
     ~ControlListener() override;
@@ -55,8 +55,8 @@ public:
     ~ControlClient() override;
 
 private:
-    // Work for the GUI thread; open until it is answered or given up.
-    using Errand = std::shared_ptr<std::atomic<bool>>;
+    // A request at the GUI thread: true until it is answered or given up.
+    using PendingRequest = std::shared_ptr<std::atomic<bool>>;
 
     void receive();
     void transmit();
@@ -71,10 +71,10 @@ private:
     QSocketNotifier m_readable;
     QSocketNotifier m_writable;
     QByteArray m_received;     // requests not yet served
-    QByteArray m_toSend;       // what the other side has not taken yet
-    bool m_isSkipping = false; // the rest of a line that is too long
-    bool m_isLast = false;     // nothing more comes
-    Errand m_errand;
+    QByteArray m_toSend;       // the part of a reply that is not sent yet
+    bool m_isSkipping = false; // within a line that is too long
+    bool m_isEof = false;      // the other side sends no more
+    PendingRequest m_pending;
 };
 
 } // namespace sim

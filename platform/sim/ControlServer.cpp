@@ -7,12 +7,12 @@
 namespace sim {
 namespace {
 
-// The thread never waits for the GUI thread, so it ends at once unless the machine is overloaded.
-constexpr unsigned long STOP_PATIENCE_MS = 2000;
+// The thread never waits for the GUI thread; only an overloaded machine can make it take longer.
+constexpr unsigned long STOP_TIMEOUT_MS = 2000;
 
 } // namespace
 
-ControlServer::ControlServer(std::chrono::milliseconds guiPatience) : m_guiPatience(guiPatience) {}
+ControlServer::ControlServer(std::chrono::milliseconds guiTimeout) : m_guiTimeout(guiTimeout) {}
 
 ControlServer::~ControlServer()
 {
@@ -23,7 +23,7 @@ bool ControlServer::start(const QString &socketPath)
 {
     stop();
     m_gui = std::make_unique<Mailbox>();
-    m_listener = new ControlListener(*m_gui, m_guiPatience);
+    m_listener = new ControlListener(*m_gui, m_guiTimeout);
     m_listener->moveToThread(&m_thread);
     QObject::connect(&m_thread, &QThread::finished, m_listener, &QObject::deleteLater);
     m_thread.setObjectName(QStringLiteral("control"));
@@ -44,7 +44,7 @@ void ControlServer::stop()
     if (m_listener == nullptr)
         return;
     m_thread.quit();
-    if (!m_thread.wait(STOP_PATIENCE_MS))
+    if (!m_thread.wait(STOP_TIMEOUT_MS))
         static_cast<void>(m_gui.release()); // the thread may still use it
     m_gui.reset();
     m_listener = nullptr;

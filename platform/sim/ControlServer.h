@@ -12,15 +12,15 @@ class ControlListener;
 class Mailbox;
 
 // The panel's control socket: one request and one reply a line, each a JSON object. It lives in a
-// thread of its own, so that it answers while the GUI thread is busy; only what concerns widgets
-// goes to the GUI thread, and gets an error if that does not answer in time.
+// thread of its own, so that it answers while the GUI thread is busy; only requests about widgets
+// go to the GUI thread, and get an error if that does not answer in time.
 // Requests of one connection are answered in their order; a line longer than one MiB gets an error.
 // All functions: the GUI thread.
 class ControlServer
 {
 public:
-    // `guiPatience` is how long the GUI thread may take.
-    explicit ControlServer(std::chrono::milliseconds guiPatience = std::chrono::seconds(10));
+    // `guiTimeout` is how long the GUI thread may take.
+    explicit ControlServer(std::chrono::milliseconds guiTimeout = std::chrono::seconds(10));
     ~ControlServer();
     ControlServer(const ControlServer &) = delete;
     ControlServer &operator=(const ControlServer &) = delete;
@@ -34,7 +34,7 @@ public:
     void stop();
 
 private:
-    const std::chrono::milliseconds m_guiPatience;
+    const std::chrono::milliseconds m_guiTimeout;
     QThread m_thread;
     std::unique_ptr<Mailbox> m_gui;
     ControlListener *m_listener = nullptr;

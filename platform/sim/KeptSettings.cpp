@@ -1,9 +1,10 @@
 #include "platform/sim/KeptSettings.h"
 
 #include "platform/sim/Root.h"
+#include "platform/sim/StateDefaults.h"
 #include "platform/sim/StateTree.h"
+#include "platform/sim/WholeFile.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -13,7 +14,7 @@ namespace sim {
 namespace {
 
 constexpr int VERSION = 1;
-constexpr std::chrono::milliseconds TOGETHER(20); // changes that one write takes with it
+constexpr std::chrono::milliseconds WRITE_DELAY(20); // one write takes all changes within it
 
 Json fieldsOf(const Json &record, std::initializer_list<const char *> names)
 {
@@ -83,12 +84,12 @@ void KeptSettings::start(std::string file, std::function<Json()> state)
 void KeptSettings::changed()
 {
     if (m_state && !m_unwritten.exchange(true))
-        m_thread.post(TOGETHER, [this] { write(); });
+        m_thread.post(WRITE_DELAY, [this] { write(); });
 }
 
-void KeptSettings::stop(std::chrono::milliseconds patience)
+void KeptSettings::stop(std::chrono::milliseconds timeout)
 {
-    m_thread.stop(patience);
+    m_thread.stop(timeout);
     if (m_unwritten)
         write();
 }
@@ -96,14 +97,10 @@ void KeptSettings::stop(std::chrono::milliseconds patience)
 void KeptSettings::write()
 {
     const std::lock_guard lock(m_writing);
-    m_unwritten = false; // first: a change from here on is for the next write
+    m_unwritten = false; // before the state is read: a later change needs another write
     Json kept = keptPart(m_state());
     kept["version"] = VERSION;
-    const std::string part = m_file + ".new";
-    std::ofstream stream(part);
-    stream << kept.dump(2) << '\n';
-    stream.close();
-    if (!stream || std::rename(part.c_str(), m_file.c_str()) != 0)
+    if (!writeWholeFile(m_file, kept.dump(2) + '\n'))
         std::cerr << "sysset-sim: cannot write " << m_file << std::endl;
 }
 

@@ -1,5 +1,5 @@
-// What a panel remembers without power: its words, the backlight's brightness, the buzzer's set-up
-// and how far its clock is from the host's.
+// What a panel remembers without power: its words, the backlight's brightness, the buzzer's
+// settings and the offset of its clock to the host's.
 #pragma once
 
 #include "platform/sim/Json.h"
@@ -15,8 +15,8 @@ namespace sim {
 // Where the running panel keeps them.
 std::string keptFile();
 
-// What `state` holds of them, as a part of the state tree. A word that cannot be read (null) is a
-// fault that somebody ordered, not a setting, and is left out.
+// What `state` holds of them, as a part of the state tree. An unreadable word (null) is an ordered
+// fault, not a setting, and is left out.
 Json keptPart(const Json &state);
 
 // What `file` holds, as a part of the state tree to lay over the defaults. Empty if there is no
@@ -36,7 +36,7 @@ public:
     void changed();
 
     // Writes what is not written yet, and ends the thread, as ServiceThread::stop().
-    void stop(std::chrono::milliseconds patience);
+    void stop(std::chrono::milliseconds timeout);
 
 private:
     void write();

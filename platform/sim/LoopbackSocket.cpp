@@ -40,19 +40,19 @@ void LoopbackSocket::close()
     if (m_fd != -1)
         ::close(m_fd);
     m_fd = -1;
-    m_deaf = false;
+    m_refusing = false;
 }
 
-// connect(2): a connected socket hears its peer alone, here itself; AF_UNSPEC dissolves that, and
-// leaves the port if bind(2) was given one.
-void LoopbackSocket::setDeaf(bool deaf)
+// A socket that is connected to itself receives from nobody else; AF_UNSPEC disconnects it and
+// keeps a port that bind(2) was given, connect(2).
+void LoopbackSocket::setRefusing(bool refusing)
 {
     sockaddr_in peer = loopbackAddress(port());
-    if (!deaf)
+    if (!refusing)
         peer.sin_family = AF_UNSPEC;
     if (::connect(m_fd, generic(peer), sizeof peer) == 0)
-        m_deaf = deaf;
-    while (m_deaf && receive())
+        m_refusing = refusing;
+    while (m_refusing && receive())
         continue;
 }
 

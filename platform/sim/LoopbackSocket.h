@@ -28,10 +28,10 @@ public:
     bool bind(int port);
     void close();
 
-    // A deaf one drops what has come and refuses all senders, as if nobody listened, but keeps
-    // its port: nobody else on this machine can take it meanwhile. Not for port 0.
-    void setDeaf(bool deaf);
-    bool isDeaf() const { return m_deaf; }
+    // Drops what has come and refuses all senders, as if nobody listened there, but keeps the port
+    // for this process; or ends that. Not for a socket that was bound to port 0.
+    void setRefusing(bool refusing);
+    bool isRefusing() const { return m_refusing; }
 
     int fd() const { return m_fd; }
     // The port that it is bound to; 0 if it is not open.
@@ -43,7 +43,7 @@ public:
 
 private:
     int m_fd = -1;
-    bool m_deaf = false;
+    bool m_refusing = false;
 };
 
 } // namespace sim

@@ -6,7 +6,7 @@ namespace sim {
 
 Mailbox::~Mailbox()
 {
-    const std::lock_guard lock(m_mutex); // sees what other threads did last
+    const std::lock_guard lock(m_mutex); // other threads have written what is left
     m_works.clear();
 }
 
@@ -17,7 +17,7 @@ void Mailbox::post(std::function<void()> work)
     QMetaObject::invokeMethod(this, "run", Qt::QueuedConnection);
 }
 
-// One piece of work a call, since work may run an event loop of its own.
+// One piece of work for each queued call: work may run an event loop of its own.
 void Mailbox::run()
 {
     take()();

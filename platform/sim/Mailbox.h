@@ -8,8 +8,8 @@
 
 namespace sim {
 
-// Work for the thread that this object lives in. Unlike a queued call of Qt's, what is handed over
-// passes through a lock that a thread checker can see.
+// A queue of work for the thread that this object lives in, under a lock of its own: the memory of
+// a functor that is queued with Qt alone cannot be checked for data races.
 class Mailbox : public QObject
 {
     Q_OBJECT
@@ -17,8 +17,8 @@ class Mailbox : public QObject
 public:
     ~Mailbox() override;
 
-    // Has the object's thread do `work` from its event loop; work is done in the order of the
-    // calls, and dropped if the object is destroyed before. Any thread.
+    // Calls `work` from the event loop of the object's thread, in the order of the calls; it is
+    // dropped if the object is destroyed before. Any thread.
     void post(std::function<void()> work);
 
 private:

@@ -9,7 +9,7 @@
 
 namespace sim {
 
-// Hot-plug events. The callbacks come from its one thread, "media", which they may block.
+// Hot-plug events. The callbacks run on its one thread, "media", and may block it.
 class MediaService
 {
 public:
@@ -19,15 +19,14 @@ public:
                 const PLATFORM::MediaCallbacks &callbacks, void *context);
     void forgetRegistrations();
 
-    // A device of type code `type` is plugged in or pulled out; told to every registration,
-    // whatever types it asked for: what to make of it is the program's business. The panel is not
-    // locked.
+    // A device of type code `type` is plugged in or pulled out. Every registration is called,
+    // whatever types it asked for. The panel is not locked.
     void insert(int type, const std::string &mountPath);
     void remove(int type, const std::string &mountPath);
 
     // As ServiceThread's. The panel is not locked.
-    bool forget(std::chrono::milliseconds patience) { return m_thread.forget(patience); }
-    bool stop(std::chrono::milliseconds patience) { return m_thread.stop(patience); }
+    bool forget(std::chrono::milliseconds timeout) { return m_thread.forget(timeout); }
+    bool stop(std::chrono::milliseconds timeout) { return m_thread.stop(timeout); }
 
 private:
     struct Listener

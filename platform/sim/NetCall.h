@@ -1,4 +1,5 @@
-// What every function of the network client does around its own work.
+// What all network-client calls share: their arguments in the call log, the time-out, and the
+// errors without the service or the device.
 #pragma once
 
 #include "platform/net.h"
@@ -10,6 +11,11 @@
 
 namespace sim {
 
+inline Json noArgs()
+{
+    return Json::array();
+}
+
 // One request to the service: `body(state)` answers it if the service runs. `args` are the
 // in-arguments before the flag and the time-out.
 template <typename Body>
@@ -18,8 +24,7 @@ int netCall(const char *op, Json args, bool flag, unsigned int timeoutMs, Body &
     args.push_back(flag);
     args.push_back(timeoutMs);
     return panel().callWithin(op, std::move(args), timeoutMs, netT::ERR_TIMEOUT, [&](Json &state) {
-        const bool runs = state["net"]["server"].template get<bool>();
-        return runs ? static_cast<int>(body(state)) : netT::ERR_NO_SERVICE;
+        return serviceRuns(state) ? static_cast<int>(body(state)) : netT::ERR_NO_SERVICE;
     });
 }
 

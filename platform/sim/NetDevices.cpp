@@ -9,7 +9,6 @@ constexpr const char *ADDRESS_FIELDS[] = {"sIpAddr", "sSubnetMask", "sGateway", 
                                           "sAlterDns"};
 constexpr const char *DNS_FIELDS[] = {"sPrefDns", "sAlterDns"};
 
-// One search for both kinds of constness.
 template <typename State>
 auto findBy(State &state, const char *key, const std::string &value, bool presentOnly)
 {
@@ -21,6 +20,11 @@ auto findBy(State &state, const char *key, const std::string &value, bool presen
 }
 
 } // namespace
+
+bool serviceRuns(const Json &state)
+{
+    return state.at("net").at("server").get<bool>();
+}
 
 const std::string &text(const Json &record, const char *key)
 {

@@ -1,4 +1,4 @@
-// The network devices in the state tree: finding one, and what its fields mean together.
+// The network service and its devices in the state tree.
 #pragma once
 
 #include "platform/net.h"
@@ -7,6 +7,9 @@
 #include <string>
 
 namespace sim {
+
+// Whether the network service runs.
+bool serviceRuns(const Json &state);
 
 // The text field `key` of a record.
 const std::string &text(const Json &record, const char *key);
@@ -20,7 +23,7 @@ Json *presentDevice(Json &state, const std::string &kind);
 bool isPresent(const Json &device);
 bool isOn(const Json &device);
 bool usesDhcp(const Json &device);
-// A cable, or for Wi-Fi a joined network too.
+// Whether its cable is plugged in, and for Wi-Fi a network is joined.
 bool hasLink(const Json &state, const Json &device);
 bool works(const Json &state, const Json &device);
 

@@ -13,22 +13,17 @@ namespace sim {
 namespace {
 
 constexpr auto RECORD_DELAY = 50ms;
-constexpr auto SWITCH_DELAY = 100ms; // and the record after it
+constexpr auto SWITCH_DELAY = 100ms; // until the switch; the record follows RECORD_DELAY later
 constexpr auto LEASE_DELAY = 300ms;
 constexpr auto JOIN_DELAY = 400ms;
 
-bool serviceRuns(const Json &state)
-{
-    return state.at("net").at("server").get<bool>();
-}
-
-bool hearsModem(Json &state)
+bool modemAnswers(Json &state)
 {
     return serviceRuns(state) && presentDevice(state, "4G") != nullptr;
 }
 
-// A test that sets one of two places that say the same sees it in the other.
-void keepTogether(const Json &before, Json &state, const char *one, const char *other)
+// Both paths hold the same value: a change of one is copied to the other.
+void keepEqual(const Json &before, Json &state, const char *one, const char *other)
 {
     const Json::json_pointer first(one);
     const Json::json_pointer second(other);
@@ -63,14 +58,14 @@ void finishJoining(Json &state)
 
 } // namespace
 
-void NetService::later(std::chrono::milliseconds delay, std::function<void(Json &)> action)
+void NetService::schedule(std::chrono::milliseconds delay, std::function<void(Json &)> action)
 {
     m_thread.post(delay, [action = std::move(action)] { panel().locked(action); });
 }
 
-bool NetService::forget(std::chrono::milliseconds patience)
+bool NetService::forget(std::chrono::milliseconds timeout)
 {
-    return m_thread.forget(patience);
+    return m_thread.forget(timeout);
 }
 
 void NetService::forgetRegistrations()
@@ -88,7 +83,7 @@ void NetService::registerRecords(netT::AllNetInfoCallback callback, void *contex
     postRecords();
 }
 
-void NetService::recordsSoon()
+void NetService::recordsChanged()
 {
     for (RecordListener &listener : m_recordListeners)
         listener.due = true;
@@ -107,11 +102,11 @@ std::vector<NetService::RecordListener> NetService::takeDueListeners()
     for (RecordListener &listener : m_recordListeners)
         if (std::exchange(listener.due, false))
             due.push_back(listener);
-    const auto once = [](const RecordListener &listener) {
+    const auto isDone = [](const RecordListener &listener) {
         return !listener.repeat && !listener.due;
     };
     m_recordListeners.erase(
-        std::remove_if(m_recordListeners.begin(), m_recordListeners.end(), once),
+        std::remove_if(m_recordListeners.begin(), m_recordListeners.end(), isDone),
         m_recordListeners.end());
     return due;
 }
@@ -139,7 +134,7 @@ void NetService::registerAt(netT::AtInfoCallback callback, void *context)
     m_thread.post(RECORD_DELAY, [this] { deliverAt(); });
 }
 
-void NetService::atSoon()
+void NetService::atInfoChanged()
 {
     for (AtListener &listener : m_atListeners)
         listener.due = true;
@@ -151,7 +146,7 @@ void NetService::deliverAt()
     netT::tag_atCollect info;
     std::vector<AtListener> due;
     panel().locked([&](Json &state) {
-        if (!hearsModem(state))
+        if (!modemAnswers(state))
             return;
         info = toAtInfo(state["modem"]["at"]);
         for (AtListener &listener : m_atListeners)
@@ -182,26 +177,26 @@ void NetService::refresh(Json &state, Json &device)
     if (!isOn(device) || (usesDhcp(device) && !working))
         dropAddress(device);
     else if (usesDhcp(device))
-        leaseSoon(text(device, "sDevName"));
+        requestLease(text(device, "sDevName"));
     else
         takeStatic(state, device);
-    recordsSoon();
+    recordsChanged();
 }
 
-void NetService::leaseSoon(const std::string &name)
+void NetService::requestLease(const std::string &name)
 {
-    later(LEASE_DELAY, [this, name](Json &state) {
+    schedule(LEASE_DELAY, [this, name](Json &state) {
         Json *device = findDevice(state, name);
         if (device == nullptr || !usesDhcp(*device) || !works(state, *device))
             return;
         takeLease(state, *device);
-        recordsSoon();
+        recordsChanged();
     });
 }
 
-void NetService::switchSoon(const std::string &name, bool on)
+void NetService::switchDevice(const std::string &name, bool on)
 {
-    later(SWITCH_DELAY, [this, name, on](Json &state) {
+    schedule(SWITCH_DELAY, [this, name, on](Json &state) {
         Json *device = findDevice(state, name);
         if (device == nullptr)
             return;
@@ -222,14 +217,13 @@ void NetService::joinWifi(Json &state, Json &device)
 {
     state["wifi"]["state"] = int(netT::WIFI_CONNECTING);
     refresh(state, device);
-    later(JOIN_DELAY, [this, name = text(device, "sDevName"), join = ++m_joins](Json &later) {
-        Json *wifi = findDevice(later, name);
-        const bool current =
-            join == m_joins && later["wifi"]["state"] == int(netT::WIFI_CONNECTING);
+    schedule(JOIN_DELAY, [this, name = text(device, "sDevName"), join = ++m_joins](Json &tree) {
+        Json *wifi = findDevice(tree, name);
+        const bool current = join == m_joins && tree["wifi"]["state"] == int(netT::WIFI_CONNECTING);
         if (!current || wifi == nullptr)
             return;
-        finishJoining(later);
-        refresh(later, *wifi);
+        finishJoining(tree);
+        refresh(tree, *wifi);
     });
 }
 
@@ -242,7 +236,7 @@ void NetService::stateChanged(const Json &before, Json &state)
         deviceChanged(before, state, device);
     modemChanged(before, state);
     if (before["net"] != state["net"])
-        recordsSoon();
+        recordsChanged();
 }
 
 void NetService::deviceChanged(const Json &before, Json &state, Json &device)
@@ -257,26 +251,26 @@ void NetService::deviceChanged(const Json &before, Json &state, Json &device)
         refresh(state, device);
     const Json none;
     if (before["net"]["lease"].value(name, none) != state["net"]["lease"].value(name, none))
-        leaseSoon(name);
+        requestLease(name);
 }
 
 void NetService::modemChanged(const Json &before, Json &state)
 {
-    keepTogether(before, state, "/modem/csq", "/modem/at/numbers/0");
-    keepTogether(before, state, "/modem/ccid", "/modem/at/texts/0");
+    keepEqual(before, state, "/modem/csq", "/modem/at/numbers/0");
+    keepEqual(before, state, "/modem/ccid", "/modem/at/texts/0");
     Json old = before;
-    const bool came = !hearsModem(old) && hearsModem(state);
-    if (came || before["modem"]["at"] != state["modem"]["at"])
-        atSoon();
+    const bool appeared = !modemAnswers(old) && modemAnswers(state);
+    if (appeared || before["modem"]["at"] != state["modem"]["at"])
+        atInfoChanged();
 }
 
-// A joined network is as strong as its access point and goes with it; one that is back is joined
-// again.
+// The signal of a joined network follows its access point. When that goes out of range the link is
+// lost; when it comes back it is joined again.
 void NetService::wifiChanged(const Json &before, Json &state)
 {
     Json &wifi = state["wifi"];
     if (before["wifi"]["drift"] != wifi["drift"])
-        driftLater(state);
+        scheduleDrift(state);
     if (before["wifi"]["aps"] == wifi["aps"])
         return;
     const std::string &ssid = text(wifi["user"], "ssid");
@@ -291,19 +285,19 @@ void NetService::wifiChanged(const Json &before, Json &state)
         joinWifi(state, *device);
 }
 
-void NetService::driftLater(const Json &state)
+void NetService::scheduleDrift(const Json &state)
 {
     const int pause = state["wifi"]["drift"].get<int>();
     const int drift = ++m_drifts;
     if (pause == 0)
         return;
-    later(std::chrono::milliseconds(pause), [this, drift](Json &later) {
+    schedule(std::chrono::milliseconds(pause), [this, drift](Json &tree) {
         if (drift != m_drifts)
             return;
-        const Json before = later;
-        driftWifi(later["wifi"], m_air);
-        stateChanged(before, later);
-        driftLater(later);
+        const Json before = tree;
+        driftWifi(tree["wifi"], m_random);
+        stateChanged(before, tree);
+        scheduleDrift(tree);
     });
 }
 

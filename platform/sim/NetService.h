@@ -12,31 +12,30 @@
 
 namespace sim {
 
-// The network service in its own time: what follows from a request a moment later, and the
-// callbacks. They come from its one thread, "net". Unless said otherwise the functions are called
-// with the panel locked.
+// The network service: what follows from a request after a delay, and the callbacks, which run on
+// its one thread, "net". Unless said otherwise the functions are called with the panel locked.
 class NetService
 {
 public:
-    // The first record comes soon after; with `repeat`, one after every change.
+    // The first record comes shortly after; with `repeat`, one after every change.
     void registerRecords(netT::AllNetInfoCallback callback, void *context, bool repeat);
     void registerAt(netT::AtInfoCallback callback, void *context);
     void forgetRegistrations();
 
-    // A device's switch or link has changed: takes or drops its address.
+    // A device's switch or link has changed: gives it an address or takes it away.
     void refresh(Json &state, Json &device);
-    // Switches a device, a moment later.
-    void switchSoon(const std::string &device, bool on);
-    // A record to all, a moment later; several changes may come in one.
-    void recordsSoon();
+    // Switches a device on or off, shortly after.
+    void switchDevice(const std::string &device, bool on);
+    // Sends a record to all registrations, shortly after; one record may cover several changes.
+    void recordsChanged();
     // Begins to join the configured Wi-Fi network with the device.
     void joinWifi(Json &state, Json &device);
     // What follows from a change that came from outside.
     void stateChanged(const Json &before, Json &state);
 
     // As ServiceThread's. The panel is not locked.
-    bool forget(std::chrono::milliseconds patience);
-    bool stop(std::chrono::milliseconds patience) { return m_thread.stop(patience); }
+    bool forget(std::chrono::milliseconds timeout);
+    bool stop(std::chrono::milliseconds timeout) { return m_thread.stop(timeout); }
 
 private:
     struct RecordListener
@@ -53,13 +52,13 @@ private:
         bool due;
     };
 
-    void later(std::chrono::milliseconds delay, std::function<void(Json &)> action);
-    void leaseSoon(const std::string &device);
+    void schedule(std::chrono::milliseconds delay, std::function<void(Json &)> action);
+    void requestLease(const std::string &device);
     void deviceChanged(const Json &before, Json &state, Json &device);
     void modemChanged(const Json &before, Json &state);
     void wifiChanged(const Json &before, Json &state);
-    void driftLater(const Json &state);
-    void atSoon();
+    void scheduleDrift(const Json &state);
+    void atInfoChanged();
     void postRecords();
     void deliverRecords();
     std::vector<RecordListener> takeDueListeners();
@@ -71,7 +70,7 @@ private:
     bool m_recordsPosted = false;
     int m_joins = 0;
     int m_drifts = 0;
-    std::minstd_rand m_air; // the same course every time
+    std::minstd_rand m_random; // the same sequence in every run
 };
 
 // A record as get4gAtInfoCallBackup delivers it.

@@ -4,8 +4,8 @@
 
 namespace sim {
 
-// Whether the platform has an operation of this name ("netT.setIp"), so that a slip in an order to
-// fail or delay one is told at once rather than never noticed.
+// Whether the platform has an operation of this name ("netT.setIp"); a `fail` or `delay` of any
+// other is refused.
 bool isOperation(const std::string &name);
 
 } // namespace sim

@@ -1,11 +1,13 @@
 #include "platform/sim/Panel.h"
 
+#include "platform/sim/StateDefaults.h"
+
 #include <algorithm>
 
 namespace sim {
 namespace {
 
-constexpr std::chrono::seconds RESET_PATIENCE(2);
+constexpr std::chrono::seconds RESET_TIMEOUT(2);
 
 const Json &element(const Json &list, std::size_t index, const char *what)
 {
@@ -133,9 +135,9 @@ void Panel::clearCalls()
 
 void Panel::reset()
 {
-    m_net.forget(RESET_PATIENCE);
-    m_media.forget(RESET_PATIENCE);
-    m_update.forget(RESET_PATIENCE);
+    m_net.forget(RESET_TIMEOUT);
+    m_media.forget(RESET_TIMEOUT);
+    m_update.forget(RESET_TIMEOUT);
     m_serialPlc.forget();
     const std::lock_guard lock(m_mutex);
     m_net.forgetRegistrations();
@@ -159,13 +161,13 @@ void Panel::keepIn(const std::string &file)
     m_kept.start(file, [this] { return get(std::string()); });
 }
 
-void Panel::stop(std::chrono::milliseconds patience)
+void Panel::stop(std::chrono::milliseconds timeout)
 {
-    m_net.stop(patience);
-    m_media.stop(patience);
-    m_update.stop(patience);
+    m_net.stop(timeout);
+    m_media.stop(timeout);
+    m_update.stop(timeout);
     m_serialPlc.stop();
-    m_kept.stop(patience);
+    m_kept.stop(timeout);
 }
 
 void Panel::sleep(std::unique_lock<std::mutex> &lock, int ms)

@@ -19,8 +19,8 @@
 
 namespace sim {
 
-// All functions: any thread. One mutex guards the state tree, the call log and the orders; no
-// callback of the program is called and nobody sleeps while it is held.
+// All functions: any thread. One mutex guards the state tree, the call log and the orders; it is
+// never held over a callback of the program, nor while a thread sleeps.
 class Panel
 {
 public:
@@ -30,7 +30,7 @@ public:
 
     Json get(const std::string &path);
     // Changes the state, with what follows from it on a panel: a changed network device brings a
-    // record, a pulled cable takes an address by DHCP with it.
+    // record, a pulled cable removes an address by DHCP.
     void set(const std::string &path, const Json &value);
     // Lays a scenario over the state: any part of the tree, "fail" and "delay" beside it.
     void apply(const Json &scenario);
@@ -43,15 +43,15 @@ public:
     Json calls();
     void clearCalls();
 
-    // Back to the built-in defaults: no orders, no calls, no callback registered. A callback that
-    // is under way is waited for, but at most two seconds, since it may wait for the caller.
+    // Back to the built-in defaults: no orders, no calls, no callback registered. Waits for a
+    // callback that is running, but at most two seconds: it may be waiting for the caller.
     void reset();
-    // Ends the delays of calls under way, and of all to come, so that the program can end.
+    // Ends the delays of the running calls and of all later ones, so that the program can end.
     void hurry();
     // From now on what the panel remembers without power is kept in `file`, up to stop().
     void keepIn(const std::string &file);
     // Ends the services' threads, as reset() waits for them.
-    void stop(std::chrono::milliseconds patience);
+    void stop(std::chrono::milliseconds timeout);
 
     NetService &net() { return m_net; }
     MediaService &media() { return m_media; }
@@ -99,8 +99,8 @@ public:
         return answer(op, std::move(args), order, body);
     }
 
-    // The same for a call that leaves this panel's state alone and works by itself, such as over a
-    // socket: `body(timeLeftMs)` runs unlocked, so that the service at the other end can answer.
+    // The same for a call that does not use the state, such as one over a socket:
+    // `body(timeLeftMs)` runs unlocked, so that the service at the other end can answer.
     template <typename Body>
     int callOutside(const char *op, Json args, unsigned int timeoutMs, int timeoutResult,
                     Body &&body)

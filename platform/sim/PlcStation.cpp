@@ -2,13 +2,13 @@
 
 #include "platform/sim/Panel.h"
 #include "platform/sim/Root.h"
+#include "platform/sim/WholeFile.h"
 
 #include <QByteArray>
 
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <numeric>
 #include <optional>
 #include <utility>
@@ -82,25 +82,15 @@ std::uint16_t checkSumOf(const Bytes &program)
                      static_cast<uint>(program.size()));
 }
 
-// Whole or not at all.
 bool store(const Bytes &program)
 {
-    namespace fs = std::filesystem;
-    const fs::path file = fs::path(panelRoot()) / "plc/program.bin";
-    const fs::path part = file.string() + ".part";
-    std::error_code error;
-    fs::create_directories(file.parent_path(), error);
-    std::ofstream stream(part, std::ios::binary);
-    stream.write(reinterpret_cast<const char *>(program.data()),
-                 static_cast<std::streamsize>(program.size()));
-    stream.close();
-    if (stream.fail())
-        return false;
-    fs::rename(part, file, error);
-    return !error;
+    const std::string folder = panelRoot() + "/plc";
+    std::error_code error; // the write fails then
+    std::filesystem::create_directories(folder, error);
+    return writeWholeFile(folder + "/program.bin", {program.begin(), program.end()});
 }
 
-// Takes one of the answers that are to be spoilt; "right" if none is left.
+// How the next answer is spoilt, counted down in `spoil`; "right" if none is left.
 std::string takeSpoiling(Json &line)
 {
     const int left = line["spoil"].get<int>();

@@ -11,17 +11,17 @@ namespace sim {
 
 // An older PLC at the end of a serial line: takes a program in frames, checks it and keeps it as
 // plc/program.bin in the panel's folder. docs/decisions/0008-legacy-plc-download.md has the frames.
-// What it does wrong stands in the state under plc.line. One thread; locks the panel.
+// plc.line in the state says how it misbehaves. One thread; locks the panel.
 class PlcStation
 {
 public:
     struct Answer
     {
         std::string text;
-        std::chrono::milliseconds delay; // to send it after
+        std::chrono::milliseconds delay; // before it is sent
     };
 
-    // What it answers, if anything, once `bytes` have arrived behind those before.
+    // Takes the bytes that arrive next, and returns its answers to the frames that they complete.
     std::vector<Answer> take(const std::string &bytes);
 
 private:
@@ -35,10 +35,10 @@ private:
 
     std::string m_line; // received since the last line end
     Bytes m_program;
-    std::uint32_t m_length = 0; // that the program is to have
+    std::uint32_t m_length = 0; // of the whole program
     bool m_hasBegun = false;
-    unsigned char m_number = 0; // of the last frame, and what it was answered with
-    unsigned char m_code = 0;
+    unsigned char m_number = 0; // of the last frame
+    unsigned char m_code = 0;   // of the answer to it
 };
 
 } // namespace sim

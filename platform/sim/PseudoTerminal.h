@@ -4,14 +4,14 @@
 
 namespace sim {
 
-// A serial line without a wire: a pseudo-terminal (pty(7)) and a link to its far end.
+// A simulated serial line: a pseudo-terminal (pty(7)) and a link to its far end.
 class PseudoTerminal
 {
 public:
     // Opens one, raw from the start, and puts a link to it at `node`, in place of an old one; the
     // folders above are made. Throws std::system_error if that fails.
     explicit PseudoTerminal(std::string node);
-    // Takes the link away: the number behind it may soon be another terminal's.
+    // Removes the link: the kernel may give its target to another terminal.
     ~PseudoTerminal();
     PseudoTerminal(const PseudoTerminal &) = delete;
     PseudoTerminal &operator=(const PseudoTerminal &) = delete;
@@ -28,7 +28,7 @@ private:
 
     const std::string m_node;
     int m_master = -1;
-    // The far end stays open here too, so that the near one lives on when the program closes it.
+    // Kept open here too: the near end would hang up when the program closes the far one.
     int m_slave = -1;
 };
 

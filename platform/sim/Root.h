@@ -4,8 +4,7 @@
 
 namespace sim {
 
-// The folder that stands for the panel's "/": SYSSET_ROOT, or a folder of the user's own. The
-// program that runs the panel and the one that drives it agree on it.
+// The folder that stands for the panel's "/": SYSSET_ROOT, or a folder of the user's own.
 std::string panelRoot();
 // The folder of the running panel's own files, and its socket in there.
 std::string runFolder();

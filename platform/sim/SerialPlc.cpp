@@ -28,7 +28,7 @@ using Clock = std::chrono::steady_clock;
 constexpr const char *NODES[] = {"com1-232", "com1-422", "com2-232", "com2-485"};
 constexpr std::int64_t BITS_A_CHARACTER = 10;
 
-// One port: bytes on their way in and out, each at its time.
+// One port: the bytes in transit each way, by the time at which they arrive.
 class Line
 {
 public:
@@ -43,18 +43,18 @@ public:
         if (count <= 0)
             return;
         const auto size = static_cast<std::size_t>(count);
-        m_free = std::max(m_free, Clock::now()) + timeOf(size);
-        m_incoming.emplace(m_free, std::string(buffer, size));
+        m_inputEnd = std::max(m_inputEnd, Clock::now()) + durationOf(size);
+        m_incoming.emplace(m_inputEnd, std::string(buffer, size));
     }
 
     void work()
     {
         while (const auto bytes = takeDue(m_incoming))
             for (const PlcStation::Answer &answer : m_station.take(*bytes))
-                m_outgoing.emplace(Clock::now() + timeOf(answer.text.size()) + answer.delay,
+                m_outgoing.emplace(Clock::now() + durationOf(answer.text.size()) + answer.delay,
                                    answer.text);
         while (const auto bytes = takeDue(m_outgoing))
-            // What the line does not take is lost, as on a wire.
+            // Bytes that do not fit are lost, as on a wire.
             [[maybe_unused]] const ssize_t count = write(fd(), bytes->data(), bytes->size());
     }
 
@@ -77,8 +77,8 @@ private:
         return std::move(queue.extract(queue.begin()).mapped());
     }
 
-    // How long `size` bytes are on the line.
-    std::chrono::nanoseconds timeOf(std::size_t size) const
+    // How long the line takes for `size` bytes.
+    std::chrono::nanoseconds durationOf(std::size_t size) const
     {
         const bool isPaced = panel().locked(
             [](const Json &state) { return state["plc"]["line"]["paced"].get<bool>(); });
@@ -93,7 +93,7 @@ private:
     PlcStation m_station;
     Queue m_incoming;
     Queue m_outgoing;
-    Clock::time_point m_free; // from then on nothing more is on its way in
+    Clock::time_point m_inputEnd; // when the last of the incoming bytes arrives
 };
 
 } // namespace
@@ -163,7 +163,7 @@ void SerialPlc::forget()
     std::unique_lock lock(m_mutex);
     const std::unique_ptr<Lines> lines = std::move(m_lines);
     std::thread thread = std::move(m_thread);
-    // Unlocked: the thread may wait for the panel, and the panel's owner for start().
+    // Unlocked: the thread may wait for the panel while start() is called with the panel locked.
     lock.unlock();
     if (!lines)
         return;

@@ -8,7 +8,7 @@ namespace sim {
 
 // The PLC at the panel's serial ports: behind each of the four nodes in "/dev/THAL/tty" under the
 // panel's root is a pseudo-terminal, at whose other end its one thread, "plc", takes and answers
-// frames. What it does stands in the state under plc.line. All functions: any thread.
+// frames, as plc.line in the state says. All functions: any thread.
 class SerialPlc
 {
 public:
@@ -17,8 +17,8 @@ public:
     SerialPlc(const SerialPlc &) = delete;
     SerialPlc &operator=(const SerialPlc &) = delete;
 
-    // Plugs the PLC in, if it is not; a node that cannot be made is told on standard error and
-    // left out. Does not wait for anything; the panel may be locked.
+    // Plugs the PLC in, if it is not. A node that cannot be made is left out and named on standard
+    // error. Does not block; the panel may be locked.
     void start();
 
     // Unplugs it: the lines break, their nodes go. Waits for the thread, which never waits for the

@@ -16,14 +16,14 @@ void ServiceThread::post(std::chrono::milliseconds delay, std::function<void()> 
     m_changed.notify_all();
 }
 
-bool ServiceThread::forget(std::chrono::milliseconds patience)
+bool ServiceThread::forget(std::chrono::milliseconds timeout)
 {
     std::unique_lock lock(m_mutex);
     m_actions.clear();
-    return m_changed.wait_for(lock, patience, [this] { return !m_busy; });
+    return m_changed.wait_for(lock, timeout, [this] { return !m_busy; });
 }
 
-bool ServiceThread::stop(std::chrono::milliseconds patience)
+bool ServiceThread::stop(std::chrono::milliseconds timeout)
 {
     std::unique_lock lock(m_mutex);
     m_stopping = true;
@@ -31,7 +31,7 @@ bool ServiceThread::stop(std::chrono::milliseconds patience)
     m_changed.notify_all();
     if (!m_thread.joinable())
         return true;
-    const bool idle = m_changed.wait_for(lock, patience, [this] { return !m_busy; });
+    const bool idle = m_changed.wait_for(lock, timeout, [this] { return !m_busy; });
     std::thread thread = std::move(m_thread);
     lock.unlock();
     if (idle)

@@ -10,8 +10,8 @@
 
 namespace sim {
 
-// A thread that does one action after the other, each at its time, and sleeps without waking in
-// between. It starts with the first action. All functions: any thread.
+// A thread that runs actions one after the other, each at its time, and does not wake in between.
+// It starts with the first action. All functions: any thread.
 class ServiceThread
 {
 public:
@@ -21,17 +21,18 @@ public:
     ServiceThread(const ServiceThread &) = delete;
     ServiceThread &operator=(const ServiceThread &) = delete;
 
-    // Does `action` when `delay` has passed; actions of the same moment in the order of the calls.
+    // Runs `action` after `delay`; actions of the same moment in the order of the calls.
     // After stop() nothing is done any more.
     void post(std::chrono::milliseconds delay, std::function<void()> action);
 
-    // Drops what waits and lets the action under way end, but no longer than `patience`: it may
-    // wait for the caller. Returns false if it still runs. Not to be called from an action.
-    bool forget(std::chrono::milliseconds patience);
+    // Drops the actions that wait, and waits for the one that runs, but no longer than `timeout`:
+    // it may be waiting for the caller. Returns false if it still runs. Not to be called from an
+    // action.
+    bool forget(std::chrono::milliseconds timeout);
 
-    // The same, and ends the thread. One that does not end in time is left to the end of the
-    // process; it then outlives this object, which must not be destroyed.
-    bool stop(std::chrono::milliseconds patience);
+    // The same, and ends the thread. If it does not end in time it runs on until the process ends,
+    // and this object must not be destroyed.
+    bool stop(std::chrono::milliseconds timeout);
 
 private:
     using Clock = std::chrono::steady_clock;

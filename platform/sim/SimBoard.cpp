@@ -1,6 +1,6 @@
 // PLATFORM and the board's free functions.
 #include "platform/board.h"
-#include "platform/sim/NetDevices.h"
+#include "platform/sim/MachineText.h"
 #include "platform/sim/Panel.h"
 
 using sim::Json;
@@ -10,10 +10,6 @@ namespace {
 
 constexpr int FAILED = -1;
 constexpr int BITS_PER_PIXEL = 32;
-
-// Whether a click may wait, so that the buzzer's task, twenty times a second, need not look it up.
-// Touched with the panel locked.
-bool clickWaits = false;
 
 void add(Json &number, int change)
 {
@@ -40,17 +36,6 @@ int setBuzzer(const char *op, const char *field, int value, bool valid)
         if (!valid)
             return FAILED;
         panel().keep(state["buzzer"][field], value);
-        return 0;
-    });
-}
-
-int readText(const char *op, const char *field, std::string &out)
-{
-    return panel().call(op, Json(), [&](Json &state) {
-        const Json &value = state["machine"][field];
-        if (value.is_null())
-            return FAILED;
-        out = value.get<std::string>();
         return 0;
     });
 }
@@ -90,10 +75,8 @@ int CPlatBuzzer::open()
     return panel().call("PLATFORM.CPlatBuzzer.open", Json(), [](Json &state) {
         Json &buzzer = state["buzzer"];
         add(buzzer["opens"], 1);
-        if (buzzer["enabled"] == 1) {
+        if (buzzer["enabled"] == 1)
             add(buzzer["waiting"], 1);
-            clickWaits = true;
-        }
         return 0;
     });
 }
@@ -134,13 +117,10 @@ int CPlatBuzzer::setPwmType(unsigned short tone)
     return setBuzzer("PLATFORM.CPlatBuzzer.setPwmType", "tone", tone, isTone(tone));
 }
 
-[[gnu::hot]] int CPlatBuzzer::runBeep()
+int CPlatBuzzer::runBeep()
 {
     return panel().call("PLATFORM.CPlatBuzzer.runBeep", Json(), [](Json &state) {
-        if (!clickWaits)
-            return 0;
         Json &waiting = state["buzzer"]["waiting"];
-        clickWaits = waiting > 1;
         if (waiting == 0)
             return 0;
         add(waiting, -1);
@@ -157,12 +137,12 @@ int CPlatCpu::enableReboot()
 
 int CPlatCpu::getCpuId(std::string &id)
 {
-    return readText("PLATFORM.CPlatCpu.getCpuId", "cpuId", id);
+    return sim::readMachineText("PLATFORM.CPlatCpu.getCpuId", "cpuId", 0, FAILED, id);
 }
 
 int CPlatBoard::getKVxxx(std::string &model)
 {
-    return readText("PLATFORM.CPlatBoard.getKVxxx", "boardModel", model);
+    return sim::readMachineText("PLATFORM.CPlatBoard.getKVxxx", "boardModel", 0, FAILED, model);
 }
 
 int CPlatMedia::addDev(const std::vector<DEV_TYPE_T> &types, const MediaCallbacks &callbacks,

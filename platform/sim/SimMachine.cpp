@@ -1,51 +1,35 @@
 // KVCORE: what this panel is.
 #include "platform/machine.h"
-#include "platform/sim/Panel.h"
+#include "platform/sim/MachineText.h"
 
 using sim::Json;
 using sim::panel;
-
-namespace {
-
-// Reads a text of the machine's; `unread` is what the function answers where it is null.
-int readText(const char *op, const char *field, int read, int unread, std::string &out)
-{
-    return panel().call(op, Json(), [&](Json &state) {
-        const Json &value = state["machine"][field];
-        if (value.is_null())
-            return unread;
-        out = value.get<std::string>();
-        return read;
-    });
-}
-
-} // namespace
 
 namespace KVCORE {
 
 int TMachine::GetHMIType(std::string &model) const
 {
-    return readText("KVCORE.GetHMIType", "hmiType", 1, 0, model);
+    return sim::readMachineText("KVCORE.GetHMIType", "hmiType", 1, 0, model);
 }
 
 int TMachine::GetSN(std::string &serialNumber) const
 {
-    return readText("KVCORE.GetSN", "sn", 1, 0, serialNumber);
+    return sim::readMachineText("KVCORE.GetSN", "sn", 1, 0, serialNumber);
 }
 
 int TMachine::GetMac(std::string &mac) const
 {
-    return readText("KVCORE.GetMac", "mac", 1, 0, mac);
+    return sim::readMachineText("KVCORE.GetMac", "mac", 1, 0, mac);
 }
 
 int TMachine::GetProduct(std::string &product) const
 {
-    return readText("KVCORE.GetProduct", "product", 1, 0, product);
+    return sim::readMachineText("KVCORE.GetProduct", "product", 1, 0, product);
 }
 
 int TMachine::getDeviceId(std::string &id) const
 {
-    return readText("KVCORE.getDeviceId", "deviceId", 0, -1, id);
+    return sim::readMachineText("KVCORE.getDeviceId", "deviceId", 0, -1, id);
 }
 
 int TMachine::enableRemote() const

@@ -7,23 +7,17 @@ using sim::kindCall;
 using sim::panel;
 using sim::text;
 
-namespace {
-
-const Json noArgs = Json::array();
-
-} // namespace
-
 namespace netT {
 
 int getCsqSignal(bool flag, unsigned int timeoutMs)
 {
-    return kindCall("netT.getCsqSignal", "4G", noArgs, flag, timeoutMs,
+    return kindCall("netT.getCsqSignal", "4G", sim::noArgs(), flag, timeoutMs,
                     [](Json &state, Json &) { return state["modem"]["csq"].get<int>(); });
 }
 
 int getApn(stApnInfo_tag &apn, bool flag, unsigned int timeoutMs)
 {
-    return kindCall("netT.getApn", "4G", noArgs, flag, timeoutMs, [&](Json &state, Json &) {
+    return kindCall("netT.getApn", "4G", sim::noArgs(), flag, timeoutMs, [&](Json &state, Json &) {
         const Json &known = state["modem"]["apn"];
         apn = {text(known, "name"), text(known, "auth"), text(known, "user"),
                text(known, "password"), text(known, "mode")};
@@ -47,7 +41,7 @@ int setApn(const stApnInfo_tag &apn, bool flag, unsigned int timeoutMs)
 
 int getCCID(std::string &iccid, bool flag, unsigned int timeoutMs)
 {
-    return kindCall("netT.getCCID", "4G", noArgs, flag, timeoutMs, [&](Json &state, Json &) {
+    return kindCall("netT.getCCID", "4G", sim::noArgs(), flag, timeoutMs, [&](Json &state, Json &) {
         iccid = text(state["modem"], "ccid");
         return 0;
     });
@@ -55,7 +49,7 @@ int getCCID(std::string &iccid, bool flag, unsigned int timeoutMs)
 
 int get4gDialUpMode(stNetWorkRegis_tag &mode, bool flag, unsigned int timeoutMs)
 {
-    return kindCall("netT.get4gDialUpMode", "4G", noArgs, flag, timeoutMs,
+    return kindCall("netT.get4gDialUpMode", "4G", sim::noArgs(), flag, timeoutMs,
                     [&](Json &state, Json &) {
                         mode.nDialUpMode = state["modem"]["dialUp"].get<int>();
                         return 0;
@@ -65,7 +59,7 @@ int get4gDialUpMode(stNetWorkRegis_tag &mode, bool flag, unsigned int timeoutMs)
 int get4gAtInfoCallBackup(AtInfoCallback callback, void *context)
 {
     return panel().call("netT.get4gAtInfoCallBackup", Json(), [&](Json &state) -> int {
-        if (!state["net"]["server"].get<bool>())
+        if (!sim::serviceRuns(state))
             return ERR_NO_SERVICE;
         if (callback == nullptr)
             return ERR_FAILED;

@@ -12,8 +12,6 @@ using sim::text;
 
 namespace {
 
-const Json noArgs = Json::array();
-
 bool isDotted(const std::string &address)
 {
     in_addr parsed{};
@@ -28,8 +26,8 @@ bool isDottedOrEmpty(const std::string &address)
 int requestSwitch(const char *op, const std::string &name, bool on, bool flag,
                   unsigned int timeoutMs)
 {
-    return deviceCall(op, name, noArgs, flag, timeoutMs, [&](Json &, Json &) {
-        panel().net().switchSoon(name, on);
+    return deviceCall(op, name, sim::noArgs(), flag, timeoutMs, [&](Json &, Json &) {
+        panel().net().switchDevice(name, on);
         return 0;
     });
 }
@@ -68,7 +66,7 @@ namespace netT {
 
 int netIsExist(const std::string &device, bool flag, unsigned int timeoutMs)
 {
-    return deviceCall("netT.netIsExist", device, noArgs, flag, timeoutMs,
+    return deviceCall("netT.netIsExist", device, sim::noArgs(), flag, timeoutMs,
                       [](Json &, Json &) { return 0; });
 }
 
@@ -84,14 +82,15 @@ int netDeviceDown(const std::string &device, bool flag, unsigned int timeoutMs)
 
 int isNetUp(const std::string &device, bool flag, unsigned int timeoutMs)
 {
-    return deviceCall("netT.isNetUp", device, noArgs, flag, timeoutMs, [&](Json &state, Json &dev) {
-        return state["net"]["up"].value(device, sim::isOn(dev)) ? 0 : 1;
-    });
+    return deviceCall("netT.isNetUp", device, sim::noArgs(), flag, timeoutMs,
+                      [&](Json &state, Json &dev) {
+                          return state["net"]["up"].value(device, sim::isOn(dev)) ? 0 : 1;
+                      });
 }
 
 int checkEthCableLink(const std::string &device, bool flag, unsigned int timeoutMs)
 {
-    return deviceCall("netT.checkEthCableLink", device, noArgs, flag, timeoutMs,
+    return deviceCall("netT.checkEthCableLink", device, sim::noArgs(), flag, timeoutMs,
                       [&](Json &state, Json &dev) {
                           const int cable = state["net"]["cable"].value(device, 0);
                           return cable == 0 && !sim::hasLink(state, dev) ? ERR_FAILED : cable;
@@ -100,7 +99,7 @@ int checkEthCableLink(const std::string &device, bool flag, unsigned int timeout
 
 int startDhcp(const std::string &device, bool flag, unsigned int timeoutMs)
 {
-    return deviceCall("netT.startDhcp", device, noArgs, flag, timeoutMs,
+    return deviceCall("netT.startDhcp", device, sim::noArgs(), flag, timeoutMs,
                       [&](Json &state, Json &dev) {
                           dev["sDhcp"] = "enable";
                           state["net"]["statics"].erase(device);
@@ -111,18 +110,19 @@ int startDhcp(const std::string &device, bool flag, unsigned int timeoutMs)
 
 int stopDhcp(const std::string &device, bool flag, unsigned int timeoutMs)
 {
-    return deviceCall("netT.stopDhcp", device, noArgs, flag, timeoutMs, [](Json &state, Json &dev) {
-        if (sim::usesDhcp(dev))
-            sim::keepAsStatic(state, dev);
-        dev["sDhcp"] = "disable";
-        panel().net().refresh(state, dev);
-        return 0;
-    });
+    return deviceCall("netT.stopDhcp", device, sim::noArgs(), flag, timeoutMs,
+                      [](Json &state, Json &dev) {
+                          if (sim::usesDhcp(dev))
+                              sim::keepAsStatic(state, dev);
+                          dev["sDhcp"] = "disable";
+                          panel().net().refresh(state, dev);
+                          return 0;
+                      });
 }
 
 int isNetDeviceDhcp(const std::string &device, bool flag, unsigned int timeoutMs)
 {
-    return deviceCall("netT.isNetDeviceDhcp", device, noArgs, flag, timeoutMs,
+    return deviceCall("netT.isNetDeviceDhcp", device, sim::noArgs(), flag, timeoutMs,
                       [](Json &, Json &dev) { return sim::usesDhcp(dev) ? 0 : 1; });
 }
 
@@ -147,7 +147,7 @@ int setIp(const std::string &device, const std::string &ip, const std::string &m
 int getIp(const std::string &device, std::string &ip, std::string &mask, std::string &gateway,
           bool flag, unsigned int timeoutMs)
 {
-    return deviceCall("netT.getIp", device, noArgs, flag, timeoutMs, [&](Json &, Json &dev) {
+    return deviceCall("netT.getIp", device, sim::noArgs(), flag, timeoutMs, [&](Json &, Json &dev) {
         ip = text(dev, "sIpAddr");
         mask = text(dev, "sSubnetMask");
         gateway = text(dev, "sGateway");
@@ -167,7 +167,7 @@ int setDns(const std::string &device, const std::string &preferred, const std::s
                           sim::staticAddress(state, dev).update(servers);
                           if (sim::isOn(dev))
                               dev.update(servers);
-                          panel().net().recordsSoon();
+                          panel().net().recordsChanged();
                           return 0;
                       });
 }
@@ -175,17 +175,18 @@ int setDns(const std::string &device, const std::string &preferred, const std::s
 int getDns(const std::string &device, std::string &preferred, std::string &alternate, bool flag,
            unsigned int timeoutMs)
 {
-    return deviceCall("netT.getDns", device, noArgs, flag, timeoutMs, [&](Json &, Json &dev) {
-        const stAllNetInfo_tag record = sim::toRecord(dev);
-        preferred = record.sPrefDns;
-        alternate = record.sAlterDns;
-        return 0;
-    });
+    return deviceCall("netT.getDns", device, sim::noArgs(), flag, timeoutMs,
+                      [&](Json &, Json &dev) {
+                          const stAllNetInfo_tag record = sim::toRecord(dev);
+                          preferred = record.sPrefDns;
+                          alternate = record.sAlterDns;
+                          return 0;
+                      });
 }
 
 int getDevPriority(std::string &kind, bool flag, unsigned int timeoutMs)
 {
-    return netCall("netT.getDevPriority", noArgs, flag, timeoutMs, [&](Json &state) {
+    return netCall("netT.getDevPriority", sim::noArgs(), flag, timeoutMs, [&](Json &state) {
         kind = text(state["net"], "priority");
         return 0;
     });
@@ -204,7 +205,7 @@ int setDevPriority(const std::string &kind, bool flag, unsigned int timeoutMs)
 
 int getNetServerAddr(std::string &address, bool flag, unsigned int timeoutMs)
 {
-    return netCall("netT.getNetServerAddr", noArgs, flag, timeoutMs, [&](Json &state) {
+    return netCall("netT.getNetServerAddr", sim::noArgs(), flag, timeoutMs, [&](Json &state) {
         address = text(state["net"], "serverAddr");
         return 0;
     });
@@ -226,7 +227,7 @@ int getAllNetInfoCallBack(AllNetInfoCallback callback, void *context, bool flag,
     const Json args = {flag, timeoutMs, repeat};
     return panel().callWithin("netT.getAllNetInfoCallBack", args, timeoutMs, ERR_TIMEOUT,
                               [&](Json &state) -> int {
-                                  if (!state["net"]["server"].get<bool>())
+                                  if (!sim::serviceRuns(state))
                                       return ERR_NO_SERVICE;
                                   if (callback == nullptr)
                                       return ERR_FAILED;

@@ -60,7 +60,7 @@ int CosOsState::GetProcessPIDByName(const std::string &name)
     return panel().call("COS.GetProcessPIDByName", Json::array({name}), [&](Json &state) {
         if (name != "netServer")
             return posix::scanProcessTable(name);
-        return state["net"]["server"].get<bool>() ? static_cast<int>(getpid()) : -1;
+        return sim::serviceRuns(state) ? static_cast<int>(getpid()) : -1;
     });
 }
 

@@ -11,15 +11,13 @@ using sim::text;
 
 namespace {
 
-const Json noArgs = Json::array();
-
 netT::stApInfo_tag toAccessPoint(const Json &ap)
 {
     return {ap.at("id").get<int>(), ap.at("level").get<int>(), text(ap, "ssid"), text(ap, "text"),
             ap.at("security").get<int>()};
 }
 
-// What is known of a network by its name alone comes from the scan.
+// Security and id of the network come from the last scan.
 Json describeNetwork(const Json &aps, const std::string &ssid, const std::string &password)
 {
     Json user = {{"ssid", ssid}, {"password", password}, {"security", 4}, {"id", -1}};
@@ -38,7 +36,7 @@ namespace netT {
 
 int getAPList(std::vector<stApInfo_tag> &list, bool flag, unsigned int timeoutMs)
 {
-    return kindCall("netT.getAPList", "WIFI", noArgs, flag, timeoutMs,
+    return kindCall("netT.getAPList", "WIFI", sim::noArgs(), flag, timeoutMs,
                     [&](Json &state, Json &device) -> int {
                         if (!sim::isOn(device))
                             return ERR_FAILED;
@@ -51,15 +49,16 @@ int getAPList(std::vector<stApInfo_tag> &list, bool flag, unsigned int timeoutMs
 
 int getStatus(WIFI_STATE_T &state, bool flag, unsigned int timeoutMs)
 {
-    return kindCall("netT.getStatus", "WIFI", noArgs, flag, timeoutMs, [&](Json &tree, Json &) {
-        state = static_cast<WIFI_STATE_T>(tree["wifi"]["state"].get<int>());
-        return 0;
-    });
+    return kindCall("netT.getStatus", "WIFI", sim::noArgs(), flag, timeoutMs,
+                    [&](Json &tree, Json &) {
+                        state = static_cast<WIFI_STATE_T>(tree["wifi"]["state"].get<int>());
+                        return 0;
+                    });
 }
 
 int getConnectInfo(stUserInfo_tag &info, bool flag, unsigned int timeoutMs)
 {
-    return kindCall("netT.getConnectInfo", "WIFI", noArgs, flag, timeoutMs,
+    return kindCall("netT.getConnectInfo", "WIFI", sim::noArgs(), flag, timeoutMs,
                     [&](Json &state, Json &) {
                         const Json &user = state["wifi"]["user"];
                         info = {text(user, "ssid"), text(user, "password"),
@@ -84,7 +83,7 @@ int setConnectInfo(const std::string &ssid, const std::string &password, bool fl
 int connectwifi()
 {
     return panel().call("netT.connectwifi", Json(), [](Json &state) -> int {
-        if (!state["net"]["server"].get<bool>())
+        if (!sim::serviceRuns(state))
             return ERR_NO_SERVICE;
         Json *device = sim::presentDevice(state, "WIFI");
         if (device == nullptr)
@@ -98,7 +97,7 @@ int connectwifi()
 
 int getSignal(bool flag, unsigned int timeoutMs)
 {
-    return kindCall("netT.getSignal", "WIFI", noArgs, flag, timeoutMs,
+    return kindCall("netT.getSignal", "WIFI", sim::noArgs(), flag, timeoutMs,
                     [](Json &state, Json &) { return state["wifi"]["signal"].get<int>(); });
 }
 

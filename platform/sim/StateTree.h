@@ -8,9 +8,6 @@
 
 namespace sim {
 
-// The built-in panel: an Ethernet, a Wi-Fi and a 4G device, all services up, two COM ports in use.
-Json defaultState();
-
 // Paths are dotted: names of objects, indices of lists. A key of an open map (words, net.ping,
 // net.cable, ...) may hold dots itself: the shortest key that exists is meant, else all that is
 // left of the path is a new key. An empty path is everything.

@@ -1,6 +1,8 @@
 #include "platform/sim/TextRecorder.h"
 
 #include <QGlyphRun>
+#include <QPaintDevice>
+#include <QPaintEngine>
 #include <QRawFont>
 #include <QTextLayout>
 #include <QTransform>
@@ -8,8 +10,8 @@
 namespace sim {
 namespace {
 
-// What the letters cover around a baseline at (0, 0). Font metrics round outwards, letter by
-// letter.
+// The area that the glyphs cover, with the baseline's start at (0, 0). QFontMetrics rounds outwards
+// for each glyph.
 QRectF inkOf(const QTextItem &item)
 {
     QTextLayout layout(item.text(), item.font());
@@ -28,7 +30,7 @@ QRectF inkOf(const QTextItem &item)
     return ink.translated(0, -line.ascent());
 }
 
-// Keeps texts, and lets everything else that is painted pass.
+// Records texts and ignores everything else that is painted.
 class RecordingEngine : public QPaintEngine
 {
 public:
@@ -76,11 +78,11 @@ private:
     QVector<PaintedText> m_texts;
 };
 
-// A sheet as large as the widget that keeps what is written on it.
-class RecordingSheet : public QPaintDevice
+// A paint device as large as the widget, with the recording engine.
+class RecordingDevice : public QPaintDevice
 {
 public:
-    explicit RecordingSheet(const QWidget *widget) : m_size(widget->size()), m_source(*widget) {}
+    explicit RecordingDevice(const QWidget *widget) : m_size(widget->size()), m_source(*widget) {}
 
     QPaintEngine *paintEngine() const override { return &m_engine; }
     const QVector<PaintedText> &texts() const { return m_engine.texts(); }
@@ -118,9 +120,9 @@ private:
 
 QVector<PaintedText> paintedTexts(QWidget *widget)
 {
-    RecordingSheet sheet(widget);
-    widget->render(&sheet, QPoint(), QRegion(), QWidget::RenderFlags());
-    return sheet.texts();
+    RecordingDevice device(widget);
+    widget->render(&device, QPoint(), QRegion(), QWidget::RenderFlags());
+    return device.texts();
 }
 
 } // namespace sim

@@ -3,14 +3,10 @@
 
 #include <QColor>
 #include <QFont>
-#include <QPaintDevice>
-#include <QPaintEngine>
 #include <QRectF>
 #include <QString>
 #include <QVector>
 #include <QWidget>
-
-#include <memory>
 
 namespace sim {
 
@@ -23,8 +19,8 @@ struct PaintedText
     QRectF ink; // what its letters cover, in the widget's coordinates
 };
 
-// What `widget` alone, without its children, paints as text now, in its order. Whatever kind of
-// widget it is: elided texts come as they are shown. GUI thread.
+// The texts that `widget` paints now, without its children, in the order of painting and as they
+// are shown, elided ones with the dots. GUI thread.
 QVector<PaintedText> paintedTexts(QWidget *widget);
 
 } // namespace sim

@@ -101,8 +101,8 @@ constexpr Action ACTIONS[] = {{"dump", 0, 1, dump},
 
 } // namespace
 
-// Again and again, since an event loop that begins later, when that of a dialog has ended, knows
-// nothing of a request to end.
+// QCoreApplication::quit() ends the event loops that run now; one that a dialog starts later needs
+// another call.
 void endProgram()
 {
     auto *timer = new QTimer(QCoreApplication::instance());

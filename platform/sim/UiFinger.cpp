@@ -1,5 +1,4 @@
-// What a finger does: presses and drags, put into the queue of the window as the window system
-// would put them.
+// Presses and drags of a finger, as events in the queue of the native window.
 #include "platform/sim/UiWidgets.h"
 
 #include <QAbstractItemView>
@@ -24,9 +23,9 @@ namespace {
     throw BadRequest(widget->objectName().toStdString() + " has no row " + std::to_string(row));
 }
 
-// `position` is in the widget's coordinates. Sent to the native window, the event takes Qt's own
-// way to the widget, past dialogs and pop-ups; posted past the window system, two presses in
-// quick succession stay two presses.
+// `position` is in the widget's coordinates. Qt leads an event of the native window to the widget
+// itself, dialogs and pop-ups considered. The event is posted rather than sent through the window
+// system, which would turn two quick presses into a double click.
 void post(QWidget *widget, QEvent::Type type, const QPoint &position)
 {
     QWidget *window = widget->window();
@@ -68,11 +67,11 @@ void tapChoice(QComboBox *box, int row)
     if (row >= box->count())
         noSuchRow(box, row);
     box->showPopup();
-    // The list finds its place only when the event loop comes round.
+    // The list is laid out when control returns to the event loop.
     QTimer::singleShot(0, box, [box, row] { tapRow(box->view(), box, row); });
 }
 
-// A slider's handle and the way that it has, in pixels.
+// A slider's handle and its travel, in pixels.
 class Handle
 {
 public:
@@ -97,9 +96,9 @@ public:
     QPoint centreFor(int value) const
     {
         int best = 0;
-        for (int way = 0; way <= wayLength(); ++way)
-            if (std::abs(valueAt(way) - value) < std::abs(valueAt(best) - value))
-                best = way;
+        for (int offset = 0; offset <= travel(); ++offset)
+            if (std::abs(valueAt(offset) - value) < std::abs(valueAt(best) - value))
+                best = offset;
         const QPoint offset = m_handle.center() - m_handle.topLeft();
         return isHorizontal() ? QPoint(m_groove.x() + best + offset.x(), m_handle.center().y())
                               : QPoint(m_handle.center().x(), m_groove.y() + best + offset.y());
@@ -107,14 +106,14 @@ public:
 
 private:
     bool isHorizontal() const { return m_option.orientation == Qt::Horizontal; }
-    int wayLength() const
+    int travel() const
     {
         return isHorizontal() ? m_groove.width() - m_handle.width()
                               : m_groove.height() - m_handle.height();
     }
-    int valueAt(int way) const
+    int valueAt(int offset) const
     {
-        return QStyle::sliderValueFromPosition(m_option.minimum, m_option.maximum, way, wayLength(),
+        return QStyle::sliderValueFromPosition(m_option.minimum, m_option.maximum, offset, travel(),
                                                m_option.upsideDown);
     }
 

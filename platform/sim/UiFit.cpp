@@ -1,5 +1,6 @@
 #include "platform/sim/UiFit.h"
 
+#include "platform/sim/Contrast.h"
 #include "platform/sim/Panel.h"
 #include "platform/sim/TextRecorder.h"
 #include "platform/sim/UiWidgets.h"
@@ -19,7 +20,6 @@
 #include <QTabWidget>
 
 #include <algorithm>
-#include <cmath>
 
 namespace sim {
 namespace {
@@ -32,7 +32,7 @@ constexpr int LEAST_TOUCH = 40;
 constexpr int MARGIN = 3; // pixels around a text that show its ground
 constexpr QChar ELLIPSIS(0x2026);
 
-// Everything that is wrong, with the names that a person finds it by.
+// The findings, each with a name by which a person finds the widget.
 class Findings
 {
 public:
@@ -69,7 +69,7 @@ QString asText(const QSize &size)
     return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
 }
 
-// A view's own area, which scrolls under its frame.
+// The viewport of a view: it scrolls.
 bool isViewport(const QWidget *widget)
 {
     const auto *area = qobject_cast<const QAbstractScrollArea *>(widget->parentWidget());
@@ -103,7 +103,7 @@ QString withoutSpace(QString text)
     return text;
 }
 
-// A label leaves out whole lines that find no room.
+// A label does not paint lines that have no room.
 void lookForLostLines(Findings &findings, const QWidget *widget,
                       const QVector<PaintedText> &painted)
 {
@@ -123,7 +123,7 @@ void lookForLostLines(Findings &findings, const QWidget *widget,
                          .arg(quoted(label->text())));
 }
 
-void lookForGlyphs(Findings &findings, const QWidget *widget, const PaintedText &painted)
+void lookForMissingGlyphs(Findings &findings, const QWidget *widget, const PaintedText &painted)
 {
     const QFontMetrics metrics(painted.font);
     const auto characters = painted.text.toUcs4();
@@ -135,37 +135,13 @@ void lookForGlyphs(Findings &findings, const QWidget *widget, const PaintedText 
                              .arg(quoted(painted.text)));
 }
 
-double linear(double channel)
-{
-    return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
-}
-
-double luminance(const QColor &color)
-{
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
-           0.0722 * linear(color.blueF());
-}
-
-// The colour that most of `area` has, that of the letters aside.
-QColor groundColor(const QImage &picture, const QRect &area, const QColor &letters)
-{
-    QHash<QRgb, int> counts;
-    const QRect seen = area & picture.rect();
-    for (int y = seen.top(); y <= seen.bottom(); ++y)
-        for (int x = seen.left(); x <= seen.right(); ++x)
-            ++counts[picture.pixel(x, y)];
-    counts.remove(letters.rgb());
-    const auto most = std::max_element(counts.cbegin(), counts.cend());
-    return most == counts.cend() ? letters : QColor(most.key());
-}
-
 bool isEnabledText(const QWidget *widget)
 {
     return (isViewport(widget) ? widget->parentWidget() : widget)->isEnabled();
 }
 
-void lookForPaleness(Findings &findings, const QWidget *widget, const PaintedText &painted,
-                     const QImage &picture)
+void lookForLowContrast(Findings &findings, const QWidget *widget, const PaintedText &painted,
+                        const QImage &picture)
 {
     const QRect around = painted.ink.toAlignedRect().adjusted(-MARGIN, -MARGIN, MARGIN, MARGIN);
     const QRect area =
@@ -181,7 +157,7 @@ void lookForPaleness(Findings &findings, const QWidget *widget, const PaintedTex
                          .arg(ratio, 0, 'f', 1));
 }
 
-// Widgets that Qt itself is put together from lie upon one another by design.
+// The parts of which Qt composes these overlap by design.
 bool isBuiltByQt(const QWidget *widget)
 {
     return qobject_cast<const QTabWidget *>(widget) != nullptr ||
@@ -248,7 +224,7 @@ bool isTouched(const QWidget *widget)
            qobject_cast<const QAbstractSlider *>(widget) != nullptr;
 }
 
-void lookForSmallness(Findings &findings, QWidget *widget, int least)
+void lookForSmallControls(Findings &findings, QWidget *widget, int least)
 {
     if (auto *view = qobject_cast<QAbstractItemView *>(widget))
         lookForSmallRows(findings, view, least);
@@ -264,22 +240,16 @@ void lookAt(Findings &findings, QWidget *widget, int leastTouch, const QImage &p
     lookForLostLines(findings, widget, texts);
     for (const PaintedText &painted : texts) {
         lookForCuts(findings, widget, painted);
-        lookForGlyphs(findings, widget, painted);
-        lookForPaleness(findings, widget, painted, picture);
+        lookForMissingGlyphs(findings, widget, painted);
+        lookForLowContrast(findings, widget, painted, picture);
     }
     lookForOverlaps(findings, widget);
-    lookForSmallness(findings, widget, leastTouch);
+    lookForSmallControls(findings, widget, leastTouch);
     for (QWidget *child : shownChildren(widget))
         lookAt(findings, child, leastTouch, picture);
 }
 
 } // namespace
-
-double contrast(const QColor &one, const QColor &other)
-{
-    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
-    return (lighter + 0.05) / (darker + 0.05);
-}
 
 Json fitFindings(QWidget *root, int leastTouch)
 {

@@ -3,7 +3,6 @@
 
 #include "platform/sim/Json.h"
 
-#include <QColor>
 #include <QWidget>
 
 namespace sim {
@@ -15,14 +14,11 @@ namespace sim {
 //   "glyph"    a character that no installed font has
 //   "small"    a control less than `leastTouch` pixels wide or high
 //   "pale"     a text with a contrast under 4.5 to 1 to its ground, 3 to 1 where it is disabled
-// What scrolling brings into view is not cut; what is out of view is not looked at.
+// What can be scrolled into view is not cut; what is out of view is not checked.
 Json fitFindings(QWidget *root, int leastTouch);
 
-// The same of what takes the operator's touches now: an open list, a dialog, or the main window.
-// Controls are to be 32 pixels large on a screen of less than 480 lines, 40 on others.
+// The same for the window that takes touches now: an open list, a dialog, or the main window.
+// `leastTouch` is 32 on a screen of less than 480 lines, else 40.
 Json fitFindings();
-
-// Contrast ratio of two opaque colours, 1 to 21 (WCAG 2.1, "contrast ratio").
-double contrast(const QColor &one, const QColor &other);
 
 } // namespace sim

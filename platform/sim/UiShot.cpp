@@ -11,8 +11,7 @@
 namespace sim {
 namespace {
 
-// How far above the main window a window lies: dialogs by the depth of their parents, pop-ups
-// above all.
+// Position above the main window: dialogs by the number of their parent windows, pop-ups on top.
 int stackingOrder(const QWidget *window)
 {
     int depth = window->windowType() == Qt::Popup ? 1000 : 0;
@@ -42,8 +41,8 @@ QSize screenSize()
     return {lcd["width"].get<int>(), lcd["height"].get<int>()};
 }
 
-// How dark a backlight of that many percent leaves a picture. At 1 it can still be read: black on
-// white then has a contrast of 4.7 to 1.
+// The shade over the picture at that brightness. At 1 percent black on white keeps a contrast
+// of 4.7 to 1, which can be read.
 QColor shade(int percent)
 {
     constexpr int darkest = 138; // of 255

@@ -7,7 +7,7 @@
 namespace sim {
 namespace {
 
-// Larger is more of a main window.
+// Of candidates for the main window: the area, or -1 where hidden or a pop-up.
 int importance(const QWidget *widget)
 {
     const int area = widget->width() * widget->height();

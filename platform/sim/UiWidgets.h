@@ -1,4 +1,4 @@
-// The program's windows, seen from outside. All functions: GUI thread.
+// Finding, describing and touching the program's widgets. All functions: GUI thread.
 #pragma once
 
 #include "platform/sim/Json.h"
@@ -29,20 +29,20 @@ QRect screenRect(const QWidget *widget);
 // The widget and all in it as the dump shows them.
 Json dumpWidget(const QWidget *widget);
 
-// What the screen shows, dialogs and pop-ups included, as dark as the backlight leaves it, into the
-// PNG file `path`, whole or not at all. Throws BadRequest if it cannot be written.
+// Saves what the screen shows, dialogs and pop-ups included, dimmed as the backlight is, as the PNG
+// file `path`, whole or not at all. Throws BadRequest if it cannot be written.
 void shootScreen(const QString &path);
 
-// Puts a press and a release at the centre of `row` of `widget` into the queue: of a list or combo
-// box that row, of a tab widget that tab; a negative `row` is the widget itself. Throws BadRequest
-// if there is no such row.
+// Queues a press and a release at the centre of `row` of `widget`: the row of a list or combo box,
+// the tab of a tab widget; a negative `row` is the widget itself. Throws BadRequest if there is no
+// such row.
 void pressWidget(QWidget *widget, int row);
 
 // Whether the widget's rows are pressed one by one.
 bool hasRows(const QWidget *widget);
 
-// Puts a drag of the slider's handle to `value` into the queue. Throws BadRequest if it is no
-// slider or has no such value.
+// Queues a drag of the slider's handle to `value`. Throws BadRequest if it is no slider or has no
+// such value.
 void dragSlider(QWidget *widget, int value);
 
 } // namespace sim

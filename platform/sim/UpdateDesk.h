@@ -18,14 +18,14 @@ struct UpdateAnswer
     UpdateStatus status = {};
 };
 
-// What the update service does about a request; it knows nothing of sockets. One thread. The panel
-// is not locked: files are read and written here.
+// The update service's answers to requests, without the socket. One thread. The panel is not
+// locked: files are read and written here.
 class UpdateDesk
 {
 public:
     // `update` is that part of the panel's state, without the requests.
     UpdateAnswer answer(const Json &update, int command, const std::string &payload);
-    // An install under way is given up.
+    // Gives up a running install.
     void abandon() { m_install.reset(); }
 
 private:
@@ -36,7 +36,8 @@ private:
     std::size_t nextStep(const Json &update);
 
     std::optional<UpdateInstall> m_install;
-    std::string m_model; // and the rest: of the install
+    // Of the install:
+    std::string m_model;
     std::chrono::steady_clock::time_point m_started;
     std::size_t m_polls = 0;
 };

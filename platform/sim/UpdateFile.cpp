@@ -24,7 +24,7 @@ UpdateFile readUpdateFile(const std::string &path)
     const std::string header = file.read(0, HEADER_SIZE);
     if (!file.isOpen() || header.size() < std::min<std::uint64_t>(file.size(), HEADER_SIZE))
         return {};
-    // A file that ends within the mark is a headed one that was cut off.
+    // A file that ends within the mark is a cut one with a header.
     const std::string_view mark = MAGIC.substr(0, header.size());
     if (header.compare(0, mark.size(), mark) != 0)
         return {UpdateFile::Plain, {}, 0};

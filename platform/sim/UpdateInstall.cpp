@@ -47,8 +47,8 @@ UpdateInstall::~UpdateInstall()
     std::filesystem::remove(partPath(), error);
 }
 
-// An open file can be read to its end after it has been removed, or its disk pulled out; that the
-// path still leads to it is what tells.
+// An open file can still be read when it has been removed or its disk pulled out, so the path is
+// opened again.
 int UpdateInstall::copyTo(int percent)
 {
     if (m_file.kind == UpdateFile::Unusable || !OpenFile(m_path).isSameAs(m_source))

@@ -9,9 +9,9 @@
 
 namespace sim {
 
-// One install under way: the file grows under another name in the panel's folder /mnt/data/update,
-// and takes its own, "project" or "firmware" with its ending, when it is whole. An object that goes
-// before that leaves nothing behind. There is one at a time.
+// A running install: the copy grows under another name in the panel's folder /mnt/data/update and
+// is renamed to "project" or "firmware" with its ending when it is whole. Destroyed before that it
+// leaves nothing behind. There is one at a time.
 class UpdateInstall
 {
 public:

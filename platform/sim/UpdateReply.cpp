@@ -13,7 +13,7 @@ constexpr std::size_t REPLY_SIZE = MODEL_OFFSET + MODEL_SIZE;
 constexpr std::size_t SHORT_SIZE = 10; // within the error number
 constexpr std::size_t LONG_SIZE = 4096;
 
-// The same every time, so that what a test has seen comes again.
+// The same bytes every time, so that a failure can be repeated.
 std::string noise(std::size_t size)
 {
     std::minstd_rand random; // NOLINT(cert-msc32-c,cert-msc51-cpp)

@@ -65,18 +65,18 @@ void UpdateServer::setAlive(bool alive)
     wake();
 }
 
-void UpdateServer::settle(std::chrono::milliseconds patience)
+void UpdateServer::settle(std::chrono::milliseconds timeout)
 {
     std::unique_lock lock(m_mutex);
-    m_changed.wait_for(lock, patience, [this] { return m_followed == m_orders || !m_running; });
+    m_changed.wait_for(lock, timeout, [this] { return m_followed == m_orders || !m_running; });
 }
 
-bool UpdateServer::stop(std::chrono::milliseconds patience)
+bool UpdateServer::stop(std::chrono::milliseconds timeout)
 {
     std::unique_lock lock(m_mutex);
     m_stopping = true;
     wake();
-    return m_changed.wait_for(lock, patience, [this] { return !m_running; });
+    return m_changed.wait_for(lock, timeout, [this] { return !m_running; });
 }
 
 void UpdateServer::wake() const
@@ -111,8 +111,8 @@ bool UpdateServer::followOrders()
         lock.unlock();
         if (killed)
             die();
-        if (alive && m_socket.isDeaf())
-            m_socket.setDeaf(false);
+        if (alive && m_socket.isRefusing())
+            m_socket.setRefusing(false);
         lock.lock();
         m_followed = orders;
         m_changed.notify_all();
@@ -122,14 +122,15 @@ bool UpdateServer::followOrders()
 
 void UpdateServer::die()
 {
-    m_socket.setDeaf(true);
+    m_socket.setRefusing(true);
     m_held.clear();
     m_desk.abandon();
 }
 
 void UpdateServer::waitForWork() const
 {
-    pollfd events[] = {{m_wakeUp, POLLIN, 0}, {m_socket.isDeaf() ? -1 : m_socket.fd(), POLLIN, 0}};
+    pollfd events[] = {{m_wakeUp, POLLIN, 0},
+                       {m_socket.isRefusing() ? -1 : m_socket.fd(), POLLIN, 0}};
     int timeout = -1;
     if (!m_held.empty()) {
         const auto left =

@@ -12,9 +12,8 @@
 
 namespace sim {
 
-// One life of the update service's thread, "update", and of the socket that it answers at. It
-// sleeps without waking until there is something to do. Made by make_shared, because a thread that
-// does not end in time outlives its owner's interest in it.
+// The update service's thread, "update", and its socket. It does not wake until there is something
+// to do. Made by make_shared: a thread that does not end in time keeps its object.
 class UpdateServer : public std::enable_shared_from_this<UpdateServer>
 {
 public:
@@ -28,15 +27,14 @@ public:
     // Starts the thread.
     void start();
 
-    // update.alive has changed: the service dies, or comes back at the same port, which it
-    // keeps meanwhile. Any thread, also
-    // with the panel locked.
+    // update.alive has changed: the service dies, or comes back at the same port, which it keeps
+    // meanwhile. Any thread; the panel may be locked.
     void setAlive(bool alive);
-    // Waits until the thread has seen to that. The panel is not locked.
-    void settle(std::chrono::milliseconds patience);
-    // Ends the thread, an install under way and replies held back included. Returns false if it
-    // still runs after `patience`. The panel is not locked.
-    bool stop(std::chrono::milliseconds patience);
+    // Waits until the thread has followed every setAlive(). The panel is not locked.
+    void settle(std::chrono::milliseconds timeout);
+    // Ends the thread, a running install and delayed replies with it. Returns false if it still
+    // runs after `timeout`. The panel is not locked.
+    bool stop(std::chrono::milliseconds timeout);
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -56,17 +54,17 @@ private:
     void answer(const LoopbackSocket::Datagram &request, const Json &update);
     void sendDue();
 
-    // Of the thread alone, once it runs.
+    // Touched by the thread alone once it runs.
     LoopbackSocket m_socket;
     UpdateDesk m_desk;
-    std::multimap<Clock::time_point, HeldReply> m_held; // by the moment when they go out
+    std::multimap<Clock::time_point, HeldReply> m_held; // by the time when they are sent
 
     const int m_wakeUp; // eventfd(2)
     std::mutex m_mutex;
     std::condition_variable m_changed;
     int m_orders = 0; // calls of setAlive()
     int m_followed = 0;
-    bool m_killed = false; // since the last look
+    bool m_killed = false; // since followOrders()
     bool m_alive = true;
     bool m_stopping = false;
     bool m_running = false;

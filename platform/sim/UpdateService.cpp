@@ -10,12 +10,12 @@ namespace sim {
 namespace {
 
 constexpr const char *ENDPOINT = "DownLoad";
-constexpr std::chrono::seconds SETTLE_PATIENCE(1);
+constexpr std::chrono::seconds SETTLE_TIMEOUT(1);
 constexpr int PORTS_TRIED = 100;
 
-// The port that requests go to; else, unless the environment names that one, one of those after it,
-// which requests are led to. 0 if there is none.
-int bindSomewhere(UpdateServer &server)
+// Binds the port that requests go to, else, unless the environment names that one, the next free
+// one, and sends requests there. Returns the port; 0 if there is none.
+int bindPort(UpdateServer &server)
 {
     const int first = posix::localUdpPort(ENDPOINT);
     if (server.bind(first))
@@ -34,17 +34,17 @@ void UpdateService::ensureRunning()
 {
     const auto server = panel().locked([&](Json &state) { return start(state); });
     if (server)
-        server->settle(SETTLE_PATIENCE);
+        server->settle(SETTLE_TIMEOUT);
 }
 
 std::shared_ptr<UpdateServer> UpdateService::start(Json &state)
 {
-    if (m_server || m_staysOut || m_stopped)
+    if (m_server || m_isPortTaken || m_stopped)
         return m_server;
     const auto server = std::make_shared<UpdateServer>();
-    const int port = bindSomewhere(*server);
+    const int port = bindPort(*server);
     if (port == 0) {
-        m_staysOut = true;
+        m_isPortTaken = true;
         std::cerr << "the simulated update service stays out: it cannot have port " +
                          std::to_string(posix::localUdpPort(ENDPOINT)) + "\n";
         return nullptr;
@@ -63,20 +63,20 @@ void UpdateService::stateChanged(const Json &before, const Json &state)
         m_server->setAlive(alive.get<bool>());
 }
 
-bool UpdateService::forget(std::chrono::milliseconds patience)
+bool UpdateService::forget(std::chrono::milliseconds timeout)
 {
     const auto server = panel().locked([&](const Json &) {
-        m_staysOut = false;
+        m_isPortTaken = false;
         posix::moveLocalUdpPort(ENDPOINT, 0);
         return std::exchange(m_server, nullptr);
     });
-    return !server || server->stop(patience);
+    return !server || server->stop(timeout);
 }
 
-bool UpdateService::stop(std::chrono::milliseconds patience)
+bool UpdateService::stop(std::chrono::milliseconds timeout)
 {
     panel().locked([&](const Json &) { m_stopped = true; });
-    return forget(patience);
+    return forget(timeout);
 }
 
 } // namespace sim

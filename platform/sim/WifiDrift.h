@@ -6,8 +6,8 @@
 
 namespace sim {
 
-// What happens to the access points in range from one moment to the next, in the state's "wifi":
-// every level changes a little, and now and then one goes out of range ("away") or comes back.
+// One step of the access points in the state's "wifi": every level changes a little, and now and
+// then one goes out of range ("away") or comes back.
 void driftWifi(Json &wifi, std::minstd_rand &random);
 
 } // namespace sim

@@ -5,18 +5,28 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
-// SYSSET_ROOT names the folder as long as the object lives. To be made before anything asks for
+#include <filesystem>
+
+// SYSSET_ROOT names the folder as long as the object lives; then it is removed with all that is in
+// it, also names that are not UTF-8, which QDir cannot remove. To be made before anything asks for
 // a path.
 class PanelRoot
 {
 public:
     PanelRoot() { qputenv("SYSSET_ROOT", m_folder.path().toLocal8Bit()); }
+    ~PanelRoot()
+    {
+        std::error_code error; // the folder itself warns then
+        std::filesystem::remove_all(m_folder.path().toStdString(), error);
+    }
+    Q_DISABLE_COPY(PanelRoot)
 
-    // Takes away everything that was written.
+    // Removes everything that was written.
     void clear() const
     {
-        QDir(m_folder.path()).removeRecursively();
-        QDir().mkpath(m_folder.path());
+        const std::filesystem::path folder = m_folder.path().toStdString();
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directory(folder);
     }
 
     // Makes a file of the panel, such as "/mnt/data/prj/LangugeSet.cof", and its folder.

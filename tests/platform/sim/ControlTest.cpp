@@ -1,6 +1,7 @@
 #include "platform/sim/ControlServer.h"
 #include "platform/sim/Panel.h"
 #include "platform/sim/SimProgram.h"
+#include "platform/sim/UiDriver.h"
 #include "tests/support/Rows.h"
 #include "tests/support/Text.h"
 
@@ -10,20 +11,19 @@
 #include <QLocalSocket>
 #include <QPushButton>
 #include <QSlider>
+#include <QSplitter>
 #include <QTabWidget>
 #include <QTemporaryDir>
-#include <QVBoxLayout>
 
-#include <future>
 #include <sys/socket.h>
 
 using sim::Json;
 
 namespace {
 
-// What a client in another process sees: it blocks until the reply is there, so it must not run
-// on the GUI thread. It says at once that nothing more will come, as a client in a pipe does.
-QByteArray exchange(const QString &path, const QByteArray &lines, int replies = 1)
+// What a client in another process receives. It shuts its end down at once, as one in a pipe does.
+// Blocks, so that the GUI thread answers nothing meanwhile.
+QByteArrayList exchange(const QString &path, const QByteArray &lines, int replies)
 {
     QLocalSocket socket;
     socket.connectToServer(path);
@@ -34,54 +34,45 @@ QByteArray exchange(const QString &path, const QByteArray &lines, int replies = 
     QByteArray received;
     while (received.count('\n') < replies && socket.waitForReadyRead(15000))
         received += socket.readAll();
-    return received;
+    return received.trimmed().split('\n');
 }
 
-QByteArray request(const std::vector<std::string> &words)
+// Does as is typed, "ui press list 3". Returns the value, or the error.
+Json run(const QByteArray &typed)
 {
-    const std::vector<std::string> args(words.begin() + 1, words.end());
-    return QByteArray::fromStdString(Json{{"verb", words[0]}, {"args", args}}.dump()) + '\n';
+    sim::Request request{typed.split(' ')[0].toStdString(), {}};
+    for (const QByteArray &word : typed.split(' ').mid(1))
+        request.args.push_back(word.toStdString());
+    try {
+        return sim::isUiRequest(request) ? sim::runUiRequest(request) : sim::runRequest(request);
+    } catch (const sim::BadRequest &error) {
+        return error.what();
+    }
 }
 
-std::vector<std::string> split(const char *words)
+// A window with a widget of each kind.
+struct Window : QSplitter
 {
-    std::vector<std::string> list;
-    for (const QByteArray &word : QByteArray(words).split(' '))
-        list.push_back(word.toStdString());
-    return list;
-}
-
-class Window : public QDialog
-{
-public:
-    Window()
+    Window() : QSplitter(Qt::Vertical)
     {
-        setObjectName("main"_s);
-        resize(400, 500);
-        auto *layout = new QVBoxLayout(this);
-        const std::pair<const char *, QWidget *> widgets[] = {
-            {"button", button}, {"disabled", disabled}, {"slider", slider},
-            {"list", list},     {"combo", combo},       {"tabs", tabs}};
-        for (const auto &[name, widget] : widgets) {
-            widget->setObjectName(QLatin1String(name));
-            layout->addWidget(widget);
-        }
+        const char *const names[] = {"button", "disabled", "slider", "list", "combo", "tabs"};
+        for (int i = 0; i < count(); ++i)
+            widget(i)->setObjectName(QLatin1String(names[i]));
         disabled->setEnabled(false);
-        slider->setRange(1, 100);
-        for (int i = 0; i < 50; ++i) {
-            list->addItem(QString::number(i));
-            combo->addItem(QString::number(i));
-        }
+        const QStringList items = QString(49, u'\n').split(u'\n'); // 50 of them
+        list->addItems(items);
+        combo->addItems(items);
         tabs->addTab(new QWidget, "one"_s);
         tabs->addTab(new QWidget, "two"_s);
+        resize(400, 500);
     }
 
-    QPushButton *button = new QPushButton("A && &B"_s);
-    QPushButton *disabled = new QPushButton;
-    QSlider *slider = new QSlider(Qt::Horizontal);
-    QListWidget *list = new QListWidget;
-    QComboBox *combo = new QComboBox;
-    QTabWidget *tabs = new QTabWidget;
+    QPushButton *button = new QPushButton("A && &B"_s, this);
+    QPushButton *disabled = new QPushButton(this);
+    QSlider *slider = new QSlider(this);
+    QListWidget *list = new QListWidget(this);
+    QComboBox *combo = new QComboBox(this);
+    QTabWidget *tabs = new QTabWidget(this);
 };
 
 } // namespace
@@ -91,8 +82,6 @@ class ControlTest : public QObject
     Q_OBJECT
 
 private slots:
-    void cleanup() { m_window.reset(); }
-
     void initTestCase() { QVERIFY2(m_server.start(m_socket), qPrintable(m_server.errorString())); }
 
     void init()
@@ -102,72 +91,90 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     }
 
-    // An error for each, and the next line is served.
+    // An error for each, and the next line is served. Times | text
     void answersBadLines_data()
     {
-        QTest::addColumn<QByteArray>("line");
-        QTest::newRow("garbage") << QByteArray("\x00\xff{\n", 4);
-        QTest::newRow("deep") << QByteArray(100000, '[') + '\n';
-        QTest::newRow("too long") << QByteArray(3 << 20, 'x') + '\n';
-        for (const char *line : {"", "[1]", "{}", R"({"verb": "get", "args": [1]})"})
-            QTest::newRow(line) << QByteArray(line) + '\n';
-        for (const char *words :
-             {"fly", "set lcd.width", "set lcd.width wide", "get lcd.depth", "usb push /a",
-              "hotplug insert x /a", "fail Beep", "delay Beep -1", "calls all", "ui", "ui wave",
-              "ui press", "ui press list -1", "ui slide slider x", "ui slide slider 101",
-              "ui slide button 1", "ui shot /nowhere/shot.png"})
-            QTest::newRow(words) << request(split(words));
+        rows({"1 | \xff{", "100000 | [", "3000000 | x", "0 |", "1 | [1]", "1 | {}",
+              "1 | {\"verb\": \"get\", \"args\": [1]}"});
     }
     void answersBadLines()
     {
-        QFETCH(QByteArray, line);
-        const QByteArrayList replies =
-            sendLines(line + request({"get", "lcd.width"}), 2).split('\n');
-        QCOMPARE(replies.size(), 3);
-        const Json reply = Json::parse(replies[0].toStdString());
-        QVERIFY(reply["ok"] == false);
-        QVERIFY(!reply["error"].get<std::string>().empty());
-        QVERIFY(Json::parse(replies[1].toStdString())["value"] == 1024);
+        const QByteArray line = cell(1).toUtf8().repeated(number(0)) + '\n';
+        const QByteArrayList replies = exchange(m_socket, line + GET_WIDTH, 2);
+        QVERIFY2(replies[0].contains(R"("ok":false)"), replies[0].constData());
+        QCOMPARE(replies[1], QByteArray(R"({"ok":true,"value":1024})"));
+    }
+
+    void waitsForTheGuiThreadInTurn()
+    {
+        sim::ControlServer impatient(std::chrono::milliseconds(100));
+        const QString path = m_folder.filePath("impatient.sock"_s);
+        QVERIFY(impatient.start(path));
+        const QByteArray dump = R"({"verb": "ui", "args": ["dump"]})";
+        const QByteArrayList replies = exchange(path, dump + '\n' + GET_WIDTH, 2);
+        QVERIFY(replies[0].contains("does not answer") && replies[1].contains("1024"));
+        QCoreApplication::processEvents(); // what is left of the request, now without a server
+    }
+
+    // request | error
+    void refuses_data()
+    {
+        rows({"fly | no such verb",
+              "set lcd.width | wrong number",
+              "set lcd.width wide | no JSON",
+              "get lcd.depth | no such path",
+              "usb push /a | either insert or remove",
+              "hotplug insert x /a | CODE must be",
+              "fail Beep | fail OPERATION CODE",
+              "delay Beep -1 | MS must be 0",
+              "calls all | calls clear",
+              "ui | ui dump",
+              "ui wave | ui dump",
+              "ui press | wrong number",
+              "ui press list -1 | INDEX must be",
+              "ui slide slider x | VALUE must be",
+              "ui slide slider 101 | goes from 0 to 99",
+              "ui slide button 1 | is no slider",
+              "ui shot /nowhere/shot.png | cannot write",
+              "ui press nobody | there is no nobody",
+              "ui press disabled | is disabled",
+              "ui press button 1 | there is no button 1",
+              "ui press list 50 | has no row 50",
+              "ui press combo 50 | has no row 50",
+              "ui press tabs 2 | has no row 2"});
+    }
+    void refuses()
+    {
+        const std::string error = run(cell(0).toUtf8()).dump();
+        QVERIFY2(error.find(cell(1).toStdString()) != std::string::npos, error.c_str());
     }
 
     void dumpsWhatIsShown()
     {
-        const Json button = send({"ui", "dump", "button"})["value"][0];
+        const Json button = run("ui dump button")[0];
         QVERIFY(button["text"] == "A & B");
         const QPoint corner = m_window->button->pos();
         QVERIFY(button["rect"][0] == corner.x() && button["rect"][1] == corner.y());
-        QVERIFY(send({"ui", "dump"})["value"]["children"].size() >= 6);
-        QVERIFY(send({"ui", "dump", "nobody"})["value"] == Json::array());
+        QVERIFY(run("ui dump nobody").empty() && run("ui dump")["children"].size() >= 6);
     }
 
     void pressesRows_data() { rows({"list 0", "list 49", "combo 3", "combo 49", "tabs 1"}); }
     void pressesRows()
     {
-        const std::vector<std::string> row = split(QTest::currentDataTag());
+        const QByteArray row = QTest::currentDataTag(); // "list 49"
         QSignalSpy clicks(m_window->list, &QListWidget::itemClicked);
-        QVERIFY(send({"ui", "press", row[0], row[1]})["ok"] == true);
-        const auto shown = [&] { return send({"ui", "dump", row[0]})["value"][0]["index"]; };
-        QTRY_COMPARE(shown().get<int>(), std::stoi(row[1]));
-        QCOMPARE(clicks.count(), row[0] == "list" ? 1 : 0);
+        QVERIFY(run("ui press " + row).is_null());
+        const QByteArray object = row.split(' ')[0];
+        QTRY_COMPARE(run("ui dump " + object)[0]["index"].get<int>(), row.split(' ')[1].toInt());
+        QCOMPARE(clicks.count(), object == "list" ? 1 : 0);
     }
 
     void twoQuickPressesAreTwoClicks()
     {
         QSignalSpy clicks(m_window->button, &QPushButton::clicked);
-        sendLines(request({"ui", "press", "button"}) + request({"ui", "press", "button"}), 2);
+        run("ui press button");
+        run("ui press button");
         QTRY_COMPARE(clicks.count(), 2);
-    }
-
-    void refusesPresses()
-    {
-        const std::array<const char *, 3> cases[] = {
-            {"nobody", "0", "there is no nobody"},   {"disabled", "0", "is disabled"},
-            {"button", "1", "there is no button 1"}, {"list", "50", "has no row 50"},
-            {"combo", "50", "has no row 50"},        {"tabs", "2", "has no row 2"}};
-        for (const auto &[object, index, error] : cases) {
-            const std::string reply = send({"ui", "press", object, index}).dump();
-            QVERIFY2(reply.find(error) != std::string::npos, reply.c_str());
-        }
     }
 
     void shootsTheScreen()
@@ -177,31 +184,11 @@ private slots:
         dialog.setGeometry(QRect(m_window->mapToGlobal(QPoint(100, 100)), QSize(50, 50)));
         dialog.show();
         const QString file = m_folder.filePath("shot.png"_s);
-        QVERIFY(send({"ui", "shot", file.toStdString()})["ok"] == true);
+        QVERIFY(run("ui shot " + file.toUtf8()).is_null());
         const QImage image(file);
         QCOMPARE(image.size(), QSize(1024, 600));
         QCOMPARE(image.pixelColor(125, 125), QColor(Qt::red));
         QVERIFY(image.pixelColor(90, 90) != QColor(Qt::red));
-    }
-
-    // The GUI thread waits here without running its loop.
-    void answersWhileTheGuiThreadIsBusy()
-    {
-        auto reply = std::async(std::launch::async, [this] {
-            return exchange(m_socket, request({"get", "lcd.width"}));
-        });
-        QCOMPARE(reply.wait_for(std::chrono::seconds(10)), std::future_status::ready);
-        QVERIFY(reply.get().contains("1024"));
-        sim::ControlServer impatient(std::chrono::milliseconds(100));
-        const QString path = m_folder.filePath("impatient.sock"_s);
-        QVERIFY(impatient.start(path));
-        const QByteArray replies =
-            std::async(std::launch::async, [&] {
-                return exchange(path, request({"ui", "dump"}) + request({"get", "lcd"}), 2);
-            }).get();
-        const int refusal = replies.indexOf("the panel does not answer");
-        QVERIFY(refusal != -1 && refusal < replies.indexOf("1024")); // not overtaken
-        QCoreApplication::processEvents(); // what is left of the request, now without a server
     }
 
     void refusesTheEnvironment()
@@ -215,21 +202,7 @@ private slots:
     }
 
 private:
-    // Lets the GUI thread's loop run until the reply is there.
-    QByteArray sendLines(const QByteArray &lines, int replies = 1)
-    {
-        auto reply = std::async(std::launch::async,
-                                [=, path = m_socket] { return exchange(path, lines, replies); });
-        while (reply.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents,
-                                            5);
-        return reply.get();
-    }
-    Json send(const std::vector<std::string> &words)
-    {
-        return Json::parse(sendLines(request(words)).toStdString(), nullptr, false);
-    }
-
+    const QByteArray GET_WIDTH = "{\"verb\": \"get\", \"args\": [\"lcd.width\"]}\n";
     QTemporaryDir m_folder;
     QString m_socket = m_folder.filePath("panel.sock"_s);
     sim::ControlServer m_server;

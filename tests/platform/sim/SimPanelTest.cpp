@@ -1,12 +1,16 @@
 #include "platform/board.h"
 #include "platform/net.h"
+#include "platform/plc.h"
 #include "platform/runtime.h"
 #include "platform/sim/Panel.h"
+#include "tests/support/PanelRoot.h"
+#include "tests/support/Rows.h"
+#include "tests/support/Text.h"
 
 #include <QElapsedTimer>
-#include <QtTest>
 
 #include <pthread.h>
+#include <sys/stat.h>
 #include <thread>
 
 using sim::Json;
@@ -14,26 +18,18 @@ using sim::panel;
 
 namespace {
 
-struct Plugged
+// The test holds it while it plugs: a callback may have to wait for whoever plugs the next device.
+std::mutex gate;
+
+// Appends "+201/path" or "-201/path" to the events of a registration.
+template <char SIGN>
+int note(const PLATFORM::tagDEV_INFO_T &info, void *events)
 {
-    std::mutex mutex;
-    std::vector<std::string> events;
-
-    std::vector<std::string> seen()
-    {
-        const std::lock_guard lock(mutex);
-        return events;
-    }
-
-    template <char SIGN>
-    static int add(const PLATFORM::tagDEV_INFO_T &info, void *context)
-    {
-        auto *self = static_cast<Plugged *>(context);
-        const std::lock_guard lock(self->mutex);
-        self->events.push_back(SIGN + std::to_string(info.nType) + info.sMountPath);
-        return 0;
-    }
-};
+    const std::lock_guard lock(gate);
+    const std::string event = SIGN + std::to_string(info.nType) + info.sMountPath;
+    *static_cast<QStringList *>(events) += QString::fromStdString(event);
+    return 0;
+}
 
 } // namespace
 
@@ -44,47 +40,27 @@ class SimPanelTest : public QObject
 private slots:
     void init() { panel().reset(); }
 
-    void failsAsOftenAsOrdered()
-    {
-        panel().fail("PLATFORM.CPlatLcd.setBrightness", -7, 2);
-        QCOMPARE(PLATFORM::CPlatLcd::setBrightness(10), -7);
-        QCOMPARE(PLATFORM::CPlatLcd::setBrightness(10), -7);
-        QCOMPARE(panel().get("lcd.brightness").get<int>(), 100);
-        QCOMPARE(PLATFORM::CPlatLcd::setBrightness(10), 0);
-        panel().fail("Beep", -3);
-        for (int i = 0; i < 3; ++i)
-            QCOMPARE(Beep(1), -3);
-        panel().clearFailures();
-        QCOMPARE(Beep(1), 0);
-    }
-
     void refusesOrders()
     {
-        QVERIFY_EXCEPTION_THROWN(panel().fail("netT.setip", -1), sim::BadRequest);
-        QVERIFY_EXCEPTION_THROWN(panel().fail("netT.setIp", -1, 0), sim::BadRequest);
-        QVERIFY_EXCEPTION_THROWN(panel().delay("netT.setIp", -1), sim::BadRequest);
         for (const char *scenario :
-             {R"({"fail": [["Beep"]]})", R"({"fail": 5})", R"({"delay": [[1, 2]]})",
-              R"({"fail": [["Beep", "x"]]})", R"({"tail": []})", "[]"})
+             {R"({"fail": [["netT.setip", -1]]})", R"({"fail": [["Beep", -1, 0]]})",
+              R"({"delay": [["Beep", -1]]})", R"({"fail": [["Beep"]]})", R"({"fail": 5})",
+              R"({"delay": [[1, 2]]})", R"({"fail": [["Beep", "x"]]})",
+              R"({"fail": [["Beep", -1]], "tail": []})", "[]"})
             QVERIFY_EXCEPTION_THROWN(panel().apply(Json::parse(scenario)), sim::BadRequest);
         QCOMPARE(Beep(1), 0);
     }
 
     void delayedCallTakesItsTime()
     {
-        struct
-        {
-            int delay, result;
-            const char *priority;
-        } const cases[] = {{60000, netT::ERR_TIMEOUT, "ETH"}, {60, 0, "WIFI"}};
-        for (const auto &[delay, result, priority] : cases) {
-            panel().delay("netT.setDevPriority", delay);
-            QElapsedTimer timer;
-            timer.start();
-            QCOMPARE(netT::setDevPriority("WIFI", false, 200), result);
-            QVERIFY(timer.elapsed() >= std::min(delay, 200));
-            QVERIFY(panel().get("net.priority") == priority);
-        }
+        QElapsedTimer timer;
+        timer.start();
+        panel().delay("netT.setDevPriority", 60000);
+        QCOMPARE(netT::setDevPriority("WIFI", false, 200), int(netT::ERR_TIMEOUT));
+        QVERIFY(timer.elapsed() >= 200 && panel().get("net.priority") == "ETH");
+        panel().delay("netT.setDevPriority", 60);
+        QCOMPARE(netT::setDevPriority("WIFI", false, 200), 0);
+        QVERIFY(timer.elapsed() >= 260 && panel().get("net.priority") == "WIFI");
     }
 
     void panelAnswersDuringADelayedCall()
@@ -94,35 +70,23 @@ private slots:
         PLATFORM::CPlatLcd::setBrightness(50);
         panel().hurry();
         slow.join();
-        QVERIFY(panel().calls()[0]["op"] == "PLATFORM.CPlatLcd.setBrightness");
-        QVERIFY(panel().calls()[1]["op"] == "Beep");
+        std::thread([] {
+            pthread_setname_np(pthread_self(), "timer");
+            Beep(5);
+        }).join();
+        const Json log = panel().calls();
+        QVERIFY(log[0]["op"] == "PLATFORM.CPlatLcd.setBrightness" && log[0]["thread"] == "gui");
+        QVERIFY(log[1]["thread"] == "worker" && log[2]["thread"] == "timer");
     }
 
     void logsLikeCallsCheaply()
     {
-        const int calls = int(sim::CallLog::limit) + 10;
         PLATFORM::CPlatLcd::setBrightness(50);
-        for (int i = 0; i < calls; ++i)
+        for (std::uint64_t i = 0; i < sim::CallLog::limit; ++i)
             PLATFORM::CPlatBuzzer::runBeep();
         const Json log = panel().calls();
         QCOMPARE(log.size(), std::size_t(sim::CallLog::limit));
-        QVERIFY(log.front()["op"] == "PLATFORM.CPlatBuzzer.runBeep");
-        QVERIFY(log.back()["args"] == Json::array());
-    }
-
-    void logNamesThreads()
-    {
-        const std::pair<const char *, const char *> labels[] = {
-            {"timer", "timer"}, {"media", "media"}, {"net", "net"}, {"pool-1", "worker"}};
-        Beep(1);
-        QVERIFY(panel().calls().back()["thread"] == "gui");
-        for (const auto &[name, label] : labels) {
-            std::thread([thread = name] {
-                pthread_setname_np(pthread_self(), thread);
-                Beep(1);
-            }).join();
-            QVERIFY2(panel().calls().back()["thread"] == label, name);
-        }
+        QVERIFY(log[0]["op"] == "PLATFORM.CPlatBuzzer.runBeep" && log[0]["args"] == Json::array());
     }
 
     void clicksArePlayedByTheBuzzerTask()
@@ -131,70 +95,84 @@ private slots:
         PLATFORM::CPlatBuzzer::open();
         PLATFORM::CPlatBuzzer::open();
         QVERIFY(panel().get("buzzer.beeps") == Json::array());
-        for (int i = 0; i < 3; ++i)
-            PLATFORM::CPlatBuzzer::runBeep();
-        QVERIFY(panel().get("buzzer.beeps") == Json::array({40, 40}));
         PLATFORM::CPlatBuzzer::setEnable(0);
-        PLATFORM::CPlatBuzzer::open();
-        PLATFORM::CPlatBuzzer::runBeep();
-        QVERIFY(panel().get("buzzer.beeps") == Json::array({40, 40}));
-        QCOMPARE(panel().get("buzzer.opens").get<int>(), 3);
+        PLATFORM::CPlatBuzzer::open(); // makes no sound
+        for (int i = 0; i < 4; ++i)
+            PLATFORM::CPlatBuzzer::runBeep();
+        QVERIFY(panel().get("buzzer.beeps") == Json({40, 40}) && panel().get("buzzer.opens") == 3);
     }
 
-    // And what is plugged in by then reaches them too, but nothing that has been taken out.
+    // What is plugged in before a registration reaches it too, but nothing that was pulled out.
     void hotPlugReachesRegistrations()
     {
-        const auto listen = [](Plugged &plugged) {
-            const PLATFORM::MediaCallbacks callbacks{Plugged::add<'+'>, Plugged::add<'-'>};
-            QCOMPARE(PLATFORM::CPlatMedia::addDev({PLATFORM::DEV_UDISK}, callbacks, &plugged), 0);
+        QStringList first;
+        QStringList second;
+        const auto seen = [](const QStringList &events) {
+            const std::lock_guard lock(gate);
+            return events.join(u' ');
         };
-        Plugged plugged;
-        Plugged later;
-        panel().media().insert(201, "/forgotten");
+        const PLATFORM::MediaCallbacks callbacks{note<'+'>, note<'-'>};
+        sim::MediaService &media = panel().media();
+        media.insert(201, "/forgotten");
         panel().reset();
-        panel().media().insert(201, "/first");
-        panel().media().insert(999, "/unknown");
-        listen(plugged);
-        panel().media().insert(777, "/late");
-        panel().media().remove(201, "/first");
-        listen(later);
-        panel().media().insert(201, "/last");
-        const std::vector<std::string> expected{"+201/first", "+777/late", "-201/first",
-                                                "+201/last"};
-        QTRY_COMPARE(plugged.seen(), expected);
-        QTRY_COMPARE(later.seen(), std::vector<std::string>{"+201/last"});
-        panel().reset();
-    }
-
-    // The program's callback may wait for the thread that plugs the next device in.
-    void hotPlugThreadMayBeBlocked()
-    {
-        std::mutex gate;
-        const auto wait = [](const PLATFORM::tagDEV_INFO_T &, void *context) {
-            const std::lock_guard lock(*static_cast<std::mutex *>(context));
-            return 0;
-        };
-        PLATFORM::CPlatMedia::addDev({PLATFORM::DEV_UDISK}, {wait, wait}, &gate);
         gate.lock();
-        panel().media().insert(201, "/a");
-        panel().media().remove(201, "/a");
-        QCOMPARE(Beep(1), 0);
+        media.insert(201, "/a");
+        media.insert(999, "/unknown");
+        PLATFORM::CPlatMedia::addDev({PLATFORM::DEV_UDISK}, callbacks, &first);
+        media.insert(777, "/b");
+        media.remove(201, "/a");
+        PLATFORM::CPlatMedia::addDev({PLATFORM::DEV_UDISK}, callbacks, &second);
+        media.insert(201, "/c");
         gate.unlock();
+        QTRY_COMPARE(seen(first), "+201/a +777/b -201/a +201/c"_s);
+        QTRY_COMPARE(seen(second), "+201/c"_s);
         panel().reset();
     }
 
     void wordsAreAllOrNone()
     {
         unsigned short words[] = {1, 2, 3};
-        QVERIFY(backstage_AddrWrite(10613, words, 3) < 0);
-        QCOMPARE(panel().get("words.10613").get<int>(), 3);
-        QVERIFY(backstage_AddrRead(10613, words, 3) < 0);
-        QCOMPARE(words[0], static_cast<unsigned short>(1));
+        QVERIFY(backstage_AddrWrite(10613, words, 3) < 0 && panel().get("words.10613") == 3);
+        QVERIFY(backstage_AddrRead(10613, words, 3) < 0 && words[0] == 1);
         panel().set("words.10614", nullptr);
         QVERIFY(backstage_AddrRead(10614, words, 1) < 0);
         QCOMPARE(backstage_AddrWrite(10613, words, 2), 0);
-        QCOMPARE(backstage_AddrRead(10614, words, 1), 0);
-        QCOMPARE(words[0], static_cast<unsigned short>(2));
+        QVERIFY(backstage_AddrRead(10614, words, 1) == 0 && words[0] == 2);
+    }
+
+    // file | result that is ordered | result
+    void readsOrderlyFilesOnly_data()
+    {
+        rows({"program.bin | 0 | 0", "program.bin | -3 | -3", "empty.bin | 0 | -1",
+              "pipe.bin | 0 | -1", ". | 0 | -1", "missing.bin | 0 | -1"});
+    }
+    void readsOrderlyFilesOnly()
+    {
+        const PanelRoot disk;
+        disk.write("/program.bin"_s, QByteArray(5000, 'p'));
+        disk.write("/empty.bin"_s, {});
+        const std::string folder = qgetenv("SYSSET_ROOT").toStdString() + '/';
+        ::mkfifo((folder + "pipe.bin").c_str(), 0600);
+        panel().set("plc.file", {{"read", number(1)}, {"cam", false}});
+        Plc5VDownLoadInfo info;
+        tag extension;
+        QCOMPARE(
+            CLoadPlcInfo().ReadPlc5VDownLoadInfo(info, extension, folder + cell(0).toStdString()),
+            number(2));
+        std::size_t size = 0;
+        for (const PlcProData &block : info.program)
+            size += block.data.size();
+        QCOMPARE(size, number(2) == 0 ? std::size_t(5000) : 0);
+        QVERIFY(!info.bCam);
+    }
+
+    void notesWhatAPlcIsSent()
+    {
+        UpDate5vPlcPro plc;
+        plc.Open({1, 2, 9600, 8, 1, 2});
+        plc.DownLoadPro({"1234"}, {}, {{{1}}, {{2}}});
+        QVERIFY(panel().calls()[0]["args"] == Json({1, 2, 9600, 8, 1, 2}));
+        QVERIFY(panel().calls()[1]["args"] == Json({"1234", "", 2}));
     }
 };
 

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int LEAST_TOUCH = 40;
-
 template <typename Widget, typename... Args>
 Widget *put(QWidget &page, const char *name, const QRect &place, Args &&...args)
 {
@@ -26,7 +24,6 @@ Widget *put(QWidget &page, const char *name, const QRect &place, Args &&...args)
 void furnish(QWidget &page)
 {
     page.resize(400, 300);
-    page.setObjectName("page"_s);
     page.setStyleSheet("QWidget{background-color:white;color:black;}"_s);
     put<QLabel>(page, "caption", {0, 0, 200, 40}, "Adresse 网络"_s)->setWordWrap(true);
     auto *greyed = put<QPushButton>(page, "greyed", {200, 0, 100, 40}, "Save"_s);
@@ -46,24 +43,20 @@ void furnish(QWidget &page)
     tabs->addTab("Language"_s);
 }
 
-// What the words of a table ask for, done to a widget of the page.
-void plant(QWidget *widget, const QString &what, const QString &argument)
+// Gives a property of the widget, or of a row or tab of it, another value.
+void plant(QWidget *widget, const QString &property, const QString &value)
 {
-    const QStringList numbers = argument.split(u' ');
-    if (what == "size"_s)
-        widget->resize(numbers[0].toInt(), numbers[1].toInt());
-    else if (what == "move"_s)
-        widget->move(numbers[0].toInt(), numbers[1].toInt());
-    else if (what == "style"_s)
-        widget->setStyleSheet(argument);
-    else if (auto *label = qobject_cast<QLabel *>(widget))
-        label->setText(argument);
-    else if (auto *field = qobject_cast<QLineEdit *>(widget))
-        field->setText(argument);
-    else if (auto *list = qobject_cast<QListWidget *>(widget))
-        list->item(0)->setText(argument);
-    else if (auto *tabs = qobject_cast<QTabBar *>(widget))
-        tabs->setTabText(1, argument);
+    auto *list = qobject_cast<QListWidget *>(widget);
+    auto *tabs = qobject_cast<QTabBar *>(widget);
+    const QStringList sides = value.split(u' ');
+    if (property == "place"_s)
+        widget->setGeometry(sides[0].toInt(), sides[1].toInt(), sides[2].toInt(), sides[3].toInt());
+    else if (list != nullptr && property == "text"_s)
+        list->item(0)->setText(value);
+    else if (tabs != nullptr && property == "text"_s)
+        tabs->setTabText(1, value);
+    else
+        widget->setProperty(property.toLatin1(), value);
 }
 
 } // namespace
@@ -74,23 +67,25 @@ class UiFitTest : public QObject
     Q_OBJECT
 
 private slots:
-    // widget | what is done to it | kind and widget of each finding
+    // widget | property and value | kind and widget of each finding
     void findsWhatIsWrong_data()
     {
-        rows({"page | move 0 0 |",
-              "caption | size 30 40 | cut caption cut caption", // one run of letters for each font
+        rows({"page | place 0 0 400 300 |",
+              "caption | place 0 0 30 40 | cut caption cut caption", // one run of letters for each
+                                                                     // font
               "caption | text One word after the other, until no room is left | cut caption",
               "field | text 0123456789012345678901234567890123456789 | cut field",
               "list | text a long name, and another one behind it | cut qt_scrollarea_viewport",
               "tabs | text Communication settings | cut tabs",
-              "greyed | move 190 10 | overlap caption", "greyed | move 350 0 | overlap greyed",
+              "greyed | place 190 10 100 40 | overlap caption",
+              "greyed | place 350 0 100 40 | overlap greyed",
               "caption | text \U0010FFFD | glyph caption", // assigned to nothing
-              "greyed | size 80 39 | small greyed",
-              "list | style QListWidget::item{height:30px;} | small list",
-              "tabs | style QTabBar::tab{height:20px;width:100px;} | small tabs small tabs",
-              "caption | style color:#8c8c8c; | pale caption pale caption",
-              "greyed | style color:#c4c4c3; | pale greyed",
-              "field | style background:#555555; | pale field"});
+              "greyed | place 200 0 80 39 | small greyed",
+              "list | styleSheet QListWidget::item{height:30px;} | small list",
+              "tabs | styleSheet QTabBar::tab{height:20px;width:100px;} | small tabs small tabs",
+              "caption | styleSheet color:#8c8c8c; | pale caption pale caption",
+              "greyed | styleSheet color:#c4c4c3; | pale greyed",
+              "field | styleSheet background:#555555; | pale field"});
     }
     void findsWhatIsWrong()
     {
@@ -101,7 +96,7 @@ private slots:
         page.show();
         QVERIFY(QTest::qWaitForWindowExposed(&page));
         QStringList kinds;
-        for (const sim::Json &finding : sim::fitFindings(&page, LEAST_TOUCH))
+        for (const sim::Json &finding : sim::fitFindings(&page, 40))
             kinds += QString::fromStdString(finding["kind"].get<std::string>() + " " +
                                             finding["widget"].get<std::string>());
         QCOMPARE(kinds.join(u' '), cell(2));
