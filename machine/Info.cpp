@@ -25,8 +25,7 @@ struct MachineTexts
     std::optional<std::string> product;
 };
 
-// Nothing if a read before the product's fails. The MAC address is not shown: a panel without one
-// does not know who it is.
+// Nothing if a read before the product's fails. The MAC address is a check and is not shown.
 std::optional<MachineTexts> readMachine()
 {
     const KVCORE::TMachine machine;
@@ -52,8 +51,8 @@ int codeSide()
     return 2 * screenSize().height() / 5;
 }
 
-// White around the code for readers: four modules of the coarsest code, as far as the page, four
-// fifths of the screen, has room between its margins.
+// The white that a reader needs around the code: four of the 25 modules of the smallest code, less
+// where the page, four fifths of the screen's width, has no room between its margins.
 int quietZone(const QMargins &margins)
 {
     const int page = screenSize().width() * 4 / 5;

@@ -10,8 +10,8 @@ class Info;
 }
 
 // Shows who this panel is, read once: model, serial number, machine and product identifier, and a
-// QR code to bind the panel to the remote service with a phone. It shows none of them unless the
-// panel knows itself. GUI thread.
+// QR code with which a phone binds the panel to the remote service. Nothing of it if any but the
+// product identifier cannot be read. GUI thread.
 class Info : public QWidget
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ public:
     explicit Info(QWidget *parent = nullptr);
     ~Info() override;
 
-    // Says the page's captions and takes its style again, after a language change.
+    // Sets the page's captions and style again, after a language change.
     void retranslate();
 
 private:

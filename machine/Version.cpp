@@ -49,13 +49,13 @@ void Version::makeList()
     m_pList->setFocusPolicy(Qt::NoFocus);
     m_pList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     new FingerScroll(m_pList);
-    auto *room = new QVBoxLayout(this);
-    room->setContentsMargins(4, 4, 4, 4);
-    room->addWidget(m_pList);
-    growLayouts(this); // the tab has done so already, and does again when the page comes back
+    auto *pageLayout = new QVBoxLayout(this);
+    pageLayout->setContentsMargins(4, 4, 4, 4);
+    pageLayout->addWidget(m_pList);
+    growLayouts(this); // the tab grew its layouts before this one was made
 }
 
-// A page that is left and seen again does not pile up questions.
+// One question at a time, however often the page is shown.
 void Version::ask()
 {
     if (m_service != Service::Asked)
@@ -89,7 +89,7 @@ void Version::addRow(const QString &name, const QString &version)
     m_pList->addTopLevelItem(new QTreeWidgetItem({name, version}));
 }
 
-// What stands in place of the service's rows; nothing if these are there.
+// The row in place of the service's own; empty if these are there.
 QString Version::serviceState() const
 {
     switch (m_service) {

@@ -22,7 +22,7 @@ public:
     explicit Version(QWidget *parent = nullptr);
     ~Version() override;
 
-    // Says the page's texts and takes its style again, after a language change.
+    // Sets the page's texts and style again, after a language change.
     void retranslate();
 
 protected:

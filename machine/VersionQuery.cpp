@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr unsigned int TIMEOUT_MS = 3000;
+constexpr unsigned int LIST_TIMEOUT_MS = 3000;
 
 } // namespace
 
@@ -24,10 +24,10 @@ VersionQuery::Answer VersionQuery::answer() const
 void VersionQuery::run()
 {
     std::vector<dsl::VersionEntry_T> entries;
-    const bool came = dsl::getVersionList(entries, TIMEOUT_MS) >= 0;
+    const bool listed = dsl::getVersionList(entries, LIST_TIMEOUT_MS) >= 0;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_answer = came ? Answer(std::move(entries)) : std::nullopt;
+        m_answer = listed ? Answer(std::move(entries)) : std::nullopt;
     }
     emit answered();
 }

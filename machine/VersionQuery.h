@@ -1,4 +1,4 @@
-// The question to the panel's version service, asked where it holds up nobody.
+// The question to the panel's version service, asked on a thread of the pool.
 #pragma once
 
 #include "platform/services.h"
@@ -10,18 +10,17 @@
 #include <optional>
 #include <vector>
 
-// Lives as long as whoever made it or the thread that asks, whichever is longer; hence always held
-// by a shared pointer.
+// Always held by a shared pointer: the thread that asks may outlive the page.
 class VersionQuery : public QObject, public std::enable_shared_from_this<VersionQuery>
 {
     Q_OBJECT
 
 public:
-    // Nothing if the service did not answer.
+    // Nothing if the service did not answer in time.
     using Answer = std::optional<std::vector<dsl::VersionEntry_T>>;
 
-    // Has a thread of the pool ask. Returns false if the pool takes no job; answered() follows
-    // otherwise, after three seconds at most.
+    // Returns whether the pool has taken the question; answered() follows then, within three
+    // seconds of its start.
     bool ask();
     // The latest answer. Any thread.
     Answer answer() const;

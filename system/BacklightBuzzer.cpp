@@ -10,6 +10,8 @@
 #include <QPushButton>
 #include <QSlider>
 
+#include <tuple>
+
 namespace {
 
 constexpr unsigned int OFF_TIME_WORD = 10590;
@@ -21,22 +23,29 @@ constexpr unsigned int BEEP_TIME_WORD = 10614;
 constexpr int LONGEST_OFF_TIME = 3600;
 constexpr int LONGEST_BEEP = 1000;
 
-// Returns what the field shows now.
-int showWord(unsigned int address, QLineEdit *field)
+// Returns the word, 0 where the runtime does not give it; the field is empty then.
+unsigned short showWord(unsigned int address, QLineEdit *field)
 {
-    QString text;
-    readWord(address, text);
-    field->setText(text);
-    return text.toInt();
+    unsigned short value = 0;
+    const bool known = readWord(address, value) == 0;
+    field->setText(known ? QString::number(value) : QString());
+    return value;
 }
 
 // An odd word says off. The switch writes 1 for on, so that a buzzer that was turned off sounds
-// again after the next start; this is intended.
+// again after the next start; this is intended. A word that cannot be read counts as even.
 bool isBeepOn()
 {
-    QString text;
-    readWord(BEEP_WORD, text);
-    return text.toInt() % 2 == 0;
+    unsigned short value = 0;
+    return readWord(BEEP_WORD, value) != 0 || value % 2 == 0;
+}
+
+// Writes a number, or the text of an entry. A refusal is not reported to the operator: the hardware
+// has taken the setting all the same.
+template <typename Value>
+void keepWord(unsigned int address, const Value &value)
+{
+    std::ignore = writeWord(address, value);
 }
 
 } // namespace
@@ -57,9 +66,9 @@ void BacklightBuzzer::init()
     const bool on = isBeepOn();
     PLATFORM::CPlatBuzzer::setEnable(on ? 1 : 0);
     showBeep(on);
-    const auto beepTime = static_cast<unsigned short>(showWord(BEEP_TIME_WORD, m_widgets.beepTime));
+    const unsigned short beepTime = showWord(BEEP_TIME_WORD, m_widgets.beepTime);
     PLATFORM::CPlatBuzzer::setBeepTime(beepTime);
-    const auto tone = static_cast<unsigned short>(showWord(TONE_WORD, m_widgets.tone));
+    const unsigned short tone = showWord(TONE_WORD, m_widgets.tone);
     m_widgets.toneSlider->setValue(tone);
     m_widgets.beepSwitch->setFlat(true);
     PLATFORM::CPlatBuzzer::init(on ? 1 : 0, tone, beepTime);
@@ -88,7 +97,7 @@ bool BacklightBuzzer::enter(QLineEdit *field, int min, int max)
 void BacklightBuzzer::editOffTime()
 {
     if (enter(m_widgets.offTime, 0, LONGEST_OFF_TIME))
-        writeWord(OFF_TIME_WORD, m_widgets.offTime->text());
+        keepWord(OFF_TIME_WORD, m_widgets.offTime->text());
 }
 
 void BacklightBuzzer::editBrightness()
@@ -96,8 +105,9 @@ void BacklightBuzzer::editBrightness()
     const QSlider *slider = m_widgets.brightnessSlider;
     if (!enter(m_widgets.brightness, slider->minimum(), slider->maximum()))
         return;
-    const int percent = m_widgets.brightness->text().toInt();
-    writeWord(BRIGHTNESS_WORD, m_widgets.brightness->text());
+    const QString text = m_widgets.brightness->text();
+    const int percent = text.toInt();
+    keepWord(BRIGHTNESS_WORD, text);
     m_widgets.brightnessSlider->setValue(percent);
     PLATFORM::CPlatLcd::setBrightness(percent);
 }
@@ -108,7 +118,7 @@ void BacklightBuzzer::editBeepTime()
         return;
     const QString text = m_widgets.beepTime->text();
     PLATFORM::CPlatBuzzer::setBeepTime(text.toUShort());
-    writeWord(BEEP_TIME_WORD, text);
+    keepWord(BEEP_TIME_WORD, text);
 }
 
 void BacklightBuzzer::editTone()
@@ -117,7 +127,7 @@ void BacklightBuzzer::editTone()
     if (!enter(m_widgets.tone, slider->minimum(), slider->maximum()))
         return;
     const QString text = m_widgets.tone->text();
-    writeWord(TONE_WORD, text);
+    keepWord(TONE_WORD, text);
     m_widgets.toneSlider->setValue(text.toInt());
     PLATFORM::CPlatBuzzer::setPwmType(text.toUShort());
 }
@@ -125,16 +135,17 @@ void BacklightBuzzer::editTone()
 void BacklightBuzzer::moveBrightness(int percent)
 {
     m_widgets.brightness->setText(QString::number(percent));
-    writeWord(BRIGHTNESS_WORD, m_widgets.brightness->text());
+    keepWord(BRIGHTNESS_WORD, static_cast<unsigned short>(percent));
     PLATFORM::CPlatLcd::setBrightness(percent);
 }
 
 void BacklightBuzzer::moveTone(int tone)
 {
-    m_widgets.tone->setText(QString::number(tone));
-    writeWord(TONE_WORD, m_widgets.tone->text());
-    PLATFORM::CPlatBuzzer::setPwmType(static_cast<unsigned short>(tone));
-    PLATFORM::CPlatBuzzer::open(); // to hear it
+    const auto level = static_cast<unsigned short>(tone);
+    m_widgets.tone->setText(QString::number(level));
+    keepWord(TONE_WORD, level);
+    PLATFORM::CPlatBuzzer::setPwmType(level);
+    PLATFORM::CPlatBuzzer::open(); // so that the operator hears the tone
 }
 
 void BacklightBuzzer::toggleBeep()
@@ -143,7 +154,7 @@ void BacklightBuzzer::toggleBeep()
     PLATFORM::CPlatBuzzer::setEnable(on ? 1 : 0);
     showBeep(on);
     if (m_bRuntime)
-        writeWord(BEEP_WORD, on ? QStringLiteral("1") : QStringLiteral("0"));
+        keepWord(BEEP_WORD, static_cast<unsigned short>(on ? 1 : 0));
 }
 
 void BacklightBuzzer::showBeep(bool on)

@@ -10,8 +10,8 @@ class QPushButton;
 class QSlider;
 class QWidget;
 
-// Each setting is one word of the runtime, which keeps it, and most of them go to the hardware at
-// once. What the runtime does not take or give is not reported. GUI thread.
+// The runtime keeps each setting in a word; all but the off-time go to the hardware at once. Words
+// that the runtime does not give or take are not reported to the operator. GUI thread.
 class BacklightBuzzer
 {
 public:
@@ -30,12 +30,12 @@ public:
     // `page` and the widgets must outlive the object.
     BacklightBuzzer(QWidget *page, const Widgets &widgets);
 
-    // Shows the runtime's words and sets the buzzer up by them. Without it the switch does not
-    // write.
+    // Shows the runtime's words and sets the buzzer up by them. Until then the switch writes no
+    // word.
     void init();
 
-    // Opens the keyboard on the field that `object` is, if it is one of these; an accepted value is
-    // applied. Returns whether it is one.
+    // Opens the keyboard if `object` is one of the fields, and applies an accepted value. Returns
+    // whether it is one of them.
     bool edit(const QObject *object);
 
     void moveBrightness(int percent);

@@ -1,6 +1,6 @@
 #include "system/Clock.h"
 
-#include "platform/runtime.h"
+#include "system/RuntimeWord.h"
 
 #include <algorithm>
 
@@ -9,6 +9,10 @@ namespace {
 constexpr unsigned int CLOCK_ADDRESS = 28;
 constexpr int WRONG_COUNT = -2;
 constexpr int REFUSED = -3;
+
+// Digits of a month's text at least.
+constexpr int SHOWN_WIDTH = 2;
+constexpr int TYPED_WIDTH = 1;
 
 QString padded(int number, int width)
 {
@@ -25,15 +29,16 @@ int lastOfFebruary(const QString &year)
     return isLeapYear(year) ? 29 : 28;
 }
 
-int lastDay(const ClockTexts &texts)
+// Of the month whose number has `width` digits at least; a text of another form counts as a month
+// of 30 days.
+int lastDay(const ClockTexts &texts, int width)
 {
-    static const QStringList longMonths{
-        QStringLiteral("01"), QStringLiteral("03"), QStringLiteral("05"), QStringLiteral("07"),
-        QStringLiteral("08"), QStringLiteral("10"), QStringLiteral("12")};
     const QString &month = texts[CLOCK_MONTH];
-    if (month == QLatin1String("02"))
-        return lastOfFebruary(texts[CLOCK_YEAR]);
-    return longMonths.contains(month) ? 31 : 30;
+    for (const int longMonth : {1, 3, 5, 7, 8, 10, 12}) {
+        if (month == padded(longMonth, width))
+            return 31;
+    }
+    return month == padded(2, width) ? lastOfFebruary(texts[CLOCK_YEAR]) : 30;
 }
 
 QString atMost(const QString &day, int last)
@@ -63,7 +68,7 @@ ClockRange clockRange(ClockField field, const ClockTexts &texts)
     case CLOCK_MONTH:
         return {1, 12};
     case CLOCK_DAY:
-        return {1, lastDay(texts)};
+        return {1, lastDay(texts, SHOWN_WIDTH)};
     case CLOCK_HOUR:
         return {0, 23};
     default:
@@ -80,14 +85,7 @@ QString dayAfterYear(const ClockTexts &texts)
 
 QString dayAfterMonth(const ClockTexts &texts)
 {
-    static const QStringList longMonths{
-        QStringLiteral("1"), QStringLiteral("3"),  QStringLiteral("5"), QStringLiteral("7"),
-        QStringLiteral("8"), QStringLiteral("10"), QStringLiteral("12")};
-    const QString &month = texts[CLOCK_MONTH];
-    if (longMonths.contains(month))
-        return texts[CLOCK_DAY];
-    return atMost(texts[CLOCK_DAY],
-                  month == QLatin1String("2") ? lastOfFebruary(texts[CLOCK_YEAR]) : 30);
+    return atMost(texts[CLOCK_DAY], lastDay(texts, TYPED_WIDTH));
 }
 
 void measureOffset(const ClockTexts &texts, std::int64_t &offset)
@@ -111,5 +109,5 @@ int writeClock(const QStringList &values)
         return WRONG_COUNT;
     std::transform(values.begin(), values.end(), words.begin(),
                    [](const QString &value) { return value.toUShort(); });
-    return backstage_AddrWrite(CLOCK_ADDRESS, words.data(), CLOCK_FIELDS) < 0 ? REFUSED : 0;
+    return writeWords(CLOCK_ADDRESS, words.data(), CLOCK_FIELDS) == 0 ? 0 : REFUSED;
 }

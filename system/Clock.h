@@ -1,4 +1,4 @@
-// The arithmetic of the clock's fields, and the way of their values into the runtime. GUI thread.
+// The arithmetic of the clock's fields, and the runtime's clock. GUI thread.
 #pragma once
 
 #include "platform/cos_time.h"
@@ -42,8 +42,8 @@ ClockRange clockRange(ClockField field, const ClockTexts &texts);
 QString dayAfterYear(const ClockTexts &texts);
 QString dayAfterMonth(const ClockTexts &texts);
 
-// Sets `offset` to the seconds from the panel's clock to the time that the fields show. Untouched
-// if the panel does not say its time.
+// Sets `offset` to the seconds from the panel's clock to the time that the fields show; untouched
+// if the panel's clock cannot be read.
 void measureOffset(const ClockTexts &texts, std::int64_t &offset);
 
 // The six values that Save writes. The seconds are the minutes' value; this is intended.
@@ -51,4 +51,4 @@ QStringList clockValues(const ClockTexts &texts);
 
 // Sets the runtime's clock: year, month, day, hour, minute, second. Returns 0; -2 if there are not
 // six values, -3 if the runtime refuses.
-int writeClock(const QStringList &values);
+[[nodiscard]] int writeClock(const QStringList &values);

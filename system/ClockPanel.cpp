@@ -16,7 +16,7 @@ namespace {
 
 constexpr int VISIBLE_ZONES = 8;
 
-// In the fields' order: what the keyboard calls them, which have one label among them.
+// The keyboard's captions in the fields' order; on the page one label stands for all six.
 constexpr std::array<const char *, CLOCK_FIELDS> CAPTIONS = {
     QT_TRANSLATE_NOOP("General", "Year"),   QT_TRANSLATE_NOOP("General", "Month"),
     QT_TRANSLATE_NOOP("General", "Day"),    QT_TRANSLATE_NOOP("General", "Hour"),
@@ -49,7 +49,7 @@ void ClockPanel::refresh()
     const ClockTexts shown =
         clockTexts(COS::CosTime::TimeStampToZoneTime(COS::CosTime::GetTimeStamp() + m_nTimeOffset));
     for (std::size_t i = 0; i < m_fields.size(); ++i) {
-        if (m_fields[i]->text() != shown[i])
+        if (m_fields[i]->text() != shown[i]) // most ticks change the seconds alone
             m_fields[i]->setText(shown[i]);
     }
 }
@@ -80,7 +80,7 @@ void ClockPanel::editField(ClockField field)
     QString entered;
     if (!editWithKeyboard(request, &entered))
         return;
-    // The keyboard has written the field, but a tick may have come before its end.
+    // Again: a tick between the entry and the keyboard's end may have written over it.
     line->setText(QString::number(entered.toInt()));
     if (field == CLOCK_YEAR)
         m_fields[CLOCK_DAY]->setText(dayAfterYear(texts()));

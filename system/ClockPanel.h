@@ -20,17 +20,17 @@ public:
     // object.
     ClockPanel(QWidget *page, const Fields &fields, QComboBox *zones);
 
-    // Shows the time. Touches only the fields whose text changes: nobody sees most of the ticks.
+    // Shows the time.
     void refresh();
 
-    // Opens the keyboard on the field that `object` is, if it is one of the six; an accepted value
-    // is what the clock goes on from. Returns whether it is one.
+    // Opens the keyboard if `object` is one of the six fields; the clock ticks on from an accepted
+    // value. Returns whether it is one of them.
     bool edit(const QObject *object);
 
-    // Sets the panel's clock to what the fields show, and tells the operator if that fails.
+    // Sets the runtime's clock to what the fields show, and tells the operator if that fails.
     void save();
 
-    // Chooses the zone of that row.
+    // Applies the zone of row `index`.
     void applyZone(int index);
 
 private:

@@ -3,7 +3,6 @@
 #include "system/RuntimeWord.h"
 
 #include <algorithm>
-#include <array>
 
 QStringList listSeralType;
 
@@ -30,16 +29,13 @@ enum Result {
     LATER_WORD_NOT_WRITTEN = -7,
 };
 
-using Words = std::array<unsigned short, COM_FIELDS>;
-
 struct PortBase
 {
     const char *name;
     unsigned int base;
 };
 
-// In the order of listSeralType. The last sub-port of COM1 came later than the others, behind four
-// words that belong to no port.
+// In the order of listSeralType. The four words before COM1-3 belong to no port.
 constexpr PortBase PORTS[] = {{"COM1-1", 10061}, {"COM1-2", 10094}, {"COM1-3", 10120},
                               {"COM2-1", 10072}, {"COM2-2", 10105}, {"COM3", 10083}};
 
@@ -52,26 +48,41 @@ const PortBase *findPort(const QString &name)
     return port == std::end(PORTS) ? nullptr : port;
 }
 
-bool isUnused(const QString &settings)
-{
-    return settings == QLatin1String("RS232,1200,0,0,NONE,0,0,0,0,0,0");
-}
-
-// A plain number would not do for an index without an item: word 9600 would be written as the
-// index of 9600.
+// A plain number in place of an item that is missing could be written back as another one: 9600 as
+// the index of the rate 9600.
 QString itemOf(const QStringList &list, int index)
 {
     return index < list.size() ? list.at(index) : QStringLiteral("?%1").arg(index);
 }
 
-// Up to the first word that the runtime refuses. Returns whether there is none.
-bool readWords(unsigned int base, Words &words)
+bool isZero(unsigned short word)
 {
-    for (unsigned int i = 0; i < words.size(); ++i) {
-        if (readWordValue(base + i, words[i]) != 0)
-            return false;
+    return word == 0;
+}
+
+struct Reading
+{
+    ComWords words{}; // 0 from the first one on that the runtime does not give
+    bool complete = true;
+};
+
+Reading readWords(unsigned int base)
+{
+    Reading reading;
+    for (unsigned int i = 0; i < COM_FIELDS && reading.complete; ++i)
+        reading.complete = readWord(base + i, reading.words[i]) == 0;
+    return reading;
+}
+
+// Writes every word, also those behind one that the runtime does not take.
+int writeEach(unsigned int base, const ComWords &words)
+{
+    int result = 0;
+    for (unsigned int i = 0; i < COM_FIELDS; ++i) {
+        if (writeWord(base + i, words[i]) != 0 && result == 0)
+            result = i < SERIAL_FIELDS ? SERIAL_WORD_NOT_WRITTEN : LATER_WORD_NOT_WRITTEN;
     }
-    return true;
+    return result;
 }
 
 // The index of `item`, or `refusal` if the list does not have it.
@@ -95,13 +106,8 @@ ComParamLists::ComParamLists()
 {
 }
 
-int ComParamLists::readPort(unsigned int base, QString &settings, bool *complete) const
+QString ComParamLists::settingsOf(const ComWords &words) const
 {
-    Words words{};
-    const bool allRead = readWords(base, words);
-    if (complete != nullptr)
-        *complete = allRead;
-
     QStringList fields;
     for (const unsigned short word : words)
         fields << QString::number(word);
@@ -110,16 +116,11 @@ int ComParamLists::readPort(unsigned int base, QString &settings, bool *complete
         itemOf(m_connections, connection == RS485_2_WORD ? RS485_2_INDEX : connection);
     fields[COM_BAUD] = itemOf(m_bauds, words[COM_BAUD]);
     fields[COM_PARITY] = itemOf(m_parities, words[COM_PARITY]);
-    settings = fields.join(QLatin1Char(','));
-
-    const bool configured = std::any_of(words.begin(), words.begin() + SERIAL_FIELDS,
-                                        [](unsigned short word) { return word != 0; });
-    if (!configured)
-        return NOT_CONFIGURED;
-    return allRead ? 0 : WORD_NOT_READ;
+    return fields.join(QLatin1Char(','));
 }
 
-int ComParamLists::writePort(unsigned int base, const QString &settings) const
+// Returns 0, or why the settings cannot be written, as writePort().
+int ComParamLists::wordsOf(const QString &settings, ComWords &words) const
 {
     const QStringList fields = settings.split(QLatin1Char(','));
     if (fields.size() != COM_FIELDS)
@@ -131,21 +132,31 @@ int ComParamLists::writePort(unsigned int base, const QString &settings) const
         if (index < 0)
             return index;
     }
-
-    Words words{};
     std::transform(fields.begin(), fields.end(), words.begin(),
                    [](const QString &field) { return field.toUShort(); });
     words[COM_CONNECTION] =
         connection == RS485_2_INDEX ? RS485_2_WORD : static_cast<unsigned short>(connection);
     words[COM_BAUD] = static_cast<unsigned short>(baud);
     words[COM_PARITY] = static_cast<unsigned short>(parity);
+    return 0;
+}
 
-    int result = 0;
-    for (unsigned int i = 0; i < words.size(); ++i) {
-        if (writeWordValue(base + i, words[i]) != 0 && result == 0)
-            result = i < SERIAL_FIELDS ? SERIAL_WORD_NOT_WRITTEN : LATER_WORD_NOT_WRITTEN;
-    }
-    return result;
+int ComParamLists::readPort(unsigned int base, QString &settings, bool *complete) const
+{
+    const Reading reading = readWords(base);
+    if (complete != nullptr)
+        *complete = reading.complete;
+    settings = settingsOf(reading.words);
+    if (std::all_of(reading.words.begin(), reading.words.begin() + SERIAL_FIELDS, isZero))
+        return NOT_CONFIGURED;
+    return reading.complete ? 0 : WORD_NOT_READ;
+}
+
+int ComParamLists::writePort(unsigned int base, const QString &settings) const
+{
+    ComWords words{};
+    const int refusal = wordsOf(settings, words);
+    return refusal != 0 ? refusal : writeEach(base, words);
 }
 
 int ComParamLists::readPort(const QString &name, QString &settings, bool *complete) const
@@ -164,10 +175,9 @@ std::vector<ComPort> ComParamLists::portsInUse() const
 {
     std::vector<ComPort> ports;
     for (const PortBase &port : PORTS) {
-        QString settings;
-        readPort(port.base, settings);
-        if (!isUnused(settings))
-            ports.push_back({QLatin1String(port.name), settings});
+        const ComWords words = readWords(port.base).words;
+        if (!std::all_of(words.begin(), words.end(), isZero))
+            ports.push_back({QLatin1String(port.name), settingsOf(words)});
     }
     return ports;
 }

@@ -1,10 +1,11 @@
-// The COM ports' settings: eleven words a port in the control runtime, and inside the program one
-// text a port, its eleven fields joined by ",". GUI thread.
+// The COM ports' settings: eleven words a port in the control runtime, and in this program one text
+// a port, its eleven fields joined by ",". GUI thread.
 #pragma once
 
 #include <QString>
 #include <QStringList>
 
+#include <array>
 #include <vector>
 
 // Fields of the text, and words of the port, in order.
@@ -23,6 +24,8 @@ enum ComField {
     COM_FIELDS = 11,
 };
 
+using ComWords = std::array<unsigned short, COM_FIELDS>;
+
 constexpr const char *COM_PARITIES = "NONE,ODD,EVEN,SPACE,Mark";
 
 // The items of a list that is written as one text, joined by ",".
@@ -35,10 +38,10 @@ struct ComPort
     QString settings;
 };
 
-// Names of the ports in use, in the order of the COM page. Made anew when that page starts.
+// Names of the ports in use, in the order of the COM page; set by CommSetting::init().
 extern QStringList listSeralType;
 
-// The codec between words and text, with the lists that some of the words are indices of.
+// The codec between words and text, and the lists that some words are indices of.
 class ComParamLists
 {
 public:
@@ -46,26 +49,31 @@ public:
 
     // Reads the port whose words begin at `base`. The baud rate 500000 has white space in front,
     // and must be written with it. The text is built in any case: a word that could not be read
-    // counts as 0, and so do those behind it; an index that its list does not have is shown as "?"
-    // and the number, which no write takes. `complete` tells whether all words were read, which the
-    // result does not: -3 goes before -2. Returns 0; -2 if a word could not be read; -3 if the
-    // first five words are all 0, so that the port is not configured.
-    int readPort(unsigned int base, QString &settings, bool *complete = nullptr) const;
+    // counts as 0, and so do those behind it; an index that its list does not have becomes "?" and
+    // the number, which no write takes. `complete` tells whether all words were read. Returns 0; -3
+    // if the first five words are all 0 (the port is not configured); else -2 if a word could not
+    // be read.
+    [[nodiscard]] int readPort(unsigned int base, QString &settings,
+                               bool *complete = nullptr) const;
 
     // Writes the port whose words begin at `base`, word by word; numbers that are none from 0 to
     // 65535 count as 0. Returns 0. Without a write: -2 if there are not eleven fields; -3, -4 or -5
     // if the lists have no such connection, baud rate or parity. With all other words written: -6
     // if one of the first five was not taken, else -7 if a later one was not.
-    int writePort(unsigned int base, const QString &settings) const;
+    [[nodiscard]] int writePort(unsigned int base, const QString &settings) const;
 
     // Same by the port's name; -2 also for a name that no port has, with `settings` untouched.
-    int readPort(const QString &name, QString &settings, bool *complete = nullptr) const;
-    int writePort(const QString &name, const QString &settings) const;
+    [[nodiscard]] int readPort(const QString &name, QString &settings,
+                               bool *complete = nullptr) const;
+    [[nodiscard]] int writePort(const QString &name, const QString &settings) const;
 
     // The ports whose settings are not all zero, in the order of listSeralType.
     std::vector<ComPort> portsInUse() const;
 
 private:
+    QString settingsOf(const ComWords &words) const;
+    int wordsOf(const QString &settings, ComWords &words) const;
+
     QStringList m_connections;
     QStringList m_bauds;
     QStringList m_parities;

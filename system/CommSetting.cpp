@@ -36,19 +36,8 @@ constexpr Refusal REFUSALS[] = {
     {-7, QT_TRANSLATE_NOOP("CommSetting",
                            "Not saved in full: the runtime refused a value. Please try again.")},
 };
-constexpr int LINE_MARGIN = 2; // pixels that a line edit keeps free at either side of its text
 
-// Nobody measures the letters of a line that is not seen.
-void showElided(QLineEdit *line, const QString &text)
-{
-    if (!line->isVisible()) {
-        line->setText(text);
-        return;
-    }
-    const int room = line->contentsRect().width() - 2 * LINE_MARGIN;
-    line->setText(line->fontMetrics().elidedText(text, Qt::ElideRight, room));
-}
-
+// Without the white space of a baud rate.
 QString joined(const QStringList &fields)
 {
     QStringList shown;
@@ -73,8 +62,6 @@ CommSetting::CommSetting(QWidget *parent) : QWidget(parent), ui(std::make_unique
         line->setMinimumHeight(touchHeight());
         line->installEventFilter(this);
     }
-    for (QLineEdit *summary : {ui->line_SerialCommiation, ui->line_TimeCommiation})
-        summary->installEventFilter(this);
 }
 
 CommSetting::~CommSetting() = default;
@@ -101,15 +88,11 @@ void CommSetting::retranslate()
 
 bool CommSetting::eventFilter(QObject *watched, QEvent *event)
 {
-    const bool isStation = watched == ui->line_HmiStation || watched == ui->line_StandStation;
-    if (isStation && isPress(watched, event)) {
+    if (isPress(watched, event)) {
         if (watched == ui->line_HmiStation)
             editStation(ui->line_HmiStation, COM_HMI_STATION);
-        else
+        else if (watched == ui->line_StandStation)
             editStation(ui->line_StandStation, COM_DEVICE_STATION);
-    } else if (!isStation && (event->type() == QEvent::Show || event->type() == QEvent::Resize ||
-                              event->type() == QEvent::FontChange)) {
-        showSummaries();
     }
     return QWidget::eventFilter(watched, event);
 }
@@ -139,7 +122,7 @@ int CommSetting::readPort(QString &settings)
 void CommSetting::load(const QString &name)
 {
     ui->line_ComNum->setText(name);
-    m_nWritten = 0;
+    m_nWriteResult = 0;
     showRefusal();
     reload();
 }
@@ -157,20 +140,11 @@ void CommSetting::showFields()
 {
     ui->line_HmiStation->setText(m_fields.value(COM_HMI_STATION));
     ui->line_StandStation->setText(m_fields.value(COM_DEVICE_STATION));
-    showSummaries();
-}
-
-// Shortened on the screen alone, the white space of a baud rate included; m_fields is what is
-// written.
-void CommSetting::showSummaries()
-{
-    if (ui->line_ComNum->text().isEmpty())
-        return;
-    showElided(ui->line_SerialCommiation,
-               m_fields.isEmpty() ? QStringLiteral("NULL,1200,0,0,NONE")
-                                  : joined(m_fields.mid(COM_CONNECTION, COM_PARITY + 1)));
-    showElided(ui->line_TimeCommiation,
-               joined(m_fields.mid(COM_WAIT_TIMEOUT, COM_HMI_STATION - COM_WAIT_TIMEOUT)));
+    ui->line_SerialCommiation->setFullText(
+        m_fields.isEmpty() ? QStringLiteral("NULL,1200,0,0,NONE")
+                           : joined(m_fields.mid(COM_CONNECTION, COM_PARITY + 1)));
+    ui->line_TimeCommiation->setFullText(
+        joined(m_fields.mid(COM_WAIT_TIMEOUT, COM_HMI_STATION - COM_WAIT_TIMEOUT)));
 }
 
 void CommSetting::editStation(QLineEdit *line, ComField field)
@@ -203,18 +177,18 @@ void CommSetting::editParameters(int page)
     write(fields);
 }
 
-// Fields that were not read would be written as 0, and a refused write leaves the screen ahead of
-// the runtime: both end in what the runtime holds, and in a line that says so.
+// After a failure the page shows what the runtime holds, and why the change was not saved.
 void CommSetting::write(const QStringList &fields)
 {
-    m_nWritten = writePort(fields);
+    m_nWriteResult = writePort(fields);
     showRefusal();
-    if (m_nWritten != 0)
+    if (m_nWriteResult != 0)
         return reload();
     m_fields = fields;
     showFields();
 }
 
+// A port that was not read in full is not written: its missing fields would become 0.
 int CommSetting::writePort(const QStringList &fields)
 {
     return m_bComplete && m_pLists != nullptr
@@ -224,9 +198,9 @@ int CommSetting::writePort(const QStringList &fields)
 
 void CommSetting::showRefusal()
 {
-    ui->lab_NotSaved->setHidden(m_nWritten == 0);
+    ui->lab_NotSaved->setHidden(m_nWriteResult == 0);
     for (const Refusal &refusal : REFUSALS) {
-        if (refusal.result == m_nWritten)
+        if (refusal.result == m_nWriteResult)
             ui->lab_NotSaved->setText(tr(refusal.text));
     }
 }

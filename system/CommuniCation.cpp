@@ -27,7 +27,8 @@ constexpr int PHYSICAL_NAME = 4; // characters that the sub-ports of a physical 
 
 enum class Rule { List, Around, Within };
 
-// How a field changes, in the order of the port's fields. The numbers are the keyboard's range too.
+// How a field's step buttons change it, in the order of the port's fields. `min` and `max` are the
+// keyboard's range too.
 struct FieldRule
 {
     const char *name; // of line_NAME, btn_NAME_L and btn_NAME_R
@@ -86,14 +87,7 @@ CommuniCation::CommuniCation(QWidget *parent)
     setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     new DismissGuard(this, false);
     setStyleSheet(communicationStyle());
-    for (const FieldRule &rule : RULES) {
-        const QString name = QLatin1String(rule.name);
-        auto *line = findChild<QLineEdit *>(QStringLiteral("line_") + name);
-        auto *left = findChild<QPushButton *>(QStringLiteral("btn_%1_L").arg(name));
-        auto *right = findChild<QPushButton *>(QStringLiteral("btn_%1_R").arg(name));
-        m_fields.push_back({line, left, right, {}});
-        line->installEventFilter(this);
-    }
+    findFields();
     for (QPushButton *button : findChildren<QPushButton *>()) {
         button->setMinimumSize(2 * touchHeight(), touchHeight());
         connect(button, &QPushButton::clicked, this, &CommuniCation::slot_ButtonPressed);
@@ -103,6 +97,18 @@ CommuniCation::CommuniCation(QWidget *parent)
 }
 
 CommuniCation::~CommuniCation() = default;
+
+void CommuniCation::findFields()
+{
+    for (const FieldRule &rule : RULES) {
+        const QString name = QLatin1String(rule.name);
+        auto *line = findChild<QLineEdit *>(QStringLiteral("line_") + name);
+        auto *left = findChild<QPushButton *>(QStringLiteral("btn_%1_L").arg(name));
+        auto *right = findChild<QPushButton *>(QStringLiteral("btn_%1_R").arg(name));
+        m_fields.push_back({line, left, right, {}});
+        line->installEventFilter(this);
+    }
+}
 
 void CommuniCation::prepare(const ComPort &port, const std::vector<ComPort> &ports)
 {

@@ -55,6 +55,7 @@ private:
         QStringList items; // of a field with a list
     };
 
+    void findFields();
     QString stepped(int index, int direction) const;
 
     std::unique_ptr<Ui::Communication> ui;

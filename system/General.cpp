@@ -18,16 +18,7 @@ constexpr int CLOCK_MS = 1000;
 General::General(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::General>())
 {
     ui->setupUi(this);
-    const int side = touchHeight();
-    ui->btn_BeepSwitch->setFixedSize(2 * side, side);
-    ui->lab_BeepVal->setFixedSize(side, side);
-    ui->btn_SetTime->setMinimumHeight(side);
-    ui->comboBox->setMinimumHeight(side);
-    for (QLineEdit *field :
-         {ui->line_Month, ui->line_Day, ui->line_Hour, ui->line_Minute, ui->line_Second,
-          ui->line_BacklightTime, ui->line_Backlightness, ui->line_BeepTime, ui->line_BeepType})
-        field->setMinimumWidth(side);
-    ui->line_Year->setMinimumWidth(side * 5 / 4);
+    sizeWidgets();
     m_clock.emplace(this,
                     ClockPanel::Fields{ui->line_Year, ui->line_Month, ui->line_Day, ui->line_Hour,
                                        ui->line_Minute, ui->line_Second},
@@ -43,9 +34,24 @@ General::General(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::Gen
 
 General::~General() = default;
 
+// Large enough for a finger.
+void General::sizeWidgets()
+{
+    const int side = touchHeight();
+    ui->btn_BeepSwitch->setFixedSize(2 * side, side);
+    ui->lab_BeepVal->setFixedSize(side, side);
+    ui->btn_SetTime->setMinimumHeight(side);
+    ui->comboBox->setMinimumHeight(side);
+    for (QLineEdit *field :
+         {ui->line_Month, ui->line_Day, ui->line_Hour, ui->line_Minute, ui->line_Second,
+          ui->line_BacklightTime, ui->line_Backlightness, ui->line_BeepTime, ui->line_BeepType})
+        field->setMinimumWidth(side);
+    ui->line_Year->setMinimumWidth(side * 5 / 4); // four digits
+}
+
 void General::connectWidgets()
 {
-    // The zone that is shown need not be in force, so touching it again counts.
+    // Also when the same row is chosen again: the zone that is shown need not be in force.
     connect(ui->comboBox, qOverload<int>(&QComboBox::activated), this, &General::slot_comboxChange);
     connect(ui->btn_SetTime, &QPushButton::clicked, this, &General::slot_ButtonPressed);
     connect(ui->btn_BeepSwitch, &QPushButton::clicked, this, &General::slot_ButtonPressed);
@@ -80,11 +86,11 @@ void General::timerEvent(QTimerEvent *event)
         QWidget::timerEvent(event);
     else if (isVisible())
         m_clock->refresh();
-    else // an idle panel pays for every tick
+    else // a clock that is not seen wakes no idle panel
         killTimer(std::exchange(m_nClockTimer, 0));
 }
 
-// A coarse timer would skip a second now and then.
+// Precise, since a coarse timer skips a second now and then.
 void General::startClock()
 {
     if (m_nClockTimer == 0)

@@ -15,7 +15,7 @@ namespace Ui {
 class General;
 }
 
-// Brings the form, touches and ticks to the two halves. GUI thread.
+// Owns the form and hands its events to the two halves. GUI thread.
 class General : public QWidget
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
     // the beep switch. Once, by the main window.
     void init(const ComParamLists *runtime);
 
-    // Says the page's texts and takes its style again, after a language change.
+    // Sets the page's texts and style again, after a language change.
     void retranslate();
 
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -45,11 +45,12 @@ private slots:
     void slot_slider_BeepType(int tone);
 
 private:
+    void sizeWidgets();
     void connectWidgets();
     void startClock();
 
     std::unique_ptr<Ui::General> ui;
     std::optional<ClockPanel> m_clock;
     std::optional<BacklightBuzzer> m_backlightBuzzer;
-    int m_nClockTimer = 0; // 0: stopped, nobody sees the page
+    int m_nClockTimer = 0; // 0 while the page is hidden
 };

@@ -15,7 +15,7 @@ Language::Language(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::L
 
 Language::~Language() = default;
 
-// The button that goes with a radio shows the choice too: it is what a finger goes for.
+// The button beside a radio shows the choice too: it is the larger target.
 void Language::showChoiceOn(QRadioButton *radio, QPushButton *button)
 {
     radio->setMinimumSize(touchHeight(), touchHeight());

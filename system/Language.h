@@ -12,7 +12,7 @@ namespace Ui {
 class Language;
 }
 
-// The page only says what the operator picked; the main window applies it. GUI thread.
+// The page only reports what the operator picked; the main window applies it. GUI thread.
 class Language : public QWidget
 {
     Q_OBJECT
@@ -24,7 +24,7 @@ public:
     // Checks the radio of a language id; unknown ids check nothing.
     void checkLanguage(int id);
 
-    // Says the page's texts and takes its style again, after `id` became the language.
+    // Sets the page's texts and style again, after `id` became the language.
     void retranslate(int id);
 
 signals:

@@ -38,7 +38,7 @@ QString toQString(const std::string &path)
     return QString::fromLocal8Bit(path.data(), static_cast<int>(path.size()));
 }
 
-// An id from a damaged file must neither lock the language nor leave the program without one.
+// An unknown id, of a damaged file, counts as Chinese, so that it does not lock the language.
 int knownLanguage(int id)
 {
     return id == LANGUAGE_ENGLISH ? LANGUAGE_ENGLISH : LANGUAGE_CHINESE;

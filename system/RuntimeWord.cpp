@@ -6,37 +6,33 @@
 
 namespace {
 
+constexpr int NOT_READ = -1;
 constexpr int NO_TEXT = -1;
 constexpr int REFUSED = -2;
-constexpr int NOT_READ = -1;
 
 } // namespace
 
-int readWordValue(unsigned int address, unsigned short &value)
+int readWord(unsigned int address, unsigned short &value)
 {
-    return backstage_AddrRead(address, &value, 1) < 0 ? REFUSED : 0;
+    return backstage_AddrRead(address, &value, 1) < 0 ? NOT_READ : 0;
 }
 
-int readWord(unsigned int address, QString &text)
+int writeWord(unsigned int address, unsigned short value)
 {
-    unsigned short value = 0;
-    text.clear();
-    if (readWordValue(address, value) != 0)
-        return NOT_READ;
-    text = QString::number(value);
-    return 0;
-}
-
-int writeWordValue(unsigned int address, unsigned short value)
-{
-    if (backstage_AddrWrite(address, &value, 1) < 0)
-        return REFUSED;
-    std::printf("[%d]{%s} ", __LINE__, "SetAddrData");
-    std::printf("Write dwAddr = %d Data is %d\n", static_cast<int>(address), value);
-    return 0;
+    const int result = writeWords(address, &value, 1);
+    if (result == 0) {
+        std::printf("[%d]{%s} ", __LINE__, "SetAddrData");
+        std::printf("Write dwAddr = %d Data is %d\n", static_cast<int>(address), value);
+    }
+    return result;
 }
 
 int writeWord(unsigned int address, const QString &text)
 {
-    return text.isEmpty() ? NO_TEXT : writeWordValue(address, text.toUShort());
+    return text.isEmpty() ? NO_TEXT : writeWord(address, text.toUShort());
+}
+
+int writeWords(unsigned int address, const unsigned short *words, int count)
+{
+    return backstage_AddrWrite(address, words, count) < 0 ? REFUSED : 0;
 }

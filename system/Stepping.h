@@ -1,5 +1,4 @@
-// What a pair of step buttons does with the text beside it. Each function takes any text, whatever
-// it says.
+// What a pair of step buttons does with the text beside it.
 #pragma once
 
 #include <QString>

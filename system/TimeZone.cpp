@@ -61,8 +61,8 @@ constexpr const char *ZONE_DIRECTORY = "/mnt/data/etc/tz";
 constexpr const char *ZONE_NAME = "tz.conf";
 constexpr std::size_t LONGEST_CONTENT = 255; // bytes of the file that are read
 
-// The environment's string once makeRoomForTimeZone() has put it there. Zeros behind the value end
-// it at every moment, whoever reads it meanwhile.
+// The environment's string once makeRoomForTimeZone() has put it there. The bytes behind the value
+// are 0, so that other threads find its end while it is overwritten.
 constexpr std::size_t NAME_LENGTH = 3;
 std::array<char, 256> zoneVariable{'T', 'Z', '='};
 
@@ -95,7 +95,7 @@ File openZoneFile(const char *mode)
     return file;
 }
 
-// Down to the medium: panels are switched off by their main switch.
+// Synced, since panels are switched off by their main switch.
 void writeContent(std::FILE *file, const std::string &content)
 {
     std::fwrite(content.data(), 1, content.size(), file);

@@ -1,4 +1,4 @@
-// The 39 time zones, the file that keeps the chosen one, and its way into the process. GUI thread.
+// The 39 time zones, the file that keeps the chosen one, and the process's TZ. GUI thread.
 #pragma once
 
 #include <array>
@@ -25,9 +25,10 @@ extern const std::vector<std::string> g_vecGmt;
 // TZ; one that cannot be opened is reported on standard output.
 int loadTimeZone();
 
-// Keeps row `index` in the zone file and makes it the process's zone and, by way of the panel's
-// clock in that zone plus `offset` seconds, the system's. What fails is reported on standard
-// output. A negative index only empties the file; one beyond the table throws std::out_of_range.
+// Keeps row `index` in the zone file, makes it the process's zone, and sets the panel's clock to
+// the present time plus `offset` seconds in that zone. A file that cannot be opened, or a TZ that
+// cannot be set, is reported on standard output. A negative index only empties the file; one
+// beyond the table throws std::out_of_range.
 void applyTimeZone(int index, std::int64_t offset);
 
 // Puts a TZ that the process has into a variable with room for every value of the table, so that
