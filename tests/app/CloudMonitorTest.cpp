@@ -143,7 +143,7 @@ private slots:
     }
     void startsTheClient()
     {
-        const std::string salt = cell(3).toStdString();
+        const std::string salt = cellOrEmpty(3).toStdString();
         const QByteArray config = "AsyncConfig.sUrl = [mqtt.example.com]\n"
                                   "AsyncConfig.sCertUrl = [cert.example.com]\n"
                                   "AsyncConfig.sNtpUrl = [ntp.example.com]\n"
@@ -151,7 +151,7 @@ private slots:
                                   "AsyncConfig.nCertPort = [443]\n"
                                   "AsyncConfig.sDeviceId = [K7]\n"
                                   "AsyncConfig.sSalt = [" +
-                                  cell(3).toLatin1() + "]\n";
+                                  cellOrEmpty(3).toLatin1() + "]\n";
         panel().apply({{"cloud",
                         {{"load", number(0)},
                          {"config",

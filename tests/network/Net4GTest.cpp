@@ -87,8 +87,8 @@ private slots:
                                  "][10.64.0.2]\n"));
         QCOMPARE(printed.endsWith("net [usb0] Is not Exist!\n"), !present);
         QCOMPARE(lastCall("netT.netIsExist"), R"(["usb0",false,5000])"_s);
-        QCOMPARE(shown("lab_4gStatus") ? text("lab_4gStatus") : QString(), cell(2));
-        QCOMPARE(octets("lab_4gIP_").replace(u'|', u' ').trimmed(), cell(3));
+        QCOMPARE(shown("lab_4gStatus") ? text("lab_4gStatus") : QString(), cellOrEmpty(2));
+        QCOMPARE(octets("lab_4gIP_").replace(u'|', u' ').trimmed(), cellOrEmpty(3));
         for (const char *control : {"btn_4G", "radio_auto", "radio_manual", "line_ApnName"})
             QCOMPARE(enabled(control), present);
         QCOMPARE(icon(), iconOf(on && present ? 4 : 0));
@@ -197,7 +197,7 @@ private slots:
         press(qPrintable(pressed));
         QVERIFY(dialogsDone());
         QCOMPARE(shown("wdg_vpn"), pressed != "radio_auto"_s);
-        const QStringList sent = cell(3).split(QLatin1Char(','));
+        const QStringList sent = cellOrEmpty(3).split(QLatin1Char(','));
         QCOMPARE(callsOf("netT.setApn").size(), sent.size() / 3);
         if (sent.size() < 3)
             return;

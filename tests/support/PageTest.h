@@ -10,10 +10,14 @@ template <typename Page>
 class PageTest : public QObject
 {
 protected:
+    // Ends the test program if the page has no such widget.
     template <typename Widget = QWidget>
     Widget *find(const char *name) const
     {
-        return m_page->template findChild<Widget *>(QString::fromLatin1(name));
+        auto *widget = m_page->template findChild<Widget *>(QString::fromLatin1(name));
+        if (widget == nullptr)
+            qFatal("no %s named \"%s\"", Widget::staticMetaObject.className(), name);
+        return widget;
     }
     bool shown(const char *name) const { return !find(name)->isHidden(); }
     bool enabled(const char *name) const { return find(name)->isEnabled(); }

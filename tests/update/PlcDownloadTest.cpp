@@ -86,7 +86,8 @@ private slots:
         const std::string bare = R"({"program": false, "parameters": false, "mask": false,
                                      "memory": false, "cam": false})";
         const QString plc = cell(0).replace("BARE"_s, QString::fromStdString(bare));
-        const QByteArray trace = cell(3).isEmpty() ? QByteArray() : cell(3).toLatin1() + " Error ";
+        const QByteArray trace =
+            cellOrEmpty(3).isEmpty() ? QByteArray() : cellOrEmpty(3).toLatin1() + " Error ";
         panel().apply({{"plc", Json::parse(plc.toStdString())}});
         int returned = 1;
         const QByteArray printed = printedBy([&] { returned = download(); });
