@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 const AddressPolicy ETHERNET_POLICY = {
     false, false, "startDhcp [%s] ok \n", "startDhcp [%s] error \n", nullptr, nullptr, true,
@@ -100,6 +101,7 @@ void AddressEditor::fill(Group first, Group last)
 void AddressEditor::setEditable(bool editable)
 {
     m_bEditable = editable;
+    m_bSending = m_bSending && editable;
     for (OctetGroup &group : m_groups)
         group.setEnabled(editable);
 }
@@ -126,6 +128,13 @@ QLineEdit *AddressEditor::fieldOf(QObject *object) const
 
 void AddressEditor::edit(QLineEdit *field)
 {
+    m_pNext = field;
+    while (!m_bSending && m_bEditable && m_pNext != nullptr)
+        editOne(std::exchange(m_pNext, nullptr));
+}
+
+void AddressEditor::editOne(QLineEdit *field)
+{
     const auto group =
         std::find_if(m_groups.begin(), m_groups.end(),
                      [field](const OctetGroup &octets) { return octets.contains(field); });
@@ -134,7 +143,7 @@ void AddressEditor::edit(QLineEdit *field)
     if (!editWithKeyboard(request))
         return;
     if (!m_bEditable) {
-        // While the keyboard was open a record took the right to edit away: show what holds.
+        // A record has come while the keyboard was open.
         fill(IP, ALTER_DNS);
         return;
     }
@@ -150,17 +159,35 @@ bool AddressEditor::areComplete(Group first, Group last) const
                        [](const OctetGroup &group) { return group.isComplete(); });
 }
 
+// The texts that the operator has entered, stored; nothing if a group lacks an octet, or if the
+// right to edit was lost meanwhile.
+std::optional<AddressTexts> AddressEditor::entry(Group first, Group last)
+{
+    if (!areComplete(first, last))
+        return std::nullopt;
+    const auto members = textMembers();
+    const AddressTexts former = m_stored;
+    for (std::size_t i = first; i <= last; ++i)
+        m_stored.*members[i] = m_groups[i].join();
+    const AddressTexts typed = m_stored;
+    m_bSending = true;
+    QCoreApplication::processEvents();
+    if (std::exchange(m_bSending, false))
+        return typed;
+    for (std::size_t i = first; i <= last; ++i) {
+        if (m_stored.*members[i] == typed.*members[i]) // no record has told another one
+            m_stored.*members[i] = former.*members[i];
+    }
+    fill(IP, ALTER_DNS);
+    return std::nullopt;
+}
+
 void AddressEditor::applyAddress()
 {
-    if (!areComplete(IP, GATEWAY))
+    const auto typed = entry(IP, GATEWAY);
+    if (!typed)
         return;
-    m_stored.sIpAddr = m_groups[IP].join();
-    m_stored.sSubnetMask = m_groups[MASK].join();
-    m_stored.sGateway = m_groups[GATEWAY].join();
-    // A record that is let in here may change the stored texts, not what the operator typed.
-    const AddressTexts typed = m_stored;
-    QCoreApplication::processEvents();
-    const int result = netT::setIp(m_sDevice, typed.sIpAddr, typed.sSubnetMask, typed.sGateway,
+    const int result = netT::setIp(m_sDevice, typed->sIpAddr, typed->sSubnetMask, typed->sGateway,
                                    m_policy.ipFlag, TIMEOUT_MS);
     if (result == 0)
         printDevice("setIp [%s] ok\n");
@@ -168,18 +195,16 @@ void AddressEditor::applyAddress()
         printDevice("setIp [%s] error\n");
     else
         std::printf("setIp [%s] error IP [%s] sub [%s] gate [%s]\n", m_sDevice.c_str(),
-                    typed.sIpAddr.c_str(), typed.sSubnetMask.c_str(), typed.sGateway.c_str());
+                    typed->sIpAddr.c_str(), typed->sSubnetMask.c_str(), typed->sGateway.c_str());
 }
 
 void AddressEditor::applyDns()
 {
-    if (!areComplete(PREF_DNS, ALTER_DNS))
+    const auto typed = entry(PREF_DNS, ALTER_DNS);
+    if (!typed)
         return;
-    m_stored.sPrefDns = m_groups[PREF_DNS].join();
-    m_stored.sAlterDns = m_groups[ALTER_DNS].join();
-    const AddressTexts typed = m_stored;
-    QCoreApplication::processEvents();
-    const int result = netT::setDns(m_sDevice, typed.sPrefDns, typed.sAlterDns, false, TIMEOUT_MS);
+    const int result =
+        netT::setDns(m_sDevice, typed->sPrefDns, typed->sAlterDns, false, TIMEOUT_MS);
     printDevice(result == 0 ? "setDns [%s] ok\n" : "setDns [%s] error\n");
 }
 

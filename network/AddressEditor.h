@@ -6,6 +6,7 @@
 #include "network/OctetGroup.h"
 
 #include <array>
+#include <optional>
 #include <string>
 
 class QLineEdit;
@@ -57,7 +58,9 @@ public:
 
     // The field that `object` is, null if it is none of the twenty.
     QLineEdit *fieldOf(QObject *object) const;
-    // Opens the keyboard on `field`; a value that is accepted sends its group or groups.
+    // Opens the keyboard on `field`, if editing is allowed; a value that is accepted sends its
+    // group or groups, unless editing is refused by then. A call while an entry is being sent is
+    // carried out behind it.
     void edit(QLineEdit *field);
 
 private:
@@ -65,6 +68,8 @@ private:
 
     void fill(Group first, Group last);
     bool areComplete(Group first, Group last) const;
+    void editOne(QLineEdit *field);
+    std::optional<AddressTexts> entry(Group first, Group last);
     void applyAddress();
     void applyDns();
     void printDevice(const char *format) const;
@@ -75,4 +80,6 @@ private:
     std::string m_sDevice;
     AddressTexts m_stored;
     bool m_bEditable = false;
+    bool m_bSending = false;      // an entry has been typed, and no record has refused it yet
+    QLineEdit *m_pNext = nullptr; // to be edited once that is sent
 };

@@ -96,8 +96,7 @@ void NetEth::press(QObject *target)
         m_addresses->startDhcp();
         showDhcpView();
     } else if (QLineEdit *field = m_addresses->fieldOf(target)) {
-        if (m_addresses->isEditable())
-            m_addresses->edit(field);
+        m_addresses->edit(field);
     }
 }
 

@@ -84,8 +84,7 @@ void WifiPara::press(QObject *target)
         m_addresses->startDhcp();
         setLook(true);
     } else if (QLineEdit *field = m_addresses->fieldOf(target)) {
-        if (m_addresses->isEditable())
-            m_addresses->edit(field);
+        m_addresses->edit(field);
     }
 }
 

@@ -10,6 +10,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QRegularExpression>
 
 using Record = netT::stAllNetInfo_tag;
 using sim::panel;
@@ -128,7 +129,7 @@ private slots:
             m_page->setNetInfo(before); // a record of the old state completes nothing
             panel().clearCalls();
             press("btn_EthSwitch");
-            press("radio_Dhcp");
+            press("radio_Dhcp"); // nor a key click
             QVERIFY(panel().calls().empty());
             QVERIFY(!enabled("btn_EthSwitch") && !enabled("radio_Dhcp"));
             QVERIFY(shown("label_move") && !shown("label_null"));
@@ -238,6 +239,42 @@ private slots:
         const auto clicks = panel().get("buzzer.opens");
         press("line_Ip4"); // would not return from an open keyboard
         QCOMPARE(panel().get("buzzer.opens").dump(), clicks.dump());
+    }
+
+    void entryMeetsWhatWaited_data()
+    {
+        // field | what comes between the keyboard's end and the call | last octets sent
+        rows({"line_Ip4 | press | 7 9", "line_Ip4 | record |", "line_Ip4 | records |",
+              "line_Dns1_4 | press | 7 9", "line_Dns1_4 | record |", "line_Dns1_4 | records |"});
+    }
+
+    void entryMeetsWhatWaited()
+    {
+        const QByteArray field = cell(0).toLatin1();
+        const QString waited = cell(1);
+        m_page->setNetInfo(STATIC_ON);
+        panel().clearCalls();
+        const auto happens = [&] {
+            if (waited == "press"_s)
+                QTimer::singleShot(0, this, [&] { press(field); });
+            if (waited.startsWith("record"_s))
+                QTimer::singleShot(0, this, [&] { m_page->setNetInfo(DHCP_ON); });
+            if (waited == "records"_s)
+                QTimer::singleShot(0, this, [&] { m_page->setNetInfo(STATIC_ON); });
+        };
+        whenOpen("SoftKeyboard", [&](const QWidget *keyboard) {
+            connect(keyboard, &QObject::destroyed, this, happens);
+            return true;
+        });
+        typeOnKeyboard(waited == "press"_s ? "7\n9\n"_s : "7\n"_s);
+        press(field);
+        QTRY_VERIFY(dialogsDone());
+        QStringList sent;
+        for (const QString &call : serviceCalls().filter(QRegularExpression("^set"_s)))
+            sent << call.section(u'"', 3, 3).section(u'.', 3);
+        QCOMPARE(sent.join(u' '), cell(2));
+        if (sent.isEmpty())
+            QCOMPARE(octets("line_Ip") + octets("line_Dns1_"), "192|168|1|1008|8|8|8"_s);
     }
 
     void hostileTextsStayPlain()

@@ -101,14 +101,20 @@ private slots:
     {
         m_page->slot_DHCP(true);
         press("line_Ip4"); // would not return from an open keyboard
-        // Refused, or closed, while it is typed.
-        for (const auto &end : {std::function<void()>([this] { m_page->slot_DHCP(true); }),
-                                std::function<void()>([this] { m_page->hide(); })}) {
-            whenOpen("SoftKeyboard", [&end](const QWidget *) {
-                end();
+        // Refused, or closed, while it is typed or right before it is sent.
+        const std::function<void()> ends[] = {[this] { m_page->slot_DHCP(true); },
+                                              [this] { m_page->hide(); }};
+        for (int i = 0; i < 4; ++i) {
+            whenOpen("SoftKeyboard", [&](const QWidget *keyboard) {
+                if (i < 2)
+                    ends[i]();
+                else
+                    connect(keyboard, &QObject::destroyed, this,
+                            [&] { QTimer::singleShot(0, this, ends[i - 2]); });
                 return true;
             });
             typeOnKeyboard("7\n"_s);
+            m_page->show();
             m_page->slot_DHCP(false);
             press("line_Ip4");
             QCOMPARE(octets("line_Ip"), "192|168|2|60"_s);
