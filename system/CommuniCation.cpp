@@ -16,10 +16,10 @@ namespace {
 
 // The codec's list has blanks in front of 500000, this one has not: a rate that is chosen here by
 // that name is refused when it is written. This is intended.
-constexpr const char *BAUDS =
+constexpr const char *OFFERED_BAUDS =
     "1200,2400,4800,9600,19200,38400,57600,115200,187500,230400,460800,500000,576000,921600,"
     "1000000,1152000,1500000,2000000,2500000,3000000,3500000,4000000";
-constexpr const char *CONNECTIONS = "RS232,RS422,RS485_1";
+constexpr const char *OFFERED_CONNECTIONS = "RS232,RS422,RS485_1";
 constexpr const char *MORE_CONNECTIONS = "RS232,RS422,RS485_1,RS485_2";
 constexpr const char *SERIES_WITH_MORE = "ASKU"; // first letters of serial numbers
 
@@ -62,7 +62,7 @@ QStringList panelConnections()
     std::string serialNumber;
     const bool more = KVCORE::TMachine().GetSN(serialNumber) != 0 && !serialNumber.empty() &&
                       QLatin1String(SERIES_WITH_MORE).contains(QLatin1Char(serialNumber.front()));
-    return comItems(more ? MORE_CONNECTIONS : CONNECTIONS);
+    return comItems(more ? MORE_CONNECTIONS : OFFERED_CONNECTIONS);
 }
 
 QStringList connectionsFor(const ComPort &port, const std::vector<ComPort> &ports)
@@ -117,7 +117,7 @@ void CommuniCation::prepare(const ComPort &port, const std::vector<ComPort> &por
     for (std::size_t i = 0; i < m_fields.size(); ++i)
         m_fields[i].line->setText(texts.value(static_cast<int>(i)));
     m_fields[COM_CONNECTION].items = connectionsFor(port, ports);
-    m_fields[COM_BAUD].items = comItems(BAUDS);
+    m_fields[COM_BAUD].items = comItems(OFFERED_BAUDS);
     m_fields[COM_PARITY].items = comItems(COM_PARITIES);
 }
 

@@ -11,7 +11,7 @@ namespace {
 using netT::CloudConfig;
 
 constexpr qint64 LARGEST_FILE = 65536;
-constexpr int LARGEST_PORT = 65535;
+constexpr int LARGEST_TCP_PORT = 65535;
 
 // What the file says; a port that is missing or makes no sense is 0.
 struct CloudFile
@@ -31,7 +31,7 @@ int port(const QXmlStreamReader &xml)
 {
     bool isNumber = false;
     const int value = xml.attributes().value(QLatin1String("port")).toInt(&isNumber);
-    return isNumber && value >= 1 && value <= LARGEST_PORT ? value : 0;
+    return isNumber && value >= 1 && value <= LARGEST_TCP_PORT ? value : 0;
 }
 
 // Takes the element that the reader stands on, to its end.

@@ -38,7 +38,7 @@ struct Unusable : std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-std::string lastError()
+std::string systemError()
 {
     return std::error_code(errno, std::generic_category()).message();
 }
@@ -91,7 +91,7 @@ void takeRoot()
         throw Unusable("cannot make " + runFolder() + ": " + error.message());
     const int lock = open((runFolder() + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (lock == -1)
-        throw Unusable("cannot make " + runFolder() + "/lock: " + lastError());
+        throw Unusable("cannot make " + runFolder() + "/lock: " + systemError());
     if (flock(lock, LOCK_EX | LOCK_NB) == -1)
         throw Unusable("another program runs the simulated panel in " + panelRoot());
     fs::remove(stateFile(), error); // a former run's
@@ -105,7 +105,8 @@ void leaveState()
     stream << panel().get("").dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
     stream.close();
     if (!stream || std::rename(part.c_str(), stateFile().c_str()) != 0)
-        std::cerr << "sysset-sim: cannot write " << stateFile() << ": " << lastError() << std::endl;
+        std::cerr << "sysset-sim: cannot write " << stateFile() << ": " << systemError()
+                  << std::endl;
 }
 
 // Written by the signal handler, read by the event loop.

@@ -7,9 +7,9 @@
 namespace sim {
 namespace {
 
-constexpr std::size_t MODEL_OFFSET = 12;
-constexpr std::size_t MODEL_SIZE = 256;
-constexpr std::size_t REPLY_SIZE = MODEL_OFFSET + MODEL_SIZE;
+constexpr std::size_t REPLY_MODEL_OFFSET = 12;
+constexpr std::size_t REPLY_MODEL_SIZE = 256;
+constexpr std::size_t REPLY_SIZE = REPLY_MODEL_OFFSET + REPLY_MODEL_SIZE;
 constexpr std::size_t SHORT_SIZE = 10; // within the error number
 constexpr std::size_t LONG_SIZE = 4096;
 
@@ -28,7 +28,7 @@ std::string whole(const UpdateStatus &status)
     std::string bytes;
     for (const int number : {status.state, status.percent, status.error})
         bytes += toBytes(static_cast<std::uint32_t>(number));
-    bytes += status.model.substr(0, MODEL_SIZE - 1);
+    bytes += status.model.substr(0, REPLY_MODEL_SIZE - 1);
     bytes.resize(REPLY_SIZE, '\0');
     return bytes;
 }
@@ -45,7 +45,7 @@ std::string encodeReply(const UpdateStatus &status, const std::string &how)
     if (how == "long")
         return bytes + noise(LONG_SIZE - REPLY_SIZE);
     if (how == "unterminated")
-        return bytes.substr(0, MODEL_OFFSET) + std::string(MODEL_SIZE, 'X');
+        return bytes.substr(0, REPLY_MODEL_OFFSET) + std::string(REPLY_MODEL_SIZE, 'X');
     return how == "noise" ? noise(REPLY_SIZE) : bytes;
 }
 

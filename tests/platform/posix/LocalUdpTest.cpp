@@ -37,7 +37,7 @@ private slots:
     void bringsTheReply_data() { rows({"0", "1", "268", "65507"}); }
     void bringsTheReply()
     {
-        const std::string body(number(0), '\xFE');
+        const std::string body(std::size_t(number(0)), '\xFE');
         std::thread echo =
             serve(1, [&](const auto &request) { m_service.send(request.from, request.bytes); });
         const int result = ask(body, LONG);
@@ -52,7 +52,8 @@ private slots:
     {
         QElapsedTimer timer;
         timer.start();
-        QCOMPARE(posix::exchangeDatagram(number(1), std::string(number(0), 'x'), m_reply, LONG),
+        QCOMPARE(posix::exchangeDatagram(number(1), std::string(std::size_t(number(0)), 'x'),
+                                         m_reply, LONG),
                  number(2));
         QVERIFY(m_reply.empty() && timer.elapsed() < LONG / 2);
     }

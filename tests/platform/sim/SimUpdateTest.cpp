@@ -28,7 +28,7 @@ QString ask(int command, const QString &path = {}, unsigned int timeoutMs = LONG
     if (result != 268)
         return QString::number(result);
     QString words;
-    for (const std::size_t offset : {0, 4, 8})
+    for (const std::size_t offset : {0U, 4U, 8U})
         words += QString::number(int(sim::numberFrom(reply, offset))) + u' ';
     return (words + QLatin1String(reply.c_str() + 12)).trimmed();
 }
