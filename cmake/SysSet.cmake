@@ -11,10 +11,17 @@ set(CMAKE_AUTOUIC_SEARCH_PATHS ${CMAKE_SOURCE_DIR}/forms)
 
 set(SYSSET_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 
+find_program(SYSSET_CCACHE ccache)
+if(SYSSET_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${SYSSET_CCACHE})
+endif()
+
 add_library(sysset_options INTERFACE)
 target_include_directories(sysset_options INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(sysset_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+    # clang's -Wconversion minds the sign of an array's index; gcc's does not.
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>
     # What is called once a tick lies close together: an idle panel pays for every page it touches.
     $<$<CONFIG:Release>:-fno-plt> $<$<CONFIG:Release>:-ffunction-sections>
     $<$<CONFIG:Release>:-fdata-sections>)
@@ -25,6 +32,7 @@ target_link_options(sysset_options INTERFACE
 target_compile_definitions(sysset_options INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING
     QT_DEPRECATED_WARNINGS)
+# The sanitizers' builds: docs/decisions/0017-time-of-the-checks.md.
 if(SYSSET_SANITIZE)
   target_compile_options(sysset_options INTERFACE
       -fsanitize=${SYSSET_SANITIZE} -fno-omit-frame-pointer -g1 -O1)
