@@ -24,7 +24,7 @@
 
 namespace {
 
-constexpr std::size_t WALKS_AT_A_TIME = 3;
+constexpr std::size_t WALKS_AT_A_TIME = 10;
 constexpr unsigned long LINKS_CHECKED_MS = 2300; // until the status strip shows what is online
 
 constexpr const char *FRAME[] = {"btn_Machine", "btn_Net",    "btn_UpData",
@@ -209,7 +209,7 @@ private:
     QProcess m_process;
 };
 
-// All screens, a few at a time: a walk mostly waits for its panel. Throws if one got stuck, after
+// All screens, several at a time: a walk mostly waits for its panel. Throws if one got stuck, after
 // the others have ended with their panels.
 QVector<Finding> walkAll(const Options &options)
 {
