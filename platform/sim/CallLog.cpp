@@ -77,8 +77,8 @@ void Injections::delay(const std::string &op, int ms)
 
 Injections::Order Injections::next(const char *op)
 {
-    const auto delay = m_delays.find(op);
-    return {nextResult(op), delay == m_delays.end() ? 0 : delay->second};
+    const auto ordered = m_delays.find(op);
+    return {nextResult(op), ordered == m_delays.end() ? 0 : ordered->second};
 }
 
 std::optional<int> Injections::nextResult(const char *op)

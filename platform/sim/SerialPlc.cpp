@@ -112,7 +112,7 @@ struct SerialPlc::Lines
     void plug(const std::string &node)
     {
         try {
-            lines.push_back(std::make_unique<Line>(node));
+            ports.push_back(std::make_unique<Line>(node));
         } catch (const std::exception &failure) {
             std::fprintf(stderr, "no PLC at %s: %s\n", node.c_str(), failure.what());
         }
@@ -123,7 +123,7 @@ struct SerialPlc::Lines
     {
         std::vector<pollfd> polled{{wake, POLLIN, 0}};
         Clock::time_point due = Clock::time_point::max();
-        for (const auto &line : lines) {
+        for (const auto &line : ports) {
             polled.push_back({line->fd(), POLLIN, 0});
             due = std::min(due, line->nextDue());
         }
@@ -132,14 +132,14 @@ struct SerialPlc::Lines
                                (left % std::chrono::seconds(1)).count()};
         ppoll(polled.data(), polled.size(), due == Clock::time_point::max() ? nullptr : &timeout,
               nullptr);
-        for (std::size_t i = 0; i < lines.size(); ++i)
+        for (std::size_t i = 0; i < ports.size(); ++i)
             if (polled[i + 1].revents != 0)
-                lines[i]->receive();
+                ports[i]->receive();
         return polled[0].revents == 0;
     }
 
     const int wake;
-    std::vector<std::unique_ptr<Line>> lines;
+    std::vector<std::unique_ptr<Line>> ports;
 };
 
 SerialPlc::SerialPlc() = default;
@@ -184,7 +184,7 @@ void SerialPlc::run(Lines &lines)
 {
     pthread_setname_np(pthread_self(), "plc");
     while (lines.wait())
-        for (const auto &line : lines.lines)
+        for (const auto &line : lines.ports)
             line->work();
 }
 

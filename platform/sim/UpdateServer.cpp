@@ -155,17 +155,17 @@ void UpdateServer::serve()
 
 void UpdateServer::answer(const LoopbackSocket::Datagram &request, const Json &update)
 {
-    const UpdateAnswer answer =
+    const UpdateAnswer reply =
         m_desk.answer(update, commandOf(request.bytes), request.bytes.substr(COMMAND_SIZE));
-    if (answer.dies) {
+    if (reply.dies) {
         die();
         panel().locked([](Json &state) { state["update"]["alive"] = false; });
     }
-    if (!answer.replies)
+    if (!reply.replies)
         return;
     const std::chrono::milliseconds late(update.at("late").get<int>());
     const auto how = update.at("reply").get<std::string>();
-    m_held.emplace(Clock::now() + late, HeldReply{request.from, encodeReply(answer.status, how)});
+    m_held.emplace(Clock::now() + late, HeldReply{request.from, encodeReply(reply.status, how)});
 }
 
 void UpdateServer::sendDue()

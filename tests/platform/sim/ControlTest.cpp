@@ -91,7 +91,8 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     }
 
-    // An error for each, and the next line is served. Times | text
+    // An error for each, and the next line is served.
+    // times | text
     void answersBadLines_data()
     {
         rows({"1 | \xff{", "100000 | [", "3000000 | x", "0 |", "1 | [1]", "1 | {}",
@@ -119,28 +120,17 @@ private slots:
     // request | error
     void refuses_data()
     {
-        rows({"fly | no such verb",
-              "set lcd.width | wrong number",
-              "set lcd.width wide | no JSON",
-              "get lcd.depth | no such path",
-              "usb push /a | either insert or remove",
-              "hotplug insert x /a | CODE must be",
-              "fail Beep | fail OPERATION CODE",
-              "delay Beep -1 | MS must be 0",
-              "calls all | calls clear",
-              "ui | ui dump",
-              "ui wave | ui dump",
-              "ui press | wrong number",
-              "ui press list -1 | INDEX must be",
-              "ui slide slider x | VALUE must be",
-              "ui slide slider 101 | goes from 0 to 99",
-              "ui slide button 1 | is no slider",
-              "ui shot /nowhere/shot.png | cannot write",
-              "ui press nobody | there is no nobody",
-              "ui press disabled | is disabled",
-              "ui press button 1 | there is no button 1",
-              "ui press list 50 | has no row 50",
-              "ui press combo 50 | has no row 50",
+        rows({"fly | no such verb", "set lcd.width | wrong number", "set lcd.width wide | no JSON",
+              "get lcd.depth | no such path", "usb push /a | either insert or remove",
+              "hotplug insert x /a | CODE must be", "fail Beep | fail OPERATION CODE",
+              "delay Beep -1 | MS must be 0", "calls all | calls clear",
+              // about widgets
+              "ui | ui dump", "ui wave | ui dump", "ui press | wrong number",
+              "ui press list -1 | INDEX must be", "ui slide slider x | VALUE must be",
+              "ui slide slider 101 | goes from 0 to 99", "ui slide button 1 | is no slider",
+              "ui shot /nowhere/shot.png | cannot write", "ui press nobody | there is no nobody",
+              "ui press disabled | is disabled", "ui press button 1 | there is no button 1",
+              "ui press list 50 | has no row 50", "ui press combo 50 | has no row 50",
               "ui press tabs 2 | has no row 2"});
     }
     void refuses()

@@ -40,6 +40,17 @@ class SimPanelTest : public QObject
 private slots:
     void init() { panel().reset(); }
 
+    void failsAsOftenAsOrdered()
+    {
+        panel().fail("Beep", -7, 2);
+        QVERIFY(Beep(1) == -7 && Beep(1) == -7 && Beep(1) == 0);
+        QCOMPARE(panel().get("buzzer.beeps").size(), std::size_t(1));
+        panel().fail("Beep", -3);
+        QVERIFY(Beep(1) == -3 && Beep(1) == -3);
+        panel().clearFailures();
+        QCOMPARE(Beep(1), 0);
+    }
+
     void refusesOrders()
     {
         for (const char *scenario :

@@ -72,8 +72,7 @@ private slots:
     void checksAFile_data()
     {
         rows({"a.tmt3 | KV100 | 100 | 0 | 0 KV100", "a.tmt3 | | | 0 | 0 KV070T",
-              "a.tmt3 | KV-with-a-model-name-of-32-bytes | 1 | 0 | "
-              "0 KV-with-a-model-name-of-32-bytes",
+              "a | KV-with-a-model-name-of-32-bytes | 1 | 0 | 0 KV-with-a-model-name-of-32-bytes",
               "a.tmt3 | KV100 | 101 | 0 | -9 KV100", "a.osf3 | KV100 | 101 | 0 | -9 KV100",
               "logo.osf2 | KV100 | 4294967295 | 0 | -9 KV100",
               "a.tmt3 | KV100 | 100 | -30 | -1", // cut in its header
@@ -107,7 +106,6 @@ private slots:
         const Json state = panel().get("update");
         QVERIFY(state["installed"][kind] == cell(0).toStdString());
         QCOMPARE(state[kind + "Version"].get<int>(), number(2));
-        QCOMPARE(ask(POLL), "0 0 -3"_s); // nothing is being installed
     }
 
     // the source half-way | result that is ordered | last reply
@@ -128,10 +126,12 @@ private slots:
             QFile::resize(path, 50000);
         else if (cell(0) == "reset"_s)
             panel().reset();
+        QCOMPARE(filesInPanel().isEmpty(), cell(0) == "reset"_s);
         while (answer.startsWith(u'1'))
             answer = ask(POLL);
         QCOMPARE(answer, cell(2));
-        QVERIFY(filesInPanel().isEmpty() && panel().get("update.installed.project") == "");
+        QVERIFY(filesInPanel().isEmpty() &&
+                panel().get("update.installed.project").dump() == R"("")");
     }
 
     // From the first request on, and changed while it runs; and back.
