@@ -40,8 +40,8 @@ bool isBeepOn()
     return readWord(BEEP_WORD, value) != 0 || value % 2 == 0;
 }
 
-// Writes a number, or the text of an entry. A refusal is not reported to the operator: the hardware
-// has taken the setting all the same.
+// Writes a number, or the text of an entry. A refusal is not reported to the operator; the hardware
+// gets the setting all the same.
 template <typename Value>
 void keepWord(unsigned int address, const Value &value)
 {

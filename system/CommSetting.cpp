@@ -8,8 +8,6 @@
 #include "system/Stepping.h"
 #include "ui_CommSetting.h"
 
-#include <QEvent>
-
 #include <algorithm>
 
 namespace {

@@ -1,7 +1,5 @@
 #include "tests/panel/Operator.h"
-
-#include <QJsonDocument>
-#include <QJsonObject>
+#include "tests/support/Rows.h"
 
 namespace {
 
@@ -25,44 +23,31 @@ class DeviceStoryTest : public QObject
     Q_OBJECT
 
 private slots:
+    // screen | product identifier as JSON | what the code says
     void codeSaysTheIdentifier_data()
     {
-        QTest::addColumn<QString>("screen");
-        QTest::addColumn<QJsonValue>("product");
-        QTest::addColumn<QString>("read");
-        const QString longText =
-            "https://panels.example.com/bind?product=P-070T-0042&line=3&salt="_s +
-            QString(56, QLatin1Char('x'));
-        const QString machineId = "0210 8150 0420 7001"_s;
-        for (const char *screen : {"480x272", "1280x800"}) {
-            const auto row = [screen](const char *name, const QJsonValue &product,
-                                      const QString &read) {
-                QTest::addRow("%s at %s", name, screen)
-                    << QString::fromLatin1(screen) << product << read;
-            };
-            row("plain", "P-070T-0042"_s, "P-070T-0042"_s);
-            row("long", longText, longText);
-            row("UTF-8", "产品 Größe 42"_s, "产品 Größe 42"_s);
-            row("empty", QString(), machineId);
-            row("unreadable", QJsonValue::Null, machineId);
-        }
+        rows({R"(480x272 | "P-070T-0042" | P-070T-0042)",
+              R"(1280x800 | "P-070T-0042" | P-070T-0042)", R"(480x272 | "LONG" | LONG)",
+              R"(1280x800 | "LONG" | LONG)", R"(480x272 | "产品 Größe 42" | 产品 Größe 42)",
+              R"(480x272 | "" | 0210 8150 0420 7001)", "480x272 | null | 0210 8150 0420 7001"});
     }
 
     void codeSaysTheIdentifier()
     {
-        QFETCH(QString, screen);
-        QFETCH(QJsonValue, product);
-        QFETCH(QString, read);
+        const QString longText =
+            "https://panels.example.com/bind?product=P-070T-0042&line=3&salt="_s +
+            QString(56, u'x');
+        const auto text = [&](int column) { return cell(column).replace("LONG"_s, longText); };
         Operator panel;
-        const QJsonObject machine{{"machine"_s, QJsonObject{{"product"_s, product}}}};
-        QVERIFY(panel.write("/scenario.json"_s, QJsonDocument(machine).toJson()));
-        panel.setEnvironment("SYSSET_LCD"_s, screen);
+        QVERIFY(
+            panel.write("/scenario.json"_s, R"({"machine":{"product":)" + text(1).toUtf8() + "}}"));
+        panel.setEnvironment("SYSSET_LCD"_s, cell(0));
         panel.setEnvironment("SYSSET_SCENARIO"_s, panel.file("/scenario.json"_s));
         QVERIFY(panel.start());
         QVERIFY(panel.appears("lab_QRcode"_s));
         const QString picture = panel.file("/screen.png"_s);
         QVERIFY2(!panel.ask({"ui"_s, "shot"_s, picture}).isUndefined(), qPrintable(panel.error()));
-        QCOMPARE(decoded(picture), read);
+        QCOMPARE(decoded(picture), text(2));
     }
 
     void mobileNetworkByTouch()

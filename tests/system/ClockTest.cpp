@@ -1,6 +1,5 @@
 #include "system/Clock.h"
 
-#include "platform/cos_file.h"
 #include "platform/paths.h"
 #include "platform/sim/Panel.h"
 #include "system/TimeZone.h"
@@ -8,11 +7,6 @@
 #include "tests/support/PrintedBy.h"
 #include "tests/support/Rows.h"
 #include "tests/support/Text.h"
-
-#include <QDir>
-#include <QFile>
-
-#include <ctime>
 
 namespace {
 
@@ -25,39 +19,13 @@ ClockTexts texts(const QString &time)
     return result;
 }
 
-QString joined(const ClockTexts &time)
-{
-    return "%1-%2-%3 %4:%5:%6"_s.arg(time[0], time[1], time[2], time[3], time[4], time[5]);
-}
-
-// The wall clock as the C library shows it to a process that starts with this TZ.
-QString wallClock(const char *zone, std::time_t stamp)
-{
-    qputenv("TZ", zone);
-    tzset();
-    std::tm time{};
-    localtime_r(&stamp, &time);
-    char text[64];
-    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &time);
-    return QString::fromLatin1(text);
-}
-
-QString zoneFile()
-{
-    return QString::fromStdString(panelPath("/mnt/data/etc/tz/tz.conf"));
-}
+const QString FOLDER = "/mnt/data/etc/tz"_s;
+const QString ZONE_FILE = FOLDER + "/tz.conf"_s;
 
 QByteArray zoneContent()
 {
-    QFile file(zoneFile());
+    QFile file(QString::fromStdString(panelPath(ZONE_FILE.toStdString())));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : "none";
-}
-
-void writeZone(const QByteArray &content)
-{
-    QFile file(zoneFile());
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
 }
 
 } // namespace
@@ -72,7 +40,7 @@ private slots:
         m_root.clear();
         sim::panel().reset();
         qputenv("TZ", "GMT-08:00");
-        QDir().mkpath(QFileInfo(zoneFile()).path());
+        m_root.write(ZONE_FILE, "TZ=GMT-05:45");
     }
 
     void knowsTheDaysOfEveryMonth()
@@ -123,41 +91,30 @@ private slots:
             QCOMPARE(qgetenv("TZ"), zone);
 
             // London at 16:00 on a summer and a winter day, and the last second of 2037.
-            QString shown;
-            QString expected;
-            for (const std::int64_t stamp : {1782921600LL, 1798646400LL, 2145916799LL})
-                shown += joined(clockTexts(COS::CosTime::TimeStampToZoneTime(stamp)));
-            for (const std::time_t stamp : {1782921600LL, 1798646400LL, 2145916799LL})
-                expected += wallClock(zone.constData(), stamp);
-            QCOMPARE(shown, expected);
+            for (const qint64 stamp : {1782921600LL, 1798646400LL, 2145916799LL}) {
+                const ClockTexts shown = clockTexts(COS::CosTime::TimeStampToZoneTime(stamp));
+                const QDateTime wallClock = QDateTime::fromSecsSinceEpoch(stamp); // as TZ says
+                QVERIFY(shown == texts(wallClock.toString("yyyy-MM-dd HH:mm:ss"_s)));
+            }
             // The first row that has the value is found again.
             const auto found = static_cast<std::size_t>(loadTimeZone());
             QVERIFY(found <= row && g_vecGmt[found] == zone.toStdString());
         }
     }
 
+    // file, MUCH for ten kilobytes | row; two rows have GMT+02:00
+    void loadsTheZone_data()
+    {
+        rows({"TZ=GMT-05:45 | 25", "TZ=GMT-05:45\nTZ=GMT-09:00\n | 25", "TZ=GMT+02:00 | 14", " | 0",
+              "TZ= | 0", "TZ=GMT-05:455 | 0", "ZT=GMT-05:45 | 0", "TZ=MUCH | 0",
+              "TZ=GMT-05:45 MUCH | 25", "\x01\x02TZ=GMT-05:45 | 0"});
+    }
     void loadsTheZone()
     {
-        const QByteArray much(10240, 'G');
-        const std::initializer_list<std::pair<QByteArray, int>> files = {
-            {"TZ=GMT-05:45", 25},
-            {"TZ=GMT-05:45\nTZ=GMT-09:00\n", 25},
-            {"TZ=GMT+02:00", 14}, // two rows have it
-            {"", 0},
-            {"TZ=", 0},
-            {"TZ=Europe/Berlin", 0},
-            {"TZ=GMT-05:455", 0},
-            {"ZT=GMT-05:45", 0},
-            {"TZ=" + much, 0},
-            {"TZ=GMT-05:45 " + much, 25},
-            {QByteArray("\0\xff\x01TZ=GMT-05:45", 15), 0},
-            {QByteArray("TZ=\xff\xfe\0GMT", 9), 0},
-        };
-        for (const auto &[content, row] : files) {
-            writeZone(content);
-            QVERIFY2(loadTimeZone() == row, content.left(40).constData());
-            QCOMPARE(zoneContent(), content);
-        }
+        const QByteArray content = cell(0).toLatin1().replace("MUCH", QByteArray(10240, 'G'));
+        m_root.write(ZONE_FILE, content);
+        QCOMPARE(loadTimeZone(), number(1));
+        QCOMPARE(zoneContent(), content);
     }
 
     // the process's zone | row
@@ -205,7 +162,6 @@ private slots:
 
     void noRowEmptiesTheFile()
     {
-        writeZone("TZ=GMT-05:45");
         applyTimeZone(-1, 0);
         QCOMPARE(zoneContent(), QByteArray());
         QCOMPARE(qgetenv("TZ"), QByteArray("GMT-08:00"));
@@ -214,10 +170,8 @@ private slots:
 
     void survivesAnUnusableFile()
     {
-        // A file where the folder should be stops every user, root included.
-        QFile blocker(QFileInfo(zoneFile()).path());
-        QVERIFY(QDir().rmdir(blocker.fileName()));
-        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        m_root.clear();
+        m_root.write(FOLDER, "a file, which stops every user, root included");
         QVERIFY(printedBy([] { QCOMPARE(loadTimeZone(), 0); }).startsWith("error = "));
         for (const int row : {14, -1}) {
             QVERIFY(printedBy([&] { applyTimeZone(row, 0); }).startsWith("error = "));

@@ -1,75 +1,46 @@
-#include "platform/sim/Panel.h"
 #include "system/CommSetting.h"
 #include "system/CommuniCation.h"
 #include "tests/support/Dialogs.h"
+#include "tests/support/PageTest.h"
 #include "tests/support/Rows.h"
-#include "tests/support/Text.h"
+#include "tests/system/PortWords.h"
 
-#include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 
 namespace {
 
-QString lineText(const QWidget *window, const QString &name)
-{
-    return window->findChild<QLineEdit *>(name)->text();
-}
-
+// Presses a widget, and sees that it clicks.
 void press(const QWidget *window, const QString &name)
 {
-    auto *target = window->findChild<QWidget *>(name);
     const int clicks = sim::panel().get("buzzer.opens").get<int>();
-    QTest::mouseClick(target, Qt::LeftButton);
-    if (target->isEnabled())
-        QVERIFY(sim::panel().get("buzzer.opens").get<int>() > clicks);
+    QTest::mouseClick(window->findChild<QWidget *>(name), Qt::LeftButton);
+    QVERIFY(sim::panel().get("buzzer.opens").get<int>() > clicks);
 }
 
-// Presses the buttons, one after the other, of the dialog that opens next.
-void pressInDialog(const QStringList &buttons)
+// Works the dialog that opens next: presses "btn_Save", or types into "line_ByteSize 7\n".
+void inDialog(const QStringList &steps)
 {
-    for (const QString &button : buttons) {
-        whenOpen("CommuniCation", [button](const QWidget *dialog) {
-            press(dialog, button);
+    for (const QString &step : steps) {
+        whenOpen("CommuniCation", [name = step.section(u' ', 0, 0)](const QWidget *dialog) {
+            // Queued: the press on a field does not return before its keyboard has closed.
+            QTimer::singleShot(0, dialog, [=] { press(dialog, name); });
             return true;
         });
+        if (step.contains(u' '))
+            typeOnKeyboard(step.section(u' ', 1));
     }
 }
 
-// Touches fields of the dialog that opens next, types into each, and saves.
-void touchInDialog(std::initializer_list<std::pair<const char *, const char *>> edits)
+QLineEdit *lineOf(const QWidget *dialog, const QString &field)
 {
-    for (const auto &[name, keys] : edits) {
-        // Queued, for the press does not return before the keyboard has closed.
-        whenOpen("CommuniCation", [field = QLatin1String(name)](const QWidget *dialog) {
-            auto *line = dialog->findChild<QLineEdit *>(field);
-            QTimer::singleShot(0, line, [line] { QTest::mouseClick(line, Qt::LeftButton); });
-            return true;
-        });
-        typeOnKeyboard(QLatin1String(keys));
-    }
-    pressInDialog({"btn_Save"_s});
-}
-
-QString words(unsigned int base)
-{
-    QStringList texts;
-    for (unsigned int i = 0; i < COM_FIELDS; ++i)
-        texts << QString::fromStdString(
-            sim::panel().get("words." + std::to_string(base + i)).dump());
-    return texts.join(u' ');
-}
-
-void setWord(unsigned int address, const sim::Json &word)
-{
-    sim::panel().set("words." + std::to_string(address), word);
+    return dialog->findChild<QLineEdit *>("line_"_s + field);
 }
 
 constexpr unsigned int FIRST = 10061;
 
 } // namespace
 
-class CommPagesTest : public QObject
+class CommPagesTest : public PageTest<CommSetting>
 {
     Q_OBJECT
 
@@ -87,25 +58,23 @@ private slots:
     void stepsThroughPortsInUse()
     {
         for (const unsigned int base : {10072U, 10083U, 10120U}) // one word is enough
-            setWord(base + COM_DEVICE_STATION, 1);
+            setWords(base + COM_DEVICE_STATION, "1"_s);
         m_page->init(&m_lists);
-        QString ports = shown("line_ComNum");
+        QString ports = text("line_ComNum");
         for (const QChar step : "LRRRRRRR"_s) {
-            press(m_page.get(), "btn_Com"_s + step);
-            ports += u' ' + shown("line_ComNum");
+            ::press(m_page.get(), "btn_Com"_s + step);
+            ports += u' ' + text("line_ComNum");
         }
         QCOMPARE(ports, "COM1-1 COM3 COM1-1 COM1-2 COM1-3 COM2-1 COM3 COM1-1 COM1-2"_s);
-        QCOMPARE(summaries(), "RS485_1,115200,8,1,EVEN 50,500,3,5"_s);
-        QCOMPARE(shown("line_HmiStation") + shown("line_StandStation"), "12"_s);
+        QCOMPARE(texts(SHOWN), "1|2|RS485_1,115200,8,1,EVEN|50,500,3,5"_s);
 
-        for (unsigned int i = 0; i < COM_FIELDS; ++i)
-            setWord(FIRST + i, 0);
+        setWords(FIRST, "0 0 0 0 0 0 0 0 0 0 0"_s);
         for (const auto &[button, port] :
-             {std::pair{"btn_ComL"_s, "COM3"_s}, {"btn_ComR"_s, "COM1-2"_s}}) {
+             {std::pair{"btn_ComL", "COM3"_s}, {"btn_ComR", "COM1-2"_s}}) {
             m_page->init(&m_lists); // COM1-1 comes first, though not in use
-            QCOMPARE(shown("line_ComNum"), "COM1-1"_s);
-            press(m_page.get(), button);
-            QCOMPARE(shown("line_ComNum"), port);
+            QCOMPARE(text("line_ComNum"), "COM1-1"_s);
+            press(button);
+            QCOMPARE(text("line_ComNum"), port);
         }
     }
 
@@ -114,7 +83,7 @@ private slots:
         sim::panel().fail("backstage.AddrRead", -1);
         m_page->init(&m_lists);
         QVERIFY(!m_page->isEnabled() && listSeralType.isEmpty());
-        press(m_page.get(), "line_HmiStation"_s); // would not return from an open keyboard
+        press("line_HmiStation"); // would not return from an open keyboard
         sim::panel().clearFailures();
         m_page->init(&m_lists);
         QVERIFY(m_page->isEnabled());
@@ -123,13 +92,13 @@ private slots:
     void showsNoFieldsBeforeItHasLists()
     {
         listSeralType << "COM3"_s;
-        press(m_page.get(), "btn_ComR"_s);
-        QCOMPARE(shown("line_ComNum"), "COM3"_s);
-        QCOMPARE(summaries(), "NULL,1200,0,0,NONE "_s);
-        press(m_page.get(), "btn_CommunIndetail"_s); // would not return from an open dialog
+        press("btn_ComR");
+        QCOMPARE(text("line_ComNum"), "COM3"_s);
+        QCOMPARE(texts(SHOWN), "||NULL,1200,0,0,NONE|"_s);
+        press("btn_CommunIndetail"); // would not return from an open dialog
         typeOnKeyboard("7\n"_s);
-        press(m_page.get(), "line_HmiStation"_s);
-        QCOMPARE(words(10083), "0 0 0 0 0 0 0 0 0 0 0"_s);
+        press("line_HmiStation");
+        QCOMPARE(portWords(10083), "0 0 0 0 0 0 0 0 0 0 0"_s);
     }
 
     // field | keys | retry word when they are typed, 3 before | the port then
@@ -139,62 +108,62 @@ private slots:
               "line_StandStation | 0 | 3 | 2 3 8 1 0 20 100 3 2 1 0",
               "line_HmiStation | 256 | 3 | 2 3 8 1 0 20 100 3 2 1 1",
               "line_HmiStation | 9 | 4 | 2 3 8 1 0 20 100 4 2 9 1",
-              "line_HmiStation | 9 | null | 2 3 8 1 0 20 100 null 2 1 1"});
+              "line_HmiStation | 9 | x | 2 3 8 1 0 20 100 x 2 1 1"});
     }
     void setsStation()
     {
         m_page->init(&m_lists);
-        setWord(FIRST + COM_RETRIES, sim::Json::parse(cell(2).toStdString()));
+        setWords(FIRST + COM_RETRIES, cell(2));
         typeOnKeyboard(cell(1) + (cell(1) == "256"_s ? "\n\x1b"_s : "\n"_s));
-        press(m_page.get(), cell(0));
-        QCOMPARE(words(FIRST), cell(3));
+        press(cell(0).toLatin1());
+        QCOMPARE(portWords(FIRST), cell(3));
     }
 
-    // button of the page | buttons of the dialog | the port then | the page then
+    // button of the page | buttons of the dialog | the port then | the page then | what is told
     void writesWhatTheDialogSaves_data()
     {
         rows({"btn_CommunIndetail | btn_Communication_L btn_Parity_R btn_StopBits_R btn_Save | "
-              "0 3 8 2 1 20 100 3 2 1 1 | RS232,9600,8,2,ODD 20,100,3,2",
+              "0 3 8 2 1 20 100 3 2 1 1 | 1/1/RS232,9600,8,2,ODD/20,100,3,2",
               "btn_TimeOutIndetail | btn_WaitTimeOut_R btn_Canl | "
-              "2 3 8 1 0 20 100 3 2 1 1 | RS422,9600,8,1,NONE 20,100,3,2",
+              "2 3 8 1 0 20 100 3 2 1 1 | 1/1/RS422,9600,8,1,NONE/20,100,3,2",
               // Eighth behind 9600 stands the rate that the codec has with blanks alone.
               "btn_CommunIndetail | btn_Parity_R btn_BaudRate_R btn_BaudRate_R btn_BaudRate_R "
               "btn_BaudRate_R btn_BaudRate_R btn_BaudRate_R btn_BaudRate_R btn_BaudRate_R "
-              "btn_Save | 2 3 8 1 0 20 100 3 2 1 1 | RS422,9600,8,1,NONE 20,100,3,2 | baud rate"});
+              "btn_Save | 2 3 8 1 0 20 100 3 2 1 1 | 1/1/RS422,9600,8,1,NONE/20,100,3,2 | "
+              "baud rate"});
     }
     // On a page that is too narrow for its summaries.
     void writesWhatTheDialogSaves()
     {
         m_page->resize(300, 390);
         m_page->init(&m_lists);
-        QVERIFY(shown("line_SerialCommiation").endsWith(QChar(0x2026)));
-        pressInDialog(cell(1).split(u' '));
-        press(m_page.get(), cell(0));
-        QCOMPARE(words(FIRST), cell(2));
-        QVERIFY(saysWhyNotSaved(cellOrEmpty(4)));
+        QVERIFY(text("line_SerialCommiation").endsWith(QChar(0x2026)));
+        inDialog(cell(1).split(u' '));
+        press(cell(0).toLatin1());
+        QCOMPARE(portWords(FIRST), cell(2));
+        QVERIFY(saysWhyNotSaved(cell(4)));
         m_page->resize(640, 390);
-        QCOMPARE(summaries(), cell(3));
+        QCOMPARE(texts(SHOWN), cell(3).replace(u'/', u'|'));
     }
 
     // Words that the runtime gave too late would be overwritten with 0.
     void writesNothingThatItHasNotRead()
     {
-        setWord(FIRST + COM_BAUD, 11);
-        setWord(FIRST + COM_WAIT_TIMEOUT, nullptr);
+        setWords(FIRST + COM_BAUD, "11"_s);
+        setWords(FIRST + COM_WAIT_TIMEOUT, "x"_s);
         m_page->init(&m_lists);
-        QCOMPARE(shown("line_TimeCommiation"), "0,0,0,0"_s);
-        setWord(FIRST + COM_WAIT_TIMEOUT, 20);
-        pressInDialog({"btn_Parity_R"_s, "btn_Save"_s});
-        press(m_page.get(), "btn_CommunIndetail"_s);
-        QCOMPARE(words(FIRST), "2 11 8 1 0 20 100 3 2 1 1"_s);
-        QCOMPARE(summaries(), "RS422,500000,8,1,NONE 20,100,3,2"_s);
-        QVERIFY(saysWhyNotSaved("not all settings were read"_s));
-        // Now it has; the white space in front of the rate goes back with it.
-        pressInDialog({"btn_Parity_R"_s, "btn_Save"_s});
-        press(m_page.get(), "btn_CommunIndetail"_s);
-        QCOMPARE(words(FIRST), "2 11 8 1 1 20 100 3 2 1 1"_s);
-        QCOMPARE(summaries(), "RS422,500000,8,1,ODD 20,100,3,2"_s);
-        QVERIFY(saysWhyNotSaved(QString()));
+        QCOMPARE(text("line_TimeCommiation"), "0,0,0,0"_s);
+        setWords(FIRST + COM_WAIT_TIMEOUT, "20"_s);
+        // The second time it has; the white space in front of the rate goes back with it.
+        for (const auto &[port, parity, reason] :
+             {std::tuple("2 11 8 1 0 20 100 3 2 1 1"_s, "NONE"_s, "not all settings were read"_s),
+              {"2 11 8 1 1 20 100 3 2 1 1"_s, "ODD"_s, QString()}}) {
+            inDialog({"btn_Parity_R"_s, "btn_Save"_s});
+            press("btn_CommunIndetail");
+            QCOMPARE(portWords(FIRST), port);
+            QCOMPARE(texts(SHOWN), "1|1|RS422,500000,8,1,%1|20,100,3,2"_s.arg(parity));
+            QVERIFY(saysWhyNotSaved(reason));
+        }
     }
 
     // field | its number | text, with the left button, with the right one
@@ -214,16 +183,15 @@ private slots:
         const int field = number(1);
         sim::panel().set("machine.sn", nullptr);
         for (const QString &step : cell(2).split(u' ')) {
-            const QStringList texts = step.split(u'/');
-            const QString from = QString(texts[0]).replace("BLANKS"_s, "\t\t\t\t\t\t  "_s);
-            for (const auto &[button, expected] :
-                 {std::pair{"btn_%1_L"_s, texts[1]}, {"btn_%1_R"_s, texts[2]}}) {
+            const QStringList values =
+                QString(step).replace("BLANKS"_s, "\t\t\t\t\t\t  "_s).split(u'/');
+            for (const int right : {0, 1}) {
                 CommuniCation dialog(nullptr);
-                dialog.prepare({"COM3"_s, QString(field, u',') + from}, {});
+                dialog.prepare({"COM3"_s, QString(field, u',') + values[0]}, {});
                 dialog.selectPage(field / COM_WAIT_TIMEOUT * 7); // all but 0 is the second page
                 dialog.show();
-                press(&dialog, button.arg(cell(0)));
-                QCOMPARE(lineText(&dialog, "line_"_s + cell(0)), expected);
+                ::press(&dialog, "btn_"_s + cell(0) + (right == 0 ? "_L"_s : "_R"_s));
+                QCOMPARE(lineOf(&dialog, cell(0))->text(), values[1 + right]);
             }
         }
     }
@@ -232,14 +200,12 @@ private slots:
     void fieldsTakeTheKeyboard()
     {
         m_page->init(&m_lists);
-        touchInDialog({{"line_ByteSize", "9\n\b7\n"}, {"line_StopBits", "3\n\b2\n"}});
-        press(m_page.get(), "btn_CommunIndetail"_s);
-        touchInDialog({{"line_WaitTimeOut", "1000\n"},
-                       {"line_ReadTimeOut", "1001\n\b0\n"},
-                       {"line_RetryTime", "11\n\b0\n"},
-                       {"line_RetryTimeOut", "21\n\b0\n"}});
-        press(m_page.get(), "btn_TimeOutIndetail"_s);
-        QCOMPARE(words(FIRST), "2 3 7 2 0 1000 1000 10 20 1 1"_s);
+        inDialog({"line_ByteSize 9\n\b7\n"_s, "line_StopBits 3\n\b2\n"_s, "btn_Save"_s});
+        press("btn_CommunIndetail");
+        inDialog({"line_WaitTimeOut 1000\n"_s, "line_ReadTimeOut 1001\n\b0\n"_s,
+                  "line_RetryTime 11\n\b0\n"_s, "line_RetryTimeOut 21\n\b0\n"_s, "btn_Save"_s});
+        press("btn_TimeOutIndetail");
+        QCOMPARE(portWords(FIRST), "2 3 7 2 0 1000 1000 10 20 1 1"_s);
     }
 
     // serial numbers | the port with its connection | those in use | offered
@@ -255,23 +221,20 @@ private slots:
     }
     void offersFreeConnections()
     {
-        const auto port = [](const QString &text) {
-            return ComPort{text.section(u' ', 0, 0), text.section(u' ', 1)};
-        };
-        std::vector<ComPort> inUse;
-        for (const QString &text : cell(2).split(u','))
-            inUse.push_back(port(text));
+        std::vector<ComPort> ports; // the first is the dialog's own
+        for (const QString &port : (cell(1) + u',' + cell(2)).split(u','))
+            ports.push_back({port.section(u' ', 0, 0), port.section(u' ', 1)});
         const QString round = cell(3) + u' ' + cell(3).section(u' ', 0, 0);
         for (const QString &serialNumber : cell(0).split(u',')) {
             sim::panel().set("machine.sn", serialNumber.toStdString());
             CommuniCation dialog(nullptr);
             dialog.show();
-            dialog.prepare(port(cell(1)), inUse);
-            auto *line = dialog.findChild<QLineEdit *>("line_Communication"_s);
+            dialog.prepare(ports[0], {ports.begin() + 1, ports.end()});
+            QLineEdit *line = lineOf(&dialog, "Communication"_s);
             line->clear();
             QStringList offered;
             for (int i = 0; i <= round.count(u' '); ++i) {
-                press(&dialog, "btn_Communication_R"_s);
+                ::press(&dialog, "btn_Communication_R"_s);
                 offered << line->text();
             }
             QCOMPARE(offered.join(u' '), round);
@@ -279,21 +242,17 @@ private slots:
     }
 
 private:
-    QString shown(const char *name) { return lineText(m_page.get(), QLatin1String(name)); }
-    QString summaries()
-    {
-        return shown("line_SerialCommiation") + u' ' + shown("line_TimeCommiation");
-    }
+    const QByteArrayList SHOWN = {"line_HmiStation", "line_StandStation", "line_SerialCommiation",
+                                  "line_TimeCommiation"};
+
     // Nothing at all without a reason.
     bool saysWhyNotSaved(const QString &reason)
     {
-        const auto *label = m_page->findChild<QLabel *>("lab_NotSaved"_s);
-        return label->isVisible() ? !reason.isEmpty() && label->text().contains(reason)
-                                  : reason.isEmpty();
+        return shown("lab_NotSaved") ? !reason.isEmpty() && text("lab_NotSaved").contains(reason)
+                                     : reason.isEmpty();
     }
 
     ComParamLists m_lists;
-    std::unique_ptr<CommSetting> m_page;
 };
 
 QTEST_MAIN(CommPagesTest)
