@@ -70,7 +70,7 @@ void CDownloadThread::threadDownPLC()
     m_nPlcResult = result;
     // The page connects after it has started the job, which may fail in less time than that takes.
     const auto tellResult = [this, result] {
-        tell(&CDownloadThread::sglDownLoadPlcProResult, result);
+        emitUnlessGivenUp(&CDownloadThread::sglDownLoadPlcProResult, result);
     };
     QMetaObject::invokeMethod(this, tellResult, Qt::QueuedConnection);
 }
@@ -92,7 +92,7 @@ UpdateResult CDownloadThread::ask(UpdateCommand command, const std::string &path
     return m_bGivenUp ? UPDATE_FAILED : askUpdateService(command, path, timeoutMs, status);
 }
 
-void CDownloadThread::tell(void (CDownloadThread::*signal)(int), int value)
+void CDownloadThread::emitUnlessGivenUp(void (CDownloadThread::*signal)(int), int value)
 {
     if (!m_bGivenUp)
         emit(this->*signal)(value);
@@ -104,14 +104,14 @@ void CDownloadThread::install(const UpdateJob &job)
         return;
     storeModel(job, std::string()); // of the file chosen before
     startInstall(job, std::make_shared<WritablePartition>());
-    tell(job.install->startedBar, BAR_FULL);
+    emitUnlessGivenUp(job.install->startedBar, BAR_FULL);
 }
 
 void CDownloadThread::startInstall(const UpdateJob &job, const Writable &writable)
 {
     UpdateStatus status;
     if (ask(UPDATE_CHECK, m_sPath, CHECK_TIMEOUT_MS, status) != UPDATE_ANSWERED) {
-        tell(job.resultSignal, job.install->checkFailed);
+        emitUnlessGivenUp(job.resultSignal, job.install->checkFailed);
         return;
     }
     storeModel(job, status.model);
@@ -119,13 +119,13 @@ void CDownloadThread::startInstall(const UpdateJob &job, const Writable &writabl
     if (!isVersionFit(job, status))
         return;
     if (!isForThisPanel(job, status.model)) {
-        tell(job.install->mismatchBar, BAR_FULL);
-        tell(job.resultSignal, job.install->wrongModel);
+        emitUnlessGivenUp(job.install->mismatchBar, BAR_FULL);
+        emitUnlessGivenUp(job.resultSignal, job.install->wrongModel);
         return;
     }
     if (ask(UPDATE_INSTALL, m_sPath, job.install->startTimeoutMs, status) == UPDATE_FAILED ||
         !startPolling(job, writable))
-        tell(job.resultSignal, REQUEST_FAILED);
+        emitUnlessGivenUp(job.resultSignal, REQUEST_FAILED);
 }
 
 // Or if the operator takes it as it is, where he is asked.
@@ -135,7 +135,7 @@ bool CDownloadThread::isVersionFit(const UpdateJob &job, const UpdateStatus &che
         return true;
     const bool wanted = job.install->asksForNewer && isConfirmed();
     if (!wanted)
-        tell(job.resultSignal, job.install->versionUnfit);
+        emitUnlessGivenUp(job.resultSignal, job.install->versionUnfit);
     return wanted;
 }
 
@@ -199,11 +199,11 @@ void CDownloadThread::poll(const UpdateJob &job)
     if (m_bGivenUp)
         return;
     if (asked == UPDATE_FAILED) {
-        tell(job.barSignal, BAR_FULL);
-        tell(job.resultSignal, REQUEST_FAILED);
+        emitUnlessGivenUp(job.barSignal, BAR_FULL);
+        emitUnlessGivenUp(job.resultSignal, REQUEST_FAILED);
     }
     if (status.state == UpdateStatus::INSTALLING) {
-        tell(job.barSignal, status.percent);
+        emitUnlessGivenUp(job.barSignal, status.percent);
         return;
     }
     if (asked == UPDATE_TOO_SHORT)
@@ -216,11 +216,11 @@ void CDownloadThread::finishInstall(const UpdateJob &job, const UpdateStatus &st
     if (!status.model.empty())
         storeModel(job, status.model);
     stopPolling(job);
-    tell(job.barSignal, BAR_FULL);
+    emitUnlessGivenUp(job.barSignal, BAR_FULL);
     if (job.install->resultTrace != nullptr) {
         std::printf(job.install->resultTrace, status.nErrNumber);
     }
-    tell(job.resultSignal, status.nErrNumber);
+    emitUnlessGivenUp(job.resultSignal, status.nErrNumber);
 }
 
 void CDownloadThread::storeModel(const UpdateJob &job, const std::string &model)

@@ -54,11 +54,10 @@ public:
     // with `model` untouched, if there is none.
     int fileModel(const UpdateJob &job, std::string &model) const;
 
-    // The program ends: from now on nothing more is asked of the update service or the operator,
-    // and nothing is told; a question that is open counts as declined. Does not wait: a request
-    // under way may still finish on its thread, and the transfer of an older PLC program stops
-    // within a fifth of a second. The partition is read-only again when the last that was under way
-    // has ended.
+    // The program ends: from now on nothing is asked of the update service or the operator, and no
+    // signal is emitted; a question that is open counts as declined. Does not wait: a request under
+    // way may finish on its thread, and the transfer of an older PLC program stops within a fifth
+    // of a second. Whatever of an install ends last makes the partition read-only again.
     void giveUp();
     bool isGivenUp() const { return m_bGivenUp; } // any thread
 
@@ -93,7 +92,7 @@ private:
     void threadDownPLC();
     UpdateResult ask(UpdateCommand command, const std::string &path, unsigned int timeoutMs,
                      UpdateStatus &status) const;
-    void tell(void (CDownloadThread::*signal)(int), int value);
+    void emitUnlessGivenUp(void (CDownloadThread::*signal)(int), int value);
     void install(const UpdateJob &job);
     void startInstall(const UpdateJob &job, const Writable &writable);
     bool isVersionFit(const UpdateJob &job, const UpdateStatus &checked);

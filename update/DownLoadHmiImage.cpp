@@ -10,7 +10,7 @@
 
 namespace {
 
-// Of the page.
+// Shares of the page's size.
 constexpr double CONFIRM_WIDTH = 0.7;
 constexpr double CONFIRM_HEIGHT = 0.6;
 

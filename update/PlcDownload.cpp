@@ -42,11 +42,11 @@ public:
 
 private:
     int connect();
-    int sendSections(int left);
-    int finish(int left);
+    int sendSections(int last);
+    int finish(int last);
 
     template <std::size_t Count>
-    int runAll(const Step (&steps)[Count], int left);
+    int runAll(const Step (&steps)[Count], int last);
     int fail(const char *trace, int code);
     int checkPassword();
 
@@ -85,7 +85,7 @@ int Download::connect()
     return runAll(steps, 0);
 }
 
-int Download::sendSections(int left)
+int Download::sendSections(int last)
 {
     const tagPdata &down = m_info.downLoadPasswd;
     const tagPdata &up = m_info.upLoadPasswd;
@@ -101,15 +101,15 @@ int Download::sendSections(int left)
         {"DownLoadCamTable Error ", m_info.bCam, SECTION_ATTEMPTS, NO_PROGRESS,
          [&] { return m_plc.DownLoadCamTable(m_info.cam); }},
     };
-    return runAll(steps, left);
+    return runAll(steps, last);
 }
 
-// `left` is what the last step before left. An extension that fails ends the download with that,
-// normally a success; this is intended.
-int Download::finish(int left)
+// `last` is the result of the last step. A failed extension ends the download with it, normally a
+// success; this is intended.
+int Download::finish(int last)
 {
     if (m_plc.DownLoadExtension(m_extension) < 0)
-        return fail("DownLoadExtension Error ", left);
+        return fail("DownLoadExtension Error ", last);
     g_Progress.nPercent = PROGRESS_BEFORE_START;
     if (const int result = m_plc.StartPLC(); result < 0)
         return fail("StartPLC Error ", result);
@@ -122,22 +122,22 @@ int Download::finish(int left)
 }
 
 // Runs the steps that are wanted, each until it answers 0 or its attempts are used up. Returns the
-// first negative answer, else the last one; `left` if nothing is wanted.
+// first negative answer, else the last one; `last` if nothing is wanted.
 template <std::size_t Count>
-int Download::runAll(const Step (&steps)[Count], int left)
+int Download::runAll(const Step (&steps)[Count], int last)
 {
     for (const Step &step : steps) {
         for (int attempt = 0; step.wanted && attempt < step.attempts; ++attempt) {
-            left = step.run();
-            if (left == 0)
+            last = step.run();
+            if (last == 0)
                 break;
         }
-        if (left < 0)
-            return step.failed == nullptr ? left : fail(step.failed, left);
+        if (last < 0)
+            return step.failed == nullptr ? last : fail(step.failed, last);
         if (step.percent != NO_PROGRESS)
             g_Progress.nPercent = step.percent;
     }
-    return left;
+    return last;
 }
 
 int Download::fail(const char *trace, int code)
@@ -168,7 +168,7 @@ int UpdatePLCprogram(const std::string &path, char (&failed)[PLC_TRACE_SIZE])
     std::printf("Update PLC Program!\r\n");
     std::printf("on_UpdatePLCProgram_clicked start time %ld!\r\n",
                 static_cast<long>(COS::CosTime::GetTimeStamp()));
-    COS::CosDir::MakeDir(panelPath("/tmp/unzip_temp"));
+    COS::CosDir::MakeDir(panelPath("/tmp/unzip_temp")); // else the deciphering fails
     const int result = downloadCurrentFormat(path, failed);
     return result == NOT_THIS_FORMAT ? downloadLegacyProgram(path) : result;
 }

@@ -26,11 +26,10 @@ constexpr std::array<std::uint8_t, KEY_DIGITS> masked(const char (&key)[KEY_DIGI
 
 constexpr std::array<std::uint8_t, KEY_DIGITS> MASKED_KEY = masked(SYSSET_PLC_KEY);
 
-// Of a file that the panel's memory, where the deciphered one lies, has to take: a program of
-// 16 MiB and its header.
+// The deciphered file lies in the panel's memory: at most a program of 16 MiB and its header.
 constexpr off_t LARGEST_FILE = (off_t(16) << 20) + 20;
 
-// -1 also if it is larger than that.
+// Returns -1 also for a larger file.
 int openRegular(const std::string &path, int flags)
 {
     // Without O_NONBLOCK a FIFO would hold the caller up.

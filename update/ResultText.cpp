@@ -154,7 +154,7 @@ constexpr ResultRow PLC_ROWS[] = {
 constexpr ResultRow PLC_OTHER = {
     0, {QT_TRANSLATE_NOOP("DownLoadPlcPro", "Failed to set disable upload!")}};
 
-// Bytes of the panel's first language, which no other part of the program reads as such.
+// The only text of the program that is stored in GB2312.
 QString decoded(const char *gb2312)
 {
     if (gb2312 == nullptr)

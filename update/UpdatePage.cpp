@@ -30,7 +30,7 @@ constexpr const char *NO_UDISK =
 constexpr std::size_t SHOWN_SIZE = 1024;
 constexpr double BOX_SHARE = 0.7; // of the screen
 
-std::string numbered(int udisk, const std::string &name)
+std::string shownName(int udisk, const std::string &name)
 {
     char shown[SHOWN_SIZE];
     std::snprintf(shown, sizeof shown, "U%d/%s", udisk, name.c_str());
@@ -45,7 +45,7 @@ void UpdatePage::setWidgets(const Widgets &widgets)
     m_widgets.button->setFixedHeight(touchHeight() + touchHeight() / 4);
     m_widgets.bar->setFixedHeight(touchHeight());
     new FingerScroll(m_widgets.list);
-    m_widgets.list->setMinimumHeight(touchHeight() + spacing(1)); // a row, beside a long name
+    m_widgets.list->setMinimumHeight(touchHeight() + spacing(1)); // one row
 }
 
 void UpdatePage::listUdisk(const std::string &mountPath)
@@ -58,11 +58,11 @@ void UpdatePage::listUdisk(const std::string &mountPath)
     for (const std::string &name : names) {
         if (!isListed(name))
             continue;
-        m_files.push_back({mountPath, name, numbered(m_nUdisk, name)});
+        m_files.push_back({mountPath, name, shownName(m_nUdisk, name)});
         rows += shownBytes(m_files.back().shown);
     }
     m_widgets.list->addItems(rows); // all at once: one by one takes five times as long
-    m_widgets.label->setText(generic(m_job.texts.prompt));
+    m_widgets.label->setText(commonText(m_job.texts.prompt));
 }
 
 // Anywhere in the name, so that "a.tmt3.bak" is listed too; this is intended.
@@ -76,7 +76,7 @@ bool UpdatePage::isListed(const std::string &name) const
 void UpdatePage::clearUdisk()
 {
     m_widgets.list->clear();
-    m_widgets.label->setText(generic(NO_UDISK));
+    m_widgets.label->setText(commonText(NO_UDISK));
     m_nUdisk = 0;
     m_files.clear();
 }
@@ -92,28 +92,28 @@ void UpdatePage::retranslate()
     showResult(stored, false);
     const QListWidgetItem *row = m_widgets.list->currentItem();
     if (!m_bUdiskPresent)
-        m_widgets.label->setText(generic(NO_UDISK));
+        m_widgets.label->setText(commonText(NO_UDISK));
     else if (stored == m_job.noResult)
         m_widgets.label->setText(row != nullptr ? selectedText(row->text())
-                                                : generic(m_job.texts.prompt));
+                                                : commonText(m_job.texts.prompt));
 }
 
 void UpdatePage::selectRow(const QString &itemText)
 {
     (m_pWorker->*m_job.resetResult)(0);
-    say(selectedText(itemText));
+    setStatus(selectedText(itemText));
 }
 
-// A long name takes room from the list, where the row must not go out of sight for it.
-void UpdatePage::say(const QString &said)
+// A long name makes the label higher and the list shorter: keeps the chosen row in sight.
+void UpdatePage::setStatus(const QString &status)
 {
-    m_widgets.label->setText(said);
+    m_widgets.label->setText(status);
     layout()->activate();
     m_widgets.list->scrollToItem(m_widgets.list->currentItem());
 }
 
-// The page does not look at whether the worker takes the job: busy with another one, it never
-// answers this press, and the page waits; this is intended.
+// Whether the worker takes the job is deliberately not looked at: if it is busy with another one,
+// the page waits for a result that this press never produces; this is intended.
 void UpdatePage::startDownload()
 {
     const int row = m_widgets.list->currentRow();
@@ -126,8 +126,8 @@ void UpdatePage::startDownload()
     if (m_job.order == UpdateJob::CONNECT_AFTER_START)
         connectWorker();
     m_widgets.bar->setValue(0);
-    say(QStringLiteral("%1%2,%3").arg(text(m_job.texts.downloading), shownBytes(file.shown),
-                                      text(m_job.texts.caution)));
+    setStatus(QStringLiteral("%1%2,%3").arg(text(m_job.texts.downloading), shownBytes(file.shown),
+                                            text(m_job.texts.caution)));
     m_nTimer = startTimer(m_job.tickMs, Qt::CoarseTimer);
     m_widgets.list->setEnabled(false);
     setEnabled(false);
@@ -135,8 +135,8 @@ void UpdatePage::startDownload()
 
 void UpdatePage::showResult(int code, bool finished)
 {
-    const QString said = resultText(m_job, code, *m_pWorker);
-    m_widgets.label->setText(said);
+    const QString result = resultText(m_job, code, *m_pWorker);
+    m_widgets.label->setText(result);
     if (!finished || m_pWorker->isGivenUp())
         return;
     m_widgets.list->setEnabled(true);
@@ -145,16 +145,16 @@ void UpdatePage::showResult(int code, bool finished)
         killTimer(m_nTimer);
     m_nTimer = 0;
     const QString heading = text(code == 0 ? m_job.texts.succeeded : m_job.texts.failed);
-    tell(code == 0, said.isEmpty() ? heading : heading + QLatin1Char('\n') + said);
+    showBox(code == 0, result.isEmpty() ? heading : heading + QLatin1Char('\n') + result);
     m_widgets.bar->setValue(0);
     disconnectWorker();
 }
 
-// The longest text has five lines.
-void UpdatePage::tell(bool success, const QString &said)
+// Large enough for the longest text, five lines.
+void UpdatePage::showBox(bool success, const QString &message)
 {
     const QSize corner = fractionOf(screenSize(), (1 - BOX_SHARE) / 2, (1 - BOX_SHARE) / 2);
-    runBox(success ? BOX_INFORMATION : BOX_CRITICAL, this, said,
+    runBox(success ? BOX_INFORMATION : BOX_CRITICAL, this, message,
            fractionOf(screenSize(), BOX_SHARE, BOX_SHARE), {corner.width(), corner.height()});
 }
 
@@ -192,7 +192,7 @@ QString UpdatePage::text(const char *source) const
     return QCoreApplication::translate(m_job.texts.context, source);
 }
 
-QString UpdatePage::generic(const char *source) const
+QString UpdatePage::commonText(const char *source) const
 {
     return QCoreApplication::translate("QObject", source);
 }

@@ -39,7 +39,7 @@ public:
     // Forgets all files. A job under way goes on.
     void clearUdisk();
 
-    // Says the page's texts and takes its styles again, after a language change.
+    // Sets the page's texts and styles again, after a language change.
     void retranslate();
 
 protected:
@@ -58,28 +58,29 @@ protected:
     CDownloadThread *worker() const { return m_pWorker; }
     QProgressBar *bar() const { return m_widgets.bar; }
 
-    // What the slots do, if it is the right object that has sent the signal.
+    // What the slots do once they have found that the right object has sent the signal.
     void selectRow(const QString &itemText);
     void startDownload();
-    // `finished` if the worker tells it: then the page is free again, and the operator is told.
+    // Shows the text of a result in the label. If the worker has just sent it, `finished`, also
+    // shows it in a box and frees the page.
     void showResult(int code, bool finished);
 
     void timerEvent(QTimerEvent *event) override;
 
     virtual void translateForm() = 0;
     virtual void connectResult() = 0; // the worker's result signal to the page's slot
-    // At each tick while a job is under way: on by one between two reports.
+    // At each tick while a job is under way: adds one between two reports of the service.
     virtual void moveBar();
 
 private:
-    void say(const QString &said);
+    void setStatus(const QString &status);
     bool isListed(const std::string &name) const;
-    void tell(bool success, const QString &said);
+    void showBox(bool success, const QString &message);
     void connectWorker();
     void disconnectWorker();
     QString selectedText(const QString &itemText) const;
-    QString text(const char *source) const;
-    QString generic(const char *source) const;
+    QString text(const char *source) const; // in the context of the page's class
+    QString commonText(const char *source) const;
 
     const UpdateJob &m_job;
     Widgets m_widgets{};

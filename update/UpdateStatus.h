@@ -1,4 +1,4 @@
-// Talk with the panel's update service.
+// Requests to the panel's update service.
 #pragma once
 
 #include <string>
@@ -29,7 +29,7 @@ enum UpdateCommand {
 enum UpdateResult {
     UPDATE_ANSWERED = 0,
     UPDATE_FAILED = -1,    // no answer in time, or no service
-    UPDATE_TOO_SHORT = -2, // an answer that ends before its error number, which says nothing
+    UPDATE_TOO_SHORT = -2, // an answer too short to hold an error number
 };
 
 // Asks the service and waits at most `timeoutMs` for its answer, which goes to `status`. What a

@@ -13,7 +13,6 @@
 #include "update/Progress.h"
 #include "update/UpdateJob.h"
 
-#include <QFile>
 #include <QLabel>
 #include <QListWidget>
 #include <QProgressBar>
@@ -22,8 +21,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <map>
-#include <memory>
 #include <set>
 
 using sim::Json;
@@ -35,17 +32,12 @@ const QString NO_UDISK = "Failed to recognize U disk, please check it or change 
 
 enum Page { PROJECT, FIRMWARE, PLC };
 const QString NAMES[] = {"Pro"_s, "Image"_s, "PlcPro"_s}; // in those of widgets and slots
-const QString FILES[] = {"a.tmt3"_s, "a.osf3"_s, "a.bin"_s};
+const std::string ENDINGS[] = {".tmt3", ".osf3", ".bin"};
 
 bool isChinese(const QString &text)
 {
     return std::any_of(text.begin(), text.end(),
                        [](QChar letter) { return letter.script() == QChar::Script_Han; });
-}
-
-QString onOneLine(QString text)
-{
-    return text.remove(u'\r').replace(u'\n', u'/');
 }
 
 } // namespace
@@ -65,6 +57,7 @@ private slots:
         g_Progress.nPercent = 0;
         COS::CCosRateTimer::init(50);
         m_stick = std::make_unique<QTemporaryDir>();
+        m_disk = m_stick->path().toStdString() + '/';
         m_worker = std::make_unique<CDownloadThread>();
         m_pages = {std::make_unique<DownLoadHmiPro>(), std::make_unique<DownLoadHmiImage>(),
                    std::make_unique<DownLoadPlcPro>()};
@@ -81,70 +74,51 @@ private slots:
         COS::CCosRateTimer::destory();
         m_worker.reset();
         m_pages = {};
-        std::filesystem::remove_all(m_stick->path().toStdString()); // Qt leaves such names
+        std::filesystem::remove_all(m_disk); // Qt leaves what is no UTF-8
     }
 
-    // page | codes | a word of each line of their text
+    // page | codes: a word of each line of their text, and so on
     void resultTexts_data()
     {
-        rows({"0 | 0 | Updated, please restart",
-              "0 | -1 | not found in Udisk",
-              "0 | -4 | get HMI model",
-              "0 | -5 | KV070T/in project: /Model does not match",
-              "0 | -8 | Project file unmatched",
-              "0 | 1 -2 -3 -6 -7 -9 | Failed to update, please restart",
-              "1 | 0 | Updated firmware/restart",
-              "1 | -1 | get Udisk HMI firmware",
-              "1 | -4 | get HMI model",
-              "1 | -8 -9 | Project file unmatched",
-              "1 | -11 | get Udisk HMI model",
-              "1 | 1 -2 -3 -5 -6 -7 -10 -12 |",
-              "2 | 0 | Updated PLC",
-              "2 | -1 -20 | update PLC program",
-              "2 | -2 -21 | open COM",
-              "2 | -3 -25 | timeout/reasons/parameter setting/cable",
-              "2 | -4 -24 | password",
-              "2 | -5 -7 -13 | communicate",
-              "2 | -6 | stop PLC\uFF01",
-              "2 | -8 -15 -22 | read file",
-              "2 | -9 | program failed/PLC program!/cable",
-              "2 | -10 | comment failed/PLC comment!/cable",
-              "2 | -11 | memory failed/PLC memory!/cable",
-              "2 | -12 | CAM table/related parameters/cable",
-              "2 | 1 -14 -34 | set disable upload",
-              "2 | -16 | PLC type",
-              "2 | -17 -18 | parameter failed/PLC parameter setting/cable",
-              "2 | -19 -23 | PLC version",
-              "2 | -26 | PLC subprogram",
-              "2 | -27 | prohibit uploading",
-              "2 | -28 | subroutine encryption",
-              "2 | -29 | contains program ID",
-              "2 | -30 | program ID error",
-              "2 | -31 | program ID required",
-              "2 | -32 | Program exceeds",
-              "2 | -33 | Comment exceeds"});
+        rows({"0 | 0: Updated, please restart; -1: not found in Udisk; -4: get HMI model;"
+              "-5: KV070T/in project/Model does not match; -8: Project file unmatched;"
+              "1 -2 -3 -6 -7 -9: Failed to update, please restart",
+              "1 | 0: Updated firmware/restart; -1: get Udisk HMI firmware; -4: get HMI model;"
+              "-8 -9: Project file unmatched; -11: get Udisk HMI model; 1 -2 -3 -5 -6 -7 -10 -12:",
+              "2 | 0: Updated PLC; -1 -20: update PLC program; -2 -21: open COM;"
+              "-3 -25: timeout/reasons/parameter setting/cable; -4 -24: password;"
+              "-5 -7 -13: communicate; -6: stop PLC\uFF01; -8 -15 -22: read file;"
+              "-9: program failed/PLC program!/cable; -10: comment failed/PLC comment!/cable;"
+              "-11: memory failed/PLC memory!/cable; -12: CAM table/related parameters/cable;"
+              "1 -14 -34: set disable upload; -16: PLC type; -19 -23: PLC version;"
+              "-17 -18: parameter failed/PLC parameter setting/cable; -26: PLC subprogram;"
+              "-27: prohibit uploading; -28: subroutine encryption; -29: contains program ID;"
+              "-30: program ID error; -31: program ID required; -32: Program exceeds;"
+              "-33: Comment exceeds"});
     }
     // A text that differs from the translated one by a letter stays English.
     void resultTexts()
     {
-        const int page = number(0);
+        const Page page = Page(number(0));
         const QByteArray slot = "slot_ShowDown%1ReResult"_s.arg(NAMES[page]).toLatin1();
         const auto linesOf = [&](int language, const QString &code) {
             applyLanguage(language);
             QMetaObject::invokeMethod(m_pages[page].get(), slot, Q_ARG(int, code.toInt()));
-            return label(Page(page)).split(page == PROJECT ? "\n"_s : "\r\n"_s);
+            return label(page).split(page == PROJECT ? "\n"_s : "\r\n"_s);
         };
-        const QStringList words = cell(2).split(u'/');
-        for (const QString &code : cell(1).split(u' ')) {
-            const QStringList english = linesOf(LANGUAGE_ENGLISH, code);
-            const QStringList chinese = linesOf(LANGUAGE_CHINESE, code);
-            QCOMPARE(english.size(), words.size());
-            QCOMPARE(english.join(QString()).isEmpty(), cell(2).isEmpty());
-            for (int i = 0; i < words.size(); ++i) {
-                QVERIFY2(english[i].contains(words[i]), qPrintable(code + english[i]));
-                QVERIFY2(isChinese(chinese[i]) || words[i].isEmpty(), qPrintable(chinese[i]));
-                QCOMPARE(m_english.emplace(chinese[i], english[i]).first->second, english[i]);
-                QVERIFY(chinese[i].endsWith(u'\uFF01') || !words[i].endsWith(u'\uFF01'));
+        for (const QString &entry : cell(1).split(u';')) {
+            const QStringList words = entry.section(u':', 1).trimmed().split(u'/');
+            for (const QString &code : entry.section(u':', 0, 0).trimmed().split(u' ')) {
+                const QStringList english = linesOf(LANGUAGE_ENGLISH, code);
+                const QStringList chinese = linesOf(LANGUAGE_CHINESE, code);
+                QCOMPARE(english.size(), words.size());
+                for (int i = 0; i < words.size(); ++i) {
+                    QVERIFY2(english[i].contains(words[i]), qPrintable(code + english[i]));
+                    QCOMPARE(english[i].isEmpty(), words[i].isEmpty());
+                    QVERIFY2(isChinese(chinese[i]) || words[i].isEmpty(), qPrintable(chinese[i]));
+                    QCOMPARE(m_english.emplace(chinese[i], english[i]).first->second, english[i]);
+                    QVERIFY(chinese[i].endsWith(u'\uFF01') || !words[i].endsWith(u'\uFF01'));
+                }
             }
         }
     }
@@ -167,14 +141,32 @@ private slots:
         QCOMPARE(label(PROJECT), NO_UDISK);
         insert();
         QCOMPARE(rowsOf(PROJECT), "U1/a.tmt3 U1/a.tmt3.bak"_s);
+        // Another U-disk and another language leave what is read and chosen where it is.
+        for (int i = 10; i < 60; ++i)
+            addFiles({std::to_string(i) + ".tmt3"});
+        insert();
+        pick(PROJECT, 40);
+        const int place = list(PROJECT)->verticalScrollBar()->value();
+        QVERIFY(place > 0);
+        insert();
+        m_pages[PROJECT]->retranslate();
+        QCOMPARE(list(PROJECT)->verticalScrollBar()->value(), place);
+        QCOMPARE(list(PROJECT)->currentRow(), 40);
     }
 
     // As a U-disk of a Chinese Windows has them (GBK), cut UTF-8, and what is special to a label or
     // to printf(). Each row installs its own file, whatever it looks like.
+    // page | the box, "/" for a new line
+    void namesAreBytes_data()
+    {
+        rows({"0 | Download successfully!/Updated, please restart HMI!",
+              "1 | Update Successful/Updated firmware/Please restart HMI!!",
+              "2 | Download successfully!/Updated PLC program!"});
+    }
     void namesAreBytes()
     {
         const std::map<std::string, QString> names = {
-            // in the rows' order
+            // in the order of the rows
             {"%1 %2", "%1 %2"_s},
             {"%s%n", "%s%n"_s},
             {"<img src=x>", "<img src=x>"_s},
@@ -185,51 +177,31 @@ private slots:
             {std::string(250, 'x'), QString(250, u'x')},
             {"\xB9\xA4\xB3\xCC", "\\xB9\\xA4\\xB3\\xCC"_s},
             {"\xE5\xB7\xA5\xE7\xA8\x8B", "\u5DE5\u7A0B"_s}};
-        const std::string disk = m_stick->path().toStdString() + "/\xCA\xFD";
-        std::filesystem::create_directory(disk);
+        const Page page = Page(number(0));
+        m_disk += "\xCA\xFD/";
+        std::filesystem::create_directory(m_disk);
+        for (const auto &[name, shown] : names)
+            addFiles({name + ENDINGS[page]});
+        insert();
         panel().set("update.steps", Json::array());
-        for (const Page page : {PROJECT, FIRMWARE, PLC}) {
-            const QString ending = FILES[page].mid(1);
-            for (const auto &[name, shown] : names)
-                std::ofstream(disk + '/' + name + ending.toStdString()) << "content";
-            m_pages[page]->listUdisk(disk);
-            int row = 0;
-            for (const auto &[name, shown] : names) {
-                panel().clearCalls();
-                pick(page, row++);
-                QVERIFY2(label(page).endsWith(":U1/"_s + shown + ending), qPrintable(label(page)));
-                QCOMPARE(m_pages[page]->width(), 600);
-                press(page);
-                QVERIFY2(answered().contains("uccess"_s), qPrintable(shown));
-                QCOMPARE(pathsAskedFor(), Json({disk + '/' + name + ending.toStdString()}));
-            }
+        int row = 0;
+        for (const auto &[name, shown] : names) {
+            panel().clearCalls();
+            pick(page, row++);
+            const QString said = ":U1/"_s + shown + QString::fromStdString(ENDINGS[page]);
+            QVERIFY2(label(page).endsWith(said), qPrintable(label(page)));
+            QCOMPARE(m_pages[page]->width(), 600);
+            press(page);
+            QCOMPARE(answered(), cell(1));
+            QCOMPARE(pathsAskedFor(), Json({m_disk + '/' + name + ENDINGS[page]}));
         }
     }
 
-    // Another U-disk and another language leave what is read and chosen where it is.
-    void listStaysWhereItIs()
-    {
-        for (int i = 0; i < 99; ++i)
-            addFiles({QByteArray::number(i) + ".tmt3"});
-        insert();
-        pick(PROJECT, 50);
-        const int place = list(PROJECT)->verticalScrollBar()->value();
-        QVERIFY(place > 0);
-        insert();
-        m_pages[PROJECT]->retranslate();
-        QCOMPARE(list(PROJECT)->verticalScrollBar()->value(), place);
-        QCOMPARE(list(PROJECT)->currentRow(), 50);
-    }
-
     // page | what the panel meets | what is downloaded | the box, "/" for a new line
-    void jobFromPressToBox_data()
+    void failureFromPressToBox_data()
     {
         rows(
-            {"0 | success | HMI project | Download successfully!/Updated, please restart HMI!",
-             "1 | success | HMI firmware | "
-             "Update Successful/Updated firmware/Please restart HMI!!",
-             "2 | success | PLC project | Download successfully!/Updated PLC program!",
-             "0 | failure | HMI project | Download failure!/Failed to update, please restart HMI!",
+            {"0 | failure | HMI project | Download failure!/Failed to update, please restart HMI!",
              "1 | failure | HMI firmware | Update failure!",
              "2 | failure | PLC project | Download failure!/Unable to communicate with the PLC!",
              "0 | other model | HMI project | Download failure!/HMI model: KV070T/"
@@ -239,33 +211,31 @@ private slots:
              "0 | no model | HMI project | Download failure!/Failed to get HMI model.",
              "1 | no model | HMI firmware | Update failure!/Failed to get Local HMI model."});
     }
-    void jobFromPressToBox()
+    void failureFromPressToBox()
     {
         const std::map<QString, const char *> orders = {
-            {"success"_s, R"({"update": {"steps": [20]}})"},
             {"failure"_s,
              R"({"update": {"steps": [], "result": -3}, "fail": [["plc.Commu", -5]]})"},
             {"other model"_s, R"({"update": {"model": "KV101<b>"}})"},
             {"no model"_s, R"({"update": {"model": "KV101"}, "machine": {"hmiType": null}})"}};
         const Page page = Page(number(0));
         panel().apply(Json::parse(orders.at(cell(1))));
-        addFiles({"a.tmt3", "a.osf3", "a.bin"});
+        addFiles({"a" + ENDINGS[page]});
         press(page);
         insert();
         press(page);
         QVERIFY(m_pages[page]->isEnabled());      // no row is chosen
         for (int round = 0; round < 2; ++round) { // the second finds the page as the first did
             const int clicks = panel().get("buzzer.opens").get<int>();
-            pick(page, 0);
-            press(page);
+            download(page);
             press(page); // nothing more: it is under way
             QCOMPARE(label(page),
-                     "Downloading %1:U1/%2,Please do not shut down or replug the device!"_s.arg(
-                         cell(2), FILES[page]));
+                     "Downloading %1:%2,Please do not shut down or replug the device!"_s.arg(
+                         cell(2), rowsOf(page)));
             QCOMPARE(panel().get("buzzer.opens").get<int>(), clicks + 2);
             QVERIFY(!m_pages[page]->isEnabled());
-            QCOMPARE(onOneLine(answered()), cell(3));
-            QCOMPARE(onOneLine(label(page)), cell(3).section(u'/', 1));
+            QCOMPARE(answered(), cell(3));
+            QCOMPARE(label(page).remove(u'\r').replace(u'\n', u'/'), cell(3).section(u'/', 1));
             QVERIFY(m_pages[page]->isEnabled() && list(page)->isEnabled());
             QCOMPARE(bar(page)->value(), 0);
             QTRY_COMPARE(panel().get("partition.writable"), Json(false));
@@ -281,26 +251,25 @@ private slots:
         insert();
         panel().delay("plc.Commu", 60000);
         panel().set("update.steps", Json::array());
-        pick(PLC, 0);
-        press(PLC);
-        pick(PROJECT, 0);
-        press(PROJECT);
+        download(PLC);
+        download(PROJECT);
         QVERIFY(label(PROJECT).startsWith("Downloading"_s));
         QTRY_VERIFY(bar(PLC)->value() > 0); // a second, and so two ticks of the project's timer
         QCOMPARE(bar(PROJECT)->value(), 0);
-        m_pages[PLC]->setUdiskPresent(false);
         m_pages[PLC]->clearUdisk();
         QVERIFY(!m_pages[PLC]->isEnabled());
         QCOMPARE(label(PLC), NO_UDISK);
         panel().hurry();
-        QVERIFY(answered().endsWith("\nUpdated PLC program!"_s));
-        QVERIFY(m_pages[PLC]->isEnabled());
-        QVERIFY(!m_pages[PROJECT]->isEnabled());
+        QVERIFY(answered().endsWith("/Updated PLC program!"_s));
+        QVERIFY(m_pages[PLC]->isEnabled() && !m_pages[PROJECT]->isEnabled());
         QVERIFY(panel().get("partition.remounts").empty());
-        QVERIFY(m_worker->SetFunction(CDownloadThread::FUNC_DOWNLOAD_PRO,
-                                      m_stick->path().toStdString() + "/a.tmt3"));
+        m_worker->SetFunction(CDownloadThread::FUNC_DOWNLOAD_PRO, m_disk + "a.tmt3");
         answered();
         QVERIFY(m_pages[PROJECT]->isEnabled());
+        m_worker->giveUp(); // from then on no box
+        download(PROJECT);
+        emit m_worker->sglDownLoadProResult(0);
+        QVERIFY(!m_pages[PROJECT]->isEnabled());
     }
 
     void newerFirmwareAsks()
@@ -310,7 +279,7 @@ private slots:
         insert();
         // Once accepted, declining counts as accepted too.
         for (const auto &[answer, outcome] :
-             {std::pair(0, "Update failure!\nProject file unm"_s),
+             {std::pair(0, "Update failure!/Project file unm"_s),
               std::pair(1, "Update Successful"_s), std::pair(0, "Update Successful"_s)}) {
             QString question;
             QSize size;
@@ -319,8 +288,7 @@ private slots:
                 return true;
             });
             answerNextBox(answer, &question);
-            pick(FIRMWARE, 0);
-            press(FIRMWARE);
+            download(FIRMWARE);
             QVERIFY(answered().startsWith(outcome));
             QCOMPARE(question,
                      "The firmware is a newer version. You risk data loss if you click \"OK\". "
@@ -338,14 +306,12 @@ private slots:
         insert();
         panel().apply({{"update", {{"steps", {98}}, {"stepTime", 60000}}}});
         panel().delay("plc.Commu", 60000);
-        pick(FIRMWARE, 0);
-        press(FIRMWARE);
+        download(FIRMWARE);
         QTRY_COMPARE(bar(FIRMWARE)->value(), 98);
         QTRY_COMPARE(bar(FIRMWARE)->value(), 99);
         QTRY_VERIFY(m_worker->isFinished());
         g_Progress.nPercent = 41;
-        pick(PLC, 0);
-        press(PLC);
+        download(PLC);
         QTRY_COMPARE(bar(PLC)->value(), 42);
         panel().set("update.stepTime", 0);
         panel().hurry();
@@ -353,6 +319,8 @@ private slots:
         answered();
     }
 
+    // The project page never says its last result again; the PLC page does, whatever row is chosen:
+    // its noResult is 1, and its resetResult the project's.
     void afterLanguageChange()
     {
         addFiles({"a.tmt3", "a.bin"});
@@ -364,12 +332,9 @@ private slots:
         insert();
         QCOMPARE(said(PROJECT), "Please select HMI project."_s);
         for (const Page page : {PROJECT, PLC}) {
-            pick(page, 0);
-            press(page);
+            download(page);
             answered();
         }
-        // The project page never says its last result again; the PLC page does, whatever row is
-        // chosen, because a row resets the project's result.
         QCOMPARE(said(PROJECT), "Selected HMI project:U1/a.tmt3"_s);
         m_worker->setProjectResult(-4);
         pick(PLC, 0);
@@ -393,21 +358,21 @@ private:
     QString rowsOf(Page page) const
     {
         QStringList texts;
-        for (int row = 0; row < list(page)->count(); ++row)
-            texts += list(page)->item(row)->text();
+        for (const QListWidgetItem *row : list(page)->findItems({}, Qt::MatchContains))
+            texts += row->text();
         return texts.join(u' ');
     }
 
-    void addFiles(const QList<QByteArray> &names) const
+    void addFiles(const std::vector<std::string> &names) const
     {
-        for (const QByteArray &name : names)
-            std::ofstream(m_stick->path().toStdString() + '/' + name.toStdString()) << "content";
+        for (const std::string &name : names)
+            std::ofstream(m_disk + name) << "content";
     }
     void insert() const
     {
         for (const auto &page : m_pages) {
             page->setUdiskPresent(true);
-            page->listUdisk(m_stick->path().toStdString());
+            page->listUdisk(m_disk);
         }
     }
     void pick(Page page, int row) const
@@ -420,6 +385,11 @@ private:
     void press(Page page) const
     {
         QTest::mouseClick(find<QPushButton>(page, "btn_DownLoad"), Qt::LeftButton);
+    }
+    void download(Page page) const
+    {
+        pick(page, 0);
+        press(page);
     }
     // Of the jobs since the calls were cleared.
     static Json pathsAskedFor()
@@ -434,16 +404,18 @@ private:
         }
         return paths;
     }
-    // The text of the box at the job's end, which it waits for.
+    // The text of the box at the job's end, which it waits for; "/" for a new line.
     static QString answered()
     {
         QString told;
         answerNextBox(1, &told);
-        return QTest::qWaitFor(dialogsDone, 30000) ? told : "no box"_s;
+        return QTest::qWaitFor(dialogsDone, 30000) ? told.remove(u'\r').replace(u'\n', u'/')
+                                                   : "no box"_s;
     }
 
     PanelRoot m_root;
     std::unique_ptr<QTemporaryDir> m_stick;
+    std::string m_disk;
     std::unique_ptr<CDownloadThread> m_worker;
     std::array<std::unique_ptr<UpdatePage>, 3> m_pages;
     std::map<QString, QString> m_english; // by the Chinese of it: no two texts may become one
