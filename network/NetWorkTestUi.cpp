@@ -17,6 +17,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 
@@ -207,17 +208,14 @@ void NetWorkTestUi::startRun()
         const std::lock_guard<std::mutex> lock(m_mutex);
         ++m_nJobs;
     }
-    const auto job = [this] {
-        NetWorkTest_Thread(this);
+    // The job is over when the pool lets go of it: has run it, refused it or, at its end, dropped
+    // it.
+    const std::shared_ptr<void> over(nullptr, [this](void *) {
         const std::lock_guard<std::mutex> lock(m_mutex);
         --m_nJobs;
         m_jobDone.notify_all(); // under the lock: the dialog may go as soon as it is free
-    };
-    const bool taken = COS::CCosThreadPool::submit(job) >= 0;
-    if (!taken) {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        --m_nJobs;
-    }
+    });
+    const bool taken = COS::CCosThreadPool::submit([this, over] { NetWorkTest_Thread(this); }) >= 0;
     setPhase(taken ? Phase::Running : Phase::Refused);
 }
 

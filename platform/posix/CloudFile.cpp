@@ -57,7 +57,7 @@ void readElement(QXmlStreamReader &xml, CloudFile &file)
     xml.skipCurrentElement();
 }
 
-// Walks through the document; false if it is none of ours.
+// Walks through the document; false if it is no cloud file.
 bool readDocument(const QByteArray &bytes, CloudFile &file)
 {
     QXmlStreamReader xml(bytes);

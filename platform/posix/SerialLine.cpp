@@ -51,16 +51,16 @@ constexpr Rate RATES[] = {
     {4800, B4800},     {2400, B2400},   {1200, B1200},   {300, B300},
 };
 
-int tellFailure(const char *function, const char *what, int error)
+int reportFailure(const char *function, const char *what, int error)
 {
     std::fprintf(stderr, "{%s} Err:%s\tErrStr:%s.\n", function, what,
                  std::generic_category().message(error).c_str());
     return -1;
 }
 
-int tellOpenFailure(int error)
+int reportOpenFailure(int error)
 {
-    return tellFailure("OpenDev", "Can't Open Serial Port", error);
+    return reportFailure("OpenDev", "Can't Open Serial Port", error);
 }
 
 bool switchMode(int fd, int switchTo)
@@ -180,12 +180,12 @@ int openDev(const std::string &portName)
     const auto *port = std::find_if(std::begin(PORTS), std::end(PORTS),
                                     [&](const Port &known) { return known.name == portName; });
     if (port == std::end(PORTS))
-        return tellOpenFailure(ENODEV);
+        return reportOpenFailure(ENODEV);
     // Without O_NONBLOCK a port with modem lines would wait here for a carrier.
     const int flags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
     FileDescriptor line(open(panelPath(port->node).c_str(), flags));
     if (!line.isOpen() || !switchMode(line.get(), port->switchTo))
-        return tellOpenFailure(errno);
+        return reportOpenFailure(errno);
     return line.release();
 }
 
@@ -215,7 +215,7 @@ int setParity(int fd, int dataBits, int stopBits, int parity)
     makeRaw(line);
     tcflush(fd, TCIFLUSH);
     if (tcsetattr(fd, TCSANOW, &line) != 0)
-        return tellFailure("set_Parity", "SetupSerial 3", errno);
+        return reportFailure("set_Parity", "SetupSerial 3", errno);
     return 0;
 }
 

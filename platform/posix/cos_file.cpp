@@ -171,7 +171,7 @@ bool CosFile::ExistFile(const std::string &path)
 
 int CosFile::CopyWithMakeDir(const std::string &from, const std::string &to)
 {
-    // Not to hang on a pipe that nobody writes to.
+    // Without O_NONBLOCK a pipe would wait for its writer.
     const FileDescriptor source(::open(from.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat info
     {

@@ -3,6 +3,7 @@
 #include "network/NetWorkTestUi.h"
 #include "platform/cos_thread.h"
 #include "resources/Resources.h"
+#include "tests/platform/posix/Counter.h"
 #include "tests/support/Calls.h"
 #include "tests/support/PanelRoot.h"
 #include "tests/support/PrintedBy.h"
@@ -321,6 +322,21 @@ private slots:
         QVERIFY(button()->isEnabled());
         hold.unlock();
         QTRY_VERIFY((button()->click(), status() == "Diagnosing"_s));
+    }
+
+    void mayGoWhenThePoolDropsItsRun()
+    {
+        Counter running, gate;
+        while (COS::CCosThreadPool::submit([&] { running.add(), gate.reaches(1); }) != 0)
+            QTest::qWait(1); // the run before is ending
+        QVERIFY(running.reaches(1));
+        m_dialog->show();
+        button()->click();
+        QVERIFY(!COS::CCosThreadPool::destory(0));
+        m_dialog.reset();
+        gate.add();
+        QVERIFY(COS::CCosThreadPool::destory());
+        QCOMPARE(COS::CCosThreadPool::init(0, 1, 1), 0);
     }
 
     void speaksAnotherLanguageInTheMiddle()

@@ -21,8 +21,8 @@ public:
     static int setBrightness(int percent);
 };
 
-// The buzzer. It plays in its own time: open() asks for a key click, and runBeep(), called every
-// 50 ms by the program's buzzer task, starts and ends the tones. All functions: any thread.
+// The buzzer. Tones play in the background: open() asks for a key click, and runBeep(), called
+// every 50 ms by the program's buzzer task, starts and ends them. All functions: any thread.
 class CPlatBuzzer
 {
 public:
@@ -65,7 +65,7 @@ public:
     static int getKVxxx(std::string &model);
 };
 
-// Kinds of devices that come and go.
+// Kinds of devices that are plugged in and out.
 enum DEV_TYPE_T {
     DEV_UDISK = 201,
     DEV_ETH = 301,

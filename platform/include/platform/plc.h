@@ -90,9 +90,9 @@ public:
     int ReadPlc5VDownLoadInfo(Plc5VDownLoadInfo &info, tag &extension, std::string path);
 };
 
-// One talk with the PLC. Any thread, one talk at a time. Every function returns 0, or a negative
-// number that says what failed; the numbers are those that the operator's texts are kept by. They
-// block until the PLC has answered or the library gives it up, some seconds each.
+// One session with the PLC. Any thread, one session at a time. Every function returns 0, or a
+// negative number that says what failed; the numbers are those that the operator's texts are kept
+// by. They block until the PLC has answered or the library's time is over, some seconds each.
 class UpDate5vPlcPro
 {
 public:
@@ -106,7 +106,7 @@ public:
     int Open(SERIALCOMSET line);
     // Whether a PLC answers.
     int Commu();
-    // Shows the PLC the download password that it asks for.
+    // Gives the PLC the download password that it asks for.
     int CheckPassword(tagPdata &password);
     // Sets the password that reading the program back will need.
     int SetUpLoadPasswd(tagPdata &password);
@@ -127,5 +127,5 @@ public:
 };
 
 // Whether the PLC that is connected asks for a download password: not 0 if so. `ask` is 1. During
-// a talk that is open; any thread.
+// a session that is open; any thread.
 int isHasPassword(int ask);

@@ -120,10 +120,11 @@ private slots:
     {
         std::atomic<int> failures{0};
         const auto make = [&] {
-            for (int n = 0; n < 50; ++n)
+            for (int n = 0; n < 1000; ++n)
                 failures += CosDir::MakeDir(at("race" + std::to_string(n) + "/a/b")) != 0;
         };
-        std::thread threads[] = {std::thread(make), std::thread(make), std::thread(make)};
+        std::thread threads[] = {std::thread(make), std::thread(make), std::thread(make),
+                                 std::thread(make)};
         for (std::thread &thread : threads)
             thread.join();
         QCOMPARE(failures.load(), 0);
