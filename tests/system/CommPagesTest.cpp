@@ -141,7 +141,7 @@ private slots:
         inDialog(cell(1).split(u' '));
         press(cell(0).toLatin1());
         QCOMPARE(portWords(FIRST), cell(2));
-        QVERIFY(saysWhyNotSaved(cell(4)));
+        QVERIFY(saysWhyNotSaved(cellOrEmpty(4)));
         m_page->resize(640, 390);
         QCOMPARE(texts(SHOWN), cell(3).replace(u'/', u'|'));
     }

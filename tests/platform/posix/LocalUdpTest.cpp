@@ -121,7 +121,7 @@ private slots:
     void environmentNamesThePort()
     {
         const int usual = posix::localUdpPort("DownLoad");
-        const int named = number(1);
+        const int named = cellOrEmpty(1).toInt();
         qputenv("SYSSET_UDP_DOWNLOAD", cell(0).toLatin1().replace('_', ' '));
         QCOMPARE(posix::localUdpPort("DownLoad"), named != 0 ? named : usual);
         QCOMPARE(posix::moveLocalUdpPort("DownLoad", 5000), named != 0 ? named : 5000);
