@@ -37,6 +37,8 @@ void fill(const QString &folder)
 int bareListing(const char *folder)
 {
     DIR *stream = opendir(folder);
+    if (stream == nullptr)
+        return -1;
     int count = 0;
     while (readdir(stream) != nullptr) // NOLINT(concurrency-mt-unsafe): our own stream
         ++count;

@@ -5,7 +5,7 @@
 #include <QFileInfo>
 #include <QXmlStreamReader>
 
-namespace posix {
+namespace os {
 namespace {
 
 using netT::CloudConfig;
@@ -115,4 +115,4 @@ int readCloudFile(const std::string &path, CloudConfig &config, std::string &reg
     return 0;
 }
 
-} // namespace posix
+} // namespace os

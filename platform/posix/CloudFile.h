@@ -6,7 +6,7 @@
 
 #include <string>
 
-namespace posix {
+namespace os {
 
 // Why a cloud file gives no configuration.
 enum CloudFileError {
@@ -32,4 +32,4 @@ enum CloudFileError {
 // `region`, or a CloudFileError, both untouched. Blocks for the reading. Any thread.
 int readCloudFile(const std::string &path, netT::CloudConfig &config, std::string &region);
 
-} // namespace posix
+} // namespace os

@@ -4,7 +4,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace posix {
+namespace os {
 
 class FileDescriptor
 {
@@ -34,4 +34,4 @@ private:
     int m_fd;
 };
 
-} // namespace posix
+} // namespace os

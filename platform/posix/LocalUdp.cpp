@@ -19,7 +19,7 @@
 #include <poll.h>
 #include <sys/socket.h>
 
-namespace posix {
+namespace os {
 namespace {
 
 using CBB::CbbLocalUdp;
@@ -198,4 +198,4 @@ int exchangeDatagram(int port, const std::string &body, std::string &reply, unsi
     return result;
 }
 
-} // namespace posix
+} // namespace os

@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace posix {
+namespace os {
 
 // The UDP port on 127.0.0.1 behind an endpoint: the value of the environment variable
 // SYSSET_UDP_ and the endpoint's name in capitals ("SYSSET_UDP_DOWNLOAD") if that is a port (1 to
@@ -22,4 +22,4 @@ int moveLocalUdpPort(const std::string &endpoint, int port);
 // A port that is none is ERR_ENDPOINT.
 int exchangeDatagram(int port, const std::string &body, std::string &reply, unsigned int timeoutMs);
 
-} // namespace posix
+} // namespace os

@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <vector>
 
-namespace posix {
+namespace os {
 namespace {
 
 // The first bytes of a file of the process, enough for any path; empty if the process is gone.
@@ -77,4 +77,4 @@ int scanProcessTable(const std::string &name)
     return -1;
 }
 
-} // namespace posix
+} // namespace os

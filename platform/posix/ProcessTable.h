@@ -3,10 +3,10 @@
 
 #include <string>
 
-namespace posix {
+namespace os {
 
 // Looks `name` up in /proc: what COS::CosOsState::GetProcessPIDByName answers where the process
 // table is the real one. Same argument, result and thread.
 int scanProcessTable(const std::string &name);
 
-} // namespace posix
+} // namespace os

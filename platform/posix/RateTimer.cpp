@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <memory>
 
-namespace posix {
+namespace os {
 namespace {
 
 using std::chrono::milliseconds;
@@ -246,13 +246,13 @@ void RateTimer::finish(const Task &task)
         m_changed.notify_all();
 }
 
-} // namespace posix
+} // namespace os
 
 namespace COS {
 
 int CCosRateTimer::init(int tickMs)
 {
-    return posix::RateTimer::instance().start(tickMs);
+    return os::RateTimer::instance().start(tickMs);
 }
 
 int CCosRateTimer::addTimer(Function function, void *argument, const std::string &name,
@@ -261,23 +261,23 @@ int CCosRateTimer::addTimer(Function function, void *argument, const std::string
     if (!function || name.empty() || periodMs < 1 || (count < 1 && count != -1) ||
         (mode != 0 && mode != 1))
         return -1;
-    posix::Task task;
+    os::Task task;
     task.function = function;
     task.argument = argument;
     task.name = name;
     task.left = count;
     task.mode = mode;
-    return posix::RateTimer::instance().add(std::move(task), periodMs);
+    return os::RateTimer::instance().add(std::move(task), periodMs);
 }
 
 int CCosRateTimer::removeTimer(const std::string &name)
 {
-    return posix::RateTimer::instance().remove(name);
+    return os::RateTimer::instance().remove(name);
 }
 
 bool CCosRateTimer::destory(int waitMs)
 {
-    return posix::RateTimer::instance().stop(waitMs);
+    return os::RateTimer::instance().stop(waitMs);
 }
 
 } // namespace COS

@@ -14,7 +14,7 @@
 #include <condition_variable>
 #include <mutex>
 
-namespace posix {
+namespace os {
 
 class RateTimer
 {
@@ -58,7 +58,7 @@ private:
     std::condition_variable m_changed; // a call or a thread has ended
     State m_state = State::Down;
     Schedule m_schedule;
-    Moment m_origin{}; // tick 0
+    Moment m_origin; // tick 0
     std::chrono::nanoseconds m_tick{};
     std::chrono::nanoseconds m_grace{}; // how long the leader may hold up other tasks
 
@@ -70,4 +70,4 @@ private:
     int m_threads = 0;
 };
 
-} // namespace posix
+} // namespace os

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace posix {
+namespace os {
 namespace {
 
 // To the first tick of the task's own grid after `now`.
@@ -84,4 +84,4 @@ bool Schedule::isUnderWay(const std::string &name) const
     return std::find(m_underWay.begin(), m_underWay.end(), name) != m_underWay.end();
 }
 
-} // namespace posix
+} // namespace os

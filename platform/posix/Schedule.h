@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-namespace posix {
+namespace os {
 
 using Tick = std::int64_t;
 
@@ -57,4 +57,4 @@ private:
     std::uint64_t m_lastId = 0;
 };
 
-} // namespace posix
+} // namespace os

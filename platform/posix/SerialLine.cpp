@@ -15,7 +15,7 @@
 namespace PLATFORM {
 namespace {
 
-using posix::FileDescriptor;
+using os::FileDescriptor;
 
 // _IOW('w', 1, int) of the board's driver: 1 makes the line RS-422, 0 RS-485.
 constexpr unsigned long MODE_REQUEST = 0x40047701;

@@ -91,7 +91,7 @@ bool ThreadPool::stop(int waitMs)
     Lock lock(m_mutex);
     end(lock);
     const auto isOver = [this] { return m_threads == 0 || m_state != State::Ending; };
-    if (!posix::waitUntilOver(m_changed, lock, waitMs, isOver))
+    if (!os::waitUntilOver(m_changed, lock, waitMs, isOver))
         return false;
     if (m_state == State::Ending)
         m_state = State::Down;
@@ -100,7 +100,7 @@ bool ThreadPool::stop(int waitMs)
 
 bool ThreadPool::addThread()
 {
-    const bool started = posix::startThread("pool", [this] { work(); });
+    const bool started = os::startThread("pool", [this] { work(); });
     m_threads += started ? 1 : 0;
     return started;
 }
@@ -160,7 +160,7 @@ void ThreadPool::stopAtExit()
     if (m_state != State::Up)
         return;
     end(lock);
-    m_changed.wait_for(lock, posix::PATIENCE_AT_EXIT, [this] { return m_busy == 0; });
+    m_changed.wait_for(lock, os::PATIENCE_AT_EXIT, [this] { return m_busy == 0; });
 }
 
 } // namespace

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <sys/timerfd.h>
 
-namespace posix {
+namespace os {
 namespace {
 
 constexpr std::int64_t NS_PER_SECOND = 1000000000;
@@ -49,4 +49,4 @@ void TimerFd::wait() const
         continue;
 }
 
-} // namespace posix
+} // namespace os

@@ -5,7 +5,7 @@
 
 #include <chrono>
 
-namespace posix {
+namespace os {
 
 // CLOCK_MONOTONIC, on Linux the clock of std::chrono::steady_clock.
 using Moment = std::chrono::time_point<std::chrono::steady_clock, std::chrono::nanoseconds>;
@@ -30,4 +30,4 @@ private:
     FileDescriptor m_fd;
 };
 
-} // namespace posix
+} // namespace os

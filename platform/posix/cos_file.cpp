@@ -15,7 +15,7 @@
 namespace COS {
 namespace {
 
-using posix::FileDescriptor;
+using os::FileDescriptor;
 
 constexpr std::size_t COPY_BLOCK = 65536;
 

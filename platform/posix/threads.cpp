@@ -4,7 +4,7 @@
 #include <system_error>
 #include <thread>
 
-namespace posix {
+namespace os {
 
 bool startThread(const char *name, std::function<void()> body)
 {
@@ -19,4 +19,4 @@ bool startThread(const char *name, std::function<void()> body)
     }
 }
 
-} // namespace posix
+} // namespace os

@@ -6,7 +6,7 @@
 #include <functional>
 #include <mutex>
 
-namespace posix {
+namespace os {
 
 // How long the end of the process waits for a service's calls that are under way.
 constexpr std::chrono::seconds PATIENCE_AT_EXIT{1};
@@ -29,4 +29,4 @@ bool waitUntilOver(std::condition_variable &changed, std::unique_lock<std::mutex
     return true;
 }
 
-} // namespace posix
+} // namespace os

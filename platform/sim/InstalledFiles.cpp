@@ -24,7 +24,7 @@ void installFiles()
         fs::create_directories(target.parent_path());
         fs::copy(SYSSET_ITEM_FILES_DIR, target, fs::copy_options::recursive);
     } catch (const fs::filesystem_error &error) {
-        std::cerr << "sysset-sim: cannot install: " << error.what() << std::endl;
+        std::cerr << "sysset-sim: cannot install: " << error.what() << "\n";
     }
 }
 

@@ -70,7 +70,7 @@ Json loadKept(const std::string &file)
         return parsed({std::istreambuf_iterator<char>(stream), {}});
     } catch (const BadRequest &error) {
         std::cerr << "sysset-sim: the kept settings " << file << " are ignored: " << error.what()
-                  << std::endl;
+                  << "\n";
         return Json::object();
     }
 }
@@ -101,7 +101,7 @@ void KeptSettings::write()
     Json kept = keptPart(m_state());
     kept["version"] = VERSION;
     if (!writeWholeFile(m_file, kept.dump(2) + '\n'))
-        std::cerr << "sysset-sim: cannot write " << m_file << std::endl;
+        std::cerr << "sysset-sim: cannot write " << m_file << "\n";
 }
 
 } // namespace sim

@@ -29,7 +29,7 @@ bool LoopbackSocket::bind(int port)
     close();
     m_fd = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     const sockaddr_in address = loopbackAddress(port);
-    if (::bind(m_fd, generic(address), sizeof address) == 0)
+    if (m_fd >= 0 && ::bind(m_fd, generic(address), sizeof address) == 0)
         return true;
     close();
     return false;

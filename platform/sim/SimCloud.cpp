@@ -45,7 +45,7 @@ int loadCloudXML(const std::string &path, CloudConfig &config, std::string &text
     return panel().call("netT.loadCloudXML", Json::array({path}), [&](Json &state) {
         Json &cloud = state["cloud"];
         if (cloud["load"].is_null()) {
-            const int result = posix::readCloudFile(path, config, text);
+            const int result = os::readCloudFile(path, config, text);
             if (result >= 0)
                 cloud["text"] = text;
             return result;

@@ -19,8 +19,8 @@ int CbbLocalUdp::request(const std::string &endpoint, const std::string &body, s
     return panel().callOutside("CBB.request", Json::array({endpoint, command, payload, timeoutMs}),
                                timeoutMs, ERR_TIMEOUT, [&](unsigned int timeLeftMs) {
                                    panel().update().ensureRunning();
-                                   return posix::exchangeDatagram(posix::localUdpPort(endpoint),
-                                                                  body, reply, timeLeftMs);
+                                   return os::exchangeDatagram(os::localUdpPort(endpoint), body,
+                                                               reply, timeLeftMs);
                                });
 }
 

@@ -105,8 +105,7 @@ void leaveState()
     stream << panel().get("").dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
     stream.close();
     if (!stream || std::rename(part.c_str(), stateFile().c_str()) != 0)
-        std::cerr << "sysset-sim: cannot write " << stateFile() << ": " << systemError()
-                  << std::endl;
+        std::cerr << "sysset-sim: cannot write " << stateFile() << ": " << systemError() << "\n";
 }
 
 // Written by the signal handler, read by the event loop.
@@ -138,7 +137,7 @@ void endOnSignals()
 
 int refuse(int status, const char *reason)
 {
-    std::cerr << "sysset-sim: " << reason << std::endl;
+    std::cerr << "sysset-sim: " << reason << "\n";
     return status;
 }
 
@@ -175,12 +174,12 @@ bool serveControl()
     ControlServer &server = programServer();
     if (!server.start(QString::fromStdString(socketPath()))) {
         std::cerr << "sysset-sim: cannot listen at " << socketPath() << ": "
-                  << server.errorString().toStdString() << std::endl;
+                  << server.errorString().toStdString() << "\n";
         return false;
     }
     std::atexit([] { programServer().stop(); });
     endOnSignals();
-    std::cerr << "panel ready" << std::endl;
+    std::cerr << "panel ready\n";
     return true;
 }
 

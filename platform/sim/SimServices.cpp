@@ -59,7 +59,7 @@ int CosOsState::GetProcessPIDByName(const std::string &name)
 {
     return panel().call("COS.GetProcessPIDByName", Json::array({name}), [&](Json &state) {
         if (name != "netServer")
-            return posix::scanProcessTable(name);
+            return os::scanProcessTable(name);
         return sim::serviceRuns(state) ? static_cast<int>(getpid()) : -1;
     });
 }

@@ -10,7 +10,7 @@ struct UpdateStatus
     int state = 0; // 1: an install is under way
     int percent = 0;
     int error = 0;
-    std::string model = {};
+    std::string model;
 };
 
 // The 268 bytes of `status`: three numbers of 32 bits, little-endian, and the model in 256 bytes,

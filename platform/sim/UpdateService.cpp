@@ -17,14 +17,14 @@ constexpr int PORTS_TRIED = 100;
 // one, and sends requests there. Returns the port; 0 if there is none.
 int bindPort(UpdateServer &server)
 {
-    const int first = posix::localUdpPort(ENDPOINT);
+    const int first = os::localUdpPort(ENDPOINT);
     if (server.bind(first))
         return first;
     for (int port = first + 1; port <= first + PORTS_TRIED; ++port) {
-        if (posix::moveLocalUdpPort(ENDPOINT, port) == port && server.bind(port))
+        if (os::moveLocalUdpPort(ENDPOINT, port) == port && server.bind(port))
             return port;
     }
-    posix::moveLocalUdpPort(ENDPOINT, 0);
+    os::moveLocalUdpPort(ENDPOINT, 0);
     return 0;
 }
 
@@ -46,7 +46,7 @@ std::shared_ptr<UpdateServer> UpdateService::start(Json &state)
     if (port == 0) {
         m_isPortTaken = true;
         std::cerr << "the simulated update service stays out: it cannot have port " +
-                         std::to_string(posix::localUdpPort(ENDPOINT)) + "\n";
+                         std::to_string(os::localUdpPort(ENDPOINT)) + "\n";
         return nullptr;
     }
     state["update"]["port"] = port;
@@ -67,7 +67,7 @@ bool UpdateService::forget(std::chrono::milliseconds timeout)
 {
     const auto server = panel().locked([&](const Json &) {
         m_isPortTaken = false;
-        posix::moveLocalUdpPort(ENDPOINT, 0);
+        os::moveLocalUdpPort(ENDPOINT, 0);
         return std::exchange(m_server, nullptr);
     });
     return !server || server->stop(timeout);

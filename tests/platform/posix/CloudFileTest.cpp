@@ -61,7 +61,7 @@ private slots:
         }
         netT::CloudConfig config;
         std::string region;
-        QCOMPARE(posix::readCloudFile(path.toStdString(), config, region), number(1));
+        QCOMPARE(os::readCloudFile(path.toStdString(), config, region), number(1));
         const QString read =
             QString::fromStdString(config.sUrl + " " + std::to_string(config.nPort) + " " + region);
         QCOMPARE(config.sUrl.empty() ? QString() : read.trimmed(), cellOrEmpty(2));
@@ -75,7 +75,7 @@ private slots:
         const std::string pipe = folder + "/pipe.xml"; // opening it would wait for a writer
         QCOMPARE(mkfifo(pipe.c_str(), 0600), 0);
         for (const std::string &path : {folder, folder + "/none.xml", pipe})
-            QCOMPARE(posix::readCloudFile(path, config, region), -1);
+            QCOMPARE(os::readCloudFile(path, config, region), -1);
     }
 
 private:

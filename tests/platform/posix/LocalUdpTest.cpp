@@ -31,7 +31,7 @@ private slots:
     void cleanup()
     {
         qunsetenv("SYSSET_UDP_DOWNLOAD");
-        posix::moveLocalUdpPort("DownLoad", 0);
+        os::moveLocalUdpPort("DownLoad", 0);
     }
 
     void bringsTheReply_data() { rows({"0", "1", "268", "65507"}); }
@@ -52,8 +52,8 @@ private slots:
     {
         QElapsedTimer timer;
         timer.start();
-        QCOMPARE(posix::exchangeDatagram(number(1), std::string(std::size_t(number(0)), 'x'),
-                                         m_reply, LONG),
+        QCOMPARE(os::exchangeDatagram(number(1), std::string(std::size_t(number(0)), 'x'), m_reply,
+                                      LONG),
                  number(2));
         QVERIFY(m_reply.empty() && timer.elapsed() < LONG / 2);
     }
@@ -120,13 +120,13 @@ private slots:
     }
     void environmentNamesThePort()
     {
-        const int usual = posix::localUdpPort("DownLoad");
+        const int usual = os::localUdpPort("DownLoad");
         const int named = cellOrEmpty(1).toInt();
         qputenv("SYSSET_UDP_DOWNLOAD", cell(0).toLatin1().replace('_', ' '));
-        QCOMPARE(posix::localUdpPort("DownLoad"), named != 0 ? named : usual);
-        QCOMPARE(posix::moveLocalUdpPort("DownLoad", 5000), named != 0 ? named : 5000);
-        QCOMPARE(posix::moveLocalUdpPort("DownLoad", 0), named != 0 ? named : usual);
-        QCOMPARE(posix::localUdpPort("Upload"), -1);
+        QCOMPARE(os::localUdpPort("DownLoad"), named != 0 ? named : usual);
+        QCOMPARE(os::moveLocalUdpPort("DownLoad", 5000), named != 0 ? named : 5000);
+        QCOMPARE(os::moveLocalUdpPort("DownLoad", 0), named != 0 ? named : usual);
+        QCOMPARE(os::localUdpPort("Upload"), -1);
     }
 
 private:
@@ -145,7 +145,7 @@ private:
     }
     int ask(const std::string &body, unsigned int timeoutMs)
     {
-        return posix::exchangeDatagram(m_service.port(), body, m_reply, timeoutMs);
+        return os::exchangeDatagram(m_service.port(), body, m_reply, timeoutMs);
     }
 
     LoopbackSocket m_service; // at a new port for each test

@@ -7,7 +7,7 @@
 #include <csignal>
 #include <sys/wait.h>
 
-using posix::scanProcessTable;
+using os::scanProcessTable;
 
 class ProcessTest : public QObject
 {

@@ -120,12 +120,12 @@ private slots:
     // What has been missed is dropped, and late calls do not shift those that follow.
     void keepsItsGrid()
     {
-        posix::Schedule schedule;
-        posix::Task task;
+        os::Schedule schedule;
+        os::Task task;
         task.name = "task";
         task.period = task.next = 4;
         QVERIFY(schedule.add(task));
-        const std::pair<posix::Tick, posix::Tick> calls[] = {{4, 4}, {10, 11}, {12, 27}, {28, 28}};
+        const std::pair<os::Tick, os::Tick> calls[] = {{4, 4}, {10, 11}, {12, 27}, {28, 28}};
         for (const auto &[start, end] : calls) {
             QVERIFY(!schedule.claim(*schedule.nextDue() - 1));
             QVERIFY(schedule.claim(start));

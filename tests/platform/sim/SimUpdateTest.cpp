@@ -190,7 +190,7 @@ private slots:
     void portThatIsTaken()
     {
         sim::LoopbackSocket other;
-        const int usual = posix::localUdpPort("DownLoad");
+        const int usual = os::localUdpPort("DownLoad");
         other.bind(usual); // it may be taken already
         QCOMPARE(ask(POLL), "0 0 -3"_s);
         QVERIFY(panel().get("update.port") != usual);
