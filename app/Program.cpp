@@ -1,7 +1,6 @@
 #include "app/Program.h"
 
 #include "app/look/FontStyle.h"
-#include "app/look/WidgetLook.h"
 #include "app/MainWin.h"
 #include "app/Shutdown.h"
 #include "input/FieldKeyboard.h"
@@ -41,9 +40,8 @@ void runWindow(int argc, char **argv, const std::function<void()> &shown)
 
 } // namespace
 
-void dressApplication()
+void loadAppearance()
 {
-    holdPlugins();
     loadResources();
     substituteFonts();
 }
@@ -57,7 +55,7 @@ void runProgram(int argc, char **argv, const std::function<void()> &shown)
     makeRoomForTimeZone();
 
     QApplication application(argc, argv);
-    dressApplication();
+    loadAppearance();
     QApplication::setOverrideCursor(Qt::BlankCursor);
     try {
         runWindow(argc, argv, shown);

@@ -3,9 +3,9 @@
 
 #include <functional>
 
-// What every window needs beside the QApplication, which must exist: artwork, fonts, and no plugins
-// yet. GUI thread, once.
-void dressApplication();
+// Loads what every window needs: pictures and the substitutes of fonts. After the QApplication is
+// constructed, once. GUI thread.
+void loadAppearance();
 
 // Runs the settings program: builds and shows the window, obeys the options, runs the event loop.
 // Never returns: the program's end restarts the panel and leaves with exit status 0. `shown` is
