@@ -202,7 +202,7 @@ void MainWin::initLook()
     m_strip.emplace(
         StatusStrip::Labels{ui->lab_usb, ui->lab_Eth, ui->lab_wifi, ui->lab_4g, ui->lab_cloud});
     highlightGroup(0);
-    wearLateStyles(this); // the strip's: the first show goes through them anyway
+    applyPendingStyles(this); // the strip's
     applyStyle();
     connect(this, qOverload<int, bool>(&MainWin::sgl_NetChange), this,
             qOverload<int, bool>(&MainWin::slot_NetChange));
@@ -377,8 +377,6 @@ void MainWin::slot_LanguageChange(int index)
 {
     m_nLanguage = index == LANGUAGE_ENGLISH ? LANGUAGE_ENGLISH : LANGUAGE_CHINESE;
     applyLanguage(m_nLanguage);
-    for (PageTab *tab : findChildren<PageTab *>())
-        tab->parkPage();
     ui->retranslateUi(this);
     highlightGroup(m_nGroup);
     applyStyle();
@@ -404,8 +402,8 @@ void MainWin::applyStyle()
     for (const Group &group : m_groups) {
         const bool updates = group.tabs == ui->tab_UpData;
         const QString style = updates ? tabs + updateStyle() : tabs;
-        // Before the first show all at once, which goes through everything anyway.
-        if (group.tabs->styleSheet().isEmpty())
+        // The window is not shown yet at the start: its first group would be styled twice.
+        if (&group == &m_groups[m_nGroup])
             setStyleOnce(group.tabs, style);
         else
             setStyleWhenSeen(group.tabs, style);

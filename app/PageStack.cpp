@@ -8,7 +8,7 @@
 void PageTab::showEvent(QShowEvent *event)
 {
     if (m_page != nullptr) {
-        wearLateStyles(m_page.get());
+        applyPendingStyles(m_page.get());
         auto *room = new QVBoxLayout(this);
         room->setContentsMargins(0, 0, 0, 0);
         room->addWidget(m_page.release());
@@ -17,13 +17,4 @@ void PageTab::showEvent(QShowEvent *event)
         room->activate();
     }
     QWidget::showEvent(event);
-}
-
-void PageTab::parkPage()
-{
-    if (layout() == nullptr || isVisible())
-        return;
-    m_page.reset(layout()->itemAt(0)->widget());
-    delete layout();
-    m_page->setParent(nullptr);
 }

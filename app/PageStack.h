@@ -1,4 +1,4 @@
-// Containers of pages that leave alone what nobody sees yet.
+// Containers of pages that are neither measured nor styled until they are first seen.
 #pragma once
 
 #include <QStackedWidget>
@@ -6,9 +6,9 @@
 
 #include <memory>
 
-// Both containers ask every page, hidden ones too, for the size that it would like, which lays out
-// the whole program before its first frame. Here the screen decides, so nobody asks; nor for the
-// height that a wrapped text would like, which the status strip would have to give.
+// Qt's containers ask hidden pages too for their size hints, which lays out the whole program
+// before its first frame. Here the screen decides the size. Height for width is off because a long
+// wrapped text would take its height from the status strip.
 
 class PageStack : public QStackedWidget
 {
@@ -28,8 +28,8 @@ public:
     bool hasHeightForWidth() const override { return false; }
 };
 
-// A tab whose page stays outside the window until it is first seen: showing a window polishes
-// everything in it, hidden or not, and a style sheet set on it goes through everything again.
+// A tab whose page joins the window when it is first seen: showing a window polishes everything in
+// it, hidden or not.
 class PageTab : public QWidget
 {
     Q_OBJECT
@@ -47,13 +47,9 @@ public:
         return made;
     }
 
-    // Takes a page that is not seen out of the window again, until it is; before the window gets
-    // another style sheet.
-    void parkPage();
-
 protected:
     void showEvent(QShowEvent *event) override;
 
 private:
-    std::unique_ptr<QWidget> m_page; // while it is not in the window
+    std::unique_ptr<QWidget> m_page; // until it joins the window
 };

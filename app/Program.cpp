@@ -2,7 +2,6 @@
 
 #include "app/CommandLine.h"
 #include "app/look/FontStyle.h"
-#include "app/look/WidgetLook.h"
 #include "app/MainWin.h"
 #include "app/Shutdown.h"
 #include "resources/Resources.h"
@@ -27,9 +26,8 @@ void runWindow(int argc, char **argv, const std::function<void()> &shown)
 
 } // namespace
 
-void dressApplication()
+void loadAppearance()
 {
-    holdPlugins();
     loadResources();
     substituteFonts();
 }
@@ -45,7 +43,7 @@ namespace {
     makeRoomForTimeZone();
 
     QApplication application(argc, argv);
-    dressApplication();
+    loadAppearance();
     QApplication::setOverrideCursor(Qt::BlankCursor);
     try {
         runWindow(argc, argv, shown);

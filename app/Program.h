@@ -3,9 +3,9 @@
 
 #include <functional>
 
-// What every window needs beside the QApplication, which must exist: artwork, fonts, and no plugins
-// yet. GUI thread, once.
-void dressApplication();
+// Loads what every window needs: pictures and the substitutes of fonts. After the QApplication is
+// constructed, once. GUI thread.
+void loadAppearance();
 
 // Runs the settings program: answers --help, --version and an unknown option, builds and shows the
 // window, obeys the other options, runs the event loop. `prepare` makes the panel ready before

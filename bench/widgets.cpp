@@ -157,7 +157,7 @@ int main(int argc, char **argv)
     if (refused != 0)
         return refused;
     QApplication application(argc, argv);
-    dressApplication();
+    loadAppearance();
     auto *window = new MainWin; // its end would restart the panel
     window->show();
     drain();

@@ -163,7 +163,7 @@ int main(int argc, char **argv)
     if (refused != 0)
         return refused;
     QApplication application(argc, argv);
-    dressApplication();
+    loadAppearance();
     auto *window = new MainWin; // its end would restart the panel
     window->show();
     window->findChild<QAbstractButton *>(QStringLiteral("btn_Net"))->click();

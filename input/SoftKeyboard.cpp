@@ -5,6 +5,7 @@
 #include "app/look/Screen.h"
 #include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
+#include "app/look/Theme.h"
 #include "app/look/WidgetLook.h"
 #include "platform/cos_time.h"
 #include "ui_SoftKeyboard.h"
@@ -15,6 +16,7 @@ namespace {
 
 constexpr int DEBOUNCE_MS = 150;
 constexpr int SHADOW = 3; // pixels, painted around the keyboard
+constexpr int SHADOW_ALPHA = 100;
 constexpr int KEY_ROWS = 4;
 constexpr int LINES_A_GAP = 200; // of the screen, for each pixel between the keys
 
@@ -40,7 +42,7 @@ constexpr ModeLook MODE_LOOKS[] = {
 };
 constexpr int MODE_COUNT = static_cast<int>(std::size(MODE_LOOKS));
 
-// A finger that trembles presses twice. The last press taken is remembered across all keyboards;
+// A trembling finger presses twice. The last press taken is remembered across all keyboards;
 // the first press of the process is measured against itself, and so is never taken.
 bool isPressTaken()
 {
@@ -63,6 +65,7 @@ SoftKeyboard::SoftKeyboard(QWidget *parent, const QString &text)
     ui->lab_Min->hide();
     ui->lab_Max->hide();
     connectKeys();
+    loadIcons();
     tableActions();
     fitToScreen();
     showText();
@@ -78,6 +81,20 @@ void SoftKeyboard::connectKeys()
         key->setIconSize({iconSide, iconSide});
         connect(key, &QPushButton::clicked, this, &SoftKeyboard::slot_Btnclicked);
     }
+}
+
+// By way of the pixmap cache: another keyboard soon after need not read them again.
+void SoftKeyboard::loadIcons()
+{
+    const auto load = [](const char *image, std::initializer_list<QPushButton *> keys) {
+        const QPixmap picture(imagePath(QString::fromLatin1(image)));
+        for (QPushButton *key : keys)
+            key->setIcon(QIcon(picture));
+    };
+    load("Critical.png", {ui->btn_close});
+    load("delete.png", {ui->btn_c_del, ui->btn_s_del, ui->btn_n_delete});
+    load("space.png", {ui->btn_c_space, ui->btn_s_space});
+    load("enter.png", {ui->btn_c_enter, ui->btn_s_enter, ui->btn_n_enter});
 }
 
 void SoftKeyboard::tableActions()
@@ -138,7 +155,7 @@ void SoftKeyboard::setMaxLength(int length)
 void SoftKeyboard::setPassword(const QString &password)
 {
     m_password = password;
-    ui->btn_close->setStyleSheet(QStringLiteral("border: 0px solid #C4C4C3;"));
+    ui->btn_close->setStyleSheet(closeKeyStyle());
     ui->btn_close->setEnabled(false);
     new DismissGuard(this, true); // owned by the keyboard
 }
@@ -164,7 +181,7 @@ void SoftKeyboard::setMode(int mode)
     if (mode == KB_MODE_NUMBER)
         setStyleSheet(keyboardStyle(true));
     show();
-    // Until a dialog is shown, Qt goes on using the first sheet that it had parsed for it.
+    // Qt uses the sheet that was set first until the dialog is shown.
     if (mode == KB_MODE_NUMBER)
         ui->line_Text->setAlignment(Qt::AlignHCenter);
     for (QPushButton *button : {ui->btn_close, ui->btn_Eye})
@@ -184,7 +201,7 @@ void SoftKeyboard::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QColor(0, 0, 0, 100));
+    painter.setPen(themeColour(QStringLiteral("shadow"), SHADOW_ALPHA));
     for (int i = 2; i >= 0; --i)
         painter.drawRoundedRect(i, i, width() - 2 * i, height() - 2 * i, 2.0, 2.0);
 }
@@ -207,7 +224,7 @@ void SoftKeyboard::showEye()
 {
     const QString image =
         m_nEyeClosed == 1 ? QStringLiteral("eyeHide.png") : QStringLiteral("eyeShow.png");
-    setStyleOnce(ui->btn_Eye, QStringLiteral("image: url(%1);").arg(imagePath(image)));
+    setStyleOnce(ui->btn_Eye, iconStyle(image));
 }
 
 void SoftKeyboard::enter()

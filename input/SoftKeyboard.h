@@ -66,6 +66,7 @@ private:
     using Action = void (SoftKeyboard::*)();
 
     void connectKeys();
+    void loadIcons();
     void tableActions();
     void fitToScreen();
     void showText();

@@ -3,6 +3,7 @@
 #include "app/look/OutsideText.h"
 #include "app/look/Screen.h"
 #include "app/look/Spacing.h"
+#include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "ui_ListItem.h"
 
@@ -93,12 +94,12 @@ void ListItem::setMode(Mode mode)
     case CONNECTING:
         setStyleOnce(ui->lab_Ok, QString());
         ui->lab_Ok->start();
-        setStyleOnce(ui->lab_ssid, QStringLiteral("color: rgb(0, 0, 0);"));
+        setStyleOnce(ui->lab_ssid, textColourStyle(QStringLiteral("connectingName")));
         break;
     case CONNECTED:
         ui->lab_Ok->stop();
         showIcon(ui->lab_Ok, QStringLiteral("tick.png"));
-        setStyleOnce(ui->lab_ssid, QStringLiteral("color: rgb(71, 148, 214);"));
+        setStyleOnce(ui->lab_ssid, textColourStyle(QStringLiteral("connectedName")));
         break;
     }
 }

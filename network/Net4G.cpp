@@ -220,7 +220,7 @@ void Net4G::refreshApn()
 void Net4G::showApnMode(bool manual)
 {
     (manual ? ui->radio_manual : ui->radio_auto)->setChecked(true);
-    showPart(ui->wdg_vpn, manual);
+    ui->wdg_vpn->setVisible(manual);
     ui->lab_vpn->setVisible(!manual);
     sayApn();
 }
@@ -307,13 +307,13 @@ void Net4G::showAddress(const std::string &dotted)
     const auto octets = octetsOf(dotted);
     for (std::size_t i = 0; i < labels.size(); ++i)
         labels[i]->setText(octets ? (*octets)[i] : QString());
-    showPart(ui->wdg_4gIP, octets.has_value());
+    ui->wdg_4gIP->setVisible(octets.has_value());
 }
 
 void Net4G::showSignal()
 {
     const bool working = m_switch->isPresent() && m_switch->isOn();
     const int level = working ? m_nLevel : 0;
-    const QString image = imagePath(QStringLiteral("4G_%1.png").arg(level));
-    setStyleWhenSeen(ui->lab_4gSignal, QStringLiteral("border-image: url(%1);").arg(image));
+    const QString image = QStringLiteral("4G_%1.png").arg(level);
+    setStyleWhenSeen(ui->lab_4gSignal, borderImageStyle(image));
 }

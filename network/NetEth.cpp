@@ -184,7 +184,7 @@ void NetEth::underline(bool underlined)
 
 void NetEth::showBlock(bool visible)
 {
-    showPart(ui->widget_EthIndetail, visible);
+    ui->widget_EthIndetail->setVisible(visible);
     ui->lab_replacwidgetEth->setVisible(!visible);
 }
 

@@ -1,6 +1,7 @@
 #include "network/NetWorkTestItem.h"
 
 #include "app/look/Spacing.h"
+#include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "ui_NetWorkTestItem.h"
 
@@ -12,8 +13,7 @@
 namespace {
 
 enum Tone { GOOD, FAIR, BAD };
-constexpr const char *TONE_STYLES[] = {"color: rgb(0, 170, 255);", "color: rgb(206, 206, 0);",
-                                       "color: rgb(255, 0, 0);"};
+constexpr const char *TONE_COLOURS[] = {"signalGood", "signalFair", "signalBad"};
 
 constexpr int INDENT = 3; // of the rows below a heading, in units of spacing
 constexpr int CSQ_UNKNOWN = 99;
@@ -186,7 +186,7 @@ void NetWorkTestItem::retranslate()
 void NetWorkTestItem::showState()
 {
     const Look look = lookOf(m_nItem, m_nState, m_nValue);
-    setStyleOnce(ui->lab_state, QLatin1String(TONE_STYLES[look.tone]));
+    setStyleOnce(ui->lab_state, textColourStyle(QLatin1String(TONE_COLOURS[look.tone])));
     markWidget(ui->lab_state, "judged", !look.mark.isEmpty()); // its colour needs a dark ground
     if (m_nState == TEST_RUNNING)
         ui->lab_state->setMovie(m_pRunning);

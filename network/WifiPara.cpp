@@ -5,6 +5,7 @@
 #include "app/look/Screen.h"
 #include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
+#include "app/look/Theme.h"
 #include "app/look/WidgetLook.h"
 #include "platform/net.h"
 #include "ui_WifiPara.h"
@@ -132,11 +133,12 @@ void WifiPara::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(rect().adjusted(SHADOW, SHADOW, -SHADOW, -SHADOW), QColor(248, 248, 248));
+    painter.fillRect(rect().adjusted(SHADOW, SHADOW, -SHADOW, -SHADOW),
+                     themeColour(QStringLiteral("dialogPaper")));
     painter.setBrush(Qt::NoBrush);
     for (int inset = SHADOW; inset >= 1; --inset) {
         const double alpha = DARKEST_SHADOW - 50 * std::sqrt(SHADOW - inset);
-        painter.setPen(QColor(0, 0, 0, static_cast<int>(alpha)));
+        painter.setPen(themeColour(QStringLiteral("shadow"), static_cast<int>(alpha)));
         painter.drawRect(inset, inset, width() - 2 * inset, height() - 2 * inset);
     }
 }

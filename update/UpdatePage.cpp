@@ -2,7 +2,6 @@
 
 #include "app/look/BoxHelpers.h"
 #include "app/look/FingerScroll.h"
-#include "app/look/FontStyle.h"
 #include "app/look/OutsideText.h"
 #include "app/look/Screen.h"
 #include "app/look/Spacing.h"
@@ -85,9 +84,7 @@ void UpdatePage::retranslate()
 {
     translateForm();
     setStyleWhenSeen(this, scrollStyle());
-    setStyleWhenSeen(m_widgets.label, QStringLiteral(" QLabel{color:black;%1border-radius:4px;"
-                                                     "border: 1px solid #C4C4C3;}")
-                                          .arg(GetFontStyle()));
+    setStyleWhenSeen(m_widgets.label, updateLabelStyle());
     const int stored = (m_pWorker->*m_job.storedResult)();
     showResult(stored, false);
     const QListWidgetItem *row = m_widgets.list->currentItem();

@@ -4,7 +4,7 @@
 #include <QObject>
 
 // An event filter for one dialog: the Escape key, which closes every QDialog, has no effect.
-// With `alsoClose`, neither has the window system's wish to close it. GUI thread.
+// With `alsoClose`, neither has a close request of the window system. GUI thread.
 class DismissGuard : public QObject
 {
     Q_OBJECT

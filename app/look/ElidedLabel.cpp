@@ -47,7 +47,7 @@ void ElidedLabel::paintEvent(QPaintEvent *)
     if (text() != m_text || room.width() != m_nWidth)
         layOut();
     QPainter painter(this);
-    // The size counts a gap to a next line, which there is not.
+    // The size counts the leading below the line too.
     const qreal height = m_line.size().height() - QFontMetricsF(font()).leading();
     const QPointF corner(room.left(), room.top() + (room.height() - height) / 2);
     if (m_bChip)

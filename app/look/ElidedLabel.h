@@ -17,7 +17,7 @@ public:
     // Whether the text stands on a dark chip of its own length, for a colour that cannot be read
     // on white.
     void setChip(bool on);
-    // Whether the text stands as far in as one on a chip does.
+    // Whether the text is indented as one on a chip is.
     void setPadded(bool on);
 
 protected:
@@ -30,7 +30,7 @@ private:
 
     QStaticText m_line;
     QString m_text;   // as laid out
-    int m_nWidth = 0; // of the room that it was laid out for
+    int m_nWidth = 0; // for which it was laid out
     bool m_bChip = false;
     bool m_bPadded = false;
 };

@@ -47,7 +47,7 @@ void FingerScroll::press(const QMouseEvent &event)
 bool FingerScroll::move(const QMouseEvent &event)
 {
     const int way = event.globalPos().y() - m_nFrom;
-    const int rest = touchHeight() / 4; // a glove rolls; the rows below it are not meant
+    const int rest = touchHeight() / 4; // a gloved finger rolls as it touches
     QScrollBar *bar = m_pArea->verticalScrollBar();
     if (m_touch == Touch::Rests && std::abs(way) > rest) {
         letGo();
@@ -65,7 +65,7 @@ bool FingerScroll::release()
     return std::exchange(m_touch, Touch::None) == Touch::Slides;
 }
 
-// The view believes that its row is being clicked: for it the finger goes up far away.
+// Ends the click that the view has begun, by a release outside all rows.
 void FingerScroll::letGo()
 {
     if (m_pView == nullptr)

@@ -9,8 +9,8 @@ class QAbstractScrollArea;
 class QMouseEvent;
 
 // Scrolls an area by a finger that slides over it, as far as the finger goes. A touch that turns
-// into a slide is none: no row is clicked, and the one that was chosen stays so, even where there
-// is nothing to scroll. GUI thread.
+// into a slide clicks no row and leaves the current one, even where there is nothing to scroll. GUI
+// thread.
 class FingerScroll : public QObject
 {
     Q_OBJECT
@@ -30,9 +30,9 @@ private:
     void letGo();
 
     QAbstractScrollArea *m_pArea;
-    QAbstractItemView *m_pView; // the same; null if it has no rows
+    QAbstractItemView *m_pView; // m_pArea if it has rows, else null
     Touch m_touch = Touch::None;
     int m_nFrom = 0;  // where the slide began, in pixels of the screen
-    int m_nValue = 0; // of the scroll bar then
+    int m_nValue = 0; // of the scroll bar when the slide began
     QPersistentModelIndex m_current;
 };

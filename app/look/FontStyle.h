@@ -30,6 +30,6 @@ int captionWidth();
 // fontconfig file, resources/fonts/60-sysset.conf.
 void substituteFonts();
 
-// The font of what no style sheet has reached yet. It is one that the program needs anyway, so that
-// the system's own is never loaded.
+// The font of widgets without a style sheet yet. The program uses it in any case, so the system's
+// own font is never loaded.
 QFont panelFont();

@@ -21,10 +21,10 @@ MessageBox::MessageBox(int type, QWidget *parent)
     growLayouts(this);
     setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     applyType(type);
-    const int touchHeight = screenSize().height() / 8;
-    ui->lab_Img->setFixedSize(touchHeight, touchHeight);
-    ui->btn_Ok->setMinimumHeight(touchHeight);
-    ui->btn_Cancel->setMinimumHeight(touchHeight);
+    const int buttonHeight = screenSize().height() / 8;
+    ui->lab_Img->setFixedSize(buttonHeight, buttonHeight);
+    ui->btn_Ok->setMinimumHeight(buttonHeight);
+    ui->btn_Cancel->setMinimumHeight(buttonHeight);
     setStyleSheet(messageBoxStyle());
     connect(ui->btn_Ok, &QPushButton::clicked, this, &MessageBox::slot_BtnOkPressed);
     connect(ui->btn_Cancel, &QPushButton::clicked, this, &MessageBox::slot_BtnCancelPressed);
@@ -56,8 +56,7 @@ void MessageBox::applyType(int type)
         ui->buttonRow->setStretch(2, 1);
     }
     if (type >= 0 && type < ICON_COUNT) {
-        ui->lab_Img->setStyleSheet(QStringLiteral("border-image: url(%1);")
-                                       .arg(imagePath(QString::fromLatin1(ICONS[type]))));
+        ui->lab_Img->setStyleSheet(borderImageStyle(QString::fromLatin1(ICONS[type])));
     }
 }
 

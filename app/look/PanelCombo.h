@@ -14,5 +14,5 @@ public:
     void showPopup() override;
 
 private:
-    bool m_hasList = false; // made when it is first opened: most panels never do
+    bool m_hasList = false; // made when the box is first opened
 };

@@ -11,8 +11,8 @@ namespace {
 
 constexpr int LEAST_TOUCH = 32; // pixels
 
-// The main window is the root of every dialog's chain of parents, but for one of a page that stands
-// outside the window while nobody sees it.
+// The main window is the root of every dialog's chain of parents, but for a dialog of a page that
+// has not joined the window yet.
 const QWidget *rootOf(const QWidget *widget)
 {
     const QWidget *root = widget;

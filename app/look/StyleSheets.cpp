@@ -4,8 +4,10 @@
 #include "app/look/Screen.h"
 #include "app/look/Spacing.h"
 #include "app/look/Theme.h"
+#include "app/look/WidgetLook.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 namespace {
 
@@ -14,9 +16,25 @@ constexpr int TAB_LINE = 1;
 constexpr int FIELD_LINE = 2;     // under a field
 constexpr int WIDEST_SCROLL = 40; // of a scroll bar where the screen has room for it
 
+// Fills in the colours ("@ink") and the font ("%1").
 QString filled(const QString &sheetTemplate)
 {
     return themed(sheetTemplate).replace(QLatin1String("%1"), GetFontStyle());
+}
+
+struct Size
+{
+    const char *name; // none begins with another
+    int pixels;
+};
+
+// Fills in sizes: "width:$side;" gets the pixels of "side".
+QString sized(QString sheetTemplate, std::initializer_list<Size> sizes)
+{
+    for (const Size &size : sizes)
+        sheetTemplate.replace(QLatin1Char('$') + QLatin1String(size.name),
+                              QString::number(size.pixels) + QLatin1String("px"));
+    return sheetTemplate;
 }
 
 // The line under what is chosen or worked on.
@@ -25,8 +43,8 @@ int thickLine()
     return spacing(1) * 3 / 4;
 }
 
-// Pressed and disabled can be told apart without colours: the content moves down, the border
-// breaks up.
+// Pressed and disabled can be told apart without colours: the content moves down, the border is
+// dashed.
 QString buttonTemplate()
 {
     return QStringLiteral("QPushButton{color:@ink;background-color:@surface;%1outline:none;"
@@ -37,8 +55,8 @@ QString buttonTemplate()
                           "border:2px dashed @line;}");
 }
 
-// The one flat kind of button, whose picture is its own: what cannot be switched now is veiled. By
-// its property: a rule for `:flat` would be built, and its picture loaded, for every other button.
+// Switches are the only flat buttons; a disabled one is hatched. Selected by property, because Qt
+// would build a rule for `:flat`, and load its picture, for every other button too.
 QString switchTemplate()
 {
     return QStringLiteral("QPushButton[flat=\"true\"]:disabled{background-color:transparent;"
@@ -47,75 +65,76 @@ QString switchTemplate()
 
 QString radioTemplate(int indicatorSide)
 {
-    return QStringLiteral("QRadioButton{outline: none;%1}"
-                          "QRadioButton:disabled{color:@disabledInk;}"
-                          "QRadioButton::indicator{width:%2px;height:%2px;}"
-                          "QRadioButton::indicator:checked"
-                          "{image: url(:/SysSet_images/SysSet_images/radio_checked.png);}"
-                          "QRadioButton::indicator:unchecked"
-                          "{image: url(:/SysSet_images/SysSet_images/radio_unchecked.png);}"
-                          "QRadioButton::indicator:checked:disabled"
-                          "{image: url(:/SysSet_images/SysSet_images/radio_checked_off.png);}"
-                          "QRadioButton::indicator:unchecked:disabled"
-                          "{image: url(:/SysSet_images/SysSet_images/radio_unchecked_off.png);}")
-        .replace(QLatin1String("%2"), QString::number(indicatorSide));
+    return sized(
+        QStringLiteral("QRadioButton{outline: none;%1}"
+                       "QRadioButton:disabled{color:@disabledInk;}"
+                       "QRadioButton::indicator{width:$side;height:$side;}"
+                       "QRadioButton::indicator:checked"
+                       "{image: url(:/SysSet_images/SysSet_images/radio_checked.png);}"
+                       "QRadioButton::indicator:unchecked"
+                       "{image: url(:/SysSet_images/SysSet_images/radio_unchecked.png);}"
+                       "QRadioButton::indicator:checked:disabled"
+                       "{image: url(:/SysSet_images/SysSet_images/radio_checked_off.png);}"
+                       "QRadioButton::indicator:unchecked:disabled"
+                       "{image: url(:/SysSet_images/SysSet_images/radio_unchecked_off.png);}"),
+        {{"side", indicatorSide}});
 }
 
 QString growingRadioTemplate()
 {
     return radioTemplate(std::max(RADIO_SIDE, touchHeight() / 2)) +
-           QStringLiteral("QRadioButton{spacing:%2px;}")
-               .replace(QLatin1String("%2"), QString::number(spacing(2)));
+           sized(QStringLiteral("QRadioButton{spacing:$gap;}"), {{"gap", spacing(2)}});
 }
 
 QString scrollBarTemplate()
 {
     const int touch = touchHeight();
-    return QStringLiteral("QScrollBar:vertical{width:%2px;background-color:@shade;border:0px;}"
-                          "QScrollBar::handle:vertical{background-color:@title;min-height:%3px;"
-                          "border-radius:4px;margin:2px;}"
-                          "QScrollBar::handle:vertical:pressed{background-color:@mutedInk;}"
-                          "QScrollBar::add-line:vertical,QScrollBar::sub-line:vertical"
-                          "{height:0px;}")
-        .replace(QLatin1String("%2"), QString::number(std::min(touch, WIDEST_SCROLL)))
-        .replace(QLatin1String("%3"), QString::number(touch));
+    return sized(
+        QStringLiteral("QScrollBar:vertical{width:$width;background-color:@shade;border:0px;}"
+                       "QScrollBar::handle:vertical{background-color:@title;min-height:$touch;"
+                       "border-radius:4px;margin:2px;}"
+                       "QScrollBar::handle:vertical:pressed{background-color:@mutedInk;}"
+                       "QScrollBar::add-line:vertical,QScrollBar::sub-line:vertical"
+                       "{height:0px;}"),
+        {{"width", std::min(touch, WIDEST_SCROLL)}, {"touch", touch}});
 }
 
 QString listTemplate()
 {
-    return QStringLiteral("QListWidget{color:@ink;%1background-color:@surface;outline:none;"
-                          "border:1px solid @line;border-radius:4px;}"
-                          "QListWidget:disabled{color:@disabledInk;border:1px dashed @line;}"
-                          "QListWidget::item{padding-left:%4px;border:0px;}"
-                          "QListWidget::item:selected"
-                          "{color:@selectedInk;background-color:@selected;}")
-        .replace(QLatin1String("%4"), QString::number(spacing(2)));
+    return sized(QStringLiteral("QListWidget{color:@ink;%1background-color:@surface;outline:none;"
+                                "border:1px solid @line;border-radius:4px;}"
+                                "QListWidget:disabled{color:@disabledInk;border:1px dashed @line;}"
+                                "QListWidget::item{padding-left:$gap;border:0px;}"
+                                "QListWidget::item:selected"
+                                "{color:@selectedInk;background-color:@selected;}"),
+                 {{"gap", spacing(2)}});
 }
 
 // `textHeight`: what a row keeps for its text at least; padding makes it a row for fingers.
 QString comboTemplate(int arrowWidth, int textHeight)
 {
     const int rowHeight = std::max(touchHeight(), textHeight);
-    return QStringLiteral("QComboBox{color:@ink;%1background-color:@surface;padding-left:%5px;"
-                          "border:2px solid @line;border-radius:4px;combobox-popup:0;}"
-                          "QComboBox:on{background-color:@pressed;border-color:@pressedLine;}"
-                          "QComboBox:disabled{color:@disabledInk;background-color:@shade;"
-                          "border:2px dashed @line;}"
-                          "QComboBox::drop-down{width:%2px;border:0px;}"
-                          "QComboBox::down-arrow{width:%4px;height:%4px;"
-                          "image: url(:/SysSet_images/SysSet_images/chevron.png);}"
-                          "QComboBox::down-arrow:disabled{image:none;}"
-                          "QComboBox QAbstractItemView{color:@ink;%1background-color:@surface;"
-                          "outline:none;border:1px solid @line;}"
-                          "QComboBox QAbstractItemView::item{min-height:%3px;padding:%6px %5px;"
-                          "border:0px;}"
-                          "QComboBox QAbstractItemView::item:selected"
-                          "{color:@selectedInk;background-color:@selected;}")
-               .replace(QLatin1String("%2"), QString::number(arrowWidth))
-               .replace(QLatin1String("%3"), QString::number(textHeight))
-               .replace(QLatin1String("%6"), QString::number((rowHeight - textHeight + 1) / 2))
-               .replace(QLatin1String("%4"), QString::number(arrowWidth / 2))
-               .replace(QLatin1String("%5"), QString::number(spacing(2))) +
+    return sized(QStringLiteral(
+                     "QComboBox{color:@ink;%1background-color:@surface;padding-left:$gap;"
+                     "border:2px solid @line;border-radius:4px;combobox-popup:0;}"
+                     "QComboBox:on{background-color:@pressed;border-color:@pressedLine;}"
+                     "QComboBox:disabled{color:@disabledInk;background-color:@shade;"
+                     "border:2px dashed @line;}"
+                     "QComboBox::drop-down{width:$drop;border:0px;}"
+                     "QComboBox::down-arrow{width:$arrow;height:$arrow;"
+                     "image: url(:/SysSet_images/SysSet_images/chevron.png);}"
+                     "QComboBox::down-arrow:disabled{image:none;}"
+                     "QComboBox QAbstractItemView{color:@ink;%1background-color:@surface;"
+                     "outline:none;border:1px solid @line;}"
+                     "QComboBox QAbstractItemView::item{min-height:$text;padding:$above $gap;"
+                     "border:0px;}"
+                     "QComboBox QAbstractItemView::item:selected"
+                     "{color:@selectedInk;background-color:@selected;}"),
+                 {{"drop", arrowWidth},
+                  {"arrow", arrowWidth / 2},
+                  {"text", textHeight},
+                  {"above", (rowHeight - textHeight + 1) / 2},
+                  {"gap", spacing(2)}}) +
            scrollBarTemplate();
 }
 
@@ -123,28 +142,28 @@ QString comboTemplate(int arrowWidth, int textHeight)
 QString sliderTemplate(int handle)
 {
     const int groove = handle / 6;
-    return QStringLiteral("QSlider{min-height:%1px;}"
-                          "QSlider::groove:horizontal{border:0px;height:%2px;}"
-                          "QSlider::sub-page:horizontal,QSlider::add-page:horizontal"
-                          "{background-color:@accent;border-radius:3px;}"
-                          "QSlider::handle:horizontal{background-color:@surface;"
-                          "border:2px solid @line;width:%3px;border-radius:%4px;"
-                          "margin:-%5px 0px;}"
-                          "QSlider::handle:horizontal:pressed"
-                          "{background-color:@pressed;border-color:@pressedLine;}")
-        .arg(handle)
-        .arg(groove)
-        .arg(handle - 4)
-        .arg(handle / 2 - 1)
-        .arg((handle - groove) / 2);
+    return sized(QStringLiteral("QSlider{min-height:$handle;}"
+                                "QSlider::groove:horizontal{border:0px;height:$groove;}"
+                                "QSlider::sub-page:horizontal,QSlider::add-page:horizontal"
+                                "{background-color:@accent;border-radius:3px;}"
+                                "QSlider::handle:horizontal{background-color:@surface;"
+                                "border:2px solid @line;width:$width;border-radius:$radius;"
+                                "margin:-$margin 0px;}"
+                                "QSlider::handle:horizontal:pressed"
+                                "{background-color:@pressed;border-color:@pressedLine;}"),
+                 {{"handle", handle},
+                  {"groove", groove},
+                  {"width", handle - 4},
+                  {"radius", handle / 2 - 1},
+                  {"margin", (handle - groove) / 2}});
 }
 
 // The field that the keyboard is open on has the dynamic property "edited".
 QString editedTemplate()
 {
-    return QStringLiteral("QLineEdit[edited=\"true\"]{background-color:@accentGround;"
-                          "border-bottom:%2px solid @accent;}")
-        .replace(QLatin1String("%2"), QString::number(thickLine()));
+    return sized(QStringLiteral("QLineEdit[edited=\"true\"]{background-color:@accentGround;"
+                                "border-bottom:$thick solid @accent;}"),
+                 {{"thick", thickLine()}});
 }
 
 // Fields that are told apart by the dynamic property "shownOnly".
@@ -188,34 +207,41 @@ QString tabStyle()
 {
     const QSize screen = screenSize();
     const int height = screen.height() / 12;
-    // The bar under the selected tab is taken from its height, so that all tabs stay as high.
-    return themed(
-               QStringLiteral("QTabBar::tab {width:%1px;height:%2px;color: black;%3outline: none;"
-                              "background-color:@shade;margin:0px;padding:0px;"
-                              "border:0px;border-right:1px solid @line;"
-                              "border-top-left-radius:4px;border-top-right-radius:4px;}"
-                              "QTabBar::tab:selected{color:@selectedInk;"
-                              "background-color:@selected;height:%4px;"
-                              "border:0px;border-right:1px solid @selected;"
-                              "border-bottom:%5px solid @mark;}"
-                              "QTabWidget::pane{border:0px;border-top:2px solid @selected;"
-                              "background-color:@surface;}"))
+    // The bar under the selected tab is taken from its height, so that all tabs stay as high. What
+    // stands before the ground is fixed, its numbers too.
+    return themed(sized(QStringLiteral(
+                            "QTabBar::tab {width:%1px;height:%2px;color: black;%3outline: none;"
+                            "background-color:@shade;margin:0px;padding:0px;"
+                            "border:0px;border-right:1px solid @line;"
+                            "border-top-left-radius:4px;border-top-right-radius:4px;}"
+                            "QTabBar::tab:selected{color:@selectedInk;"
+                            "background-color:@selected;height:$selected;"
+                            "border:0px;border-right:1px solid @selected;"
+                            "border-bottom:$thick solid @mark;}"
+                            "QTabWidget::pane{border:0px;border-top:2px solid @selected;"
+                            "background-color:@surface;}"),
+                        {{"selected", height - thickLine()}, {"thick", thickLine()}}))
         .arg(screen.width() / 5)
         .arg(height)
-        .arg(GetFontStyle())
-        .arg(height - thickLine())
-        .arg(thickLine());
+        .arg(GetFontStyle());
 }
 
 QString updateStyle()
 {
-    return filled(listTemplate() + QStringLiteral("QListWidget::item{min-height:%2px;}"
-                                                  "QProgressBar{border: none;text-align: center;"
-                                                  "background: @undone;}"
-                                                  "QProgressBar{color:@ink;%1border-radius:4px;}"
-                                                  "QProgressBar::chunk{background-color:@mark;"
-                                                  "border-radius:4px;}"))
-        .replace(QLatin1String("%2"), QString::number(touchHeight()));
+    return filled(listTemplate() +
+                  sized(QStringLiteral("QListWidget::item{min-height:$touch;}"
+                                       "QProgressBar{border: none;text-align: center;"
+                                       "background: @undone;}"
+                                       "QProgressBar{color:@ink;%1border-radius:4px;}"
+                                       "QProgressBar::chunk{background-color:@mark;"
+                                       "border-radius:4px;}"),
+                        {{"touch", touchHeight()}}));
+}
+
+QString updateLabelStyle()
+{
+    return filled(QStringLiteral(" QLabel{color:@ink;%1border-radius:4px;"
+                                 "border: 1px solid @line;}"));
 }
 
 QString scrollStyle()
@@ -223,6 +249,7 @@ QString scrollStyle()
     return themed(scrollBarTemplate());
 }
 
+// Fixed to the letter, as switchStyle() and closeKeyStyle().
 QString navigationStyle(bool selected)
 {
     return filled(selected ? QStringLiteral("color: white; background-color:rgb(0   , 85  ,127); "
@@ -231,6 +258,30 @@ QString navigationStyle(bool selected)
                            : QStringLiteral("color: black; background-color:rgb(255 , 255 ,255); "
                                             "%1;outline: none;border-radius: 4px;"
                                             "border: 2px solid #C4C4C3;"));
+}
+
+QString switchStyle(bool on)
+{
+    const QString image =
+        imagePath(on ? QStringLiteral("Switch_Open.png") : QStringLiteral("Switch_Close.png"));
+    return QStringLiteral("QPushButton{ border:0px;outline: none;border-image: url(") + image +
+           QStringLiteral(");}QPushButton:pressed{border:0px;"
+                          "background-color:rgb(255 , 255 ,255);}");
+}
+
+QString iconStyle(const QString &imageName)
+{
+    return QStringLiteral("image: url(") + imagePath(imageName) + QStringLiteral(");");
+}
+
+QString borderImageStyle(const QString &imageName)
+{
+    return QStringLiteral("border-image: url(") + imagePath(imageName) + QStringLiteral(");");
+}
+
+QString textColourStyle(const QString &colourName)
+{
+    return themed(QStringLiteral("color: @") + colourName + QLatin1Char(';'));
 }
 
 QString messageBoxStyle()
@@ -243,7 +294,7 @@ QString messageBoxStyle()
 
 QString keyboardStyle(bool centred)
 {
-    // A page's own rule for its fields would reach the entry line too.
+    // All that a page's rule for its own fields could change on the entry line is set here.
     return filled(QStringLiteral("QLabel{color:@ink;%1border-radius:4px;}") + buttonTemplate() +
                   QStringLiteral("#SoftKeyboard{background-color:@surface;}"
                                  "QLabel#lab_Min,QLabel#lab_Max{padding:0px 6px;}"
@@ -257,9 +308,14 @@ QString keyboardStyle(bool centred)
            (centred ? QStringLiteral("AlignHCenter;}") : QStringLiteral("AlignLeft;}"));
 }
 
+QString closeKeyStyle()
+{
+    return themed(QStringLiteral("border: 0px solid @line;"));
+}
+
 QString infoStyle()
 {
-    // Without the font, which is the window's: a language change leaves this alone.
+    // Without the font, which is the window's, so that a language change need not set it again.
     return themed(QStringLiteral("QLabel{color:@ink;border:0px;border-radius:0px;"
                                  "border-bottom:1px solid @hairline;}"
                                  "QLabel#label_24,QLabel#label_29,QLabel#label_34,QLabel#label_35"
@@ -271,24 +327,24 @@ QString infoStyle()
 
 QString versionStyle()
 {
-    return filled(QStringLiteral("QTreeWidget{color:@ink;%1background-color:@surface;"
-                                 "outline:none;border:0px;}"
-                                 "QTreeWidget::item{min-height:%2px;padding:0px 4px;"
-                                 "border:0px;border-bottom:1px solid @hairline;}") +
-                  scrollBarTemplate())
-        .replace(QLatin1String("%2"), QString::number(fontPixelSize() * 2));
+    return filled(sized(QStringLiteral("QTreeWidget{color:@ink;%1background-color:@surface;"
+                                       "outline:none;border:0px;}"
+                                       "QTreeWidget::item{min-height:$row;padding:0px 4px;"
+                                       "border:0px;border-bottom:1px solid @hairline;}"),
+                        {{"row", fontPixelSize() * 2}}) +
+                  scrollBarTemplate());
 }
 
 QString radioStyle()
 {
     const int around = (touchHeight() - RADIO_SIDE) / 2;
     return filled(radioTemplate(RADIO_SIDE) +
-                  QStringLiteral("QRadioButton{padding-left:%2px;}"
-                                 "QPushButton[chosen=\"true\"]{color:@selectedInk;"
-                                 "background-color:@selected;border-color:@selected;}"
-                                 "QPushButton[chosen=\"true\"]:pressed"
-                                 "{background-color:@mutedInk;}"))
-        .replace(QLatin1String("%2"), QString::number(around));
+                  sized(QStringLiteral("QRadioButton{padding-left:$around;}"
+                                       "QPushButton[chosen=\"true\"]{color:@selectedInk;"
+                                       "background-color:@selected;border-color:@selected;}"
+                                       "QPushButton[chosen=\"true\"]:pressed"
+                                       "{background-color:@mutedInk;}"),
+                        {{"around", around}}));
 }
 
 QString growingRadioStyle()
@@ -343,7 +399,7 @@ QString generalStyle()
 {
     const int touch = touchHeight();
     return addressStyle(true) +
-           QStringLiteral("QLineEdit{min-height:%1px;}").arg(touch - FIELD_LINE) +
+           sized(QStringLiteral("QLineEdit{min-height:$field;}"), {{"field", touch - FIELD_LINE}}) +
            filled(comboTemplate(touch, fontPixelSize() * 8 / 5)) +
            themed(sliderTemplate(touch) +
                   QStringLiteral("QFrame#line_Halves{background-color:@line;border:0px;}"));
@@ -359,21 +415,22 @@ QString extendStyle()
 
 QString diagnosisStyle()
 {
-    return filled(QStringLiteral("QLabel{color:@ink;%1border:0px;}") + buttonTemplate() +
-                  scrollBarTemplate() + frameTemplate() +
-                  QStringLiteral("#NetWorkTestUi,QWidget#rows{background-color:@surface;}"
-                                 "QFrame#wdg_Title{background-color:@title;}"
-                                 "QPushButton#btn_close{background-color:transparent;border:0px;}"
-                                 "QPushButton#btn_StartDiag{padding:0px 8px;}"
-                                 "QScrollArea{border:1px solid @line;}"
-                                 "NetWorkTestItem[heading=\"true\"]{background-color:@shade;}"
-                                 "QLabel#lab_state[judged=\"true\"]{background-color:@chip;"
-                                 "border-radius:%2px;padding:0px %3px;"
-                                 "font-weight:bold;font-size:%4px;}" // small signs, seen from afar
-                                 "QLabel#lab_result{color:@mutedInk;}"
-                                 "QLabel#lab_solution{background-color:@shade;"
-                                 "border-radius:4px;}"))
-        .replace(QLatin1String("%2"), QString::number(fontPixelSize() / 2))
-        .replace(QLatin1String("%3"), QString::number(fontPixelSize() / 3))
-        .replace(QLatin1String("%4"), QString::number(fontPixelSize() * 6 / 5));
+    return filled(
+        QStringLiteral("QLabel{color:@ink;%1border:0px;}") + buttonTemplate() +
+        scrollBarTemplate() + frameTemplate() +
+        sized(QStringLiteral("#NetWorkTestUi,QWidget#rows{background-color:@surface;}"
+                             "QFrame#wdg_Title{background-color:@title;}"
+                             "QPushButton#btn_close{background-color:transparent;border:0px;}"
+                             "QPushButton#btn_StartDiag{padding:0px 8px;}"
+                             "QScrollArea{border:1px solid @line;}"
+                             "NetWorkTestItem[heading=\"true\"]{background-color:@shade;}"
+                             "QLabel#lab_state[judged=\"true\"]{background-color:@chip;"
+                             "border-radius:$half;padding:0px $third;"
+                             "font-weight:bold;font-size:$large;}" // small signs, seen from afar
+                             "QLabel#lab_result{color:@mutedInk;}"
+                             "QLabel#lab_solution{background-color:@shade;"
+                             "border-radius:4px;}"),
+              {{"half", fontPixelSize() / 2},
+               {"third", fontPixelSize() / 3},
+               {"large", fontPixelSize() * 6 / 5}}));
 }

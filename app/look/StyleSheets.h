@@ -4,7 +4,7 @@
 
 #include <QString>
 
-// The main window's own: what every page wears.
+// The main window's own, which every page inherits.
 QString windowStyle();
 // A tab widget's: tabs of a fifth of the screen's width and a twelfth of its height.
 QString tabStyle();
@@ -14,11 +14,22 @@ int tabWidth();
 QString updateStyle();
 // Scroll bars that a finger can take hold of: an update page's, behind its group's.
 QString scrollStyle();
+// The line under an update page's list.
+QString updateLabelStyle();
 // A navigation button's.
 QString navigationStyle(bool selected);
+// An on/off switch's.
+QString switchStyle(bool on);
+// An image, "name.png", on a label: scaled down to fit, or stretched to fill.
+QString iconStyle(const QString &imageName);
+QString borderImageStyle(const QString &imageName);
+// Text in a colour of Theme.
+QString textColourStyle(const QString &colourName);
 QString messageBoxStyle();
 // The keyboard's: its entry line aligned left, or centred for numbers.
 QString keyboardStyle(bool centred);
+// The close key's of a keyboard that nobody may close.
+QString closeKeyStyle();
 // The device information page's: lines between its rows, a card around the code.
 QString infoStyle();
 // The version page's: a list of two columns, lines between its rows.

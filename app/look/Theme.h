@@ -9,5 +9,5 @@
 QString themed(const QString &sheetTemplate);
 
 // The same colour for what is painted; also of a value as style sheets have it. Invalid for what is
-// neither.
-QColor themeColour(const QString &name);
+// neither. `alpha`: 0 to 255, opaque.
+QColor themeColour(const QString &name, int alpha = 255);

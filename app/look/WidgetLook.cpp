@@ -1,11 +1,11 @@
 #include "app/look/WidgetLook.h"
 
+#include "app/look/StyleSheets.h"
 #include "platform/board.h"
 
 #include <QCoreApplication>
 #include <QEvent>
 #include <QLabel>
-#include <QLayout>
 #include <QPushButton>
 #include <QStyle>
 #include <QVariant>
@@ -14,13 +14,13 @@
 
 namespace {
 
-// A style sheet that waits for its widget to be shown.
-class LateStyle : public QObject
+// A style sheet that is set when its widget is shown.
+class PendingStyle : public QObject
 {
     Q_OBJECT
 
 public:
-    LateStyle(QWidget *widget, QString styleSheet)
+    PendingStyle(QWidget *widget, QString styleSheet)
         : QObject(widget), m_styleSheet(std::move(styleSheet))
     {
         widget->installEventFilter(this);
@@ -28,32 +28,26 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (event->type() == QEvent::Show && !m_bWorn)
-            wear();
+        if (event->type() == QEvent::Show && !m_bApplied)
+            apply();
         return QObject::eventFilter(watched, event);
     }
 
-    void wear()
+    void apply()
     {
-        m_bWorn = true;
+        m_bApplied = true;
         static_cast<QWidget *>(parent())->setStyleSheet(m_styleSheet);
         deleteLater();
     }
 
 private:
     const QString m_styleSheet;
-    bool m_bWorn = false;
+    bool m_bApplied = false;
 };
 
-void forgetLateStyle(QWidget *widget)
+void dropPendingStyle(QWidget *widget)
 {
-    delete widget->findChild<LateStyle *>(QString(), Qt::FindDirectChildrenOnly);
-}
-
-QStringList &heldPaths()
-{
-    static QStringList paths;
-    return paths;
+    delete widget->findChild<PendingStyle *>(QString(), Qt::FindDirectChildrenOnly);
 }
 
 } // namespace
@@ -74,22 +68,14 @@ QString imagePath(const QString &name)
     return QStringLiteral(":/SysSet_images/SysSet_images/") + name;
 }
 
-void holdPlugins()
-{
-    heldPaths() = QCoreApplication::libraryPaths();
-    QCoreApplication::setLibraryPaths({});
-}
-
 QString loadingMoviePath()
 {
-    if (!heldPaths().isEmpty())
-        QCoreApplication::setLibraryPaths(std::exchange(heldPaths(), {}));
     return imagePath(QStringLiteral("loading_more.gif"));
 }
 
 void setStyleOnce(QWidget *widget, const QString &styleSheet)
 {
-    forgetLateStyle(widget);
+    dropPendingStyle(widget);
     if (widget->styleSheet() != styleSheet)
         widget->setStyleSheet(styleSheet);
 }
@@ -100,42 +86,26 @@ void setStyleWhenSeen(QWidget *widget, const QString &styleSheet)
         setStyleOnce(widget, styleSheet);
         return;
     }
-    forgetLateStyle(widget);
+    dropPendingStyle(widget);
     if (widget->styleSheet() != styleSheet)
-        new LateStyle(widget, styleSheet);
+        new PendingStyle(widget, styleSheet);
 }
 
-void showPart(QWidget *part, bool shown)
+void applyPendingStyles(QWidget *page)
 {
-    QLayout *layout = part->parentWidget()->isVisible() ? nullptr : part->layout();
-    if (layout != nullptr)
-        layout->setEnabled(false);
-    part->setVisible(shown);
-    if (layout != nullptr)
-        layout->setEnabled(true);
-}
-
-void wearLateStyles(QWidget *page)
-{
-    for (LateStyle *style : page->findChildren<LateStyle *>())
-        style->wear();
+    for (PendingStyle *style : page->findChildren<PendingStyle *>())
+        style->apply();
 }
 
 void showIcon(QLabel *label, const QString &imageName)
 {
-    setStyleWhenSeen(label, QStringLiteral("image: url(%1);").arg(imagePath(imageName)));
+    setStyleWhenSeen(label, iconStyle(imageName));
 }
 
 void showSwitch(QPushButton *button, bool on)
 {
-    const QString image =
-        imagePath(on ? QStringLiteral("Switch_Open.png") : QStringLiteral("Switch_Close.png"));
     button->setFlat(true); // which tells switches from other buttons
-    setStyleWhenSeen(button,
-                     QStringLiteral("QPushButton{ border:0px;outline: none;border-image: url(%1);}"
-                                    "QPushButton:pressed{border:0px;"
-                                    "background-color:rgb(255 , 255 ,255);}")
-                         .arg(image));
+    setStyleWhenSeen(button, switchStyle(on));
 }
 
 void markWidget(QWidget *widget, const char *mark, bool on)
@@ -145,7 +115,7 @@ void markWidget(QWidget *widget, const char *mark, bool on)
     widget->setProperty(mark, on);
     widget->style()->unpolish(widget);
     widget->style()->polish(widget);
-    QEvent changed(QEvent::StyleChange); // else a frame keeps the paddings of the look before
+    QEvent changed(QEvent::StyleChange); // without it a frame keeps the old paddings
     QCoreApplication::sendEvent(widget, &changed);
 }
 

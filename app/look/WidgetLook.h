@@ -19,32 +19,22 @@ bool isPress(const QObject *watched, const QEvent *event);
 // The path of an image of the program, "name" with its ending: "UsbInPut.png".
 QString imagePath(const QString &name);
 
-// Keeps Qt from looking for plugins from here on: it loads every image format that it finds for
-// the first icon of a style sheet, a quarter of a megabyte for pictures that need none of them.
-// After the application is constructed, which takes those for the platform.
-void holdPlugins();
-
-// The path of the loading animation. A GIF is read by a plugin: ends what holdPlugins() began.
+// The path of the loading animation.
 QString loadingMoviePath();
 
 // Sets the widget's own style sheet only if it differs: a style sheet costs far more to set than
 // to compare.
 void setStyleOnce(QWidget *widget, const QString &styleSheet);
 
-// Same for a page that may be hidden: the style sheet waits until `widget` is shown, so that start
-// and language change pay for what is seen alone.
+// Same, but on a hidden widget the style sheet waits until it is shown: start and language change
+// then style only what is seen.
 void setStyleWhenSeen(QWidget *widget, const QString &styleSheet);
 
-// Shows or hides a part of a page. On a page that is not seen the part is not laid out for it,
-// which would read the glyphs of all its texts.
-void showPart(QWidget *part, bool shown);
+// Sets at once what waits on `page` and in it: before it joins a visible window, whose style sheet
+// makes Qt style all of it in any case.
+void applyPendingStyles(QWidget *page);
 
-// Sets what waits on `page` and in it: right before it joins a window that is seen, which goes
-// through all of it anyway.
-void wearLateStyles(QWidget *page);
-
-// Shows an image on a label, scaled down to fit: "image: url(...);". Like the switch's, it is
-// loaded when it is first seen.
+// Shows an image on a label, scaled down to fit. It is loaded when the label is first seen.
 void showIcon(QLabel *label, const QString &imageName);
 
 // Sets the dynamic property `mark` that a style sheet asks for, such as "edited" on the field that

@@ -73,10 +73,10 @@ private slots:
             "disabledInk | surface shade | 4.5", // 3 would do
             "accent | surface | 3",              // a line, not a text
             "pressedLine | surface pressed | 3",
-            "rgb(0, 170, 255) | chip | 4.5",
-            "rgb(206, 206, 0) | chip | 4.5",
-            "rgb(255, 0, 0) | chip | 4.5",
-            "rgb(71, 148, 214) | chip | 4.5",
+            "signalGood | chip | 4.5",
+            "signalFair | chip | 4.5",
+            "signalBad | chip | 4.5",
+            "connectedName | chip | 4.5",
         });
     }
 
@@ -189,7 +189,7 @@ private slots:
         QCOMPARE(label.styleSheet(), "color:black;"_s);
         label.hide();
         setStyleWhenSeen(&label, "color:red;"_s);
-        wearLateStyles(&label);
+        applyPendingStyles(&label);
         QCOMPARE(label.styleSheet(), "color:red;"_s);
     }
 
