@@ -14,7 +14,7 @@
 
 namespace {
 
-// What lies under a row's widget: a line between rows, and the shade of a touched one.
+// Paints below a row's widget: the line between rows, and the shade of a touched one.
 class RowDelegate : public QStyledItemDelegate
 {
 public:
@@ -38,7 +38,7 @@ private:
     int m_nHeight;
 };
 
-// Holds nothing itself, so that a new scan has no rows to fill.
+// Takes its name from the list, so that a new scan does not write every row.
 class Row : public QListWidgetItem
 {
 public:
@@ -105,7 +105,7 @@ void AccessPointList::keepLevels()
             continue;
         const auto same =
             std::find_if(m_former.begin(), m_former.end(), [&](const netT::stApInfo_tag &other) {
-                return other.sSsid == accessPoint.sSsid && other.nSecurity == accessPoint.nSecurity;
+                return isSameNetwork(other, accessPoint);
             });
         if (same != m_former.end())
             accessPoint.nLevel = same->nLevel;
@@ -169,12 +169,12 @@ void AccessPointList::mousePressEvent(QMouseEvent *event)
 
 void AccessPointList::mouseReleaseEvent(QMouseEvent *event)
 {
-    // A click runs for as long as what it opens; the shade goes before that.
+    // Queued, since the click below lasts as long as the keyboard that it opens.
     QMetaObject::invokeMethod(this, &QListWidget::clearSelection, Qt::QueuedConnection);
     QListWidget::mouseReleaseEvent(event);
 }
 
-// Nothing is made for a list that nobody has seen.
+// Widgets are made when the list is first seen.
 void AccessPointList::placeWidgets()
 {
     if (!isVisible())
@@ -212,7 +212,7 @@ void AccessPointList::arrangeWidgets(int first, int end)
     if (m_widgets == former)
         return;
     for (ListItem *widget : m_widgets)
-        widget->raise(); // who walks the widgets meets them in the order of the rows
+        widget->raise(); // the order of the children is that of the rows
 }
 
 ListItem *AccessPointList::newWidget()

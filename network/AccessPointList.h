@@ -20,14 +20,15 @@ class AccessPointList : public QListWidget
 public:
     explicit AccessPointList(QWidget *parent = nullptr);
 
-    // Shows the access points in their order. One whose level is none keeps the one it had.
+    // Shows the access points in their order. A level outside 0 to 100 is
+    // replaced by the former one of the same network.
     void setAccessPoints(const std::vector<netT::stApInfo_tag> &accessPoints);
 
-    // What stands in the middle of a list without rows.
+    // The text in the middle of a list without rows.
     void setEmptyText(const QString &text);
 
-    // What a click on `item` is meant for: the access point that the finger went down on, even if
-    // another one has come into the row meanwhile.
+    // The access point that a click on `item` means: the one that was in the row when the finger
+    // went down.
     std::optional<netT::stApInfo_tag> chosen(const QListWidgetItem *item) const;
 
     // The name in a row, as shown.

@@ -2,6 +2,7 @@
 
 #include "app/look/Screen.h"
 #include "input/FieldKeyboard.h"
+#include "network/ServiceTimeouts.h"
 
 #include <QCoreApplication>
 #include <QLineEdit>
@@ -26,9 +27,6 @@ const AddressPolicy WIFI_POLICY = {
 };
 
 namespace {
-
-constexpr unsigned int TIMEOUT_MS = 5000;
-constexpr int LARGEST_OCTET = 255;
 
 OctetGroup groupOf(const QWidget *page, const char *baseName)
 {
@@ -108,13 +106,13 @@ void AddressEditor::setEditable(bool editable)
 
 void AddressEditor::startDhcp()
 {
-    const int result = netT::startDhcp(m_sDevice, m_policy.dhcpFlag, TIMEOUT_MS);
+    const int result = netT::startDhcp(m_sDevice, m_policy.dhcpFlag, NET_SERVICE_TIMEOUT_MS);
     printDevice(result < 0 ? m_policy.startDhcpError : m_policy.startDhcpOk);
 }
 
 void AddressEditor::stopDhcp()
 {
-    const int result = netT::stopDhcp(m_sDevice, m_policy.dhcpFlag, TIMEOUT_MS);
+    const int result = netT::stopDhcp(m_sDevice, m_policy.dhcpFlag, NET_SERVICE_TIMEOUT_MS);
     printDevice(result < 0 ? m_policy.stopDhcpError : m_policy.stopDhcpOk);
 }
 
@@ -188,7 +186,7 @@ void AddressEditor::applyAddress()
     if (!typed)
         return;
     const int result = netT::setIp(m_sDevice, typed->sIpAddr, typed->sSubnetMask, typed->sGateway,
-                                   m_policy.ipFlag, TIMEOUT_MS);
+                                   m_policy.ipFlag, NET_SERVICE_TIMEOUT_MS);
     if (result == 0)
         printDevice("setIp [%s] ok\n");
     else if (!m_policy.printsRefusedAddress)
@@ -204,7 +202,7 @@ void AddressEditor::applyDns()
     if (!typed)
         return;
     const int result =
-        netT::setDns(m_sDevice, typed->sPrefDns, typed->sAlterDns, false, TIMEOUT_MS);
+        netT::setDns(m_sDevice, typed->sPrefDns, typed->sAlterDns, false, NET_SERVICE_TIMEOUT_MS);
     printDevice(result == 0 ? "setDns [%s] ok\n" : "setDns [%s] error\n");
 }
 

@@ -1,5 +1,5 @@
-// Addresses of one device in five octet groups: shows what records say, and sends what the
-// operator types as soon as the keyboard closes.
+// The five addresses of one device: shows those of the records, and sends an entry of the operator
+// as soon as the keyboard closes.
 #pragma once
 
 #include "network/NetRecord.h"

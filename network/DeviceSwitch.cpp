@@ -2,6 +2,7 @@
 
 #include "app/look/Screen.h"
 #include "app/look/WidgetLook.h"
+#include "network/ServiceTimeouts.h"
 #include "platform/net.h"
 
 #include <QLabel>
@@ -16,12 +17,6 @@ const SwitchPolicy PLAIN_SWITCH = {
     "netDeviceDown [%s] ok\n",
     "netDeviceDown [%s] Err\n",
 };
-
-namespace {
-
-constexpr unsigned int TIMEOUT_MS = 5000;
-
-} // namespace
 
 DeviceSwitch::DeviceSwitch(const Widgets &widgets, const SwitchPolicy &policy)
     : m_widgets(widgets), m_policy(policy)
@@ -43,7 +38,7 @@ void DeviceSwitch::setPresent(bool present)
     m_bKnown = true;
     m_bPresent = present;
     if (!present)
-        endWait(); // what was asked of it went with it
+        endWait(); // no record will answer
     refresh();
 }
 
@@ -75,11 +70,13 @@ void DeviceSwitch::request(const std::string &device) const
 {
     const char *line = nullptr;
     if (m_bOn)
-        line = netT::netDeviceDown(device, m_policy.flag, TIMEOUT_MS) < 0 ? m_policy.downError
-                                                                          : m_policy.downOk;
+        line = netT::netDeviceDown(device, m_policy.flag, NET_SERVICE_TIMEOUT_MS) < 0
+                   ? m_policy.downError
+                   : m_policy.downOk;
     else
-        line = netT::netDeviceUp(device, m_policy.flag, TIMEOUT_MS) < 0 ? m_policy.upError
-                                                                        : m_policy.upOk;
+        line = netT::netDeviceUp(device, m_policy.flag, NET_SERVICE_TIMEOUT_MS) < 0
+                   ? m_policy.upError
+                   : m_policy.upOk;
     std::printf(line, device.c_str());
 }
 

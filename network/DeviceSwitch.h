@@ -35,14 +35,14 @@ public:
     {
         QPushButton *button;
         QLabel *moving; // the animation, while a press waits for its answer
-        QLabel *blank;  // in its place else
-        QLabel *status; // says whether the device is there, unless it is on
+        QLabel *blank;  // in its place otherwise
+        QLabel *status; // "Enable" or "Unplugged"; hidden while the device is on
     };
 
     // The widgets must outlive the switch. The device starts absent and off.
     DeviceSwitch(const Widgets &widgets, const SwitchPolicy &policy);
 
-    // What the status says of a device that is there, and of one that is not.
+    // The status of a device that is there, and of one that is not.
     void setTexts(const QString &enable, const QString &unplugged);
 
     // A device that is gone also ends the wait for its answer.
@@ -55,7 +55,7 @@ public:
     // Asks the service to turn `device` over; blocks up to the time-out of 5 s.
     void request(const std::string &device) const;
 
-    // Whether it has been told yet if the device is there.
+    // Whether setPresent() has been called.
     bool isKnown() const { return m_bKnown; }
     bool isPresent() const { return m_bPresent; }
     bool isOn() const { return m_bOn; }
@@ -68,7 +68,7 @@ private:
 
     Widgets m_widgets;
     const SwitchPolicy &m_policy;
-    std::optional<PendingMark> m_mark; // made for the first press: most panels never switch
+    std::optional<PendingMark> m_mark; // made at the first press
     QString m_enable;
     QString m_unplugged;
     bool m_bKnown = false;

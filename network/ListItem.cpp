@@ -5,32 +5,8 @@
 #include "app/look/Spacing.h"
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
+#include "network/SignalIcon.h"
 #include "ui_ListItem.h"
-
-namespace {
-
-constexpr int LEAST_SECURED = 2;
-constexpr int STRONGEST = 100;
-constexpr int STEPS = 4; // icons above the one without a signal
-
-QString signalIcon(const netT::stApInfo_tag &accessPoint)
-{
-    return QStringLiteral("wifi%1_%2.png")
-        .arg(isSecured(accessPoint) ? 2 : 1)
-        .arg((accessPoint.nLevel * STEPS + STRONGEST - 1) / STRONGEST);
-}
-
-} // namespace
-
-bool isSecured(const netT::stApInfo_tag &accessPoint)
-{
-    return accessPoint.nSecurity >= LEAST_SECURED;
-}
-
-bool isLevel(int level)
-{
-    return level >= 0 && level <= STRONGEST;
-}
 
 ListItem::ListItem(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::ListItem>())
 {
@@ -52,33 +28,32 @@ QString ListItem::shownName(const std::string &ssid)
 
 bool ListItem::shows(const netT::stApInfo_tag &accessPoint) const
 {
-    return m_bNamed && accessPoint.sSsid == m_accessPoint.sSsid &&
-           isSecured(accessPoint) == isSecured(m_accessPoint);
+    return m_bHasNetwork && isSameNetwork(accessPoint, m_accessPoint);
 }
 
 void ListItem::setAccessPoint(const netT::stApInfo_tag &accessPoint)
 {
     const bool another = !shows(accessPoint);
     m_accessPoint = accessPoint;
-    m_bNamed = true;
+    m_bHasNetwork = true;
     if (another) {
         ui->lab_ssid->setText(shownName(accessPoint.sSsid));
         if (!isLevel(accessPoint.nLevel))
             setStyleOnce(ui->lab_signal, QString());
     }
-    showSignal();
+    showLevel();
 }
 
 void ListItem::setLevel(int level)
 {
     m_accessPoint.nLevel = level;
-    showSignal();
+    showLevel();
 }
 
-void ListItem::showSignal()
+void ListItem::showLevel()
 {
     if (isLevel(m_accessPoint.nLevel))
-        showIcon(ui->lab_signal, signalIcon(m_accessPoint));
+        showIcon(ui->lab_signal, wifiSignalIcon(m_accessPoint));
 }
 
 void ListItem::setMode(Mode mode)
@@ -111,6 +86,6 @@ void ListItem::setAddress(const std::string &address)
 
 void ListItem::retranslate()
 {
-    if (m_bNamed)
+    if (m_bHasNetwork)
         ui->lab_ssid->setText(shownName(m_accessPoint.sSsid));
 }

@@ -1,7 +1,8 @@
-// One Wi-Fi network: a row of the list, or the connected one above it.
+// One Wi-Fi network: a row of the list, or the connected one above it. Its mark lab_Ok is the
+// loading animation or the tick.
 #pragma once
 
-#include "platform/net.h"
+#include "network/AccessPoint.h"
 
 #include <QWidget>
 
@@ -11,12 +12,6 @@
 namespace Ui {
 class ListItem;
 }
-
-// Whether joining the network takes a password.
-bool isSecured(const netT::stApInfo_tag &accessPoint);
-
-// Whether `level` is a signal level.
-bool isLevel(int level);
 
 // GUI thread.
 class ListItem : public QWidget
@@ -36,7 +31,7 @@ public:
     // A network's name as a person can read it; a network that hides its name has a placeholder.
     static QString shownName(const std::string &ssid);
 
-    // Whether it shows this network already, at whatever level.
+    // Whether it shows this network already, whatever its level.
     bool shows(const netT::stApInfo_tag &accessPoint) const;
     // Shows the network. A level that is none leaves the icon of the same network as it was.
     void setAccessPoint(const netT::stApInfo_tag &accessPoint);
@@ -48,9 +43,9 @@ public:
     void retranslate();
 
 private:
-    void showSignal();
+    void showLevel();
 
     std::unique_ptr<Ui::ListItem> ui;
     netT::stApInfo_tag m_accessPoint;
-    bool m_bNamed = false; // shows an access point at all
+    bool m_bHasNetwork = false; // shows an access point at all
 };

@@ -1,4 +1,4 @@
-// The loading animation on one label.
+// A label with the loading animation: of the scan, and of the network that is being joined.
 #pragma once
 
 #include <QLabel>

@@ -8,6 +8,8 @@
 #include "app/look/WidgetLook.h"
 #include "input/FieldKeyboard.h"
 #include "network/OctetGroup.h"
+#include "network/ServiceTimeouts.h"
+#include "network/SignalIcon.h"
 #include "platform/cos_process.h"
 #include "ui_Net4G.h"
 
@@ -20,26 +22,12 @@
 
 namespace {
 
-constexpr unsigned int DEVICE_TIMEOUT_MS = 5000;
-constexpr unsigned int APN_TIMEOUT_MS = 1000;
 constexpr int LONGEST_APN_TEXT = 15;
 constexpr std::size_t ICCID_TEXT = 0; // of the AT information
 constexpr std::size_t IMEI_TEXT = 4;
 constexpr std::size_t CSQ_NUMBER = 0;
-constexpr int BEST_CSQ = 31;
-constexpr int UNKNOWN_CSQ = 99;
 
-// The signal icon, 0 to 4, for a signal quality; nothing for one that a modem does not report.
-std::optional<int> signalLevel(int csq)
-{
-    if (csq == UNKNOWN_CSQ)
-        return 0;
-    if (csq < 0 || csq > BEST_CSQ)
-        return std::nullopt;
-    return (csq + 7) / 8;
-}
-
-// From its beginning: a text too long for the field is seen whole in the keyboard.
+// Shows the beginning of a text that is too long for the field.
 void showFrom(QLineEdit *field, const std::string &text)
 {
     field->setText(QString::fromStdString(text));
@@ -101,7 +89,7 @@ void Net4G::start()
 void Net4G::setNetInfo(const netT::stAllNetInfo_tag &record)
 {
     printRecord(record, m_addresses);
-    const bool present = netT::netIsExist(record.sDevName, false, DEVICE_TIMEOUT_MS) >= 0;
+    const bool present = netT::netIsExist(record.sDevName, false, NET_SERVICE_TIMEOUT_MS) >= 0;
     setPresent(present);
     if (!present) {
         std::printf("net [%s] Is not Exist!\n", record.sDevName.c_str());
@@ -123,7 +111,7 @@ void Net4G::takeAtInfo(const netT::tag_atCollect &info)
         const std::lock_guard<std::mutex> lock(m_atMutex);
         m_atInfo = info;
     }
-    m_bAtNews = true;
+    m_bAtInfoNew = true;
     emit sgl_4GNetChange();
 }
 
@@ -139,7 +127,7 @@ void Net4G::retranslate()
     for (QLabel *caption : {ui->lab_4gCaption, ui->lab_IccidCaption, ui->lab_ApnName})
         caption->setMinimumWidth(fontPixelSize() * 9 / 2);
     m_switch->setTexts(tr("Enable"), tr("Unplugged"));
-    sayApn();
+    updateApnHint();
     setStyleWhenSeen(this, cellularStyle());
 }
 
@@ -163,7 +151,8 @@ void Net4G::press(QObject *target)
     }
 }
 
-// Sends whatever the keyboard leaves in the field: it does not tell an entry of text from none.
+// Sends the field in any case: in text mode the keyboard does not report whether a text was
+// entered.
 void Net4G::edit(QLineEdit *field)
 {
     const int mode = field == ui->line_ApnPwd ? KB_MODE_HIDDEN_TEXT : KB_MODE_TEXT;
@@ -191,21 +180,21 @@ void Net4G::sendApn()
     m_apn.sUser = ui->line_ApnUsr->text().toStdString();
     m_apn.sPassword = ui->line_ApnPwd->text().toStdString();
     m_bApnUnsent = saysEnable(m_apn.sMode) && m_apn.sName.empty();
-    if (!m_bApnUnsent && netT::setApn(m_apn, false, APN_TIMEOUT_MS) >= 0)
+    if (!m_bApnUnsent && netT::setApn(m_apn, false, MODEM_TIMEOUT_MS) >= 0)
         m_servedApn = m_apn;
 }
 
 void Net4G::refreshApn()
 {
     m_bRefreshDue = m_bEditing;
-    if (m_bEditing) // else it would change what is being typed, and what is sent
+    if (m_bEditing) // refreshing would overwrite the entry
         return;
     netT::stApnInfo_tag apn;
-    if (netT::getApn(apn, false, APN_TIMEOUT_MS) < 0) {
+    if (netT::getApn(apn, false, MODEM_TIMEOUT_MS) < 0) {
         ui->radio_auto->setChecked(true);
         return;
     }
-    // The signal changes all the time: news of it do not take away a choice that is being made.
+    // Each change of the signal comes here; it must not undo a choice that is not complete yet.
     if (m_bApnUnsent && isSame(apn, m_servedApn))
         return;
     m_bApnUnsent = false;
@@ -222,12 +211,12 @@ void Net4G::showApnMode(bool manual)
     (manual ? ui->radio_manual : ui->radio_auto)->setChecked(true);
     ui->wdg_vpn->setVisible(manual);
     ui->lab_vpn->setVisible(!manual);
-    sayApn();
+    updateApnHint();
 }
 
-// The default radio is also checked where nobody knows: while the device is off, or the service
-// does not say.
-void Net4G::sayApn()
+// Only where it is known: the default radio is also checked while the device is off, and if the
+// service does not answer.
+void Net4G::updateApnHint()
 {
     const bool used = m_switch->isPresent() && m_switch->isOn() && !m_apn.sMode.empty();
     ui->lab_vpn->setText(used ? tr("The default access point is used.") : QString());
@@ -240,11 +229,11 @@ void Net4G::slot_ButtonPressed()
     m_switch->request(m_sDevName);
 }
 
-// The announcement may be from before the device was switched off. One run shows all that has come
-// until then: a burst must not queue up before a service that is slow to say the APN.
+// A queued signal may arrive after the device was switched off. One run shows the latest of all
+// that has come: each run asks for the APN, which a slow service may take a second to answer.
 void Net4G::slot_4GNetChange()
 {
-    if (m_bListening && m_bAtNews.exchange(false))
+    if (m_bListening && m_bAtInfoNew.exchange(false))
         showAtInfo();
 }
 
@@ -261,7 +250,7 @@ void Net4G::showAtInfo()
     }
     if (m_nCsq != info.numbers[CSQ_NUMBER]) {
         m_nCsq = info.numbers[CSQ_NUMBER];
-        m_nLevel = signalLevel(m_nCsq).value_or(m_nLevel);
+        m_nBars = modemBars(m_nCsq).value_or(m_nBars);
         showSignal();
     }
     refreshApn();
@@ -277,7 +266,6 @@ void Net4G::listen(bool on)
         disconnect(this, &Net4G::sgl_4GNetChange, this, &Net4G::slot_4GNetChange);
 }
 
-// A device that is not there is asked nothing.
 void Net4G::setPresent(bool present)
 {
     m_switch->setPresent(present);
@@ -285,17 +273,16 @@ void Net4G::setPresent(bool present)
     ui->radio_manual->setEnabled(present);
     ui->wdg_vpn->setEnabled(present);
     showSignal();
-    sayApn();
+    updateApnHint();
 }
 
-// The record that answers a switch press, or reports a switch made elsewhere.
 void Net4G::setOn(bool on)
 {
     m_switch->setOn(on);
     showSignal();
-    sayApn();
+    updateApnHint();
     if (on)
-        showAtInfo(); // the modem may have spoken before
+        showAtInfo(); // from before the device was on
     else
         refreshApn();
 }
@@ -313,7 +300,5 @@ void Net4G::showAddress(const std::string &dotted)
 void Net4G::showSignal()
 {
     const bool working = m_switch->isPresent() && m_switch->isOn();
-    const int level = working ? m_nLevel : 0;
-    const QString image = QStringLiteral("4G_%1.png").arg(level);
-    setStyleWhenSeen(ui->lab_4gSignal, borderImageStyle(image));
+    setStyleWhenSeen(ui->lab_4gSignal, borderImageStyle(modemSignalIcon(working ? m_nBars : 0)));
 }

@@ -19,8 +19,8 @@ namespace Ui {
 class Net4G;
 }
 
-// Takes what the modem says for the page `page`. Always 0; -1 without a page. Network client's
-// thread.
+// Hands the modem's AT information to `page`, a Net4G. Always 0; -1 without a page. Network
+// client's thread.
 int CallBackup(netT::tag_atCollect &info, void *page);
 
 // Shows the cellular device as the network service's records describe it, and the modem as its AT
@@ -41,10 +41,10 @@ public:
     // A new record of kind "4G".
     void setNetInfo(const netT::stAllNetInfo_tag &record);
 
-    // Keeps a copy of what the modem says and announces it. Any thread.
+    // Copies the AT information and emits sgl_4GNetChange(). Any thread.
     void takeAtInfo(const netT::tag_atCollect &info);
 
-    // Says the page's texts and takes its styles again, after a language change.
+    // Sets texts and style sheets anew, after a language change.
     void retranslate();
 
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -66,7 +66,7 @@ private:
     void showSignal();
     void refreshApn();
     void showApnMode(bool manual);
-    void sayApn();
+    void updateApnHint();
     void sendApn();
     void showAtInfo();
     netT::tag_atCollect atInfo() const;
@@ -78,7 +78,7 @@ private:
     std::string m_sIccid;
     std::string m_sImei;
     int m_nCsq = 0;
-    int m_nLevel = 0;                // the signal icon's, while the device is on
+    int m_nBars = 0;                 // the signal icon's, while the device is on
     netT::stApnInfo_tag m_apn;       // what the page shows
     netT::stApnInfo_tag m_servedApn; // what the service holds, as far as known
     bool m_bListening = false;
@@ -88,5 +88,5 @@ private:
 
     mutable std::mutex m_atMutex; // guards the copy, which the network client's thread writes
     netT::tag_atCollect m_atInfo;
-    std::atomic<bool> m_bAtNews{false}; // the copy has not been shown since it was written
+    std::atomic<bool> m_bAtInfoNew{false}; // the copy has not been shown since it was written
 };

@@ -6,18 +6,13 @@
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "network/NetRecord.h"
+#include "network/ServiceTimeouts.h"
 #include "ui_NetEth.h"
 
 #include <QLineEdit>
 #include <QMouseEvent>
 
 #include <cstdio>
-
-namespace {
-
-constexpr unsigned int TIMEOUT_MS = 5000;
-
-} // namespace
 
 NetEth::NetEth(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::NetEth>())
 {
@@ -41,7 +36,7 @@ NetEth::~NetEth() = default;
 void NetEth::setNetInfo(const netT::stAllNetInfo_tag &record)
 {
     printRecord(record, m_addresses->stored());
-    const bool present = netT::netIsExist(record.sDevName, false, TIMEOUT_MS) >= 0;
+    const bool present = netT::netIsExist(record.sDevName, false, NET_SERVICE_TIMEOUT_MS) >= 0;
     m_switch->setPresent(present);
     enableControls();
     if (!present) {
@@ -72,7 +67,7 @@ void NetEth::retranslate()
     const int caption = captionWidth();
     ui->lab_EthCaption->setMinimumWidth(caption);
     ui->addressGrid->setColumnMinimumWidth(0, caption + spacing(2));
-    sayWhatIsMissing();
+    updateHint();
     m_switch->setTexts(tr("Enable"), tr("Unplugged"));
     setStyleWhenSeen(this, growingRadioStyle());
     setStyleWhenSeen(ui->widget_EthIndetail, addressStyle(m_addresses->isEditable()));
@@ -107,7 +102,7 @@ void NetEth::slot_ButtonPressed()
     m_switch->request(m_sDevName);
 }
 
-// A device that is not there, or that has been asked to change, is left alone.
+// Disabled while the device is absent or has been asked to change.
 void NetEth::enableControls()
 {
     const bool enabled = m_switch->isReady();
@@ -115,11 +110,11 @@ void NetEth::enableControls()
     ui->radio_Static->setEnabled(enabled);
     ui->widget_EthIndetail->setEnabled(enabled);
     watchRadios(enabled);
-    sayWhatIsMissing();
+    updateHint();
 }
 
-// Where the addresses would stand. Nothing as long as no record has told of the device.
-void NetEth::sayWhatIsMissing()
+// The text in place of the addresses; empty until the first record.
+void NetEth::updateHint()
 {
     QString text;
     if (!m_switch->isPresent())
@@ -175,7 +170,6 @@ void NetEth::showStaticView()
     underline(true);
 }
 
-// A page that nobody sees yet takes its look later.
 void NetEth::underline(bool underlined)
 {
     const auto setStyle = isVisible() ? setStyleOnce : setStyleWhenSeen;

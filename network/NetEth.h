@@ -29,7 +29,7 @@ public:
     // A new record of kind "ETH".
     void setNetInfo(const netT::stAllNetInfo_tag &record);
 
-    // Says the page's texts and takes its styles again, after a language change.
+    // Sets texts and style sheets anew, after a language change.
     void retranslate();
 
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -40,7 +40,7 @@ private slots:
 private:
     void press(QObject *target);
     void enableControls();
-    void sayWhatIsMissing();
+    void updateHint();
     void setEthPage(bool on);
     void showAddressing(const netT::stAllNetInfo_tag &record);
     void showDhcpView();

@@ -4,6 +4,7 @@
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "network/NetWorkTestUi.h"
+#include "network/ServiceTimeouts.h"
 #include "platform/net.h"
 #include "ui_NetExtend.h"
 
@@ -12,7 +13,6 @@
 
 namespace {
 
-constexpr unsigned int TIMEOUT_MS = 5000;
 constexpr int WIDEST = 8;                           // of the controls, in heights of a touch
 constexpr std::array KINDS = {"ETH", "WIFI", "4G"}; // by the list's index
 
@@ -52,12 +52,12 @@ void NetExtend::refreshPriority()
         return;
     const int choices = m_nChoices;
     std::string kind;
-    if (netT::getDevPriority(kind, true, TIMEOUT_MS) < 0 || kind.empty())
+    if (netT::getDevPriority(kind, true, NET_SERVICE_TIMEOUT_MS) < 0 || kind.empty())
         return;
     if (s_bAnswered.exchange(true))
         return;
     const auto show = [this, kind, choices] {
-        if (choices == m_nChoices) // else it would take back what was chosen meanwhile
+        if (choices == m_nChoices) // the answer is older than a choice otherwise
             showPriority(kind);
     };
     QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
@@ -81,13 +81,13 @@ void NetExtend::slot_ButtonPressed()
     m_pDiagnosis->exec();
 }
 
-// Runs for the service's own answer too, and sends it back; this is intended.
+// Also runs when the service's own answer is shown, and sends it back; this is intended.
 void NetExtend::slot_comboxChange(int index)
 {
     if (index < 0 || index >= static_cast<int>(KINDS.size())) {
         refreshPriority();
         return;
     }
-    netT::setDevPriority(KINDS[static_cast<std::size_t>(index)], false, TIMEOUT_MS);
+    netT::setDevPriority(KINDS[static_cast<std::size_t>(index)], false, NET_SERVICE_TIMEOUT_MS);
     ++m_nChoices;
 }

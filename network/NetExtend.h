@@ -23,14 +23,14 @@ public:
     explicit NetExtend(QWidget *parent = nullptr);
     ~NetExtend() override;
 
-    // The diagnosis that the page opens, for those who feed it.
+    // The dialog that the button opens.
     NetWorkTestUi *diagnosis() const { return m_pDiagnosis; }
 
     // Asks the network service for the preferred link and shows it, until it has once answered in
     // this process; returns at once from then on. Blocks up to five seconds. Any thread.
     void refreshPriority();
 
-    // Says the page's texts and takes its style again, after a language change.
+    // Sets texts and style sheets anew, after a language change.
     void retranslate();
 
 private slots:

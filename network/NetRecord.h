@@ -1,4 +1,4 @@
-// What the pages have in common about the network service's records.
+// Reading and printing the network service's records.
 #pragma once
 
 #include "platform/net.h"

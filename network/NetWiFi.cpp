@@ -6,30 +6,23 @@
 #include "app/look/StyleSheets.h"
 #include "app/look/WidgetLook.h"
 #include "input/FieldKeyboard.h"
+#include "network/ServiceTimeouts.h"
 #include "network/WifiPara.h"
 #include "platform/cos_process.h"
 #include "platform/cos_thread.h"
+#include "platform/cos_time.h"
 #include "ui_NetWiFi.h"
 
-#include <QMouseEvent>
-
-#include <algorithm>
 #include <cstdio>
-#include <iterator>
 #include <utility>
 
 namespace {
 
-constexpr unsigned int TIMEOUT_MS = 5000;
 constexpr int REFRESH_TICK_MS = 200;
 constexpr int REPEAT_FOR_EVER = -1;
 constexpr int LONGEST_PASSWORD = 32;
 constexpr double BOX_SHARE = 0.6; // of the page
-// How long the service may seem idle before a join that was asked for counts as lost.
-constexpr qint64 JOIN_PATIENCE_MS = 15000;
-// A tap that followed another while the service held the page up: the rows have moved since.
-constexpr qint64 SECOND_TAP_MS = 400;
-// What no record has told is asked for again, after the patience with a join has ended.
+// More than the service is given to come into a network, 15 s.
 constexpr int ASK_AGAIN_MS = 16000;
 
 constexpr SwitchPolicy WIFI_SWITCH = {
@@ -42,7 +35,7 @@ constexpr SwitchPolicy WIFI_SWITCH = {
 
 } // namespace
 
-[[gnu::hot]] int UpdataWifiList(void *page)
+int UpdataWifiList(void *page)
 {
     if (page != nullptr)
         static_cast<NetWiFi *>(page)->refresh();
@@ -52,9 +45,9 @@ constexpr SwitchPolicy WIFI_SWITCH = {
 NetWiFi::NetWiFi(QWidget *parent)
     : QWidget(parent),
       ui(std::make_unique<Ui::NetWiFi>()),
-      m_refresh({[this] { emit sgl_MovieStart(); }, [this] { emit sgl_MovieStop(); },
-                 [this] { emit sgl_RefWifiList(); },
-                 [this] { emit sgl_UpdataState(netT::WIFI_FAILED); }})
+      m_refresh(m_connection, {[this] { emit sgl_MovieStart(); }, [this] { emit sgl_MovieStop(); },
+                               [this] { emit sgl_RefWifiList(); },
+                               [this] { emit sgl_UpdataState(netT::WIFI_FAILED); }})
 {
     ui->setupUi(this);
     m_switch.emplace(DeviceSwitch::Widgets{ui->btn_WifiSwitch, ui->label_move, ui->label_null,
@@ -82,14 +75,11 @@ void NetWiFi::makeConnections()
     connect(this, &NetWiFi::sgl_UpdataState, this, &NetWiFi::slot_UpdataState);
     connect(this, &NetWiFi::sgl_MovieStart, ui->lab_Scan, &LoadingLabel::start);
     connect(this, &NetWiFi::sgl_MovieStop, ui->lab_Scan, &LoadingLabel::stop);
-    connect(this, &NetWiFi::sgl_MovieStop, this, [this] {
-        m_bScanned = isOn(); // it may tell of a scan that the device has not lived to see
-        sayWhatIsMissing();
-    });
+    connect(this, &NetWiFi::sgl_MovieStop, this, &NetWiFi::explainEmptyList);
     connect(this, &NetWiFi::sgl_SetExist, this, &NetWiFi::slot_SetExist);
-    m_askAgain.setSingleShot(true);
-    m_askAgain.setInterval(ASK_AGAIN_MS);
-    connect(&m_askAgain, &QTimer::timeout, this, &NetWiFi::askAgain);
+    m_timeOut.setSingleShot(true);
+    m_timeOut.setInterval(ASK_AGAIN_MS);
+    connect(&m_timeOut, &QTimer::timeout, this, [this] { perform(m_connection.timedOut()); });
 }
 
 void NetWiFi::startRefresh()
@@ -107,7 +97,7 @@ void NetWiFi::retranslate()
     ui->retranslateUi(this);
     setStyleWhenSeen(this, wifiStyle());
     ui->lab_WifiCaption->setMinimumWidth(captionWidth());
-    sayWhatIsMissing();
+    explainEmptyList();
     m_switch->setTexts(tr("Enable"), tr("Unplugged"));
     ui->list_Wifi->retranslate();
     m_topRow->retranslate();
@@ -124,22 +114,18 @@ void NetWiFi::setPageVisible(bool visible)
 void NetWiFi::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    m_bShown = true;
     updateVisible();
 }
 
 void NetWiFi::hideEvent(QHideEvent *event)
 {
     QWidget::hideEvent(event);
-    m_bShown = false;
     updateVisible();
 }
 
 void NetWiFi::updateVisible()
 {
-    m_refresh.setVisible(m_bTab && m_bShown);
-    if (m_bTopRowDue && m_refresh.isVisible())
-        showTopRow();
+    perform(m_connection.setVisible(m_bTab && isVisible()));
 }
 
 // --- The device --------------------------------------------------------------------------------
@@ -147,7 +133,7 @@ void NetWiFi::updateVisible()
 void NetWiFi::setNetInfo(const netT::stAllNetInfo_tag &record)
 {
     printRecord(record, m_addresses);
-    const bool exists = netT::netIsExist(record.sDevName, false, TIMEOUT_MS) >= 0;
+    const bool exists = netT::netIsExist(record.sDevName, false, NET_SERVICE_TIMEOUT_MS) >= 0;
     emit sgl_SetExist(exists);
     if (!exists) {
         std::puts("net [wlan] Is not Exist!");
@@ -160,8 +146,7 @@ void NetWiFi::setNetInfo(const netT::stAllNetInfo_tag &record)
     if (!on)
         return;
     takeAddressing(record);
-    if (!reportState())
-        m_askAgain.start();
+    askState(WifiConnection::AskedBy::Record);
 }
 
 void NetWiFi::slot_SetExist(bool exists)
@@ -187,17 +172,11 @@ void NetWiFi::slot_ButtonPressed()
     m_switch->request(m_sDevName);
 }
 
-// Nothing that was known of its networks and addresses holds any more.
 void NetWiFi::leaveDevice()
 {
-    m_refresh.setEnabled(false);
-    m_refresh.setState(netT::WIFI_IDLE);
-    m_sinceJoin.invalidate();
-    m_askAgain.stop();
-    m_bScanned = false;
     m_addresses = {};
     m_sMac.clear();
-    hideTopRow();
+    perform(m_connection.leaveDevice());
     if (m_pDialog != nullptr)
         m_pDialog->hide();
 }
@@ -207,18 +186,18 @@ bool NetWiFi::isOn() const
     return m_switch->isPresent() && m_switch->isOn();
 }
 
-// A device that is not there, is off or has been asked to change, is left alone.
+// Disabled while the device is absent, off, or has been asked to change.
 void NetWiFi::showDevice()
 {
     const bool usable = isOn() && m_switch->isReady();
     const bool changed = usable != ui->list_Wifi->isEnabled();
-    m_refresh.setEnabled(usable);
+    m_connection.setDevice(isOn(), usable);
     slot_MoveShow(usable);
     ui->wid_wifiConnect->setEnabled(usable);
     ui->list_Wifi->setEnabled(usable);
     if (changed)
         RefWifiList();
-    sayWhatIsMissing();
+    explainEmptyList();
 }
 
 void NetWiFi::slot_MoveShow(bool shown)
@@ -244,90 +223,135 @@ void NetWiFi::takeAddressing(const netT::stAllNetInfo_tag &record)
 
 // --- The connection ----------------------------------------------------------------------------
 
-// What a record leaves open: how the connection stands. Returns whether the service has answered.
-bool NetWiFi::reportState()
+void NetWiFi::perform(WifiActions actions)
+{
+    if ((actions & STOP_WAITING) != 0)
+        m_timeOut.stop();
+    if ((actions & WAIT) != 0)
+        m_timeOut.start();
+    if ((actions & HIDE_NETWORK) != 0) {
+        m_topRow->hide();
+        RefWifiList();
+    }
+    if ((actions & ASK_NETWORK) != 0)
+        askNetwork();
+    if ((actions & SHOW_NETWORK) != 0)
+        showNetwork();
+    if ((actions & ASK_STATE) != 0)
+        askState(WifiConnection::AskedBy::TimeOut);
+    if ((actions & ANNOUNCE_FAILURE) != 0) // its box would hold up the records behind this one
+        QMetaObject::invokeMethod(
+            this, [this] { slot_UpdataState(netT::WIFI_FAILED); }, Qt::QueuedConnection);
+    if ((actions & SHOW_FAILURE) != 0)
+        showFailureBox();
+}
+
+void NetWiFi::askState(WifiConnection::AskedBy by)
 {
     netT::WIFI_STATE_T state = netT::WIFI_IDLE;
-    if (netT::getStatus(state, false, TIMEOUT_MS) < 0)
-        return false;
-    if (state == netT::WIFI_FAILED) {
-        // Queued: its message would hold up the records behind this one.
-        if (m_refresh.isVisible() && m_refresh.takeFailure())
-            QMetaObject::invokeMethod(this, &NetWiFi::reportFailure, Qt::QueuedConnection);
-    } else if (isNews(state)) {
+    std::optional<int> answer;
+    if (netT::getStatus(state, false, NET_SERVICE_TIMEOUT_MS) >= 0)
+        answer = state;
+    const WifiActions actions = m_connection.answered(answer, by, COS::CosTime::GetTickCountCos());
+    perform(actions);
+    if ((actions & TAKE_STATE) != 0)
         slot_UpdataState(state);
-    }
-    return true;
-}
-
-// The record that told the end of joining may have met a service too busy to say more, and joining
-// that was never begun ends without one. A service that does not answer now either is let be: the
-// question holds the page up.
-void NetWiFi::askAgain()
-{
-    const bool later = !m_refresh.isVisible();
-    if (later || (isOn() && reportState() && isJoining(m_refresh.state())))
-        m_askAgain.start();
-}
-
-bool NetWiFi::isNews(int state) const
-{
-    const int shown = m_refresh.state();
-    if (isJoining(state))
-        return state != shown;
-    // On its way into a network the service passes through states in which it is in none.
-    const bool passing = m_sinceJoin.isValid() && !m_sinceJoin.hasExpired(JOIN_PATIENCE_MS);
-    return state == netT::WIFI_CONNECTED || shown == netT::WIFI_CONNECTED ||
-           (isJoining(shown) && !passing);
-}
-
-void NetWiFi::reportFailure()
-{
-    // Unless the device has gone, or another network is being joined, meanwhile.
-    if (m_refresh.state() == netT::WIFI_FAILED)
-        slot_UpdataState(netT::WIFI_FAILED);
 }
 
 void NetWiFi::slot_UpdataState(int state)
 {
-    std::printf("slot_UpdataState = [%d]\n", state);
-    if (state < netT::WIFI_IDLE || state > netT::WIFI_CONNECTED)
+    if (m_connection.isOvertaken(state))
         return;
-    m_refresh.setState(state);
-    if (state == netT::WIFI_CONNECTED || state == netT::WIFI_FAILED)
-        m_sinceJoin.invalidate();
-    if (isJoining(state))
-        m_askAgain.start();
-    else
-        m_askAgain.stop();
-    m_bTopRowDue = isJoining(state) || state == netT::WIFI_CONNECTED;
-    if (!m_bTopRowDue)
-        hideTopRow();
-    else if (m_refresh.isVisible())
-        showTopRow();
-    if (state == netT::WIFI_FAILED) {
-        m_refresh.suspendPoll();
-        tellFailure();
-    }
+    std::printf("slot_UpdataState = [%d]\n", state);
+    perform(m_connection.take(state));
 }
 
-void NetWiFi::tellFailure()
+void NetWiFi::askNetwork()
 {
-    if (std::exchange(m_bTelling, true))
-        return;
+    netT::stUserInfo_tag info;
+    std::optional<std::string> name;
+    if (netT::getConnectInfo(info, true, NET_SERVICE_TIMEOUT_MS) == 0) {
+        std::printf("getConnectInfo = [%s][%s][%d]\n", info.sSsid.c_str(), info.sPassword.c_str(),
+                    info.nSecurity);
+        const int level = netT::getSignal(true, NET_SERVICE_TIMEOUT_MS);
+        m_topRow->setAccessPoint({info.nId, level, info.sSsid, std::string(), info.nSecurity});
+        name = info.sSsid;
+    }
+    perform(m_connection.named(name));
+}
+
+void NetWiFi::showNetwork()
+{
+    m_topRow->show(m_connection.isJoining() ? ListItem::CONNECTING : ListItem::CONNECTED);
+    m_topRow->setAddress(m_addresses.sIpAddr);
+    RefWifiList();
+}
+
+void NetWiFi::showFailureBox()
+{
     const QSize offset = fractionOf(size(), (1 - BOX_SHARE) / 2, (1 - BOX_SHARE) / 2);
     runBox(BOX_WARNING, this,
            tr("Failed to connect Network! Wrong password or weak signal, please reconnect."),
            fractionOf(size(), BOX_SHARE, BOX_SHARE),
            mapTo(window(), {offset.width(), offset.height()}));
-    m_bTelling = false;
+    m_connection.failureRead();
+}
+
+// --- The networks in range ---------------------------------------------------------------------
+
+void NetWiFi::setAccessPoints(std::vector<netT::stApInfo_tag> list)
+{
+    m_connection.setList(std::move(list));
+    emit sgl_RefWifiList();
+}
+
+void NetWiFi::slot_RefWifiList()
+{
+    RefWifiList();
+    if (const auto level = m_connection.level())
+        m_topRow->setLevel(*level);
+}
+
+void NetWiFi::RefWifiList()
+{
+    m_connection.withRows([this](const std::vector<netT::stApInfo_tag> &rows) {
+        ui->list_Wifi->setAccessPoints(rows);
+    });
+    explainEmptyList();
+}
+
+// Empty until the first record.
+void NetWiFi::explainEmptyList()
+{
+    QString text;
+    if (!m_switch->isPresent())
+        text = m_switch->isKnown() ? tr("No WLAN device was found.") : QString();
+    else if (!m_switch->isOn())
+        text = tr("WLAN is switched off.");
+    else
+        text = searchText();
+    ui->list_Wifi->setEmptyText(text);
+}
+
+QString NetWiFi::searchText() const
+{
+    switch (m_connection.search()) {
+    case WifiConnection::Search::Running:
+        break;
+    case WifiConnection::Search::Failed:
+        return tr("The search for networks failed. It is repeated every ten seconds.");
+    case WifiConnection::Search::FoundNothing:
+        return tr("No network was found.");
+    case WifiConnection::Search::FoundNoOther:
+        return tr("No other network was found.");
+    }
+    return tr("Searching for networks.");
 }
 
 void NetWiFi::slot_itemClicked(QListWidgetItem *item)
 {
     const auto accessPoint = ui->list_Wifi->chosen(item);
-    const bool again = m_sinceJoin.isValid() && !m_sinceJoin.hasExpired(SECOND_TAP_MS);
-    if (again || !accessPoint || accessPoint->sSsid.empty())
+    if (!accessPoint || !m_connection.mayJoin(*accessPoint, COS::CosTime::GetTickCountCos()))
         return;
     KeyboardRequest request = textRequest(this, nullptr, KB_MODE_HIDDEN_TEXT, LONGEST_PASSWORD);
     request.caption = ListItem::shownName(accessPoint->sSsid);
@@ -335,26 +359,24 @@ void NetWiFi::slot_itemClicked(QListWidgetItem *item)
     if (isSecured(*accessPoint) && !editWithKeyboard(request, &password))
         return;
     // The device may have gone while the password was typed.
-    if (isOn() && m_switch->isReady())
+    if (m_connection.isUsable())
         join(*accessPoint, password.toStdString());
 }
 
 void NetWiFi::join(const netT::stApInfo_tag &accessPoint, const std::string &password)
 {
-    m_refresh.suspendPoll();
+    m_connection.beginJoin();
     slot_UpdataState(netT::WIFI_IDLE);
     std::printf("============setConnectInfo =[%s] [%s] [%d]\n", accessPoint.sSsid.c_str(),
                 password.c_str(), accessPoint.nSecurity);
-    const bool taken = netT::setConnectInfo(accessPoint.sSsid, password, false, TIMEOUT_MS) >= 0;
+    const bool taken =
+        netT::setConnectInfo(accessPoint.sSsid, password, false, NET_SERVICE_TIMEOUT_MS) >= 0;
     std::puts(taken ? "setConnectInfo ===== ok" : "setConnectInfo ===== err");
-    m_sCurrent = accessPoint.sSsid;
     m_topRow->setAccessPoint(accessPoint);
     netT::connectwifi();
     // Only now: until the joining has begun the service may still tell the former failure.
-    if (taken)
-        m_refresh.resumePoll();
+    m_connection.joined(accessPoint, taken, COS::CosTime::GetTickCountCos());
     RefWifiList();
-    m_sinceJoin.start();
     slot_UpdataState(netT::WIFI_CONNECTING);
 }
 
@@ -376,8 +398,9 @@ void NetWiFi::openParameters()
     connect(this, &NetWiFi::sgl_IpPara, &dialog, &WifiPara::slot_IpPara);
     connect(this, &NetWiFi::sgl_Mac, &dialog, &WifiPara::slot_Mac);
     AddressTexts &now = m_addresses;
-    netT::getIp(m_sDevName, now.sIpAddr, now.sSubnetMask, now.sGateway, false, TIMEOUT_MS);
-    netT::getDns(m_sDevName, now.sPrefDns, now.sAlterDns, false, TIMEOUT_MS);
+    netT::getIp(m_sDevName, now.sIpAddr, now.sSubnetMask, now.sGateway, false,
+                NET_SERVICE_TIMEOUT_MS);
+    netT::getDns(m_sDevName, now.sPrefDns, now.sAlterDns, false, NET_SERVICE_TIMEOUT_MS);
     emit sgl_DHCP(m_bDhcp);
     if (!now.sIpAddr.empty())
         emit sgl_IpPara(now.sIpAddr, now.sSubnetMask, now.sGateway);

@@ -4,10 +4,10 @@
 #include "network/ConnectedRow.h"
 #include "network/DeviceSwitch.h"
 #include "network/NetRecord.h"
+#include "network/WifiConnection.h"
 #include "network/WifiRefresh.h"
 #include "platform/net.h"
 
-#include <QElapsedTimer>
 #include <QTimer>
 #include <QWidget>
 
@@ -46,7 +46,7 @@ public:
     // Whether the page is the tab that is seen of its group. It may be covered all the same.
     void setPageVisible(bool visible);
 
-    // Says the page's texts again, after a language change.
+    // Sets texts and style sheets anew, after a language change.
     void retranslate();
 
     // One tick of the refresh job. Rate timer's thread.
@@ -91,40 +91,32 @@ private:
     void leaveDevice();
     void showDevice();
     void updateVisible();
-    void sayWhatIsMissing();
+    void explainEmptyList();
+    QString searchText() const;
 
     void takeAddressing(const netT::stAllNetInfo_tag &record);
-    bool reportState();
-    void askAgain();
-    bool isNews(int state) const;
-    void reportFailure();
-    void tellFailure();
+    void perform(WifiActions actions);
+    void askState(WifiConnection::AskedBy by);
+    void askNetwork();
+    void showNetwork();
+    void showFailureBox();
 
     void join(const netT::stApInfo_tag &accessPoint, const std::string &password);
-    bool isCurrent(const netT::stApInfo_tag &accessPoint) const;
-    void showTopRow();
-    void hideTopRow();
     void openParameters();
 
     std::unique_ptr<Ui::NetWiFi> ui;
     std::optional<DeviceSwitch> m_switch;
     std::optional<ConnectedRow> m_topRow;
     WifiPara *m_pDialog = nullptr; // while it is open
+    WifiConnection m_connection;
     WifiRefresh m_refresh;
-    std::vector<netT::stApInfo_tag> m_rows; // of the list, as last shown
+    QTimer m_timeOut{this}; // of m_connection
 
     std::string m_sDevName;
-    bool m_bScanned = false; // since the device is on
-    std::string m_sCurrent;  // the network of the top row; empty without one
     AddressTexts m_addresses;
     std::string m_sMac;
     bool m_bDhcp = true;
-    bool m_bTab = false;       // is the tab that is seen of its group
-    bool m_bShown = false;     // is on the screen
-    bool m_bTopRowDue = false; // a network is to be shown once the page is seen
-    bool m_bTelling = false;   // the message of a failure is open
-    QElapsedTimer m_sinceJoin; // while it is not known how joining ended
-    QTimer m_askAgain{this};   // while an answer about the connection is owed
+    bool m_bTab = false; // is the tab that is seen of its group
 };
 
 // The refresh job. `page` is the NetWiFi; nothing is done without one. Returns 0. Rate timer's

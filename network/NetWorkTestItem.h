@@ -13,8 +13,8 @@ namespace Ui {
 class NetWorkTestItem;
 }
 
-// Shows one item, and keeps what it shows, so that it can say it again in another language. Its
-// object name is the item's key. GUI thread.
+// Keeps state and texts of its item, so that it can be retranslated. Its object name is the item's
+// key. GUI thread.
 class NetWorkTestItem : public QFrame
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
     bool hasFailed() const;
     // `region` is the cloud's, as the cloud names it; the rows of the cloud client show it.
     void setTexts(const NetWorkTestText &texts, const QString &region);
-    // Says everything again in the program's language.
+    // Sets the texts anew, after a language change.
     void retranslate();
 
 private:

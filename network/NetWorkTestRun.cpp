@@ -1,6 +1,7 @@
 #include "network/NetWorkTestRun.h"
 
 #include "network/NetWorkTestItems.h"
+#include "network/ServiceTimeouts.h"
 
 #include <cstdio>
 #include <utility>
@@ -9,12 +10,9 @@ namespace {
 
 using Link = NetWorkTestLink;
 
-constexpr unsigned int TIMEOUT_MS = 5000;
-constexpr unsigned int MODEM_TIMEOUT_MS = 1000;
-constexpr unsigned int PING_TIMEOUT_MS = 50000;
 constexpr int GATEWAY_PROBES = 1;
 constexpr int SERVER_PROBES = 5;
-constexpr int SHOW_MAX_ABOVE_MS = 500; // an average would hide the worst of it
+constexpr int SHOW_MAX_ABOVE_MS = 500; // from here on the maximum is shown, not the average
 
 constexpr int CONNECTED = 1;
 constexpr int ATTACHED = 1;
@@ -90,25 +88,25 @@ NetWorkTestLink::NetWorkTestLink(std::string device, const std::function<int()> 
 
 Link::Outcome NetWorkTestLink::exists() const
 {
-    return passedIf(netT::netIsExist(m_sDevice, false, TIMEOUT_MS) >= 0);
+    return passedIf(netT::netIsExist(m_sDevice, false, NET_SERVICE_TIMEOUT_MS) >= 0);
 }
 
 Link::Outcome NetWorkTestLink::isUp() const
 {
-    const int result = netT::isNetUp(m_sDevice, false, TIMEOUT_MS);
+    const int result = netT::isNetUp(m_sDevice, false, NET_SERVICE_TIMEOUT_MS);
     return passedIf(result >= 0 && result != 1);
 }
 
 Link::Outcome NetWorkTestLink::isLinked() const
 {
-    return passedIf(netT::checkEthCableLink(m_sDevice, false, TIMEOUT_MS) >= 0);
+    return passedIf(netT::checkEthCableLink(m_sDevice, false, NET_SERVICE_TIMEOUT_MS) >= 0);
 }
 
 Link::Address NetWorkTestLink::address() const
 {
     Address found;
     std::string mask;
-    if (netT::getIp(m_sDevice, found.own, mask, found.gateway, false, TIMEOUT_MS) < 0)
+    if (netT::getIp(m_sDevice, found.own, mask, found.gateway, false, NET_SERVICE_TIMEOUT_MS) < 0)
         return {};
     return found;
 }
@@ -142,7 +140,7 @@ Link::Outcome NetWorkTestLink::reachesCloud() const
 Link::Outcome NetWorkTestLink::delay() const
 {
     std::string server;
-    const int known = netT::getNetServerAddr(server, false, TIMEOUT_MS);
+    const int known = netT::getNetServerAddr(server, false, NET_SERVICE_TIMEOUT_MS);
     std::printf("getNetServerAddr = [%s]\n", server.c_str());
     if (known < 0 || server.empty() || m_stopped())
         return passedIf(false);
@@ -160,7 +158,7 @@ Link::Outcome NetWorkTestLink::delay() const
 
 Link::Outcome NetWorkTestLink::wifiSignal() const
 {
-    return {TEST_SIGNAL, netT::getSignal(false, TIMEOUT_MS), true};
+    return {TEST_SIGNAL, netT::getSignal(false, NET_SERVICE_TIMEOUT_MS), true};
 }
 
 Link::Outcome NetWorkTestLink::modemSignal() const

@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-// What the checks of one link know and ask. Blocks in the network service's calls.
+// The checks of one link. Each blocks in the network service's calls.
 class NetWorkTestLink
 {
 public:

@@ -21,8 +21,8 @@
 
 namespace {
 
-// The monitor of the cloud first tells of it some two seconds after the program's start.
-constexpr int FIRST_WORD_MS = 4000;
+// The cloud monitor's first report comes some two seconds after the program's start.
+constexpr int CLOUD_PATIENCE_MS = 4000;
 constexpr int STEP_MS = 50;
 
 } // namespace
@@ -66,7 +66,7 @@ void NetWorkTestUi::build()
     const QScrollBar *bar = ui->area_rows->verticalScrollBar();
     connect(bar, &QScrollBar::rangeChanged, this, &NetWorkTestUi::scroll);
     connect(bar, &QScrollBar::actionTriggered, this, [this, bar] {
-        m_bRead = m_phase != Phase::Running || bar->sliderPosition() < bar->maximum();
+        m_bScrolledAway = m_phase != Phase::Running || bar->sliderPosition() < bar->maximum();
     });
     m_texts.load(m_nLanguage);
     retranslate();
@@ -76,11 +76,11 @@ void NetWorkTestUi::showEvent(QShowEvent *event)
 {
     build();
     if (!m_texts.isLoaded() && m_texts.load(m_nLanguage))
-        tellRows();
+        setRowTexts();
     QDialog::showEvent(event);
     animate();
-    m_bRead = false;
-    scrollSoon();
+    m_bScrolledAway = false;
+    scrollLater();
 }
 
 void NetWorkTestUi::hideEvent(QHideEvent *event)
@@ -97,7 +97,7 @@ void NetWorkTestUi::setLanguage(int language)
     if (ui == nullptr)
         return;
     m_texts.load(language);
-    tellRows();
+    setRowTexts();
 }
 
 void NetWorkTestUi::retranslate()
@@ -114,14 +114,14 @@ void NetWorkTestUi::retranslate()
     }
 }
 
-void NetWorkTestUi::tellRows()
+void NetWorkTestUi::setRowTexts()
 {
     for (int item = 0; item < NETWORK_TEST_KEY_COUNT; ++item)
-        tellRow(item);
+        setRowText(item);
 }
 
 // Without texts of its own a row at least has its key.
-void NetWorkTestUi::tellRow(int item)
+void NetWorkTestUi::setRowText(int item)
 {
     const auto index = static_cast<std::size_t>(item);
     if (m_rows[index] == nullptr)
@@ -162,11 +162,12 @@ int NetWorkTest_Thread(void *dialog)
     return 0;
 }
 
-// Until then nobody knows whether there are cloud settings, and the run would say that there are
-// none.
-void NetWorkTestUi::awaitFirstWord() const
+// For the first report of the cloud: without it a run would call cloud settings missing that have
+// not been read yet.
+void NetWorkTestUi::awaitCloud() const
 {
-    for (int waited = 0; waited < FIRST_WORD_MS && !m_bTold && !m_bStopped; waited += STEP_MS)
+    for (int waited = 0; waited < CLOUD_PATIENCE_MS && !m_bCloudKnown && !m_bStopped;
+         waited += STEP_MS)
         COS::CosTime::SleepCos(STEP_MS);
 }
 
@@ -177,7 +178,7 @@ void NetWorkTestUi::runTest()
         return;
     emit sgl_BtnCheck(0);
     m_nResult = 0;
-    awaitFirstWord();
+    awaitCloud();
     NetWorkTestRun::Input input;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -219,17 +220,17 @@ void NetWorkTestUi::startRun()
     setPhase(taken ? Phase::Running : Phase::Refused);
 }
 
-// --- What the worker says ----------------------------------------------------------------------
+// --- Reports of the worker ----------------------------------------------------------------------
 
 void NetWorkTestUi::slot_Util(int loadResult, int connectionStatus, QString text)
 {
     m_nLoadResult = loadResult;
     m_nConnectionStatus = connectionStatus;
-    m_bTold = true;
+    m_bCloudKnown = true;
     if (m_sRegion == text)
         return;
     m_sRegion = text;
-    tellRows();
+    setRowTexts();
 }
 
 void NetWorkTestUi::slot_TestStatus(int item, int state)
@@ -247,10 +248,10 @@ void NetWorkTestUi::slot_BtnCheck(int enabled)
 {
     if (enabled == 0) {
         clearRows();
-        m_bRead = false;
+        m_bScrolledAway = false;
     }
     setPhase(enabled == 0 ? Phase::Running : Phase::Done);
-    scrollSoon();
+    scrollLater();
 }
 
 void NetWorkTestUi::slot_ButtonPressed()
@@ -279,18 +280,18 @@ void NetWorkTestUi::animate()
         m_pRunning->stop();
 }
 
-// After the rows have found their places. The list's range alone does not tell: two runs may end
-// with the same one.
-void NetWorkTestUi::scrollSoon()
+// After the new rows are laid out. rangeChanged() is not enough: two runs may end with lists of the
+// same height.
+void NetWorkTestUi::scrollLater()
 {
     QTimer::singleShot(0, this, &NetWorkTestUi::scroll);
 }
 
-// To the newest row, or after a run to the first that failed: below as much of its link as there is
-// room for, since the titles are the same for every link. Not away from what the operator reads.
+// To the newest row, or after a run to the first that failed: at the bottom of the view, so that
+// its link's heading is seen if there is room. Not if the operator has scrolled to another place.
 void NetWorkTestUi::scroll()
 {
-    if (m_bRead)
+    if (m_bScrolledAway)
         return;
     QScrollBar *bar = ui->area_rows->verticalScrollBar();
     const NetWorkTestItem *row = m_phase == Phase::Running ? nullptr : firstFailed();
@@ -299,7 +300,7 @@ void NetWorkTestUi::scroll()
                       : std::min(row->y(), row->geometry().bottom() + 1 - bar->pageStep()));
 }
 
-// In the order of the list, which is not the items'.
+// By the order of the rows, which differs from that of the item numbers.
 const NetWorkTestItem *NetWorkTestUi::firstFailed() const
 {
     const NetWorkTestItem *first = nullptr;
@@ -322,6 +323,6 @@ void NetWorkTestUi::makeRow(int item)
 {
     auto *row = new NetWorkTestItem(item, m_pRunning, ui->rows);
     m_rows[static_cast<std::size_t>(item)] = row;
-    tellRow(item);
+    setRowText(item);
     ui->rowList->insertWidget(ui->rowList->count() - 1, row); // above the stretch
 }

@@ -30,9 +30,9 @@ public:
     // Waits for a run under way, at most as long as the call that it waits for.
     ~NetWorkTestUi() override;
 
-    // Which item file the rows speak from: 0 Chinese, 1 English. Rows that are shown change.
+    // The item file of the rows' texts: 0 Chinese, 1 English. Changes the rows that are shown, too.
     void setLanguage(int language);
-    // Says the dialog's own texts and takes its style again, after a language change.
+    // Sets texts and style sheets anew, after a language change.
     void retranslate();
 
     // The names by which the network service knows the devices. Any thread; the next run uses them.
@@ -54,7 +54,7 @@ signals:
     void sgl_TestStatus(int item, int state);
 
 public slots:
-    // The latest of the cloud: the result of loading its configuration, the status of its client
+    // The cloud monitor's report: the result of loading its configuration, the status of its client
     // (1 connected, -5 to -2 the stage at which it stopped), its region.
     void slot_Util(int loadResult, int connectionStatus, QString text);
     void slot_TestStatus(int item, int state);
@@ -69,15 +69,15 @@ private:
     enum class Phase { Untested, Refused, Running, Done };
 
     void build();
-    void awaitFirstWord() const;
+    void awaitCloud() const;
     void startRun();
     void setPhase(Phase phase);
     QString phaseText() const;
     void clearRows();
     void makeRow(int item);
-    void tellRows();
-    void tellRow(int item);
-    void scrollSoon();
+    void setRowTexts();
+    void setRowText(int item);
+    void scrollLater();
     void scroll();
     const NetWorkTestItem *firstFailed() const;
     void animate();
@@ -90,7 +90,7 @@ private:
     int m_nLanguage = 0;
     QString m_sRegion;
     Phase m_phase = Phase::Untested;
-    bool m_bRead = false; // the operator has scrolled, and reads something else than the end
+    bool m_bScrolledAway = false; // the operator has scrolled to another row
 
     // Shared with the worker.
     std::mutex m_runMutex; // held for a whole run
@@ -100,7 +100,7 @@ private:
     std::condition_variable m_jobDone;
 
     std::atomic<bool> m_bStopped{false};
-    std::atomic<bool> m_bTold{false}; // what the next two hold is of the cloud
+    std::atomic<bool> m_bCloudKnown{false}; // the next two hold the cloud monitor's report
     std::atomic<int> m_nLoadResult{-1};
     std::atomic<int> m_nConnectionStatus{-1};
     std::atomic<int> m_nResult{0};

@@ -11,6 +11,9 @@ class QLineEdit;
 class QObject;
 class QSize;
 
+// An octet is 0 to this.
+constexpr int LARGEST_OCTET = 255;
+
 // The parts of a dotted text; nothing unless there are exactly four.
 std::optional<std::array<QString, 4>> octetsOf(const std::string &dotted);
 

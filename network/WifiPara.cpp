@@ -7,6 +7,7 @@
 #include "app/look/StyleSheets.h"
 #include "app/look/Theme.h"
 #include "app/look/WidgetLook.h"
+#include "network/ServiceTimeouts.h"
 #include "platform/net.h"
 #include "ui_WifiPara.h"
 
@@ -18,12 +19,11 @@
 
 namespace {
 
-constexpr unsigned int TIMEOUT_MS = 5000;
 constexpr int SHADOW = 10;          // pixels around the dialog
 constexpr int DARKEST_SHADOW = 150; // alpha
 constexpr int ROWS = 7;
 
-// As wide and where the page wants it; high enough for a touch on every row where the screen is.
+// 0.9 of the page's width; as high as its rows need, or what is left of the screen.
 void place(QWidget *dialog, const QWidget *page)
 {
     const QSize offset = fractionOf(page->size(), 0.05, 0.1);
@@ -62,7 +62,7 @@ WifiPara::~WifiPara() = default;
 void WifiPara::setDevName(const std::string &device)
 {
     m_addresses->setDevice(device);
-    setLook(netT::isNetDeviceDhcp(device, true, TIMEOUT_MS) == 0);
+    setLook(netT::isNetDeviceDhcp(device, true, NET_SERVICE_TIMEOUT_MS) == 0);
 }
 
 bool WifiPara::eventFilter(QObject *watched, QEvent *event)
@@ -122,7 +122,7 @@ void WifiPara::slot_ButtonPressed()
     hide();
 }
 
-// The device may go while a keyboard is open: what is typed then is no longer applied.
+// Also hidden by the page when the device goes, maybe under an open keyboard.
 void WifiPara::hideEvent(QHideEvent *event)
 {
     m_addresses->setEditable(false);

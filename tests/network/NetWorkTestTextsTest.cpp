@@ -20,84 +20,72 @@ class NetWorkTestTextsTest : public QObject
 
 private slots:
     void init() { m_root.clear(); }
-    void readsItemFiles_data();
+
     void readsItemFiles();
-    void findsNothing();
-    void itemFilesAreComplete();
+
+    void findsNothing()
+    {
+        m_root.write(ENGLISH, CABLE);
+        NetWorkTestTexts texts;
+        NetWorkTestText text;
+        QVERIFY(texts.load(1));
+        for (const auto &[item, code] : {std::pair(30, -4), {31, -3}, {32, -2}, {-1, -3}})
+            QCOMPARE(texts.find(item, text), code);
+        QVERIFY(!texts.load(2)); // no such file, and nothing left of the one before
+        QCOMPARE(texts.find(ITEM_ETH_CABLE, text), -1);
+        m_root.clear();
+        QVERIFY(!texts.load(1));
+        m_root.write(ENGLISH + "/a"_s, ""); // a folder of that name
+        QVERIFY(!texts.load(1));
+    }
+
+    void itemFilesAreComplete()
+    {
+        for (const int language : {0, 1}) {
+            const QString name = language == 0 ? "NetWorkTest_ch.json"_s : "NetWorkTest_en.json"_s;
+            QFile source(QStringLiteral(ITEM_FILES "/") + name);
+            QVERIFY(source.open(QIODevice::ReadOnly));
+            m_root.write(FOLDER + name, source.readAll());
+            NetWorkTestTexts texts;
+            QVERIFY(texts.load(language));
+            for (int item = 0; item < NETWORK_TEST_KEY_COUNT; ++item) {
+                NetWorkTestText text;
+                QCOMPARE(texts.find(item, text), 0);
+                for (const QString &said : {text.title, text.success, text.failure, text.solution})
+                    QVERIFY2(!said.isEmpty() && said.size() < 250, qPrintable(said));
+                QCOMPARE(text.solution.at(0).script() == QChar::Script_Han, language == 0);
+            }
+        }
+    }
 
 private:
     PanelRoot m_root;
 };
 
-void NetWorkTestTextsTest::readsItemFiles_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<int>("found"); // of the cable's item
-    QTest::addColumn<QString>("solution");
-    const auto row = [](const char *name, const QByteArray &content, int found,
-                        const QByteArray &solution = {}) {
-        QTest::newRow(name) << content << found << QString::fromUtf8(solution);
-    };
-    row("good", CABLE, 0, "Plug it in");
-    row("empty", "", LOOKUP_NO_FILE);
-    row("cut off", QByteArray(CABLE).chopped(5), LOOKUP_NO_FILE);
-    row("50 MB", CABLE + QByteArray(50'000'000, ' '), LOOKUP_NO_FILE);
-    row("a list", "[]", LOOKUP_NO_FILE);
-    row("bytes", QByteArray("\0\xff\xfe", 3), LOOKUP_NO_FILE);
-    row("deep", QByteArray(100'000, '['), LOOKUP_NO_FILE);
-    row("unknown keys", R"({"Eth": {"Solution": "x"}})", LOOKUP_NO_OBJECT);
-    row("no object", R"({"EthConnect": "x"})", LOOKUP_NO_OBJECT);
-    row("wrong types", R"({"EthConnect": {"Solution": 7, "failure": {}}})", 0);
-    row("long text", R"({"EthConnect": {"Solution": ")" + QByteArray(900'000, 'x') + "\"}}", 0,
-        QByteArray(500, 'x'));
-}
-
 void NetWorkTestTextsTest::readsItemFiles()
 {
-    QFETCH(QByteArray, content);
-    QFETCH(int, found);
-    m_root.write(ENGLISH, content);
-    NetWorkTestTexts texts;
-    NetWorkTestText text;
-    QCOMPARE(texts.load(1), found != LOOKUP_NO_FILE);
-    QCOMPARE(texts.find(ITEM_ETH_CABLE, text), found);
-    QTEST(text.solution, "solution");
-    QVERIFY(text.failure.size() <= 3);
-}
-
-void NetWorkTestTextsTest::findsNothing()
-{
-    m_root.write(ENGLISH, CABLE);
-    NetWorkTestTexts texts;
-    NetWorkTestText text;
-    QVERIFY(texts.load(1));
-    for (const auto &[item, code] : {std::pair(30, -4), {31, -3}, {32, -2}, {-1, -3}})
-        QCOMPARE(texts.find(item, text), code);
-    QVERIFY(!texts.load(2)); // no such file, and nothing left of the one before
-    QCOMPARE(texts.find(ITEM_ETH_CABLE, text), -1);
-    m_root.clear();
-    QVERIFY(!texts.load(1));
-    m_root.write(ENGLISH + "/a"_s, ""); // a folder of that name
-    QVERIFY(!texts.load(1));
-}
-
-void NetWorkTestTextsTest::itemFilesAreComplete()
-{
-    NetWorkTestTexts texts;
-    for (const int language : {0, 1}) {
-        const QString name = language == 0 ? "NetWorkTest_ch.json"_s : "NetWorkTest_en.json"_s;
-        QFile source(QStringLiteral(ITEM_FILES "/") + name);
-        QVERIFY(source.open(QIODevice::ReadOnly));
-        m_root.write(FOLDER + name, source.readAll());
-        QVERIFY(texts.load(language));
-        for (int item = 0; item < NETWORK_TEST_KEY_COUNT; ++item) {
-            NetWorkTestText text;
-            QCOMPARE(texts.find(item, text), 0);
-            for (const QString &said : {text.title, text.success, text.failure, text.solution})
-                QVERIFY2(!said.isEmpty() && said.size() < 250, qPrintable(said));
-            const bool chinese = text.solution.at(0).script() == QChar::Script_Han;
-            QCOMPARE(chinese, language == 0);
-        }
+    // what the file holds | what a look for the cable's item gives | its advice
+    const std::tuple<QByteArray, int, QByteArray> files[] = {
+        {CABLE, 0, "Plug it in"},
+        {"", LOOKUP_NO_FILE, ""},
+        {QByteArray(CABLE).chopped(5), LOOKUP_NO_FILE, ""},
+        {CABLE + QByteArray(50000000, ' '), LOOKUP_NO_FILE, ""},
+        {"[]", LOOKUP_NO_FILE, ""},
+        {QByteArray("\0\xff\xfe", 3), LOOKUP_NO_FILE, ""},
+        {QByteArray(100000, '['), LOOKUP_NO_FILE, ""},
+        {R"({"Eth": {"Solution": "x"}})", LOOKUP_NO_OBJECT, ""},
+        {R"({"EthConnect": "x"})", LOOKUP_NO_OBJECT, ""},
+        {R"({"EthConnect": {"Solution": 7, "failure": {}}})", 0, ""},
+        {R"({"EthConnect": {"Solution": ")" + QByteArray(900000, 'x') + "\"}}", 0,
+         QByteArray(500, 'x')}};
+    for (const auto &[content, found, solution] : files) {
+        m_root.write(ENGLISH, content);
+        NetWorkTestTexts texts;
+        NetWorkTestText text;
+        QCOMPARE(texts.load(1), found != LOOKUP_NO_FILE);
+        QCOMPARE(texts.find(ITEM_ETH_CABLE, text), found);
+        QCOMPARE(text.solution, QString::fromUtf8(solution));
+        QVERIFY(text.failure.isEmpty());
     }
 }
 

@@ -37,8 +37,10 @@ private slots:
 
     void fills()
     {
-        for (const char *dotted : {"10.0.7", "10.0.0.7.1", "", "10.0.0.7"}) {
-            const QString fields = qstrcmp(dotted, "10.0.0.7") == 0 ? "10|0|0|7"_s : "|||"_s;
+        for (const std::string &dotted :
+             {std::string("10.0.7"), std::string("10.0.0.7.1"), std::string(),
+              std::string(4096, '9'), std::string("\xff\xfe."), std::string("10.0.0.7")}) {
+            const QString fields = dotted == "10.0.0.7" ? "10|0|0|7"_s : "|||"_s;
             find<QLineEdit>("line_Dns1_1")->setText("7"_s); // typed, not sent: not of this slot
             m_page->slot_IpPara("1.2.3.4", dotted, "1.2.3.1");
             QCOMPARE(octets("line_Ip") + octets("line_Mask"), "1|2|3|4"_s + fields);

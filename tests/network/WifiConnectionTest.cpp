@@ -1,0 +1,223 @@
+#include "network/WifiConnection.h"
+
+#include "tests/support/Rows.h"
+#include "tests/support/Text.h"
+
+using Asked = WifiConnection::AskedBy;
+using Search = WifiConnection::Search;
+
+namespace {
+
+constexpr std::int64_t NOW = 100000;
+const netT::stApInfo_tag OFFICE = {1, 60, "Office", "", 4};
+const netT::stApInfo_tag GUESTS = {2, 50, "Guests", "", 0};
+
+// A state that leads to each link.
+const QMap<QString, int> STATES = {
+    {"Apart"_s, 4}, {"Found"_s, 1}, {"Joining"_s, 3}, {"Connected"_s, 7}, {"Failed"_s, 5}};
+
+QString named(WifiActions actions)
+{
+    QStringList names;
+    for (const auto &[action, name] :
+         {std::pair(STOP_WAITING, "stop"), std::pair(WAIT, "wait"), std::pair(HIDE_NETWORK, "hide"),
+          std::pair(ASK_NETWORK, "ask"), std::pair(SHOW_NETWORK, "show"),
+          std::pair(ASK_STATE, "state"), std::pair(TAKE_STATE, "take"),
+          std::pair(ANNOUNCE_FAILURE, "announce"), std::pair(SHOW_FAILURE, "box")}) {
+        if ((actions & action) != 0)
+            names << QLatin1String(name);
+    }
+    return names.join(u' ');
+}
+
+} // namespace
+
+class WifiConnectionTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_wifi = std::make_unique<WifiConnection>();
+        m_wifi->setVisible(true);
+        m_wifi->setDevice(true, true);
+    }
+
+    void answers_data()
+    {
+        // the link before | to 0 2 4 6 | 1 | 3 | 5 | 7 | none, after a record | after a time-out
+        rows({"Apart     |      | take | take | announce | take | wait | ",
+              "Found     | take |      | take | announce | take | wait | wait",
+              "Joining   | take | take |      | announce | take | wait | wait",
+              "Connected | take | take | take | announce | take | wait | ",
+              "Failed    |      | take | take |          | take | wait | "});
+    }
+
+    void answers()
+    {
+        const std::vector<int> states[] = {{0, 2, 4, 6}, {1}, {3}, {5}, {7}};
+        for (int column = 0; column < 5; ++column) {
+            for (const int state : states[column]) {
+                for (const Asked by : {Asked::Record, Asked::TimeOut}) {
+                    init();
+                    m_wifi->take(STATES[cell(0)]);
+                    QCOMPARE(named(m_wifi->answered(state, by, NOW)),
+                             by == Asked::Record || !cell(column + 1).isEmpty() ? cell(column + 1)
+                                                                                : cell(7));
+                }
+            }
+        }
+        init();
+        m_wifi->take(STATES[cell(0)]);
+        QCOMPARE(named(m_wifi->answered({}, Asked::Record, NOW)), cell(6));
+        QCOMPARE(named(m_wifi->answered({}, Asked::TimeOut, NOW)), QString());
+        QCOMPARE(named(m_wifi->answered(8, Asked::Record, NOW)), QString());
+        m_wifi->setVisible(false);
+        QCOMPARE(named(m_wifi->answered(5, Asked::Record, NOW)), QString());
+    }
+
+    void takes_data()
+    {
+        // state | actions | once seen, if it was taken unseen | scans | polls
+        rows({"0 | stop hide | | scans | polls", "2 | stop hide | | scans | polls",
+              "4 | stop hide | | scans | polls", "6 | stop hide | | scans | polls",
+              "1 | wait ask | ask | scans | polls", "3 | wait ask | ask | | polls",
+              "7 | stop ask | ask | scans | polls", "5 | stop hide box | | scans |",
+              "8 | | | scans | polls", "-1 | | | scans | polls"});
+    }
+
+    void takes()
+    {
+        QCOMPARE(named(m_wifi->take(number(0))), cell(1));
+        QCOMPARE(m_wifi->mayScan(), !cell(3).isEmpty());
+        QCOMPARE(m_wifi->pollTicket().has_value(), !cell(4).isEmpty());
+        QCOMPARE(named(m_wifi->setVisible(true)), QString()); // it has been asked for
+        m_wifi->failureRead();
+        m_wifi->setVisible(false);
+        QCOMPARE(named(m_wifi->take(number(0))), QString(cell(1)).remove(" ask"_s));
+        QCOMPARE(named(m_wifi->timedOut()), "wait"_s);
+        QCOMPARE(named(m_wifi->setVisible(true)), cell(2));
+        QCOMPARE(named(m_wifi->timedOut()), "state"_s);
+        QCOMPARE(named(m_wifi->leaveDevice()), "stop hide"_s);
+        QCOMPARE(named(m_wifi->timedOut()), QString());
+    }
+
+    void asksForTheName()
+    {
+        m_wifi->take(7);
+        QCOMPARE(named(m_wifi->named({})), "wait"_s);
+        QCOMPARE(named(m_wifi->named("Office")), "show"_s);
+        QCOMPARE(named(m_wifi->named({})), "show"_s);
+        const auto ticket = m_wifi->pollTicket();
+        QVERIFY(m_wifi->pollFailed(*ticket)); // meanwhile
+        QCOMPARE(named(m_wifi->named("Office")), QString());
+    }
+
+    void passesThroughNoNetworkOnItsWay()
+    {
+        m_wifi->beginJoin();
+        m_wifi->joined(OFFICE, true, NOW);
+        m_wifi->take(3);
+        QCOMPARE(named(m_wifi->answered(2, Asked::Record, NOW + 15000)), QString());
+        QCOMPARE(named(m_wifi->answered(2, Asked::TimeOut, NOW + 15000)), "wait"_s);
+        QCOMPARE(named(m_wifi->answered(2, Asked::Record, NOW + 15001)), "take"_s);
+        QVERIFY(!m_wifi->mayJoin(GUESTS, NOW + 400));
+        QVERIFY(m_wifi->mayJoin(GUESTS, NOW + 401));
+        QVERIFY(!m_wifi->mayJoin({}, NOW + 401)); // hides its name
+        m_wifi->take(7);
+        m_wifi->take(3); // by itself
+        QCOMPARE(named(m_wifi->answered(2, Asked::Record, NOW + 1)), "take"_s);
+    }
+
+    void announcedFailures_data()
+    {
+        // between the answer of a poll and the page's taking of it | what comes of each failure
+        rows({"nothing | box", "join | void box", "connected | void", "left | void", "box | told"});
+    }
+
+    void announcedFailures()
+    {
+        m_wifi->take(3);
+        const auto ticket = m_wifi->pollTicket();
+        QVERIFY(m_wifi->pollFailed(*ticket));
+        QVERIFY(!m_wifi->pollFailed(*ticket)); // once
+        if (cell(0) == "join"_s) {
+            m_wifi->beginJoin();
+            m_wifi->take(0);
+            m_wifi->joined(GUESTS, true, NOW);
+            m_wifi->take(3);
+            QVERIFY(!m_wifi->pollFailed(*ticket)); // the question is older than the join
+            QVERIFY(m_wifi->pollFailed(*m_wifi->pollTicket()));
+        }
+        if (cell(0) == "left"_s)
+            m_wifi->leaveDevice();
+        if (cell(0) == "connected"_s)
+            m_wifi->take(7);
+        if (cell(0) == "box"_s)
+            m_wifi->take(5);
+        for (const QString &outcome : cell(1).split(u' ')) {
+            QCOMPARE(m_wifi->isOvertaken(5), outcome == "void"_s);
+            if (outcome != "void"_s)
+                QCOMPARE((m_wifi->take(5) & SHOW_FAILURE) != 0, outcome == "box"_s);
+        }
+    }
+
+    void pollsThatDoNotCount()
+    {
+        m_wifi->take(3);
+        const auto ticket = m_wifi->pollTicket();
+        m_wifi->setVisible(false);
+        QVERIFY(!m_wifi->pollFailed(*ticket));
+        m_wifi->setVisible(true);
+        m_wifi->setDevice(false, false);
+        QVERIFY(!m_wifi->pollFailed(*ticket));
+        m_wifi->setDevice(true, true);
+        m_wifi->beginJoin();
+        QVERIFY(!m_wifi->pollTicket() && !m_wifi->pollFailed(*ticket));
+        m_wifi->joined(OFFICE, false, NOW); // refused: nothing to ask for
+        QVERIFY(!m_wifi->pollTicket());
+        m_wifi->joined(OFFICE, true, NOW);
+        QVERIFY(m_wifi->pollFailed(*m_wifi->pollTicket()));
+    }
+
+    void lists()
+    {
+        QVERIFY(m_wifi->search() == Search::Running);
+        QVERIFY(!m_wifi->scanned(true, {}));
+        QVERIFY(m_wifi->search() == Search::Failed);
+        QVERIFY(m_wifi->scanned(false, {GUESTS, OFFICE, {3, 60, "Later", "", 0}}));
+        QVERIFY(!m_wifi->scanned(false, {})); // changes nothing
+        QCOMPARE(names(), "Office Later Guests"_s);
+        QVERIFY(m_wifi->search() == Search::FoundNothing);
+        m_wifi->take(7);
+        m_wifi->named("Office");
+        QCOMPARE(names(), "Later Guests"_s);
+        QCOMPARE(m_wifi->level().value_or(-1), 60);
+        QVERIFY(m_wifi->search() == Search::FoundNoOther);
+        m_wifi->setDevice(true, false); // asked to change
+        QVERIFY(!m_wifi->isWatched() && !m_wifi->scanned(false, {GUESTS}));
+        m_wifi->leaveDevice();
+        QCOMPARE(names(), QString());
+        m_wifi->scanned(false, {GUESTS}); // of a device that has gone
+        m_wifi->setDevice(true, true);
+        QCOMPARE(names(), "Office Later Guests"_s); // in store
+        QVERIFY(m_wifi->search() == Search::Running && !m_wifi->level());
+    }
+
+private:
+    QString names() const
+    {
+        QStringList all;
+        m_wifi->withRows([&](const std::vector<netT::stApInfo_tag> &rows) {
+            for (const auto &each : rows)
+                all << QString::fromStdString(each.sSsid);
+        });
+        return all.join(u' ');
+    }
+
+    std::unique_ptr<WifiConnection> m_wifi;
+};
+
+QTEST_GUILESS_MAIN(WifiConnectionTest)
+#include "WifiConnectionTest.moc"
