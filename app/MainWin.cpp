@@ -377,6 +377,8 @@ void MainWin::slot_LanguageChange(int index)
 {
     m_nLanguage = index == LANGUAGE_ENGLISH ? LANGUAGE_ENGLISH : LANGUAGE_CHINESE;
     applyLanguage(m_nLanguage);
+    for (PageTab *tab : findChildren<PageTab *>())
+        tab->parkPage();
     ui->retranslateUi(this);
     highlightGroup(m_nGroup);
     applyStyle();

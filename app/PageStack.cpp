@@ -18,3 +18,12 @@ void PageTab::showEvent(QShowEvent *event)
     }
     QWidget::showEvent(event);
 }
+
+void PageTab::parkPage()
+{
+    if (layout() == nullptr || isVisible())
+        return;
+    m_page.reset(layout()->itemAt(0)->widget());
+    delete layout();
+    m_page->setParent(nullptr);
+}

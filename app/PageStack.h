@@ -47,9 +47,13 @@ public:
         return made;
     }
 
+    // Takes a page that is not seen out of the window until it is seen again: before the window
+    // gets another style sheet, which would be applied to the page too.
+    void parkPage();
+
 protected:
     void showEvent(QShowEvent *event) override;
 
 private:
-    std::unique_ptr<QWidget> m_page; // until it joins the window
+    std::unique_ptr<QWidget> m_page; // while it is not in the window
 };

@@ -70,6 +70,16 @@ QPixmap KeyButton::ground(const QStyleOptionButton &option) const
     return picture;
 }
 
+// A stack shows its first page at once, and whatever is polished then is polished again when the
+// keyboard gets its window flags and its style. The page is not hidden, so it appears with the
+// stack.
+void KeyPage::setVisible(bool visible)
+{
+    const bool comesWithStack = !isHidden() && !parentWidget()->isVisible();
+    if (!visible || !comesWithStack)
+        QWidget::setVisible(visible);
+}
+
 void KeyPage::showEvent(QShowEvent *event)
 {
     if (!std::exchange(m_bPolished, true)) {

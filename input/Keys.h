@@ -33,6 +33,7 @@ public:
 
     QSize sizeHint() const override { return {0, 0}; }
     QSize minimumSizeHint() const override { return {0, 0}; }
+    void setVisible(bool visible) override;
 
 protected:
     void showEvent(QShowEvent *event) override;

@@ -12,7 +12,7 @@ namespace {
 constexpr int LEAST_TOUCH = 32; // pixels
 
 // The main window is the root of every dialog's chain of parents, but for a dialog of a page that
-// has not joined the window yet.
+// is not in the window (PageTab).
 const QWidget *rootOf(const QWidget *widget)
 {
     const QWidget *root = widget;
