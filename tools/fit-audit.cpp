@@ -265,7 +265,7 @@ int main(int argc, char **argv)
         const Options options = parse(QCoreApplication::arguments());
         return options.raw ? printRaw(options) : run(options);
     } catch (const std::exception &error) {
-        std::cerr << "fit-audit: " << error.what() << std::endl;
+        std::cerr << "fit-audit: " << error.what() << "\n";
         return 2;
     }
 }

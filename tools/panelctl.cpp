@@ -89,7 +89,7 @@ void print(const QByteArray &line)
     const sim::Json reply = sim::Json::parse(line.toStdString());
     if (reply.at("ok") != true)
         throw Failure(reply.at("error").get<std::string>());
-    std::cout << reply.at("value").dump(2) << std::endl;
+    std::cout << reply.at("value").dump(2) << "\n";
 }
 
 } // namespace
@@ -105,7 +105,7 @@ int main(int argc, char **argv)
     try {
         print(ask(requestLine(withAbsolutePaths(words))));
     } catch (const std::exception &error) {
-        std::cerr << "panelctl: " << error.what() << std::endl;
+        std::cerr << "panelctl: " << error.what() << "\n";
         return 1;
     }
     return 0;
