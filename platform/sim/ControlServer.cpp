@@ -45,7 +45,7 @@ void ControlServer::stop()
         return;
     m_thread.quit();
     if (!m_thread.wait(STOP_TIMEOUT_MS))
-        static_cast<void>(m_gui.release()); // the thread may still use it
+        static_cast<void>(m_gui.release()); // NOLINT(bugprone-unused-return-value): the thread may use it
     m_gui.reset();
     m_listener = nullptr;
 }
