@@ -9,6 +9,8 @@
 #include <QtTest>
 #include <QWindow>
 
+#include <array>
+
 namespace {
 
 constexpr int ROWS = 40;
@@ -41,11 +43,6 @@ void slide(QAbstractScrollArea *area, const QPoint &from, int way)
     finger(window, QEvent::MouseButtonRelease, start + QPoint(0, way));
 }
 
-void tap(QListWidget &list, const QPoint &at)
-{
-    slide(&list, at, 0);
-}
-
 } // namespace
 
 class FingerScrollTest : public QObject
@@ -53,100 +50,74 @@ class FingerScrollTest : public QObject
     Q_OBJECT
 
 private slots:
-    void listFollows_data();
-    void listFollows();
-    void restingFingerTouches();
-    void widgetsFollow();
-    void choicesFollow();
+    // The touch is no click, and another row does not become the chosen one on the way.
+    void listFollows()
+    {
+        const int rest = touchHeight() / 4;
+        const std::array<int, 3> slides[] = {// way, rows, where a bar at 100 goes
+                                             {-60, ROWS, 160 - rest},
+                                             {60, ROWS, 40 + rest},
+                                             {150, ROWS, 0},
+                                             {60, 4, 0}};
+        for (const auto &[way, rowsThere, expected] : slides) {
+            QListWidget list;
+            list.addItems(rows().mid(0, rowsThere));
+            new FingerScroll(&list);
+            list.resize(200, 200);
+            list.show();
+            QSignalSpy clicks(&list, &QListWidget::itemClicked);
+            slide(&list, list.visualItemRect(list.item(1)).center(), 2); // a finger that rests
+            QCOMPARE(clicks.size(), 1);
+            list.verticalScrollBar()->setValue(100);
+
+            slide(&list, {50, 20}, way);
+            QCOMPARE(list.verticalScrollBar()->value(), expected);
+            QCOMPARE(list.currentRow(), 1);
+            QCOMPARE(list.selectedItems(), {list.item(1)});
+            finger(&list, QEvent::MouseMove, {50, 150}); // of nobody
+            QCOMPARE(list.verticalScrollBar()->value(), expected);
+            QCOMPARE(clicks.size(), 1);
+            slide(&list, {50, 20}, 0);
+            QCOMPARE(clicks.size(), 2);
+        }
+    }
+
+    // The bar says so as if it had been moved by its handle: a page can tell it from its own
+    // scrolling.
+    void widgetsFollow()
+    {
+        QScrollArea area;
+        auto *tall = new QWidget;
+        tall->setFixedSize(100, 1000);
+        area.setWidget(tall);
+        new FingerScroll(&area);
+        area.resize(150, 200);
+        area.show();
+        QSignalSpy actions(area.verticalScrollBar(), &QScrollBar::actionTriggered);
+        slide(&area, {50, 150}, -100);
+        QCOMPARE(area.verticalScrollBar()->value(), 100 - touchHeight() / 4);
+        QVERIFY(!actions.isEmpty());
+    }
+
+    // The list stays open under a slide, and the choice as it was.
+    void choicesFollow()
+    {
+        PanelCombo box;
+        box.setMaxVisibleItems(10); // no slide leaves the list: the popup gets a first move outside
+        box.addItems(rows());
+        box.setCurrentIndex(3);
+        box.show();
+        box.showPopup();
+        QAbstractItemView *list = box.view();
+        QTRY_VERIFY(list->isVisible());
+        list->verticalScrollBar()->setValue(0);
+        slide(list, list->viewport()->rect().center(), -60);
+        QCOMPARE(list->verticalScrollBar()->value(), 60 - touchHeight() / 4);
+        QVERIFY(list->isVisible());
+        QCOMPARE(box.currentIndex(), 3);
+        box.hidePopup();
+    }
 };
-
-void FingerScrollTest::listFollows_data()
-{
-    QTest::addColumn<int>("way");
-    QTest::addColumn<int>("rowsThere");
-    QTest::addColumn<int>("expected"); // of a bar that stood at 100
-    const int rest = touchHeight() / 4;
-    QTest::newRow("up") << -60 << ROWS << 160 - rest;
-    QTest::newRow("down") << 60 << ROWS << 40 + rest;
-    QTest::newRow("beyond the first") << 150 << ROWS << 0;
-    QTest::newRow("nothing to scroll") << 60 << 4 << 0;
-}
-
-// The touch is no click, and another row does not become the chosen one on the way.
-void FingerScrollTest::listFollows()
-{
-    QFETCH(int, way);
-    QFETCH(int, rowsThere);
-    QListWidget list;
-    list.addItems(rows().mid(0, rowsThere));
-    new FingerScroll(&list);
-    list.resize(200, 200);
-    list.show();
-    tap(list, list.visualItemRect(list.item(1)).center());
-    list.verticalScrollBar()->setValue(100);
-    QSignalSpy clicks(&list, &QListWidget::itemClicked);
-
-    slide(&list, {50, 20}, way);
-    QTEST(list.verticalScrollBar()->value(), "expected");
-    QCOMPARE(list.currentRow(), 1);
-    QVERIFY(list.item(1)->isSelected());
-    QCOMPARE(list.selectedItems().size(), 1);
-    QVERIFY(clicks.isEmpty());
-
-    finger(&list, QEvent::MouseMove, {50, 150}); // of nobody
-    QTEST(list.verticalScrollBar()->value(), "expected");
-    tap(list, {50, 20});
-    QCOMPARE(clicks.size(), 1);
-}
-
-void FingerScrollTest::restingFingerTouches()
-{
-    QListWidget list;
-    list.addItems(rows());
-    new FingerScroll(&list);
-    list.show();
-    QSignalSpy clicks(&list, &QListWidget::itemClicked);
-    slide(&list, list.visualItemRect(list.item(2)).center(), 2);
-    QCOMPARE(clicks.size(), 1);
-    QCOMPARE(list.currentRow(), 2);
-    QCOMPARE(list.verticalScrollBar()->value(), 0);
-}
-
-// The bar says so as if it had been moved by its handle: a page can tell it from its own scrolling.
-void FingerScrollTest::widgetsFollow()
-{
-    QScrollArea area;
-    auto *tall = new QWidget;
-    tall->setFixedSize(100, 1000);
-    area.setWidget(tall);
-    new FingerScroll(&area);
-    area.resize(150, 200);
-    area.show();
-    QSignalSpy actions(area.verticalScrollBar(), &QScrollBar::actionTriggered);
-    slide(&area, {50, 150}, -100);
-    QCOMPARE(area.verticalScrollBar()->value(), 100 - touchHeight() / 4);
-    QVERIFY(!actions.isEmpty());
-}
-
-// The list stays open under a slide, and the choice as it was.
-void FingerScrollTest::choicesFollow()
-{
-    PanelCombo box;
-    box.setMaxVisibleItems(10); // no slide leaves the list: the popup gets the first move outside
-    box.addItems(rows());
-    box.setCurrentIndex(3);
-    box.show();
-    box.showPopup();
-    QAbstractItemView *list = box.view();
-    QTRY_VERIFY(list->isVisible());
-    list->verticalScrollBar()->setValue(0);
-
-    slide(list, list->viewport()->rect().center(), -60);
-    QCOMPARE(list->verticalScrollBar()->value(), 60 - touchHeight() / 4);
-    QVERIFY(list->isVisible());
-    QCOMPARE(box.currentIndex(), 3);
-    box.hidePopup();
-}
 
 QTEST_MAIN(FingerScrollTest)
 #include "FingerScrollTest.moc"

@@ -1,12 +1,15 @@
 #include "tests/support/Dialogs.h"
 
 #include "platform/sim/Panel.h"
+#include "tests/support/Text.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QHash>
 #include <QLabel>
 #include <QPushButton>
 #include <QQueue>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTimer>
 
@@ -85,20 +88,12 @@ bool press(QPushButton *key)
     return keyClicks() > before;
 }
 
-QPushButton *visibleKey(const QWidget *keyboard, std::initializer_list<const char *> names)
+// A visible key by its object name, or any by its label.
+QPushButton *visibleKey(const QWidget *keyboard, const QString &names, const QString &label = {})
 {
-    for (const char *name : names) {
-        auto *key = keyboard->findChild<QPushButton *>(QLatin1String(name));
-        if (key != nullptr && key->isVisible())
-            return key;
-    }
-    return nullptr;
-}
-
-QPushButton *labelledKey(const QWidget *keyboard, const QString &label)
-{
-    for (QPushButton *key : keyboard->findChildren<QPushButton *>()) {
-        if (key->isVisible() && key->text() == label)
+    const QRegularExpression pattern(QRegularExpression::anchoredPattern(names));
+    for (QPushButton *key : keyboard->findChildren<QPushButton *>(pattern)) {
+        if (key->isVisible() && (label.isEmpty() || key->text() == label))
             return key;
     }
     return nullptr;
@@ -106,30 +101,22 @@ QPushButton *labelledKey(const QWidget *keyboard, const QString &label)
 
 QPushButton *keyFor(const QWidget *keyboard, QChar character)
 {
-    switch (character.unicode()) {
-    case '\n':
-        return visibleKey(keyboard, {"btn_c_enter", "btn_s_enter", "btn_n_enter"});
-    case '\b':
-        return visibleKey(keyboard, {"btn_c_del", "btn_s_del", "btn_n_delete"});
-    case '\x1b':
-        return visibleKey(keyboard, {"btn_close"});
-    case ' ':
-        return visibleKey(keyboard, {"btn_c_space", "btn_s_space"});
-    case '&':
-        return visibleKey(keyboard, {"btn_15"});
-    default:
-        return labelledKey(keyboard, character);
-    }
+    static const QHash<QChar, QString> named = {{u'\n', "btn_._enter"_s},
+                                                {u'\b', "btn_._del(ete)?"_s},
+                                                {u'\x1b', "btn_close"_s},
+                                                {u' ', "btn_._space"_s},
+                                                {u'&', "btn_15"_s}};
+    if (named.contains(character))
+        return visibleKey(keyboard, named[character]);
+    return visibleKey(keyboard, ".*"_s, character);
 }
 
 // The key that leads to the page, or the case, in which `character` is.
 QPushButton *switchKeyFor(const QWidget *keyboard, QChar character)
 {
-    if (character.isLetter() || character == QLatin1Char(' '))
-        return visibleKey(keyboard, {"btn_c_Shift", "btn_s_abc", "btn_n_abc"});
-    if (character.isDigit())
-        return visibleKey(keyboard, {"btn_c_123", "btn_s_123"});
-    return visibleKey(keyboard, {"btn_c_char", "btn_n_char"});
+    if (character.isLetter() || character == u' ')
+        return visibleKey(keyboard, "btn_(c_Shift|._abc)"_s);
+    return visibleKey(keyboard, character.isDigit() ? "btn_._123"_s : "btn_._char"_s);
 }
 
 bool typeCharacter(const QWidget *keyboard, QChar character)
