@@ -98,18 +98,18 @@ MainWin::~MainWin()
     };
     const bool quiet = stopAll(
         {COS::CCosRateTimer::destory, COS::CCosThreadPool::destory, stopWorker, stopCallbacks},
-        [this] { tellRestart(); });
+        [this] { showRestartNotice(); });
     if (quiet) { // else they may still be in use
         m_pDownloadThread.reset();
         m_pNotifyClient.reset();
         m_pComParams.reset();
     }
-    settle();
+    syncDisks();
     const bool hardware = !m_bRestart || PLATFORM::CPlatCpu::enableReboot() != 0;
     reboot(hardware ? 1 : 0, quiet);
 }
 
-void MainWin::tellRestart()
+void MainWin::showRestartNotice()
 {
     auto *box = new MessageBox(BOX_INFORMATION, this);
     box->setText(tr("Restarting. Please wait."));

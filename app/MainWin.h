@@ -97,7 +97,7 @@ private:
     void highlightGroup(std::size_t index);
     void applyStyle();
     void restart();
-    void tellRestart();
+    void showRestartNotice();
     std::vector<netT::stAllNetInfo_tag> netRecords() const;
 
     std::unique_ptr<Ui::Qt_MainWin> ui;

@@ -53,7 +53,7 @@ namespace {
         std::fputs("sysset: cannot go on\n", stderr);
     }
     // Only a window that could not be built gets here: a built one restarts the panel itself.
-    settle();
+    syncDisks();
     reboot(1);
 }
 

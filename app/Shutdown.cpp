@@ -38,10 +38,9 @@ public:
 
     bool eventFilter(QObject *receiver, QEvent *event) override
     {
-        if (dynamic_cast<const QInputEvent *>(event) != nullptr)
-            return true;
         const bool call = event->type() == QEvent::MetaCall || event->type() == QEvent::Timer;
-        return call && isOfWidget(receiver);
+        return (call && isOfWidget(receiver)) ||
+               dynamic_cast<const QInputEvent *>(event) != nullptr;
     }
 };
 
@@ -69,7 +68,7 @@ bool stopAll(const std::vector<Stop> &running, const std::function<void()> &take
     return true;
 }
 
-void settle()
+void syncDisks()
 {
     sync();
     COS::CosTime::SleepCos(BEFORE_REBOOT_MS);

@@ -14,8 +14,8 @@ using Stop = std::function<bool(int waitMs)>;
 // than a second.
 bool stopAll(const std::vector<Stop> &running, const std::function<void()> &takesLong);
 
-// Gives everything that was written its time to reach the disk.
-void settle();
+// Writes all that is buffered to the disks, and gives them half a second for it.
+void syncDisks();
 
 // Restarts the panel, by its hardware reset (1) or by the operating system (0), and ends the
 // program with exit status 0: there is no way back to a shell. `quiet` says that no thread of the

@@ -1,4 +1,5 @@
-// The icons at the bottom of the main window. GUI thread.
+// The icons at the bottom of the main window: which picture stands for which state. Whether a link
+// is online is worked out in app/LinkMonitor. GUI thread.
 #pragma once
 
 class QLabel;

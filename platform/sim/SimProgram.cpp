@@ -108,22 +108,22 @@ void leaveState()
         std::cerr << "sysset-sim: cannot write " << stateFile() << ": " << systemError() << "\n";
 }
 
-// Written by the signal handler, read by the event loop.
-int wishToEnd = -1;
+// An eventfd(2), written by the signal handler and read by the event loop.
+int endSignal = -1;
 
 void onSignal(int)
 {
     const std::uint64_t once = 1;
-    static_cast<void>(write(wishToEnd, &once, sizeof once) == 0);
+    static_cast<void>(write(endSignal, &once, sizeof once) == 0);
 }
 
-// A wish from outside to end the program is as good as one from the control socket; the second
-// one ends it at once.
+// The first of these signals ends the program as the control socket's "quit" does, a second one
+// kills it.
 void endOnSignals()
 {
-    wishToEnd = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    endSignal = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     auto *notifier =
-        new QSocketNotifier(wishToEnd, QSocketNotifier::Read, QCoreApplication::instance());
+        new QSocketNotifier(endSignal, QSocketNotifier::Read, QCoreApplication::instance());
     QObject::connect(notifier, &QSocketNotifier::activated, notifier, [notifier] {
         notifier->setEnabled(false);
         endProgram();

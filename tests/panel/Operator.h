@@ -20,6 +20,10 @@ public:
     bool isEnabled(const QString &object) { return widget(object, "enabled"_s).toBool(); }
 
     // All of these wait.
+    bool presses(const QString &object, int row = -1)
+    {
+        return wait([&] { return press(object, row); });
+    }
     bool appears(const QString &object)
     {
         return wait([&] { return isVisible(object); });

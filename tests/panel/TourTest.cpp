@@ -1,4 +1,5 @@
 #include "tests/panel/Operator.h"
+#include "tests/support/Rows.h"
 
 // The tour that people watch, played without pauses.
 class TourTest : public QObject
@@ -6,26 +7,20 @@ class TourTest : public QObject
     Q_OBJECT
 
 private slots:
+    // result of the install | exit status | last words
     void play_data()
     {
-        QTest::addColumn<QByteArray>("updateResult"); // of the service that installs
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QString>("lastWords");
-        QTest::newRow("to its end") << QByteArray("0") << 0 << "files are as they were before."_s;
-        QTest::newRow("install fails")
-            << QByteArray("-3") << 1 << "tour: the project was not installed: 下载失败"_s;
+        rows({"0 | 0 | files are as they were before.",
+              "-3 | 1 | tour: the project was not installed: 下载失败"});
     }
-
     void play()
     {
-        QFETCH(QByteArray, updateResult);
         Operator panel;
-        const QString cloud = panel.file("/mnt/data/prj/cloud"_s);
-        QVERIFY(QDir().mkpath(cloud));
-        QVERIFY(QFile::copy(TOOLS_FOLDER "/../platform/sim/samples/cloud.xml"_s,
-                            cloud + "/cloud.xml"_s));
+        QFile cloud(TOOLS_FOLDER "/../platform/sim/samples/cloud.xml"_s);
+        QVERIFY(cloud.open(QIODevice::ReadOnly));
+        QVERIFY(panel.write("/mnt/data/prj/cloud/cloud.xml"_s, cloud.readAll()));
         QVERIFY(panel.start());
-        QVERIFY(panel.set("update.result"_s, updateResult));
+        QVERIFY(panel.set("update.result"_s, cell(0).toLatin1()));
         QVERIFY(panel.set("update.stepTime"_s, "100"));
 
         QProcess tour;
@@ -38,9 +33,8 @@ private slots:
         QVERIFY(tour.waitForFinished(60000));
         const QByteArray said = tour.readAll();
         QVERIFY2(tour.exitStatus() == QProcess::NormalExit, said);
-        QTEST(tour.exitCode(), "status");
-        QFETCH(QString, lastWords);
-        QVERIFY2(QString::fromUtf8(said).section(u'\n', -2).contains(lastWords), said);
+        QCOMPARE(tour.exitCode(), number(1));
+        QVERIFY2(QString::fromUtf8(said).section(u'\n', -2).contains(cell(2)), said);
         // Nobody is left with a pulled cable, a U-disk or a file, however it ended.
         QCOMPARE(panel.get("net.cable.eth0"_s).toInt(-1), 0);
         QVERIFY(panel.looksLike("lab_usb"_s, "UsbOutPut.png"_s));
