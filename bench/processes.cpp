@@ -106,8 +106,10 @@ private:
         const std::string ready = std::to_string(readyFd);
         setenv("BENCH_READY_FD", ready.c_str(), 1); // NOLINT(concurrency-mt-unsafe): one thread
         const int quiet = open("/dev/null", O_WRONLY);
-        dup2(quiet, STDOUT_FILENO);
-        dup2(quiet, STDERR_FILENO);
+        if (quiet >= 0) {
+            dup2(quiet, STDOUT_FILENO);
+            dup2(quiet, STDERR_FILENO);
+        }
         const std::string path = folder + "/" + m_program;
         execl(path.c_str(), path.c_str(), nullptr);
         std::_Exit(1);

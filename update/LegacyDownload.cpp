@@ -39,7 +39,8 @@ void removeWithShell(const std::string &path)
     if (!COS::CosFile::ExistFile(path))
         return;
     const std::string command = "rm  " + shellWord(path);
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody changes how SIGCHLD is handled meanwhile
+    // Nobody changes how SIGCHLD is handled meanwhile.
+    // NOLINTNEXTLINE(concurrency-mt-unsafe,bugprone-command-processor): the command is given
     if (std::system(command.c_str()) != 0)
         std::printf("%s error \n", command.c_str());
 }

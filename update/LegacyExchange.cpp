@@ -83,8 +83,7 @@ QByteArray lengthOf(const QByteArray &program)
 // CRC-16 as ISO 3309 (X.25) has it.
 QByteArray checkSumOf(const QByteArray &program)
 {
-    return littleEndian(
-        static_cast<quint16>(qChecksum(program.constData(), static_cast<uint>(program.size()))));
+    return littleEndian(qChecksum(program.constData(), static_cast<uint>(program.size())));
 }
 
 } // namespace

@@ -34,6 +34,8 @@ int openRegular(const std::string &path, int flags)
 {
     // Without O_NONBLOCK a FIFO would hold the caller up.
     const int file = open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (file < 0)
+        return -1;
     auto closer = qScopeGuard([file] { close(file); });
     struct stat status = {};
     if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > LARGEST_FILE)

@@ -60,8 +60,10 @@ bool Schedule::begin(const Task &claimed)
     const auto task = find(claimed.name);
     if (task == m_tasks.end() || task->id != claimed.id)
         return false;
-    if (task->left > 0 && --task->left == 0)
+    if (task->left == 1)
         m_tasks.erase(task);
+    else if (task->left > 1)
+        --task->left;
     return true;
 }
 

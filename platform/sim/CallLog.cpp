@@ -87,8 +87,10 @@ std::optional<int> Injections::nextResult(const char *op)
     if (failure == m_failures.end())
         return std::nullopt;
     const int code = failure->second.code;
-    if (failure->second.left > 0 && --failure->second.left == 0)
+    if (failure->second.left == 1)
         m_failures.erase(failure);
+    else if (failure->second.left > 1)
+        --failure->second.left;
     return code;
 }
 
