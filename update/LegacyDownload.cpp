@@ -39,8 +39,8 @@ void removeWithShell(const std::string &path)
     if (!COS::CosFile::ExistFile(path))
         return;
     const std::string command = "rm  " + shellWord(path);
-    // Nobody changes how SIGCHLD is handled meanwhile.
-    // NOLINTNEXTLINE(concurrency-mt-unsafe,bugprone-command-processor): the command is given
+    // The command is given; nobody changes how SIGCHLD is handled meanwhile.
+    // NOLINTNEXTLINE(concurrency-mt-unsafe,bugprone-command-processor)
     if (std::system(command.c_str()) != 0)
         std::printf("%s error \n", command.c_str());
 }
