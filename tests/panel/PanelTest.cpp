@@ -169,9 +169,12 @@ private slots:
             QVERIFY(!panel.ask({"quit"_s}).isUndefined());
         else
             QCOMPARE(::kill(pid_t(panel.processId()), number(3)), 0);
+        const auto says = [](const QJsonValue &label) {
+            return label["visible"_s].toBool() && label["text"_s] == "正在重启，请稍候。"_s;
+        };
         QVERIFY(!pings || PanelProcess::wait([&] {
             const QJsonArray labels = panel.ask({"ui"_s, "dump"_s, "label"_s}).toArray();
-            return QJsonDocument(labels).toJson().contains("正在重启，请稍候。");
+            return std::any_of(labels.begin(), labels.end(), says);
         }));
         QVERIFY(!pings || panel.ask({"ui"_s, "fit"_s}) == QJsonArray());
         QCOMPARE(panel.waitForEnd(), 0);
