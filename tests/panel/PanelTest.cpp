@@ -144,8 +144,8 @@ private slots:
               "-p x ||| 1 | 1", "| dsl.getVersionList | tab_Machine:1 btn_Reboot | OK | 0",
               // A link's check and, where it is touched, the diagnosis: longer than anyone waits.
               "| netT.netTping || 2 | 1",
-              "| netT.netTping | btn_Net tab_Net:3 btn_check btn_StartDiag btn_close btn_Reboot "
-              "| OK | 0"});
+              ("| netT.netTping | btn_Net tab_Net:3 btn_check btn_StartDiag btn_close btn_Reboot "
+               "| OK | 0")});
     }
     void ends()
     {
