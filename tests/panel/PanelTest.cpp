@@ -144,8 +144,8 @@ private slots:
               "-p x ||| 1 | 1", "| dsl.getVersionList | tab_Machine:1 btn_Reboot | OK | 0",
               // A link's check and, where it is touched, the diagnosis: longer than anyone waits.
               "| netT.netTping || 2 | 1",
-              "| netT.netTping | btn_Net tab_Net:3 btn_check btn_StartDiag btn_close btn_Reboot "
-              "| OK | 0"});
+              ("| netT.netTping | btn_Net tab_Net:3 btn_check btn_StartDiag btn_close btn_Reboot "
+               "| OK | 0")});
     }
     void ends()
     {
@@ -169,9 +169,12 @@ private slots:
             QVERIFY(!panel.ask({"quit"_s}).isUndefined());
         else
             QCOMPARE(::kill(pid_t(panel.processId()), number(3)), 0);
+        const auto says = [](const QJsonValue &label) {
+            return label["visible"_s].toBool() && label["text"_s] == "正在重启，请稍候。"_s;
+        };
         QVERIFY(!pings || PanelProcess::wait([&] {
             const QJsonArray labels = panel.ask({"ui"_s, "dump"_s, "label"_s}).toArray();
-            return QJsonDocument(labels).toJson().contains("正在重启，请稍候。");
+            return std::any_of(labels.begin(), labels.end(), says);
         }));
         QVERIFY(!pings || panel.ask({"ui"_s, "fit"_s}) == QJsonArray());
         QCOMPARE(panel.waitForEnd(), 0);
