@@ -32,7 +32,8 @@ private slots:
             printedBy([] { QCOMPARE(writeWord(ADDRESS, cell(0)), number(1)); });
         const QRegularExpression traced(
             R"(^\[\d+\]\{SetAddrData\} Write dwAddr = 10591 Data is %1\n$)"_s.arg(cell(2)));
-        QCOMPARE(traced.match(QString::fromLatin1(printed)).hasMatch(), cell(1) == "0"_s);
+        QVERIFY(cell(1) == "0"_s ? traced.match(QString::fromLatin1(printed)).hasMatch()
+                                 : printed.isEmpty());
         unsigned short read = 0;
         QCOMPARE(readWord(ADDRESS, read), 0);
         QCOMPARE(int(read), number(2));

@@ -73,6 +73,7 @@ private slots:
              {std::pair{"btn_ComL", "COM3"_s}, {"btn_ComR", "COM1-2"_s}}) {
             m_page->init(&m_lists); // COM1-1 comes first, though not in use
             QCOMPARE(text("line_ComNum"), "COM1-1"_s);
+            QVERIFY(!listSeralType.contains("COM1-1"_s));
             press(button);
             QCOMPARE(text("line_ComNum"), port);
         }
@@ -144,6 +145,8 @@ private slots:
         QVERIFY(saysWhyNotSaved(cellOrEmpty(4)));
         m_page->resize(640, 390);
         QCOMPARE(texts(SHOWN), cell(3).replace(u'/', u'|'));
+        press("btn_ComR");
+        QVERIFY(saysWhyNotSaved(QString())); // another port is shown
     }
 
     // Words that the runtime gave too late would be overwritten with 0.
@@ -191,6 +194,7 @@ private slots:
                 dialog.selectPage(field / COM_WAIT_TIMEOUT * 7); // all but 0 is the second page
                 dialog.show();
                 ::press(&dialog, "btn_"_s + cell(0) + (right == 0 ? "_L"_s : "_R"_s));
+                QVERIFY(lineOf(&dialog, cell(0))->isVisible());
                 QCOMPARE(lineOf(&dialog, cell(0))->text(), values[1 + right]);
             }
         }
