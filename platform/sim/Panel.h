@@ -46,7 +46,7 @@ public:
     // Back to the built-in defaults: no orders, no calls, no callback registered. Waits for a
     // callback that is running, but at most two seconds: it may be waiting for the caller.
     void reset();
-    // Ends the delays of the running calls and of all later ones, so that the program can end.
+    // Ends the delays of the running calls and of all later ones, for tests that need not wait.
     void hurry();
     // From now on what the panel remembers without power is kept in `file`, up to stop().
     void keepIn(const std::string &file);
