@@ -84,7 +84,7 @@ private slots:
         m_list->setAccessPoints(many);
         QCOMPARE(m_list->count(), 500);
         const int visible = m_list->viewport()->height() / m_list->sizeHintForRow(0) + 2;
-        QVERIFY(m_list->viewport()->findChildren<ListItem *>().size() <= visible);
+        QVERIFY(widgets().size() <= visible);
         m_list->scrollToBottom();
         const int place = m_list->verticalScrollBar()->value();
         QCOMPARE(nameIn(499), m_list->item(499)->text());
@@ -94,18 +94,18 @@ private slots:
         QCOMPARE(nameIn(499), m_list->item(499)->text());
         m_list->setAccessPoints({{0, 50, "Guests", "", 0}});
         QTRY_COMPARE(nameIn(0), "Guests"_s);
-        const auto widgets = m_list->viewport()->findChildren<ListItem *>();
-        QCOMPARE(std::count_if(widgets.begin(), widgets.end(), std::mem_fn(&ListItem::isVisible)),
-                 1);
+        for (const ListItem *widget : widgets())
+            QCOMPARE(widget->isVisible(), widget == widgets().first());
     }
 
 private:
+    QList<ListItem *> widgets() const { return m_list->viewport()->findChildren<ListItem *>(); }
     // A label of what is seen in the row.
     QLabel *inRow(int row, const char *label) const
     {
         static QLabel nothing("no widget"_s);
         const QPoint centre = m_list->visualItemRect(m_list->item(row)).center();
-        for (const ListItem *item : m_list->viewport()->findChildren<ListItem *>()) {
+        for (const ListItem *item : widgets()) {
             if (item->isVisible() && item->geometry().contains(centre))
                 return item->findChild<QLabel *>(QString::fromLatin1(label));
         }
