@@ -1,15 +1,8 @@
 #include "network/NetEth.h"
 
 #include "resources/Resources.h"
-#include "tests/support/Calls.h"
-#include "tests/support/Dialogs.h"
 #include "tests/support/PageTest.h"
-#include "tests/support/PrintedBy.h"
-#include "tests/support/Rows.h"
-#include "tests/support/Text.h"
 
-#include <QLabel>
-#include <QLineEdit>
 #include <QRegularExpression>
 
 using Record = netT::stAllNetInfo_tag;
@@ -17,41 +10,30 @@ using sim::panel;
 
 namespace {
 
-Record record(const char *function, const char *dhcp)
+constexpr const char *IP = "192.168.1.100";
+constexpr const char *MASK = "255.255.255.0";
+
+Record record(const char *function, const char *dhcp, const char *ip = IP, const char *mask = MASK,
+              const char *dns2 = "9.9.9.9")
 {
-    Record result;
-    result.sDevName = "eth0";
-    result.sDhcp = dhcp;
-    result.sMacAddr = "02:00:5e:10:00:01";
-    result.sIpAddr = "192.168.1.100";
-    result.sSubnetMask = "255.255.255.0";
-    result.sGateway = "192.168.1.1";
-    result.sPrefDns = "8.8.8.8";
-    result.sAlterDns = "9.9.9.9";
-    result.sFunction = function;
-    return result;
+    return {"eth0",        "ETH",     dhcp, "<b>mac</b>", ip, mask,
+            "192.168.1.1", "8.8.8.8", dns2, function,     0};
 }
 
 const Record STATIC_ON = record("enable", "disable");
 const Record DHCP_ON = record("enable", "enable");
 const Record OFF = record("disable", "disable");
-
-Record without(std::string Record::*text, const Record &whole)
-{
-    Record result = whole;
-    (result.*text).clear();
-    return result;
-}
+const Record NO_SECOND_SERVER = record("enable", "disable", IP, MASK, "");
 
 // What the tables name.
 const QMap<QString, Record> RECORDS = {
     {"static"_s, STATIC_ON},
     {"DHCP"_s, DHCP_ON},
-    {"DHCP, no address"_s, without(&Record::sIpAddr, DHCP_ON)},
+    {"DHCP, no address"_s, record("enable", "enable", "")},
     {"off"_s, OFF},
     {"maybe on"_s, record("maybe", "disable")},
-    {"no mask"_s, without(&Record::sSubnetMask, STATIC_ON)},
-    {"no second server"_s, without(&Record::sAlterDns, STATIC_ON)},
+    {"no mask"_s, record("enable", "disable", IP, "")},
+    {"no second server"_s, NO_SECOND_SERVER},
 };
 
 } // namespace
@@ -83,13 +65,15 @@ private slots:
         m_page->setNetInfo(RECORDS[cell(0)]);
         QCOMPARE(seen(), cell(1));
         QVERIFY(enabled("btn_EthSwitch"));
+        QCOMPARE(text("lab_EthMac"), "<b>mac</b>"_s);
+        QCOMPARE(find<QLabel>("lab_EthMac")->textFormat(), Qt::PlainText);
     }
 
     void rewritesChangedTextsAlone()
     {
         m_page->setNetInfo(STATIC_ON);
         find<QLineEdit>("line_Ip4")->setText("77"_s);
-        m_page->setNetInfo(without(&Record::sAlterDns, STATIC_ON));
+        m_page->setNetInfo(NO_SECOND_SERVER);
         QCOMPARE(octets("line_Ip") + octets("line_Dns2_"), "192|168|1|77|||"_s);
         m_page->setNetInfo(OFF); // forgets, and fills everything anew
         m_page->setNetInfo(STATIC_ON);
@@ -108,24 +92,17 @@ private slots:
         for (const bool wasOn : {true, false}) {
             const Record &before = wasOn ? STATIC_ON : OFF;
             m_page->setNetInfo(before);
-            if (wasOn)
-                panel().fail("netT.netDeviceDown", -1); // refused, it waits all the same
             const QString look = style("btn_EthSwitch");
             press("btn_EthSwitch");
             m_page->setNetInfo(before); // a record of the old state completes nothing
             panel().clearCalls();
             press("btn_EthSwitch");
             press("radio_Dhcp"); // nor a key click
-            QVERIFY(panel().calls().empty());
-            QVERIFY(!enabled("btn_EthSwitch") && !enabled("radio_Dhcp"));
-            QVERIFY(shown("label_move") && !shown("label_null"));
+            QVERIFY(panel().calls().empty() && shown("label_move") && !enabled("radio_Dhcp"));
             QCOMPARE(style("btn_EthSwitch"), look);
-
             m_page->setNetInfo(wasOn ? OFF : STATIC_ON);
-            QVERIFY(enabled("btn_EthSwitch") && enabled("radio_Dhcp") &&
-                    enabled("widget_EthIndetail"));
-            QVERIFY(!shown("label_move") && shown("label_null"));
-            QVERIFY(style("btn_EthSwitch") != look);
+            QVERIFY(enabled("btn_EthSwitch") && enabled("widget_EthIndetail"));
+            QVERIFY(!shown("label_move") && style("btn_EthSwitch") != look);
         }
         press("radio_Dhcp"); // whose presses are seen again
         QCOMPARE(callsOf("netT.startDhcp").size(), 1);
@@ -133,19 +110,15 @@ private slots:
 
     void absentDeviceDisablesTheSwitch()
     {
-        m_page->setNetInfo(OFF);
-        QCOMPARE(text("lab_EthStatus"), "Enable"_s);
-        panel().fail("netT.netIsExist", -4, 1);
-        m_page->setNetInfo(STATIC_ON);
-        QCOMPARE(text("lab_EthStatus"), "Unplugged"_s);
-        QVERIFY(!enabled("btn_EthSwitch"));
-        QVERIFY(!shown("radio_Dhcp")); // nothing else of the record was taken
-
-        m_page->setNetInfo(STATIC_ON);
-        panel().fail("netT.netIsExist", -4, 1);
-        m_page->setNetInfo(STATIC_ON);
-        QVERIFY(shown("lab_EthStatus") && !enabled("radio_Dhcp"));
-        press("line_Ip4"); // would not return from an open keyboard
+        for (const bool wasOn : {false, true}) {
+            m_page->setNetInfo(wasOn ? STATIC_ON : OFF);
+            panel().fail("netT.netIsExist", -4, 1);
+            m_page->setNetInfo(STATIC_ON);
+            QVERIFY(shown("lab_EthStatus") && text("lab_EthStatus") == "Unplugged"_s);
+            QVERIFY(!enabled("btn_EthSwitch") && !enabled("radio_Dhcp"));
+            QCOMPARE(shown("radio_Dhcp"), wasOn); // nothing else of the record was taken
+            press("line_Ip4");                    // would not return from an open keyboard
+        }
         m_page->setNetInfo(STATIC_ON);
         QVERIFY(!shown("lab_EthStatus") && enabled("line_Ip4"));
     }
@@ -168,91 +141,67 @@ private slots:
 
     void presses_data()
     {
-        // the record | pressed | typed | sent | printed if taken | if refused; $ ends a line
+        // the record | pressed | typed | sent: operation | behind the device | end of the printed
+        // line if taken | if refused; $ ends a line
         rows({
-            "off | btn_EthSwitch | | netDeviceUp[\"eth0\",false,5000]"
-            "| netDeviceUp [eth0] ok$ | netDeviceUp [eth0] Err$",
-            "static | btn_EthSwitch | | netDeviceDown[\"eth0\",false,5000]"
-            "| netDeviceDown [eth0] ok$ | netDeviceDown [eth0] Err$",
-            "static | radio_Dhcp | | startDhcp[\"eth0\",false,5000]"
-            "| startDhcp [eth0] ok $ | startDhcp [eth0] error $",
-            "DHCP | radio_Static | | stopDhcp[\"eth0\",false,5000]",
-            "static | line_Ip4 | 77$"
-            R"(| setIp["eth0","192.168.1.77","255.255.255.0","192.168.1.1",false,5000])"
-            "| setIp [eth0] ok$"
-            "| setIp [eth0] error IP [192.168.1.77] sub [255.255.255.0] gate [192.168.1.1]$",
-            "static | line_GateWay4 | 09$" // a zero in front
-            R"(| setIp["eth0","192.168.1.100","255.255.255.0","192.168.1.9",false,5000])"
-            "| setIp [eth0] ok$"
-            "| setIp [eth0] error IP [192.168.1.100] sub [255.255.255.0] gate [192.168.1.9]$",
-            "static | line_Dns2_1 | 1$ | setDns[\"eth0\",\"8.8.8.8\",\"1.9.9.9\",false,5000]"
-            "| setDns [eth0] ok$ | setDns [eth0] error$",
+            "off | btn_EthSwitch | | netDeviceUp | false,5000 | ok$ | Err$",
+            "static | btn_EthSwitch | | netDeviceDown | false,5000 | ok$ | Err$",
+            "static | radio_Dhcp | | startDhcp | false,5000 | ok $ | error $",
+            "DHCP | radio_Static | | stopDhcp | false,5000",
+            R"(static | line_GateWay4 | 09$ | setIp)" // a zero in front
+            R"(| "192.168.1.100","255.255.255.0","192.168.1.9",false,5000 | ok$)"
+            "| error IP [192.168.1.100] sub [255.255.255.0] gate [192.168.1.9]$",
+            R"(static | line_Dns2_1 | 1$ | setDns | "8.8.8.8","1.9.9.9",false,5000 | ok$ | error$)",
             "static | line_Ip4 | 100$",   // as it was
             "static | line_Ip4 | 77\x1b", // not confirmed
-            "no mask | line_Ip4 | 77$",
-            "no second server | line_Dns1_1 | 1$",
+            "no mask | line_Ip4 | 77$", "no second server | line_Dns1_1 | 1$",
+            "DHCP | line_Ip4 | ", // opens no keyboard
         });
     }
 
     void presses()
     {
-        const QString sent = cellOrEmpty(3);
+        const QString operation = cellOrEmpty(3);
         for (const bool refused : {false, true}) {
             init();
             m_page->setNetInfo(RECORDS[cell(0)]);
             panel().clearCalls();
-            if (refused && !sent.isEmpty())
-                panel().fail("netT." + sent.section(QLatin1Char('['), 0, 0).toStdString(), -1);
+            if (refused && !operation.isEmpty())
+                panel().fail("netT." + operation.toStdString(), -1);
             typeOnKeyboard(cell(2).replace(u'$', u'\n'));
             const QByteArray printed = printedBy([&] { press(qPrintable(cell(1))); });
+            const QString end = cellOrEmpty(refused ? 6 : 5);
             QCOMPARE(QString::fromLatin1(printed).replace(u'\n', u'$'),
-                     cellOrEmpty(refused ? 5 : 4));
-            QCOMPARE(serviceCalls().join(QLatin1Char(' ')), sent);
+                     end.isEmpty() ? end : operation + " [eth0] "_s + end);
+            const QString sent = R"(%1["eth0",%2])"_s.arg(operation, cellOrEmpty(4));
+            QCOMPARE(serviceCalls().join(u' '), operation.isEmpty() ? operation : sent);
         }
-    }
-
-    void entryThatMayNoLongerBeSentIsTakenBack()
-    {
-        m_page->setNetInfo(STATIC_ON);
-        whenOpen("SoftKeyboard", [this](QWidget *) {
-            m_page->setNetInfo(DHCP_ON); // somebody else switched to DHCP meanwhile
-            return true;
-        });
-        typeOnKeyboard("77\n"_s);
-        press("line_Ip4");
-        QVERIFY(callsOf("netT.setIp").isEmpty());
-        QCOMPARE(octets("line_Ip"), "192|168|1|100"_s);
-        const auto clicks = panel().get("buzzer.opens");
-        press("line_Ip4"); // would not return from an open keyboard
-        QCOMPARE(panel().get("buzzer.opens").dump(), clicks.dump());
     }
 
     void entryMeetsWhatWaited_data()
     {
-        // field | what comes between the keyboard's end and the call | last octets sent
-        rows({"line_Ip4 | press | 7 9", "line_Ip4 | record |", "line_Ip4 | records |",
-              "line_Dns1_4 | press | 7 9", "line_Dns1_4 | record |", "line_Dns1_4 | records |"});
+        // field | records, or else a press, between the keyboard's end and the call | octets sent
+        rows({"line_Ip4 | | 7 9", "line_Ip4 | DHCP |", "line_Ip4 | DHCP,static |",
+              "line_Dns1_4 | | 7 9", "line_Dns1_4 | DHCP |", "line_Dns1_4 | DHCP,static |"});
     }
 
     void entryMeetsWhatWaited()
     {
         const QByteArray field = cell(0).toLatin1();
-        const QString waited = cell(1);
+        const bool pressed = cell(1).isEmpty();
         m_page->setNetInfo(STATIC_ON);
         panel().clearCalls();
         const auto happens = [&] {
-            if (waited == "press"_s)
+            if (pressed)
                 QTimer::singleShot(0, this, [&] { press(field); });
-            if (waited.startsWith("record"_s))
-                QTimer::singleShot(0, this, [&] { m_page->setNetInfo(DHCP_ON); });
-            if (waited == "records"_s)
-                QTimer::singleShot(0, this, [&] { m_page->setNetInfo(STATIC_ON); });
+            for (const QString &name : cell(1).split(u',', Qt::SkipEmptyParts))
+                QTimer::singleShot(0, this, [=] { m_page->setNetInfo(RECORDS[name]); });
         };
         whenOpen("SoftKeyboard", [&](const QWidget *keyboard) {
             connect(keyboard, &QObject::destroyed, this, happens);
             return true;
         });
-        typeOnKeyboard(waited == "press"_s ? "7\n9\n"_s : "7\n"_s);
+        typeOnKeyboard(pressed ? "7\n9\n"_s : "7\n"_s);
         press(field);
         QTRY_VERIFY(dialogsDone());
         QStringList sent;
@@ -263,42 +212,30 @@ private slots:
             QCOMPARE(octets("line_Ip") + octets("line_Dns1_"), "192|168|1|1008|8|8|8"_s);
     }
 
-    void hostileTextsStayPlain()
-    {
-        Record hostile = STATIC_ON;
-        hostile.sDevName = "<b>%s%n</b>";
-        hostile.sMacAddr = "<img src=x>";
-        panel().fail("netT.netIsExist", 0);
-        m_page->setNetInfo(hostile);
-        QCOMPARE(text("lab_EthMac"), "<img src=x>"_s);
-        QCOMPARE(find<QLabel>("lab_EthMac")->textFormat(), Qt::PlainText);
-        press("radio_Dhcp");
-        QCOMPARE(callsOf("netT.startDhcp"), QStringList(R"(["<b>%s%n</b>",false,5000])"_s));
-    }
-
     void printsTheRecord()
     {
         m_page->setNetInfo(DHCP_ON);
-        Record changed = without(&Record::sAlterDns, DHCP_ON);
-        changed.sIpAddr = "10.0.0.7";
+        Record changed = record("enable", "enable", "10.0.0.7", MASK, "");
         changed.bNetNormal = 1;
+        Record hostile = OFF;
+        hostile.sDevName = "<b>%s%n</b>";
         const QByteArray printed = printedBy([&] {
             m_page->setNetInfo(changed);
             m_page->setNetInfo(OFF);
-            panel().fail("netT.netIsExist", -4);
-            m_page->setNetInfo(OFF);
+            m_page->setNetInfo(hostile);
         });
-        QVERIFY(printed.startsWith("paraMnetnode.sDevName = [eth0]\n"
-                                   "paraMnetnode.sFunction = [enable]\n"
-                                   "paraMnetnode.bNetNormal = [1]\n"
-                                   "paraMnetnode.sDhcp = [enable]\n"
-                                   "paraMnetnode.sIpAddr = [10.0.0.7][192.168.1.100]\n"
-                                   "paraMnetnode.sSubnetMask = [255.255.255.0][255.255.255.0]\n"
-                                   "paraMnetnode.sGateway = [192.168.1.1][192.168.1.1]\n"
-                                   "paraMnetnode.sPrefDns = [8.8.8.8][8.8.8.8]\n"
-                                   "paraMnetnode.sAlterDns = [][9.9.9.9]\n"));
+        const QByteArray lines =
+            "sDevName = [eth0]|sFunction = [enable]|bNetNormal = [1]|sDhcp = [enable]|"
+            "sIpAddr = [10.0.0.7][192.168.1.100]|sSubnetMask = [255.255.255.0][255.255.255.0]|"
+            "sGateway = [192.168.1.1][192.168.1.1]|sPrefDns = [8.8.8.8][8.8.8.8]|"
+            "sAlterDns = [][9.9.9.9]\n";
+        QVERIFY(printed.startsWith("paraMnetnode." +
+                                   QByteArray(lines).replace("|", "\nparaMnetnode.")));
         QVERIFY(printed.contains("\nNetEth setEthPage [0]\n"));
-        QVERIFY(printed.endsWith("net [eth0] Is not Exist!\n"));
+        QVERIFY(printed.endsWith("net [<b>%s%n</b>] Is not Exist!\n"));
+        panel().fail("netT.netIsExist", 0);
+        m_page->setNetInfo(hostile);
+        QVERIFY(printedBy([this] { press("btn_EthSwitch"); }).contains(" [<b>%s%n</b>] Err\n"));
     }
 
 private:

@@ -1,6 +1,14 @@
 // What tests of one page share.
 #pragma once
 
+#include "tests/support/Calls.h"
+#include "tests/support/Dialogs.h"
+#include "tests/support/PrintedBy.h"
+#include "tests/support/Rows.h"
+#include "tests/support/Text.h"
+
+#include <QLabel>
+#include <QLineEdit>
 #include <QtTest>
 
 #include <memory>
