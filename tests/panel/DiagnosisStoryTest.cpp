@@ -133,6 +133,7 @@ private:
         const QJsonObject items = QJsonDocument::fromJson(file.readAll()).object();
         QVector<Row> rows;
         collectRows(m_panel->ask({"ui"_s, "dump"_s, "NetWorkTestUi"_s})[0].toObject(), rows);
+        const QString region = m_language == "en"_s ? ":Europe"_s : "：欧洲"_s;
         QStringList seen;
         int place = -1;
         for (Row &row : rows) {
@@ -141,11 +142,10 @@ private:
             const int next = ORDER.indexOf(row.key);
             QVERIFY(next > place);
             place = next;
-            const QString region = !row.key.endsWith("MQTT"_s) ? ""_s
-                                   : m_language == "en"_s      ? ":Europe"_s
-                                                               : "：欧洲"_s;
             const QJsonObject texts = items[row.key].toObject();
-            QCOMPARE(row.texts["lab_title"_s], texts["ItemString"_s].toString() + region);
+            QCOMPARE(row.texts["lab_title"_s],
+                     texts["ItemString"_s].toString() +
+                         (row.key.endsWith("MQTT"_s) ? region : QString()));
             const bool failed = mark == "×"_s || mark == "9999ms"_s;
             const bool hasReason = failed && !reason.isEmpty();
             QCOMPARE(row.texts["lab_result"_s], texts[failed          ? "failure"_s
