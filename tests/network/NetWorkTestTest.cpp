@@ -208,23 +208,22 @@ private slots:
     void showsStates_data()
     {
         // item | state | values | mark | colour | title | result | advice
-        rows({"6 | 0 | 0 | | 0, 170, 255 | T",
-              "3 | 3 | 0 | | 0, 170, 255 | T",
-              "6 | 1 | 0 | × | 255, 0, 0 | T | bad | do",
-              "6 | 2 | 0 | √ | 0, 170, 255 | T | good",
+        rows({"6 | 0 | 0 | | 0, 170, 255 | T", "3 | 3 | 0 | | 0, 170, 255 | T",
+              "6 | 1 | 0 | × | 255, 0, 0 | T | bad | do", "6 | 2 | 0 | √ | 0, 170, 255 | T | good",
               "0 | -1 | 0 | × | 255, 0, 0 | T | bad    Get resource file failed! | do",
               "8 | -2 | 0 | × | 255, 0, 0 | T:Europe | bad    Time synchronize failed! | do",
               "16 | -3 | 0 | × | 255, 0, 0 | T:Europe | bad    Certificate download failed! | do",
               "25 | -4 | 0 | × | 255, 0, 0 | T:Europe | bad    Server connection failed! | do",
               "8 | -5 | 0 | × | 255, 0, 0 | T:Europe | bad    Topic subscribe failed! | do",
+              // signals
               "14 | 4 | 76 100 | Strong | 0, 170, 255 | T",
               "14 | 4 | 51 75 | Medium | 206, 206, 0 | T",
               "14 | 4 | -1 0 50 | Weak | 255, 0, 0 | T | | do",
               "21 | 4 | 25 31 | Strong | 0, 170, 255 | T",
               "21 | 4 | 17 24 | Medium | 206, 206, 0 | T",
               "21 | 4 | -1 16 99 | Weak | 255, 0, 0 | T | | do", // 99: not known
-              "9 | 5 | 99 | 99ms | 0, 170, 255 | T",
-              "17 | 5 | 100 | 100ms | 206, 206, 0 | T",
+              // delays
+              "9 | 5 | 99 | 99ms | 0, 170, 255 | T", "17 | 5 | 100 | 100ms | 206, 206, 0 | T",
               "26 | 5 | 499 | 499ms | 206, 206, 0 | T",
               "9 | 5 | 500 | 500ms | 255, 0, 0 | T | | do",
               "9 | 5 | 9999 | 9999ms | 255, 0, 0 | T | bad | do"});

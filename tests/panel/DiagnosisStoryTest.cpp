@@ -83,10 +83,6 @@ private slots:
         m_panel->ask({"delay"_s, "netT.netTping"_s, "30000"_s});
         touch("btn_StartDiag"_s);
         touch("btn_close"_s);
-        openDiagnosis();
-        QVERIFY(!m_panel->press("btn_StartDiag"_s));
-        QCOMPARE(m_panel->error(), "btn_StartDiag is disabled"_s);
-        QCOMPARE(m_panel->text("lab_status"_s), "正在诊断"_s);
         m_panel->ask({"quit"_s});
         QCOMPARE(m_panel->waitForEnd(), 0);
     }
@@ -139,20 +135,17 @@ private:
         for (Row &row : rows) {
             const QString mark = row.texts["lab_state"_s];
             seen << (mark.isEmpty() ? "-"_s : mark);
-            const int next = ORDER.indexOf(row.key);
-            QVERIFY(next > place);
-            place = next;
+            QVERIFY(ORDER.indexOf(row.key) > place);
+            place = ORDER.indexOf(row.key);
             const QJsonObject texts = items[row.key].toObject();
             QCOMPARE(row.texts["lab_title"_s],
                      texts["ItemString"_s].toString() +
                          (row.key.endsWith("MQTT"_s) ? region : QString()));
             const bool failed = mark == "×"_s || mark == "9999ms"_s;
-            const bool hasReason = failed && !reason.isEmpty();
-            QCOMPARE(row.texts["lab_result"_s], texts[failed          ? "failure"_s
-                                                      : mark == "√"_s ? "success"_s
-                                                                      : ""_s]
-                                                        .toString() +
-                                                    (hasReason ? "    "_s + reason : QString()));
+            QString said = texts[failed ? "failure"_s : "success"_s].toString();
+            if (failed && !reason.isEmpty())
+                said += "    "_s + reason;
+            QCOMPARE(row.texts["lab_result"_s], failed || mark == "√"_s ? said : QString());
             const bool bad = failed || mark == "Weak"_s || mark == "弱"_s || mark == "600ms"_s;
             QCOMPARE(row.texts["lab_solution"_s], bad ? texts["Solution"_s].toString() : QString());
         }
