@@ -198,13 +198,10 @@ private slots:
         QVERIFY(dialogsDone());
         QCOMPARE(shown("wdg_vpn"), pressed != "radio_auto"_s);
         const QStringList sent = cellOrEmpty(3).split(QLatin1Char(','));
-        QCOMPARE(callsOf("netT.setApn").size(), sent.size() / 3);
-        if (sent.size() < 3)
-            return;
         const QString args =
-            R"([{"auth":"pap","mode":"%3","name":"%1","password":"%2","user":"u"},)"
-            "false,1000]"_s;
-        QCOMPARE(lastCall("netT.setApn"), args.arg(sent[0], sent[1], sent[2]));
+            R"([{"auth":"pap","mode":"%3","name":"%1","password":"%2","user":"u"},false,1000])"_s;
+        QCOMPARE(callsOf("netT.setApn").join(u' '),
+                 sent.size() < 3 ? QString() : args.arg(sent[0], sent[1], sent[2]));
     }
 
     void signalTakesNoChoiceAway()

@@ -9,13 +9,6 @@
 
 #include <thread>
 
-namespace {
-
-constexpr const char *SET = "netT.setDevPriority";
-constexpr const char *GET = "netT.getDevPriority";
-
-} // namespace
-
 class NetExtendTest : public QObject
 {
     Q_OBJECT
@@ -30,22 +23,23 @@ private slots:
 
     void asksUntilItIsAnswered()
     {
-        sim::panel().fail(GET, -2);
+        sim::panel().fail("netT.getDevPriority", -2);
         refresh();
         sim::panel().clearFailures();
         sim::panel().set("net.priority", "");
         refresh();
         QCOMPARE(index(), -1);
         m_combo->setCurrentIndex(1);
-        QCOMPARE(callsOf(SET), QStringList({"[\"WIFI\",false,5000]"_s}));
+        QCOMPARE(callsOf("netT.setDevPriority"), QStringList({"[\"WIFI\",false,5000]"_s}));
         m_combo->setCurrentIndex(-1); // no choice: asks the service, which has taken the one before
         QCoreApplication::processEvents();
         QCOMPARE(index(), 1);
-        QCOMPARE(callsOf(SET).size(), 2); // the echo
+        QCOMPARE(callsOf("netT.setDevPriority").size(), 2); // the echo
         refresh();
-        QCOMPARE(callsOf(GET).join(QLatin1Char(' ')), "[true,5000] [true,5000] [true,5000]"_s);
+        QCOMPARE(callsOf("netT.getDevPriority").join(QLatin1Char(' ')),
+                 "[true,5000] [true,5000] [true,5000]"_s);
         m_page->retranslate();
-        QCOMPARE(callsOf(SET).size(), 2);
+        QCOMPARE(callsOf("netT.setDevPriority").size(), 2);
         QCOMPARE(index(), 1);
     }
 
@@ -59,12 +53,12 @@ private slots:
         sim::panel().set("net.priority", "WIFI"); // the first answer is the only one
         refresh();
         QCOMPARE(index(), number(1));
-        QCOMPARE(callsOf(GET).size(), 1);
+        QCOMPARE(callsOf("netT.getDevPriority").size(), 1);
     }
 
     void keepsAChoiceMadeDuringTheQuestion()
     {
-        sim::panel().delay(GET, 200);
+        sim::panel().delay("netT.getDevPriority", 200);
         std::thread asking([this] { m_page->refreshPriority(); });
         QTest::qWait(50); // the question is on its way
         m_combo->setCurrentIndex(2);
@@ -72,7 +66,7 @@ private slots:
         asking.join();
         QCoreApplication::processEvents();
         QCOMPARE(index(), 2);
-        QCOMPARE(callsOf(SET), QStringList("[\"4G\",false,5000]"_s));
+        QCOMPARE(callsOf("netT.setDevPriority"), QStringList("[\"4G\",false,5000]"_s));
     }
 
 private:
