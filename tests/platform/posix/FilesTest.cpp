@@ -1,7 +1,7 @@
 #include "platform/cos_file.h"
+#include "platform/paths.h"
+#include "tests/support/PanelRoot.h"
 #include "tests/support/Rows.h"
-
-#include <QTemporaryDir>
 
 #include <clocale>
 #include <filesystem>
@@ -25,12 +25,6 @@ std::string bytesOf(const QString &text)
     return text.toLatin1().replace("LONGEST", LONGEST.c_str()).toStdString();
 }
 
-// Also takes away names that are no UTF-8.
-struct Folder : QTemporaryDir
-{
-    ~Folder() { fs::remove_all(path().toStdString()); }
-};
-
 } // namespace
 
 class FilesTest : public QObject
@@ -40,7 +34,7 @@ class FilesTest : public QObject
 private slots:
     void init()
     {
-        m_folder = std::make_unique<Folder>();
+        m_root.clear();
         QCOMPARE(CosDir::MakeDir(at("directory")), 0);
         write("file", "old");
         write("source", "new");
@@ -139,21 +133,18 @@ private slots:
     }
 
 private:
-    std::string at(const std::string &name) const
-    {
-        return m_folder->path().toStdString() + "/" + name;
-    }
-    void write(const std::string &name, const std::string &bytes) const
+    static std::string at(const std::string &name) { return panelPath("/" + name); }
+    static void write(const std::string &name, const std::string &bytes)
     {
         std::ofstream(at(name), std::ios::binary) << bytes;
     }
-    std::string read(const std::string &name) const
+    static std::string read(const std::string &name)
     {
         std::ifstream file(at(name), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    std::unique_ptr<Folder> m_folder;
+    PanelRoot m_root;
 };
 
 QTEST_GUILESS_MAIN(FilesTest)
