@@ -139,15 +139,6 @@ private slots:
         }
     }
 
-    void endsAfterItsCount_data() { modes(); }
-    void endsAfterItsCount()
-    {
-        QCOMPARE(CCosRateTimer::addTimer(count, &m->calls, "a", TICK, 3, number(0)), 0);
-        QVERIFY(m->calls.reaches(3) && someTicksPass());
-        QCOMPARE(m->calls.value(), 3);
-        QCOMPARE(CCosRateTimer::removeTimer("a"), -1);
-    }
-
     void changesTasksFromATask()
     {
         const auto change = [](void *argument) {
@@ -184,10 +175,15 @@ private slots:
         }
     }
 
-    // A call goes on without its task: calls of its name wait for it, and so does destory().
-    void callsOutliveTheirTask_data() { modes(); }
-    void callsOutliveTheirTask()
+    // A task ends after its count. A call goes on without its task: calls of its name wait for it,
+    // and so does destory().
+    void endsTasksAndCalls_data() { rows({"0 | on the service's threads", "1 | in the pool"}); }
+    void endsTasksAndCalls()
     {
+        QCOMPARE(CCosRateTimer::addTimer(count, &m->others, "three", TICK, 3, number(0)), 0);
+        QVERIFY(m->others.reaches(3) && someTicksPass());
+        QCOMPARE(m->others.value(), 3);
+        QCOMPARE(CCosRateTimer::removeTimer("three"), -1);
         Slow &old = m->slow[0], &slow = m->slow[1];
         addForEver(Slow::run, &old, "a", number(0));
         QVERIFY(old.calls.reaches(1));
@@ -232,21 +228,17 @@ private slots:
     }
 
     // A tick at which something is due costs one wake-up of one thread, any other tick none.
-    void wakesOncePerDueTick_data() { rows({"50 | every tick", "60000 | not within the test"}); }
     void wakesOncePerDueTick()
     {
-        CCosRateTimer::destory();
-        QTRY_COMPARE(threadsNamed("timer"), 0);
-        QCOMPARE(CCosRateTimer::init(50), 0);
-        CCosRateTimer::addTimer(count, &m->calls, "a", number(0), -1, 0);
-        CCosRateTimer::addTimer(count, &m->calls, "b", number(0), -1, 0);
+        for (const char *name : {"a", "b"})
+            CCosRateTimer::addTimer(count, &m->calls, name, 10 * TICK, -1, 0);
         QTRY_COMPARE(threadsNamed("timer"), 2);
         int switches = 0;
         threadsNamed("timer", &switches);
         switches = -switches;
         QTest::qWait(1500);
         threadsNamed("timer", &switches);
-        // Two calls a tick. A busy machine may add some wake-ups, but not one a tick.
+        // Two calls each tenth tick. A busy machine may add some wake-ups, but not one a tick.
         QVERIFY2(switches <= m->calls.value() / 2 + 10, qPrintable("%1"_s.arg(switches)));
     }
 
@@ -273,7 +265,6 @@ private:
         std::array<Slow, 4> slow;
     };
 
-    static void modes() { rows({"0 | on the service's threads", "1 | in the pool"}); }
     // True once the service has gone on for some ticks.
     bool someTicksPass() const
     {
