@@ -15,14 +15,6 @@
 using sim::Json;
 using sim::panel;
 
-namespace {
-
-constexpr int PROJECT = CDownloadThread::FUNC_DOWNLOAD_PRO;
-constexpr int IMAGE = CDownloadThread::FUNC_DOWNLOAD_IMAGE;
-constexpr int PLC = CDownloadThread::FUNC_DOWNLOAD_PLCPRO;
-
-} // namespace
-
 // The jobs of the worker against the simulated update service, over its real socket.
 class DownloadThreadTest : public QObject
 {
@@ -34,8 +26,8 @@ private slots:
         panel().reset();
         m_root.clear();
         COS::CCosRateTimer::init(50);
-        for (const auto &[code, path] : m_files)
-            std::ofstream(path) << "content";
+        for (const auto &[name, job] : m_jobs)
+            std::ofstream(job.second) << "content";
         m_signals.clear();
         m_worker = std::make_unique<CDownloadThread>();
         for (const auto &[signal, name] :
@@ -98,11 +90,10 @@ private slots:
         QTRY_VERIFY(isDone()); // no sooner than the last result
         QCoreApplication::processEvents();
         QCOMPARE(signalsSeen(), cell(2));
-        const std::map<QString, Json> remounts = {
+        std::map<QString, Json> remounts = {
             {"project"_s, {1, 0}}, {"image"_s, {1, 0}}, {"both"_s, {1, 1, 0}}};
-        const auto expected = remounts.find(cell(0));
-        QCOMPARE(panel().get("partition.remounts"),
-                 expected == remounts.end() ? Json::array() : expected->second);
+        remounts.insert({cell(0), Json::array()}); // for any other
+        QCOMPARE(panel().get("partition.remounts"), remounts.at(cell(0)));
     }
 
     // job | laid over the panel's state | what has come when the program ends: so many requests,
@@ -121,7 +112,8 @@ private slots:
              R"(image | {"update": {"error": -9}} | question | 1 12:8000 0 | asked)",
              R"(image | {"update": {"error": -9}} | question unseen | 1 12:8000 0)",
              R"(image | {"update": {"late": 300}} | 3 | 1 12:8000 6:3000 7:1000 0)",
-             R"(both | {"update": {"stepTime": 60000}, "delay": [["PLATFORM.CPlatBoard.getKVxxx", 60000]]} |
+             R"(both | {"update": {"stepTime": 60000},
+                        "delay": [["PLATFORM.CPlatBoard.getKVxxx", 60000]]} |
                  model | 1 12:8000 6:8000 7:1000 1 12:8000 0)",
              R"(plc | {"delay": [["plc.Commu", 60000]]} | 0 |)"});
     }
@@ -146,7 +138,7 @@ private slots:
             m_worker->giveUp();
             panel().hurry();
             QTRY_VERIFY(isDone());
-            QVERIFY(!m_worker->SetFunction(PLC, m_files.at(PLC)));
+            QVERIFY(!begin("plc"_s));
             QCOMPARE(COS::CCosRateTimer::removeTimer("UpDatePro"), -1);
         }
         COS::CCosRateTimer::destory();
@@ -159,10 +151,9 @@ private slots:
     void oneJobAtATime()
     {
         panel().delay("plc.Commu", 60000);
-        start(PLC);
+        QVERIFY(begin("plc"_s));
         // The job prints too, whenever it gets to it.
-        QVERIFY(
-            printedBy([&] { QVERIFY(!m_worker->SetFunction(PROJECT, "x")); }).contains("busy\r\n"));
+        QVERIFY(printedBy([&] { QVERIFY(!begin("project"_s)); }).contains("busy\r\n"));
         panel().hurry();
         QVERIFY(m_worker->wait());
         // The PLC page connects after the start.
@@ -175,39 +166,30 @@ private slots:
     void freeAgainAtOnce()
     {
         for (int i = 0; i < 200; ++i) {
-            while (!m_worker->SetFunction(0, ""))
+            while (!begin("nothing"_s))
                 QThread::yieldCurrentThread();
         }
-        while (!m_worker->SetFunction(PLC, m_files.at(PLC)))
+        while (!begin("plc"_s))
             QThread::yieldCurrentThread();
         QTRY_COMPARE(signalsSeen(), "plc 0"_s);
     }
 
 private:
-    static int jobCode()
+    bool begin(const QString &name) const
     {
-        const std::map<QString, int> codes = {{"project"_s, PROJECT},
-                                              {"image"_s, IMAGE},
-                                              {"both"_s, IMAGE},
-                                              {"plc"_s, PLC},
-                                              {"nothing"_s, 0x1003}};
-        return codes.at(cell(0));
-    }
-    void start(int code)
-    {
-        const auto file = m_files.find(code);
-        QVERIFY(m_worker->SetFunction(code, file == m_files.end() ? "" : file->second));
+        const auto &[code, path] = m_jobs.at(name);
+        return m_worker->SetFunction(code, path);
     }
     // The row's, on the state that it lays over the panel's; "both": a firmware in the middle of a
     // project.
     void startJob()
     {
         panel().apply(Json::parse(cell(1).toStdString()));
+        QVERIFY(begin(cell(0) == "both"_s ? "project"_s : cell(0)));
         if (cell(0) == "both"_s) {
-            start(PROJECT);
             QTRY_VERIFY(m_signals.contains("probar 30"_s));
+            QVERIFY(begin("image"_s));
         }
-        start(jobCode());
     }
     bool isDone() const
     {
@@ -221,7 +203,8 @@ private:
         if (isNumber)
             return panel().get("update.requests").size() == requests;
         if (moment == "model"_s)
-            return m_worker->fileModel(jobCode() == IMAGE ? IMAGE_JOB : PROJECT_JOB, model) == 0;
+            return m_worker->fileModel(cell(0) == "project"_s ? PROJECT_JOB : IMAGE_JOB, model) ==
+                   0;
         return m_worker->isGivenUp() || m_signals.contains(moment);
     }
     // Remounts as "1" and "0", requests as command and time-out; of the polls the first.
@@ -246,8 +229,11 @@ private:
     PanelRoot m_root;
     QTemporaryDir m_stick;
     const std::string m_base = m_stick.path().toStdString() + "/";
-    const std::map<int, std::string> m_files = {
-        {PROJECT, m_base + "line.tmt3"}, {IMAGE, m_base + "panel.osf3"}, {PLC, m_base + "plc.bin"}};
+    const std::map<QString, std::pair<int, std::string>> m_jobs = {
+        {"project"_s, {CDownloadThread::FUNC_DOWNLOAD_PRO, m_base + "line.tmt3"}},
+        {"image"_s, {CDownloadThread::FUNC_DOWNLOAD_IMAGE, m_base + "panel.osf3"}},
+        {"plc"_s, {CDownloadThread::FUNC_DOWNLOAD_PLCPRO, m_base + "plc.bin"}},
+        {"nothing"_s, {0x1003, m_base + "nothing"}}};
     std::unique_ptr<CDownloadThread> m_worker;
     QStringList m_signals;
 };

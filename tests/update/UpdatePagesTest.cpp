@@ -1,5 +1,6 @@
 #include "app/look/FontStyle.h"
 #include "platform/cos_thread.h"
+#include "platform/paths.h"
 #include "platform/sim/Panel.h"
 #include "resources/Resources.h"
 #include "system/LanguageSettings.h"
@@ -32,6 +33,7 @@ const QString NO_UDISK = "Failed to recognize U disk, please check it or change 
 
 enum Page { PROJECT, FIRMWARE, PLC };
 const QString NAMES[] = {"Pro"_s, "Image"_s, "PlcPro"_s}; // in those of widgets and slots
+const QString KINDS[] = {"HMI project"_s, "HMI firmware"_s, "PLC project"_s};
 const std::string ENDINGS[] = {".tmt3", ".osf3", ".bin"};
 
 bool isChinese(const QString &text)
@@ -56,8 +58,8 @@ private slots:
         applyLanguage(LANGUAGE_ENGLISH);
         g_Progress.nPercent = 0;
         COS::CCosRateTimer::init(50);
-        m_stick = std::make_unique<QTemporaryDir>();
-        m_disk = m_stick->path().toStdString() + '/';
+        m_disk = panelPath("/disk/");
+        std::filesystem::create_directory(m_disk);
         m_worker = std::make_unique<CDownloadThread>();
         m_pages = {std::make_unique<DownLoadHmiPro>(), std::make_unique<DownLoadHmiImage>(),
                    std::make_unique<DownLoadPlcPro>()};
@@ -74,27 +76,33 @@ private slots:
         COS::CCosRateTimer::destory();
         m_worker.reset();
         m_pages = {};
-        std::filesystem::remove_all(m_disk); // Qt leaves what is no UTF-8
     }
 
-    // page | codes: a word of each line of their text, and so on
+    // page | codes | a word of each line of their text
     void resultTexts_data()
     {
-        rows({"0 | 0: Updated, please restart; -1: not found in Udisk; -4: get HMI model;"
-              "-5: KV070T/in project/Model does not match; -8: Project file unmatched;"
-              "1 -2 -3 -6 -7 -9: Failed to update, please restart",
-              "1 | 0: Updated firmware/restart; -1: get Udisk HMI firmware; -4: get HMI model;"
-              "-8 -9: Project file unmatched; -11: get Udisk HMI model; 1 -2 -3 -5 -6 -7 -10 -12:",
-              "2 | 0: Updated PLC; -1 -20: update PLC program; -2 -21: open COM;"
-              "-3 -25: timeout/reasons/parameter setting/cable; -4 -24: password;"
-              "-5 -7 -13: communicate; -6: stop PLC\uFF01; -8 -15 -22: read file;"
-              "-9: program failed/PLC program!/cable; -10: comment failed/PLC comment!/cable;"
-              "-11: memory failed/PLC memory!/cable; -12: CAM table/related parameters/cable;"
-              "1 -14 -34: set disable upload; -16: PLC type; -19 -23: PLC version;"
-              "-17 -18: parameter failed/PLC parameter setting/cable; -26: PLC subprogram;"
-              "-27: prohibit uploading; -28: subroutine encryption; -29: contains program ID;"
-              "-30: program ID error; -31: program ID required; -32: Program exceeds;"
-              "-33: Comment exceeds"});
+        rows({"0 | 0 | Updated, please restart", "0 | -1 | not found in Udisk",
+              "0 | -4 | get HMI model", "0 | -5 | KV070T/in project/Model does not match",
+              "0 | -8 | Project file unmatched",
+              "0 | 1 -2 -3 -6 -7 -9 | Failed to update, please restart",
+              // The firmware's.
+              "1 | 0 | Updated firmware/restart", "1 | -1 | get Udisk HMI firmware",
+              "1 | -4 | get HMI model", "1 | -8 -9 | Project file unmatched",
+              "1 | -11 | get Udisk HMI model", "1 | 1 -2 -3 -5 -6 -7 -10 -12 |",
+              // The PLC program's.
+              "2 | 0 | Updated PLC", "2 | -1 -20 | update PLC program", "2 | -2 -21 | open COM",
+              "2 | -3 -25 | timeout/reasons/parameter setting/cable", "2 | -4 -24 | password",
+              "2 | -5 -7 -13 | communicate", "2 | -6 | stop PLC\uFF01",
+              "2 | -8 -15 -22 | read file", "2 | -9 | program failed/PLC program!/cable",
+              "2 | -10 | comment failed/PLC comment!/cable",
+              "2 | -11 | memory failed/PLC memory!/cable",
+              "2 | -12 | CAM table/related parameters/cable", "2 | 1 -14 -34 | set disable upload",
+              "2 | -16 | PLC type", "2 | -17 -18 | parameter failed/PLC parameter setting/cable",
+              "2 | -19 -23 | PLC version", "2 | -26 | PLC subprogram",
+              "2 | -27 | prohibit uploading", "2 | -28 | subroutine encryption",
+              "2 | -29 | contains program ID", "2 | -30 | program ID error",
+              "2 | -31 | program ID required", "2 | -32 | Program exceeds",
+              "2 | -33 | Comment exceeds"});
     }
     // A text that differs from the translated one by a letter stays English.
     void resultTexts()
@@ -106,19 +114,17 @@ private slots:
             QMetaObject::invokeMethod(m_pages[page].get(), slot, Q_ARG(int, code.toInt()));
             return label(page).split(page == PROJECT ? "\n"_s : "\r\n"_s);
         };
-        for (const QString &entry : cell(1).split(u';')) {
-            const QStringList words = entry.section(u':', 1).trimmed().split(u'/');
-            for (const QString &code : entry.section(u':', 0, 0).trimmed().split(u' ')) {
-                const QStringList english = linesOf(LANGUAGE_ENGLISH, code);
-                const QStringList chinese = linesOf(LANGUAGE_CHINESE, code);
-                QCOMPARE(english.size(), words.size());
-                for (int i = 0; i < words.size(); ++i) {
-                    QVERIFY2(english[i].contains(words[i]), qPrintable(code + english[i]));
-                    QCOMPARE(english[i].isEmpty(), words[i].isEmpty());
-                    QVERIFY2(isChinese(chinese[i]) || words[i].isEmpty(), qPrintable(chinese[i]));
-                    QCOMPARE(m_english.emplace(chinese[i], english[i]).first->second, english[i]);
-                    QVERIFY(chinese[i].endsWith(u'\uFF01') || !words[i].endsWith(u'\uFF01'));
-                }
+        const QStringList words = cell(2).split(u'/');
+        for (const QString &code : cell(1).split(u' ')) {
+            const QStringList english = linesOf(LANGUAGE_ENGLISH, code);
+            const QStringList chinese = linesOf(LANGUAGE_CHINESE, code);
+            QCOMPARE(english.size(), words.size());
+            for (int i = 0; i < words.size(); ++i) {
+                QVERIFY2(english[i].contains(words[i]), qPrintable(code + english[i]));
+                QCOMPARE(english[i].isEmpty(), words[i].isEmpty());
+                QVERIFY2(isChinese(chinese[i]) || words[i].isEmpty(), qPrintable(chinese[i]));
+                QCOMPARE(m_english.emplace(chinese[i], english[i]).first->second, english[i]);
+                QVERIFY(chinese[i].endsWith(u'\uFF01') || !words[i].endsWith(u'\uFF01'));
             }
         }
     }
@@ -165,51 +171,48 @@ private slots:
     }
     void namesAreBytes()
     {
-        const std::map<std::string, QString> names = {
-            // in the order of the rows
-            {"%1 %2", "%1 %2"_s},
-            {"%s%n", "%s%n"_s},
-            {"<img src=x>", "<img src=x>"_s},
-            {"caf\\xE9", "caf\\xE9"_s},
-            {"caf\xE9", "caf\\xE9"_s},
-            {"cut\xE5\xB7", "cut\\xE5\\xB7"_s},
-            {"two\nlines", "two\\x0Alines"_s},
-            {std::string(250, 'x'), QString(250, u'x')},
-            {"\xB9\xA4\xB3\xCC", "\\xB9\\xA4\\xB3\\xCC"_s},
-            {"\xE5\xB7\xA5\xE7\xA8\x8B", "\u5DE5\u7A0B"_s}};
+        const QByteArray bytes = "%1 %2|%s%n|<img src=x>|caf\\xE9|caf\xE9|cut\xE5\xB7|two\nlines|" +
+                                 QByteArray(250, 'x') +
+                                 "|\xB9\xA4\xB3\xCC|\xE5\xB7\xA5\xE7\xA8\x8B";
+        const QString shown =
+            "%1 %2|%s%n|<img src=x>|caf\\xE9|caf\\xE9|cut\\xE5\\xB7|two\\x0Alines|"_s +
+            QString(250, u'x') + "|\\xB9\\xA4\\xB3\\xCC|\u5DE5\u7A0B"_s;
         const Page page = Page(number(0));
         m_disk += "\xCA\xFD/";
         std::filesystem::create_directory(m_disk);
-        for (const auto &[name, shown] : names)
-            addFiles({name + ENDINGS[page]});
+        std::vector<std::string> names; // in the order of their rows
+        for (const QByteArray &name : bytes.split('|'))
+            names.push_back(name.toStdString() + ENDINGS[page]);
+        addFiles(names);
         insert();
         panel().set("update.steps", Json::array());
         int row = 0;
-        for (const auto &[name, shown] : names) {
+        for (const std::string &name : names) {
             panel().clearCalls();
-            pick(page, row++);
-            const QString said = ":U1/"_s + shown + QString::fromStdString(ENDINGS[page]);
+            pick(page, row);
+            const QString said =
+                ":U1/"_s + shown.section(u'|', row, row) + QLatin1String(ENDINGS[page].c_str());
             QVERIFY2(label(page).endsWith(said), qPrintable(label(page)));
+            ++row;
             QCOMPARE(m_pages[page]->width(), 600);
             press(page);
             QCOMPARE(answered(), cell(1));
-            QCOMPARE(pathsAskedFor(), Json({m_disk + '/' + name + ENDINGS[page]}));
+            QCOMPARE(pathsAskedFor(), Json({m_disk + '/' + name}));
         }
     }
 
-    // page | what the panel meets | what is downloaded | the box, "/" for a new line
+    // page | what the panel meets | the box, "/" for a new line
     void failureFromPressToBox_data()
     {
-        rows(
-            {"0 | failure | HMI project | Download failure!/Failed to update, please restart HMI!",
-             "1 | failure | HMI firmware | Update failure!",
-             "2 | failure | PLC project | Download failure!/Unable to communicate with the PLC!",
-             "0 | other model | HMI project | Download failure!/HMI model: KV070T/"
-             "Model settings in project: KV101<b>/Model does not match, please modify it!",
-             "1 | other model | HMI firmware | Update failure!/HMI model: KV070T/Model settings in "
-             "firmware: KV101<b>/Model does not match, please re-select the firmware file!",
-             "0 | no model | HMI project | Download failure!/Failed to get HMI model.",
-             "1 | no model | HMI firmware | Update failure!/Failed to get Local HMI model."});
+        rows({"0 | failure | Download failure!/Failed to update, please restart HMI!",
+              "1 | failure | Update failure!",
+              "2 | failure | Download failure!/Unable to communicate with the PLC!",
+              "0 | other model | Download failure!/HMI model: KV070T/"
+              "Model settings in project: KV101<b>/Model does not match, please modify it!",
+              "1 | other model | Update failure!/HMI model: KV070T/Model settings in "
+              "firmware: KV101<b>/Model does not match, please re-select the firmware file!",
+              "0 | no model | Download failure!/Failed to get HMI model.",
+              "1 | no model | Update failure!/Failed to get Local HMI model."});
     }
     void failureFromPressToBox()
     {
@@ -231,11 +234,11 @@ private slots:
             press(page); // nothing more: it is under way
             QCOMPARE(label(page),
                      "Downloading %1:%2,Please do not shut down or replug the device!"_s.arg(
-                         cell(2), rowsOf(page)));
+                         KINDS[page], rowsOf(page)));
             QCOMPARE(panel().get("buzzer.opens").get<int>(), clicks + 2);
             QVERIFY(!m_pages[page]->isEnabled());
-            QCOMPARE(answered(), cell(3));
-            QCOMPARE(label(page).remove(u'\r').replace(u'\n', u'/'), cell(3).section(u'/', 1));
+            QCOMPARE(answered(), cell(2));
+            QCOMPARE(label(page).remove(u'\r').replace(u'\n', u'/'), cell(2).section(u'/', 1));
             QVERIFY(m_pages[page]->isEnabled() && list(page)->isEnabled());
             QCOMPARE(bar(page)->value(), 0);
             QTRY_COMPARE(panel().get("partition.writable"), Json(false));
@@ -328,7 +331,6 @@ private slots:
             m_pages[page]->retranslate();
             return label(page);
         };
-        QCOMPARE(said(PLC), NO_UDISK);
         insert();
         QCOMPARE(said(PROJECT), "Please select HMI project."_s);
         for (const Page page : {PROJECT, PLC}) {
@@ -414,7 +416,6 @@ private:
     }
 
     PanelRoot m_root;
-    std::unique_ptr<QTemporaryDir> m_stick;
     std::string m_disk;
     std::unique_ptr<CDownloadThread> m_worker;
     std::array<std::unique_ptr<UpdatePage>, 3> m_pages;

@@ -43,10 +43,8 @@ private slots:
               "<cloud><server url=\"a\" port=\"x\"/>REST | -2",
               "<cloud><server url=\"a\" port=\"65536\"/>REST | -2",
               // Entities of its own, a file from outside, one that nobody knows.
-              ("<!DOCTYPE cloud [<!ENTITY a \"b\"><!ENTITY c \"&a;&a;&a;\">]>"
-               "<cloud><region>&c;</region>SERVER | -2"),
-              ("<!DOCTYPE cloud [<!ENTITY a SYSTEM \"file:///etc/passwd\">]>"
-               "<cloud><region>&a;</region>SERVER | -2"),
+              "<!DOCTYPE cloud [<!ENTITY a \"b\">]><cloud><region>&a;</region>SERVER | -2",
+              "<!DOCTYPE cloud [<!ENTITY a SYSTEM \"/etc/fstab\">]><cloud>&a;SERVER | -2",
               "<cloud><region>&nbsp;</region>SERVER | -2",
               "<cloud><region><b/></region>SERVER | -2", "<cloud>SERVERSPACE | -2",
               "<cloud>NESTED | -2"});

@@ -1,4 +1,5 @@
 #include "platform/cos_thread.h"
+#include "platform/cos_time.h"
 #include "tests/platform/posix/Counter.h"
 #include "tests/platform/posix/Threads.h"
 #include "tests/support/Rows.h"
@@ -53,8 +54,7 @@ private slots:
         QCOMPARE(CCosThreadPool::submit([] {}), -1);
         QCOMPARE(CCosThreadPool::init(1, 1, 1), -1);
         std::thread opener([&] {
-            std::this_thread::sleep_for(
-                std::chrono::milliseconds(20)); // for one that does not wait
+            COS::CosTime::SleepCos(20); // for one that does not wait
             gate.add();
         });
         QVERIFY(CCosThreadPool::destory() && gate.value() == 1);
