@@ -155,7 +155,7 @@ void Net4G::press(QObject *target)
 // entered.
 void Net4G::edit(QLineEdit *field)
 {
-    const int mode = field == ui->line_ApnPwd ? KB_MODE_TEXT : KB_MODE_TEXT;
+    const int mode = field == ui->line_ApnPwd ? KB_MODE_HIDDEN_TEXT : KB_MODE_TEXT;
     KeyboardRequest request = textRequest(this, field, mode, LONGEST_APN_TEXT);
     request.sizeOf = KeyboardSizeOf::Page;
     request.widthFactor = 0.8;
