@@ -16,7 +16,6 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QRawFont>
 #include <QTextLayout>
 
 class LookTest : public QObject
@@ -60,7 +59,7 @@ private slots:
         layout.createLine();
         layout.endLayout();
         for (const QGlyphRun &run : layout.glyphRuns())
-            QVERIFY2(!run.glyphIndexes().contains(0), qPrintable(run.rawFont().familyName()));
+            QVERIFY(!run.glyphIndexes().contains(0));
     }
 
     // what is written | on which grounds | at which contrast: 3 is for lines, not for texts
@@ -157,16 +156,15 @@ private slots:
         setStyleWhenSeen(&label, "color:green;"_s);
         setStyleWhenSeen(&label, "color:blue;"_s);
         QCOMPARE(label.styleSheet(), "color:red;"_s);
-        label.show();
+        applyPendingStyles(&label);
         QCOMPARE(label.styleSheet(), "color:blue;"_s);
-        label.hide();
         setStyleWhenSeen(&label, "color:green;"_s);
         setStyleOnce(&label, "color:black;"_s); // the newest holds
         label.show();
         QCOMPARE(label.styleSheet(), "color:black;"_s);
         label.hide();
         setStyleWhenSeen(&label, "color:red;"_s);
-        applyPendingStyles(&label);
+        label.show();
         QCOMPARE(label.styleSheet(), "color:red;"_s);
     }
 

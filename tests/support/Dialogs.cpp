@@ -89,14 +89,6 @@ QPushButton *switchKeyFor(const QWidget *keyboard, QChar character)
     return visibleKey(keyboard, character.isDigit() ? "btn_._123"_s : "btn_._char"_s);
 }
 
-bool typeCharacter(const QWidget *keyboard, QChar character)
-{
-    if (QPushButton *key = keyFor(keyboard, character))
-        return press(key);
-    press(switchKeyFor(keyboard, character));
-    return false;
-}
-
 } // namespace
 
 void whenOpen(const char *className, const std::function<bool(QWidget *)> &step)
@@ -123,7 +115,9 @@ void typeOnKeyboard(const QString &keys)
 {
     for (const QChar character : keys) {
         whenOpen("SoftKeyboard", [character](const QWidget *keyboard) {
-            return typeCharacter(keyboard, character);
+            QPushButton *key = keyFor(keyboard, character);
+            const bool taken = press(key != nullptr ? key : switchKeyFor(keyboard, character));
+            return taken && key != nullptr;
         });
     }
 }
