@@ -1,17 +1,19 @@
 #include "resources/Resources.h"
 
+#include "tests/support/Rows.h"
 #include "tests/support/Text.h"
 
-#include <QHash>
 #include <QImage>
 #include <QImageReader>
 #include <QResource>
 #include <QSet>
-#include <QTest>
 
 namespace {
 
-const QString IMAGES = QStringLiteral(":/SysSet_images/SysSet_images/");
+QImage imageOf(const QString &name)
+{
+    return QImage(":/SysSet_images/SysSet_images/%1.png"_s.arg(name));
+}
 
 } // namespace
 
@@ -26,25 +28,20 @@ private slots:
     // two states with the same look.
     void variantsDiffer_data()
     {
-        QTest::addColumn<QString>("names");
-        for (const char *names :
-             {"UsbInPut UsbOutPut", "EthInPut EthOutPut", "WiFiInPut WifiOutPut",
+        rows({"UsbInPut UsbOutPut", "EthInPut EthOutPut", "WiFiInPut WifiOutPut",
               "4gInPut 4gOutPut", "cloudok clouderr", "Question Information Warning Critical",
               "Switch_Open Switch_Close switch_veil", "eyeHide eyeShow delete space enter",
               "radio_checked radio_unchecked radio_checked_off radio_unchecked_off",
               "voice_Open voice_Close", "4G_0 4G_1 4G_2 4G_3 4G_4",
               "wifi1_0 wifi1_1 wifi1_2 wifi1_3 wifi1_4 wifi2_0 wifi2_1 wifi2_2 wifi2_3 wifi2_4",
-              "tick", "chevron"})
-            QTest::newRow(names) << names;
+              "tick", "chevron"});
     }
     void variantsDiffer()
     {
-        QFETCH(QString, names);
         QList<QImage> pictures;
-        for (const QString &name : names.split(QLatin1Char(' '))) {
-            const QImage picture(IMAGES + name + ".png"_s);
-            QVERIFY2(!picture.isNull() && picture.hasAlphaChannel(), qPrintable(name));
-            QVERIFY2(!pictures.contains(picture), qPrintable(name));
+        for (const QString &name : cell(0).split(u' ')) {
+            const QImage picture = imageOf(name);
+            QVERIFY2(picture.hasAlphaChannel() && !pictures.contains(picture), qPrintable(name));
             pictures << picture;
         }
     }
@@ -53,18 +50,19 @@ private slots:
     void largePicturesReplaceSmallOnes()
     {
         const auto names =
-            "Question Information Warning Critical Switch_Open Switch_Close 4G_0 4G_4"_s;
-        QHash<QString, int> heights;
-        for (const QString &name : names.split(QLatin1Char(' ')))
-            heights[name] = QImage(IMAGES + name + ".png"_s).height();
+            "Question Information Warning Critical Switch_Open Switch_Close 4G_0 4G_4"_s.split(
+                u' ');
+        QList<int> heights;
+        for (const QString &name : names)
+            heights << imageOf(name).height();
         loadLargePictures();
-        for (const QString &name : names.split(QLatin1Char(' ')))
-            QVERIFY2(QImage(IMAGES + name + ".png"_s).height() > heights[name], qPrintable(name));
+        for (const QString &name : names)
+            QVERIFY2(imageOf(name).height() > heights.takeFirst(), qPrintable(name));
     }
 
     void animationNeverEnds()
     {
-        QImageReader reader(IMAGES + "loading_more.gif"_s);
+        QImageReader reader(":/SysSet_images/SysSet_images/loading_more.gif"_s);
         QSet<QRgb> looks;
         for (QImage frame = reader.read(); !frame.isNull(); frame = reader.read()) {
             QCOMPARE(frame.pixelColor(0, 0).alpha(), 0);

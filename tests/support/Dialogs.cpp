@@ -24,60 +24,33 @@ struct Request
     std::function<bool(QWidget *)> step;
 };
 
-class Hands : public QObject
+QQueue<Request> requests;
+QElapsedTimer sinceProgress;
+
+void giveUp()
 {
-public:
-    void ask(const Request &request)
-    {
-        if (m_requests.isEmpty()) {
-            m_sinceProgress.start();
-            QTimer::singleShot(POLL_MS, this, &Hands::work);
-        }
-        m_requests.enqueue(request);
-    }
-
-    bool done() const { return m_requests.isEmpty(); }
-
-private:
-    void work()
-    {
-        if (m_requests.isEmpty())
-            return;
-        if (m_sinceProgress.hasExpired(PATIENCE_MS))
-            return giveUp();
-        // First, because a step may open a dialog that the next request is for.
-        QTimer::singleShot(POLL_MS, this, &Hands::work);
-        QWidget *dialog = QApplication::activeModalWidget();
-        if (dialog == nullptr || !dialog->inherits(m_requests.head().className))
-            return;
-        const Request request = m_requests.dequeue();
-        if (request.step(dialog))
-            m_sinceProgress.start();
-        else
-            m_requests.prepend(request);
-    }
-
-    void giveUp()
-    {
-        QTest::qFail(m_requests.head().className, __FILE__, __LINE__);
-        m_requests.clear();
-        while (QWidget *dialog = QApplication::activeModalWidget())
-            dialog->hide();
-    }
-
-    QQueue<Request> m_requests;
-    QElapsedTimer m_sinceProgress;
-};
-
-Hands &hands()
-{
-    static Hands theHands;
-    return theHands;
+    QTest::qFail(requests.head().className, __FILE__, __LINE__);
+    requests.clear();
+    while (QWidget *dialog = QApplication::activeModalWidget())
+        dialog->hide();
 }
 
-int keyClicks()
+void work()
 {
-    return sim::panel().get("buzzer.opens").get<int>();
+    if (requests.isEmpty())
+        return;
+    if (sinceProgress.hasExpired(PATIENCE_MS))
+        return giveUp();
+    // First, because a step may open a dialog that the next request is for.
+    QTimer::singleShot(POLL_MS, &work);
+    QWidget *dialog = QApplication::activeModalWidget();
+    if (dialog == nullptr || !dialog->inherits(requests.head().className))
+        return;
+    const Request request = requests.dequeue();
+    if (request.step(dialog))
+        sinceProgress.start();
+    else
+        requests.prepend(request);
 }
 
 // Whether the keyboard took the press: it clicks then, and only then.
@@ -101,14 +74,11 @@ QPushButton *visibleKey(const QWidget *keyboard, const QString &names, const QSt
 
 QPushButton *keyFor(const QWidget *keyboard, QChar character)
 {
-    static const QHash<QChar, QString> named = {{u'\n', "btn_._enter"_s},
-                                                {u'\b', "btn_._del(ete)?"_s},
-                                                {u'\x1b', "btn_close"_s},
-                                                {u' ', "btn_._space"_s},
-                                                {u'&', "btn_15"_s}};
-    if (named.contains(character))
-        return visibleKey(keyboard, named[character]);
-    return visibleKey(keyboard, ".*"_s, character);
+    static const QHash<QChar, QString> named = {
+        {u'\n', "btn_._enter"_s}, {u'\b', "btn_._del(ete)?"_s}, {u'\x1b', "btn_close"_s},
+        {u' ', "btn_._space"_s},  {u'&', "btn_15"_s},           {u'\a', "btn_Eye"_s}};
+    const bool isNamed = named.contains(character);
+    return visibleKey(keyboard, named.value(character, ".*"_s), isNamed ? QString() : character);
 }
 
 // The key that leads to the page, or the case, in which `character` is.
@@ -119,27 +89,23 @@ QPushButton *switchKeyFor(const QWidget *keyboard, QChar character)
     return visibleKey(keyboard, character.isDigit() ? "btn_._123"_s : "btn_._char"_s);
 }
 
-bool typeCharacter(const QWidget *keyboard, QChar character)
-{
-    if (QPushButton *key = keyFor(keyboard, character))
-        return press(key);
-    press(switchKeyFor(keyboard, character));
-    return false;
-}
-
 } // namespace
 
 void whenOpen(const char *className, const std::function<bool(QWidget *)> &step)
 {
-    hands().ask({className, step});
+    if (requests.isEmpty()) {
+        sinceProgress.start();
+        QTimer::singleShot(POLL_MS, &work);
+    }
+    requests.enqueue({className, step});
 }
 
 void answerNextBox(int result, QString *text)
 {
     whenOpen("MessageBox", [result, text](QWidget *box) {
         if (text != nullptr)
-            *text = box->findChild<QLabel *>(QStringLiteral("label"))->text();
-        const QLatin1String button(result == 1 ? "btn_Ok" : "btn_Cancel");
+            *text = box->findChild<QLabel *>("label"_s)->text();
+        const QString button = result == 1 ? "btn_Ok"_s : "btn_Cancel"_s;
         QTest::mouseClick(box->findChild<QPushButton *>(button), Qt::LeftButton);
         return true;
     });
@@ -149,19 +115,19 @@ void typeOnKeyboard(const QString &keys)
 {
     for (const QChar character : keys) {
         whenOpen("SoftKeyboard", [character](const QWidget *keyboard) {
-            return typeCharacter(keyboard, character);
+            QPushButton *key = keyFor(keyboard, character);
+            const bool taken = press(key != nullptr ? key : switchKeyFor(keyboard, character));
+            return taken && key != nullptr;
         });
     }
 }
 
-void pressOnKeyboard(const QString &objectName)
-{
-    whenOpen("SoftKeyboard", [objectName](const QWidget *keyboard) {
-        return press(keyboard->findChild<QPushButton *>(objectName));
-    });
-}
-
 bool dialogsDone()
 {
-    return hands().done();
+    return requests.isEmpty();
+}
+
+int keyClicks()
+{
+    return sim::panel().get("buzzer.opens").get<int>();
 }

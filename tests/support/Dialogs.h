@@ -18,11 +18,11 @@ void whenOpen(const char *className, const std::function<bool(QWidget *dialog)> 
 void answerNextBox(int result, QString *text = nullptr);
 
 // Presses keys of the SoftKeyboard, page switches and Shift included. "\n" is Enter, "\b" delete,
-// "\x1b" the close key. A press that the keyboard's debounce drops is repeated.
+// "\x1b" the close key, "\a" the eye. A press that the keyboard's debounce drops is repeated.
 void typeOnKeyboard(const QString &keys);
-
-// Same for one key by its object name.
-void pressOnKeyboard(const QString &objectName);
 
 // Whether everything asked for is done.
 bool dialogsDone();
+
+// How often the key click has sounded.
+int keyClicks();
