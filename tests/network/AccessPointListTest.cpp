@@ -105,11 +105,11 @@ private:
     {
         static QLabel nothing("no widget"_s);
         const QPoint centre = m_list->visualItemRect(m_list->item(row)).center();
-        for (const ListItem *item : widgets()) {
-            if (item->isVisible() && item->geometry().contains(centre))
-                return item->findChild<QLabel *>(QString::fromLatin1(label));
-        }
-        return &nothing;
+        const int first = m_list->indexAt({0, 0}).row();
+        const ListItem *item = widgets().value(row - first); // the children stand as the rows do
+        const bool isThere =
+            item != nullptr && item->isVisible() && item->geometry().contains(centre);
+        return isThere ? item->findChild<QLabel *>(QString::fromLatin1(label)) : &nothing;
     }
 
     QString iconIn(int row) const { return inRow(row, "lab_signal")->styleSheet(); }

@@ -101,8 +101,7 @@ private slots:
             else
                 UpdataWifiList(m_page.get());
             QCOMPARE(topRowShown(), byRecord);
-            QTRY_VERIFY(dialogsDone());
-            QVERIFY(!topRowShown());
+            QTRY_VERIFY(dialogsDone() && !topRowShown());
         }
     }
 
@@ -175,10 +174,11 @@ private slots:
         panel().set("wifi.state", 7);
         panel().fail("netT.getStatus", -2, 1);
         m_page->setNetInfo(ON); // the only record of it
-        QTRY_VERIFY(isTicked());
-        QVERIFY(!again->isActive());
+        QTRY_VERIFY(isTicked() && !again->isActive());
 
+        m_page->slot_UpdataState(3);
         m_page->slot_UpdataState(4);
+        QVERIFY(!again->isActive());
         panel().set("wifi.user.ssid", "Other");
         panel().fail("netT.getConnectInfo", -2, 1);
         m_page->slot_UpdataState(7);
