@@ -81,7 +81,7 @@ endfunction()
 
 function(sysset_test_environment name)
   set_tests_properties(${name} PROPERTIES ENVIRONMENT
-      "QT_QPA_PLATFORM=offscreen;FONTCONFIG_FILE=${CMAKE_BINARY_DIR}/fonts.conf;DBUS_SESSION_BUS_ADDRESS=disabled:;XDG_RUNTIME_DIR=${CMAKE_BINARY_DIR}/runtime;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;ASAN_OPTIONS=fast_unwind_on_malloc=0;UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/tsan.supp:print_suppressions=0:ignore_noninstrumented_modules=1:halt_on_error=1")
+      "QT_QPA_PLATFORM=offscreen;FONTCONFIG_FILE=${CMAKE_BINARY_DIR}/fonts.conf;DBUS_SESSION_BUS_ADDRESS=disabled:;XDG_RUNTIME_DIR=${CMAKE_BINARY_DIR}/runtime;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/tsan.supp:print_suppressions=0:ignore_noninstrumented_modules=1:halt_on_error=1")
 endfunction()
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/runtime)
 file(CHMOD ${CMAKE_BINARY_DIR}/runtime PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
