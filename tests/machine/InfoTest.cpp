@@ -3,10 +3,6 @@
 #include "machine/QRWidget.h"
 #include "platform/sim/Panel.h"
 #include "tests/support/PageTest.h"
-#include "tests/support/Rows.h"
-#include "tests/support/Text.h"
-
-#include <QLabel>
 
 class InfoTest : public PageTest<Info>
 {

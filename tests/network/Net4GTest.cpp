@@ -1,14 +1,7 @@
 #include "network/Net4G.h"
 
 #include "resources/Resources.h"
-#include "tests/support/Calls.h"
-#include "tests/support/Dialogs.h"
 #include "tests/support/PageTest.h"
-#include "tests/support/PrintedBy.h"
-#include "tests/support/Rows.h"
-#include "tests/support/Text.h"
-
-#include <QLabel>
 
 #include <thread>
 

@@ -1,11 +1,7 @@
 #include "system/CommSetting.h"
 #include "system/CommuniCation.h"
-#include "tests/support/Dialogs.h"
 #include "tests/support/PageTest.h"
-#include "tests/support/Rows.h"
 #include "tests/system/PortWords.h"
-
-#include <QLineEdit>
 
 namespace {
 

@@ -1,15 +1,10 @@
 #include "resources/Resources.h"
 #include "system/General.h"
-#include "tests/support/Calls.h"
-#include "tests/support/Dialogs.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/PanelRoot.h"
-#include "tests/support/Rows.h"
 #include "tests/system/PortWords.h"
 
 #include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
 #include <QSlider>
 
 using sim::panel;
