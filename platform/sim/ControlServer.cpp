@@ -45,7 +45,8 @@ void ControlServer::stop()
         return;
     m_thread.quit();
     if (!m_thread.wait(STOP_TIMEOUT_MS))
-        static_cast<void>(m_gui.release()); // NOLINT(bugprone-unused-return-value): the thread may use it
+        // The thread may still use it. NOLINTNEXTLINE(bugprone-unused-return-value)
+        static_cast<void>(m_gui.release());
     m_gui.reset();
     m_listener = nullptr;
 }
