@@ -167,7 +167,7 @@ std::optional<AddressTexts> AddressEditor::entry(Group first, Group last)
     const AddressTexts former = m_stored;
     for (std::size_t i = first; i <= last; ++i)
         m_stored.*members[i] = m_groups[i].join();
-    const AddressTexts typed = m_stored;
+    AddressTexts typed = m_stored;
     m_bSending = true;
     QCoreApplication::processEvents();
     if (std::exchange(m_bSending, false))

@@ -181,7 +181,8 @@ bool WifiConnection::isUsable() const
 bool WifiConnection::mayJoin(const netT::stApInfo_tag &accessPoint, std::int64_t nowMs) const
 {
     const Lock lock(m_mutex);
-    return !accessPoint.sSsid.empty() && !(m_nJoined && nowMs - *m_nJoined <= SECOND_TOUCH_MS);
+    const bool isSecondTouch = m_nJoined && nowMs - *m_nJoined <= SECOND_TOUCH_MS;
+    return !accessPoint.sSsid.empty() && !isSecondTouch;
 }
 
 void WifiConnection::beginJoin()

@@ -81,6 +81,7 @@ QColor themeColour(const QString &name, int alpha)
     int red = 0;
     int green = 0;
     int blue = 0;
+    // NOLINTNEXTLINE(bugprone-unchecked-string-to-number-conversion): the program's own colours
     if (std::sscanf(value.constData(), "rgb(%d ,%d ,%d)", &red, &green, &blue) == 3)
         return {red, green, blue, alpha};
     QColor named(QString::fromLatin1(value));

@@ -70,7 +70,6 @@ private:
     bool m_recordsPosted = false;
     int m_joins = 0;
     int m_drifts = 0;
-    // NOLINTNEXTLINE(bugprone-random-generator-seed): intended
     std::minstd_rand m_random; // the same sequence in every run
 };
 

@@ -16,7 +16,7 @@ constexpr std::size_t LONG_SIZE = 4096;
 // The same bytes every time, so that a failure can be repeated.
 std::string noise(std::size_t size)
 {
-    std::minstd_rand random; // NOLINT(cert-msc32-c,cert-msc51-cpp,bugprone-random-generator-seed)
+    std::minstd_rand random; // NOLINT(cert-msc32-c,cert-msc51-cpp)
     std::string bytes;
     while (bytes.size() < size)
         bytes.push_back(static_cast<char>(random() >> 8U));
