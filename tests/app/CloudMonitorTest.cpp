@@ -89,7 +89,9 @@ private slots:
     void stopsInTheMiddle()
     {
         netT::CAsyncClient client;
-        const auto fail = [](auto...) { QFAIL("nothing is to be reported after the stop"); };
+        const auto fail = [](const auto &...) {
+            QFAIL("nothing is to be reported after the stop");
+        };
         LinkMonitor links({[&] { links.stop(); }, fail});
         CloudMonitor monitor(client, nullptr, nullptr, links, {fail, fail});
         monitor.run(recordsOf(cell(0)));

@@ -148,9 +148,9 @@ private slots:
             "static | btn_EthSwitch | | netDeviceDown | false,5000 | ok$ | Err$",
             "static | radio_Dhcp | | startDhcp | false,5000 | ok $ | error $",
             "DHCP | radio_Static | | stopDhcp | false,5000",
-            R"(static | line_GateWay4 | 09$ | setIp)" // a zero in front
-            R"(| "192.168.1.100","255.255.255.0","192.168.1.9",false,5000 | ok$)"
-            "| error IP [192.168.1.100] sub [255.255.255.0] gate [192.168.1.9]$",
+            (R"(static | line_GateWay4 | 09$ | setIp)" // a zero in front
+             R"(| "192.168.1.100","255.255.255.0","192.168.1.9",false,5000 | ok$)"
+             "| error IP [192.168.1.100] sub [255.255.255.0] gate [192.168.1.9]$"),
             R"(static | line_Dns2_1 | 1$ | setDns | "8.8.8.8","1.9.9.9",false,5000 | ok$ | error$)",
             "static | line_Ip4 | 100$",   // as it was
             "static | line_Ip4 | 77\x1b", // not confirmed

@@ -91,34 +91,35 @@ private slots:
     // | the failed one
     void stepsAndResults_data()
     {
-        rows({"{} | 0 | Close", R"({"file": BARE} | 0 | ReadPlcVer + DownLoadExtension)",
-              R"({"file": {"read": -1}} | -15 | ReadPlc5VDownLoadInfo)",
-              R"({"file": {"password": true, "protect": true}, "hasPassword": 1} | 0 |
+        rows(
+            {"{} | 0 | Close", R"({"file": BARE} | 0 | ReadPlcVer + DownLoadExtension)",
+             R"({"file": {"read": -1}} | -15 | ReadPlc5VDownLoadInfo)",
+             R"({"file": {"password": true, "protect": true}, "hasPassword": 1} | 0 |
                  Commu CheckPassword SetUpLoadPasswd + CheckVer)",
-              R"({"hasPassword": 1} | -4 | isHasPassword)",
-              R"({"file": {"password": true}, "results": {"CheckPassword": [-24]}} | -24 |
+             R"({"hasPassword": 1} | -4 | isHasPassword)",
+             R"({"file": {"password": true}, "results": {"CheckPassword": [-24]}} | -24 |
                  Commu CheckPassword | CheckPassword)",
-              // The older format, which it is not either.
-              "StopPLC -14 | -22 | StopPLC | StopPLC",
-              // A failed extension is a success, or what was left before; this is intended.
-              "DownLoadExtension -27 | 0 | DownLoadExtension | DownLoadExtension",
-              R"({"file": BARE, "results": {"ReadPlcVer": [2], "DownLoadExtension": [-1]}} | 2 |
+             // The older format, which it is not either.
+             "StopPLC -14 | -22 | StopPLC | StopPLC",
+             // A failed extension is a success, or what was left before; this is intended.
+             "DownLoadExtension -27 | 0 | DownLoadExtension | DownLoadExtension",
+             R"({"file": BARE, "results": {"ReadPlcVer": [2], "DownLoadExtension": [-1]}} | 2 |
                  ReadPlcVer DownLoadExtension | DownLoadExtension)",
-              R"({"results": {"DownLoadCamTable": [3, 3, 3], "DownLoadExtension": [-27]}} | 3 |
+             R"({"results": {"DownLoadCamTable": [3, 3, 3], "DownLoadExtension": [-27]}} | 3 |
                  DownLoadCamTable DownLoadCamTable DownLoadCamTable DownLoadExtension |
                  DownLoadExtension)",
-              // Three attempts; a positive number passes after the last.
-              "DownLoadPara -17, -18, 0 | 0 | DownLoadPara DownLoadPara + DownLoadPara",
-              "DownLoadPro -9, -32, -26 | -26 | DownLoadPro DownLoadPro DownLoadPro | DownLoadPro",
-              "DownLoadMask -1, -1, 7 | 0 | DownLoadMask DownLoadMask + DownLoadMask",
-              // Memory's result has eight bits.
-              "DownLoadMemory 256 | 0 | Close",
-              "DownLoadMemory 245, 245, 245 | -11 | DownLoadMemory DownLoadMemory DownLoadMemory | "
-              "DownLoadMemory",
-              "Open -5 | -5 | Open | open serial", "Commu -5 | -5 | Commu | Commu",
-              "CheckVer -5 | -5 | CheckVer | CheckVer",
-              "ReadPlcVer -5 | -5 | ReadPlcVer | ReadPlcVer",
-              "StartPLC -5 | -5 | StartPLC | StartPLC", "Close -21 | -21 | Close | Close"});
+             // Three attempts; a positive number passes after the last.
+             "DownLoadPara -17, -18, 0 | 0 | DownLoadPara DownLoadPara + DownLoadPara",
+             "DownLoadPro -9, -32, -26 | -26 | DownLoadPro DownLoadPro DownLoadPro | DownLoadPro",
+             "DownLoadMask -1, -1, 7 | 0 | DownLoadMask DownLoadMask + DownLoadMask",
+             // Memory's result has eight bits.
+             "DownLoadMemory 256 | 0 | Close",
+             ("DownLoadMemory 245, 245, 245 | -11 | DownLoadMemory DownLoadMemory DownLoadMemory | "
+              "DownLoadMemory"),
+             "Open -5 | -5 | Open | open serial", "Commu -5 | -5 | Commu | Commu",
+             "CheckVer -5 | -5 | CheckVer | CheckVer",
+             "ReadPlcVer -5 | -5 | ReadPlcVer | ReadPlcVer",
+             "StartPLC -5 | -5 | StartPLC | StartPLC", "Close -21 | -21 | Close | Close"});
     }
     void stepsAndResults()
     {

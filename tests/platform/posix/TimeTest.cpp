@@ -40,6 +40,7 @@ private slots:
     {
         qputenv("TZ", cell(0).toLatin1());
         SYS_TIME_T time;
+        // NOLINTNEXTLINE(bugprone-unchecked-string-to-number-conversion): the rows are ours
         QCOMPARE(std::sscanf(qPrintable(cell(1)), "%d-%d-%d %d:%d:%d", &time.year, &time.month,
                              &time.day, &time.hour, &time.minute, &time.second),
                  6);
