@@ -2,6 +2,7 @@
 
 #include "app/CommandLine.h"
 #include "app/look/FontStyle.h"
+#include "app/look/WidgetLook.h"
 #include "app/MainWin.h"
 #include "app/Shutdown.h"
 #include "resources/Resources.h"
@@ -43,6 +44,7 @@ namespace {
     makeRoomForTimeZone();
 
     QApplication application(argc, argv);
+    holdImagePlugins();
     loadAppearance();
     QApplication::setOverrideCursor(Qt::BlankCursor);
     try {

@@ -1,8 +1,8 @@
 #pragma once
 
-// The pictures under ":/SysSet_images/SysSet_images/" and the translations under
-// ":/Language/LangugePackage/". None is compressed, so that a translator maps its file as it
-// stands.
+// The pictures under ":/SysSet_images/SysSet_images/", the translations under
+// ":/Language/LangugePackage/", and the font of their characters, ":/SysSet_fonts/text.ttf". None
+// is compressed, so that a translator maps its file as it stands.
 
 // Makes the resources known to Qt. A static library's resources are not by themselves (Qt,
 // "The Qt Resource System"), so each program calls this once, on the GUI thread, before it

@@ -7,6 +7,7 @@
 #include <QEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QStringList>
 #include <QStyle>
 #include <QVariant>
 
@@ -45,6 +46,12 @@ private:
     bool m_bApplied = false;
 };
 
+QStringList &heldPluginPaths()
+{
+    static QStringList paths;
+    return paths;
+}
+
 void dropPendingStyle(QWidget *widget)
 {
     delete widget->findChild<PendingStyle *>(QString(), Qt::FindDirectChildrenOnly);
@@ -68,8 +75,16 @@ QString imagePath(const QString &name)
     return QStringLiteral(":/SysSet_images/SysSet_images/") + name;
 }
 
+void holdImagePlugins()
+{
+    heldPluginPaths() = QCoreApplication::libraryPaths();
+    QCoreApplication::setLibraryPaths({});
+}
+
 QString loadingMoviePath()
 {
+    if (!heldPluginPaths().isEmpty())
+        QCoreApplication::setLibraryPaths(std::exchange(heldPluginPaths(), {}));
     return imagePath(QStringLiteral("loading_more.gif"));
 }
 

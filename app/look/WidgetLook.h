@@ -19,7 +19,12 @@ bool isPress(const QObject *watched, const QEvent *event);
 // The path of an image of the program, "name" with its ending: "UsbInPut.png".
 QString imagePath(const QString &name);
 
-// The path of the loading animation.
+// Keeps Qt from looking for plugins until the loading animation, a GIF, needs one. For the first
+// icon of a style sheet it loads the plugin of every image format, though it reads PNG without.
+// Once, when the application and with it the platform's plugins are there.
+void holdImagePlugins();
+
+// The path of the loading animation. Ends what holdImagePlugins() began.
 QString loadingMoviePath();
 
 // Sets the widget's own style sheet only if it differs: a style sheet costs far more to set than
