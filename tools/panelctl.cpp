@@ -98,7 +98,8 @@ int main(int argc, char **argv)
 {
     const QCoreApplication app(argc, argv);
     const QStringList words = QCoreApplication::arguments().mid(1);
-    if (words.isEmpty() || words[0] == QLatin1String("help")) {
+    if (words.isEmpty() || words[0] == QLatin1String("help") ||
+        words[0] == QLatin1String("--help")) {
         (words.isEmpty() ? std::cerr : std::cout) << HELP;
         return words.isEmpty() ? 1 : 0;
     }
