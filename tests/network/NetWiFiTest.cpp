@@ -228,9 +228,10 @@ private slots:
             panel().set("wifi", {{"aps", Json::array()}, {"state", 5}});
             panel().delay("netT.getStatus", late ? 300 : 0);
             std::thread timer([this] { UpdataWifiList(m_page.get()); });
-            QTRY_VERIFY(serviceCalls().contains("getStatus[false,5000]"_s));
-            if (!late)
-                timer.join();
+            if (late)
+                QTRY_VERIFY(serviceCalls().contains("getStatus[false,5000]"_s));
+            else
+                timer.join(); // without handling events: the signal has to wait
             touch(1);
             panel().set("wifi.state", 5);
             if (late)
