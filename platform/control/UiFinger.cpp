@@ -1,5 +1,5 @@
 // Presses and drags of a finger, as events in the queue of the native window.
-#include "platform/sim/UiWidgets.h"
+#include "platform/control/UiWidgets.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -15,7 +15,7 @@
 
 #include <cstdlib>
 
-namespace sim {
+namespace control {
 namespace {
 
 [[noreturn]] void noSuchRow(const QWidget *widget, int row)
@@ -163,4 +163,4 @@ void dragSlider(QWidget *widget, int value)
     post(widget, QEvent::MouseButtonRelease, to);
 }
 
-} // namespace sim
+} // namespace control

@@ -1,17 +1,19 @@
 #pragma once
 
+#include "platform/control/Request.h"
+
 #include <QString>
 #include <QThread>
 
 #include <chrono>
 #include <memory>
 
-namespace sim {
+namespace control {
 
 class ControlListener;
 class Mailbox;
 
-// The panel's control socket: one request and one reply a line, each a JSON object. It lives in a
+// The program's control socket: one request and one reply a line, each a JSON object. It lives in a
 // thread of its own, so that it answers while the GUI thread is busy; only requests about widgets
 // go to the GUI thread, and get an error if that does not answer in time.
 // Requests of one connection are answered in their order; a line longer than one MiB gets an error.
@@ -19,8 +21,10 @@ class Mailbox;
 class ControlServer
 {
 public:
-    // `guiTimeout` is how long the GUI thread may take.
-    explicit ControlServer(std::chrono::milliseconds guiTimeout = std::chrono::seconds(10));
+    // `panel` runs the requests that are not about widgets, on the server's thread; `guiTimeout` is
+    // how long the GUI thread may take.
+    explicit ControlServer(Handler panel = refuseRequest,
+                           std::chrono::milliseconds guiTimeout = std::chrono::seconds(10));
     ~ControlServer();
     ControlServer(const ControlServer &) = delete;
     ControlServer &operator=(const ControlServer &) = delete;
@@ -34,6 +38,7 @@ public:
     void stop();
 
 private:
+    const Handler m_panel;
     const std::chrono::milliseconds m_guiTimeout;
     QThread m_thread;
     std::unique_ptr<Mailbox> m_gui;
@@ -41,4 +46,4 @@ private:
     QString m_errorString;
 };
 
-} // namespace sim
+} // namespace control

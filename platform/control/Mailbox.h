@@ -6,7 +6,7 @@
 #include <functional>
 #include <mutex>
 
-namespace sim {
+namespace control {
 
 // A queue of work for the thread that this object lives in, under a lock of its own: the memory of
 // a functor that is queued with Qt alone cannot be checked for data races.
@@ -29,4 +29,4 @@ private:
     std::deque<std::function<void()>> m_works;
 };
 
-} // namespace sim
+} // namespace control

@@ -8,7 +8,7 @@
 #include <QVector>
 #include <QWidget>
 
-namespace sim {
+namespace control {
 
 // One run of text of one font.
 struct PaintedText
@@ -23,4 +23,4 @@ struct PaintedText
 // are shown, elided ones with the dots. GUI thread.
 QVector<PaintedText> paintedTexts(QWidget *widget);
 
-} // namespace sim
+} // namespace control

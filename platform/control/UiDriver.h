@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/sim/Requests.h"
+#include "platform/control/Request.h"
 
-namespace sim {
+namespace control {
 
 // Whether the request is one for the GUI thread: `ui` and `quit`.
 bool isUiRequest(const Request &request);
@@ -15,4 +15,4 @@ Json runUiRequest(const Request &request);
 // thread.
 void endProgram();
 
-} // namespace sim
+} // namespace control

@@ -5,7 +5,7 @@
 #include <QImage>
 #include <QRect>
 
-namespace sim {
+namespace control {
 
 // Contrast ratio of two opaque colours, 1 to 21 (WCAG 2.1, "contrast ratio").
 double contrast(const QColor &one, const QColor &other);
@@ -13,4 +13,4 @@ double contrast(const QColor &one, const QColor &other);
 // The commonest colour in `area` of the picture other than `letters`; that if there is no other.
 QColor groundColor(const QImage &picture, const QRect &area, const QColor &letters);
 
-} // namespace sim
+} // namespace control

@@ -1,4 +1,4 @@
-#include "platform/sim/TextRecorder.h"
+#include "platform/control/TextRecorder.h"
 
 #include <QGlyphRun>
 #include <QPaintDevice>
@@ -7,7 +7,7 @@
 #include <QTextLayout>
 #include <QTransform>
 
-namespace sim {
+namespace control {
 namespace {
 
 // The area that the glyphs cover, with the baseline's start at (0, 0). QFontMetrics rounds outwards
@@ -125,4 +125,4 @@ QVector<PaintedText> paintedTexts(QWidget *widget)
     return device.texts();
 }
 
-} // namespace sim
+} // namespace control

@@ -1,11 +1,11 @@
-#include "platform/sim/Contrast.h"
+#include "platform/control/Contrast.h"
 
 #include <QHash>
 
 #include <algorithm>
 #include <cmath>
 
-namespace sim {
+namespace control {
 namespace {
 
 double linear(double channel)
@@ -39,4 +39,4 @@ QColor groundColor(const QImage &picture, const QRect &area, const QColor &lette
     return most == counts.cend() ? letters : QColor(most.key());
 }
 
-} // namespace sim
+} // namespace control

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/sim/Mailbox.h"
-#include "platform/sim/Requests.h"
+#include "platform/control/Mailbox.h"
+#include "platform/control/Request.h"
 
 #include <QByteArray>
 #include <QSocketNotifier>
@@ -11,13 +11,14 @@
 #include <functional>
 #include <memory>
 
-namespace sim {
+namespace control {
 
-// The way from a connection to the GUI thread and back.
-struct GuiAccess
+// The way from a connection to the panel, and to the GUI thread and back.
+struct Access
 {
-    Mailbox *gui;     // lives in the GUI thread, longer than the connection
-    Mailbox *control; // lives in the control thread, longer than a request at the GUI thread
+    const Handler *panel; // lives as long as the listener
+    Mailbox *gui;         // lives in the GUI thread, longer than the connection
+    Mailbox *control;     // lives in the control thread, longer than a request at the GUI thread
     std::chrono::milliseconds timeout;
 };
 
@@ -28,8 +29,8 @@ class ControlListener : public Mailbox
     Q_OBJECT
 
 public:
-    ControlListener(Mailbox &gui, std::chrono::milliseconds guiTimeout)
-        : m_access{&gui, this, guiTimeout}
+    ControlListener(const Handler &panel, Mailbox &gui, std::chrono::milliseconds guiTimeout)
+        : m_access{&panel, &gui, this, guiTimeout}
     {
     }
     ~ControlListener() override;
@@ -40,7 +41,7 @@ public:
 private:
     void acceptClients();
 
-    const GuiAccess m_access;
+    const Access m_access;
     int m_socket = -1;
 };
 
@@ -51,7 +52,7 @@ class ControlClient : public QObject
 
 public:
     // Takes the socket, which must not block.
-    ControlClient(int socket, const GuiAccess &access, QObject *parent);
+    ControlClient(int socket, const Access &access, QObject *parent);
     ~ControlClient() override;
 
 private:
@@ -66,7 +67,7 @@ private:
     void askGui(const Request &request);
     void send(const std::string &reply);
 
-    const GuiAccess m_access;
+    const Access m_access;
     const int m_socket;
     QSocketNotifier m_readable;
     QSocketNotifier m_writable;
@@ -77,4 +78,4 @@ private:
     PendingRequest m_pending;
 };
 
-} // namespace sim
+} // namespace control

@@ -1,6 +1,6 @@
-#include "platform/sim/ControlListener.h"
+#include "platform/control/ControlListener.h"
 
-#include "platform/sim/UiDriver.h"
+#include "platform/control/UiDriver.h"
 
 #include <QTimer>
 
@@ -11,7 +11,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-namespace sim {
+namespace control {
 namespace {
 
 constexpr int LONGEST_LINE = 1 << 20;
@@ -71,7 +71,7 @@ void ControlListener::acceptClients()
 
 // --- One connection -----------------------------------------------------------------------------
 
-ControlClient::ControlClient(int socket, const GuiAccess &access, QObject *parent)
+ControlClient::ControlClient(int socket, const Access &access, QObject *parent)
     : QObject(parent),
       m_access(access),
       m_socket(socket),
@@ -152,7 +152,7 @@ void ControlClient::serve(const QByteArray &line)
         if (isUiRequest(request))
             askGui(request);
         else
-            send(okReply(runRequest(request)));
+            send(okReply((*m_access.panel)(request)));
     } catch (const std::exception &error) {
         send(errorReply(error.what()));
     }
@@ -189,4 +189,4 @@ void ControlClient::send(const std::string &reply)
     }
 }
 
-} // namespace sim
+} // namespace control

@@ -1,14 +1,16 @@
 // Finding, describing and touching the program's widgets. All functions: GUI thread.
 #pragma once
 
-#include "platform/sim/Json.h"
+#include "platform/control/Json.h"
 
 #include <QRect>
 #include <QString>
 #include <QVector>
 #include <QWidget>
 
-namespace sim {
+#include <functional>
+
+namespace control {
 
 // The program's main window: the largest window without a parent, visible ones first; its origin
 // is the screen's. Throws BadRequest if there is no window at all.
@@ -29,9 +31,15 @@ QRect screenRect(const QWidget *widget);
 // The widget and all in it as the dump shows them.
 Json dumpWidget(const QWidget *widget);
 
-// Saves what the screen shows, dialogs and pop-ups included, dimmed as the backlight is, as the PNG
-// file `path`, whole or not at all. Throws BadRequest if it cannot be written.
+// The panel's screen: what the platform says, else the main window's size.
+QSize panelScreen();
+
+// Saves what the screen shows, dialogs and pop-ups included, as the PNG file `path`, whole or not
+// at all. Throws BadRequest if it cannot be written.
 void shootScreen(const QString &path);
+
+// Has pictures dimmed as a backlight at `brightness()` percent, 1 to 100, shows them.
+void dimPictures(std::function<int()> brightness);
 
 // Queues a press and a release at the centre of `row` of `widget`: the row of a list or combo box,
 // the tab of a tab widget; a negative `row` is the widget itself. Throws BadRequest if there is no
@@ -45,4 +53,4 @@ bool hasRows(const QWidget *widget);
 // such value.
 void dragSlider(QWidget *widget, int value);
 
-} // namespace sim
+} // namespace control

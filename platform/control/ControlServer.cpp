@@ -1,10 +1,11 @@
-#include "platform/sim/ControlServer.h"
+#include "platform/control/ControlServer.h"
 
-#include "platform/sim/ControlListener.h"
+#include "platform/control/ControlListener.h"
 
 #include <future>
+#include <utility>
 
-namespace sim {
+namespace control {
 namespace {
 
 // The thread never waits for the GUI thread; only an overloaded machine can make it take longer.
@@ -12,7 +13,10 @@ constexpr unsigned long STOP_TIMEOUT_MS = 2000;
 
 } // namespace
 
-ControlServer::ControlServer(std::chrono::milliseconds guiTimeout) : m_guiTimeout(guiTimeout) {}
+ControlServer::ControlServer(Handler panel, std::chrono::milliseconds guiTimeout)
+    : m_panel(std::move(panel)), m_guiTimeout(guiTimeout)
+{
+}
 
 ControlServer::~ControlServer()
 {
@@ -23,7 +27,7 @@ bool ControlServer::start(const QString &socketPath)
 {
     stop();
     m_gui = std::make_unique<Mailbox>();
-    m_listener = new ControlListener(*m_gui, m_guiTimeout);
+    m_listener = new ControlListener(m_panel, *m_gui, m_guiTimeout);
     m_listener->moveToThread(&m_thread);
     QObject::connect(&m_thread, &QThread::finished, m_listener, &QObject::deleteLater);
     m_thread.setObjectName(QStringLiteral("control"));
@@ -51,4 +55,4 @@ void ControlServer::stop()
     m_listener = nullptr;
 }
 
-} // namespace sim
+} // namespace control

@@ -1,8 +1,8 @@
-#include "platform/sim/Mailbox.h"
+#include "platform/control/Mailbox.h"
 
 #include <utility>
 
-namespace sim {
+namespace control {
 
 Mailbox::~Mailbox()
 {
@@ -31,4 +31,4 @@ std::function<void()> Mailbox::take()
     return work;
 }
 
-} // namespace sim
+} // namespace control

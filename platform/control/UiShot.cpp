@@ -1,5 +1,5 @@
-#include "platform/sim/Panel.h"
-#include "platform/sim/UiWidgets.h"
+#include "platform/board.h"
+#include "platform/control/UiWidgets.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -7,9 +7,18 @@
 #include <QSaveFile>
 
 #include <algorithm>
+#include <utility>
 
-namespace sim {
+namespace control {
 namespace {
+
+constexpr int FULL = 100; // percent
+
+std::function<int()> &brightness()
+{
+    static auto &ask = *new std::function<int()>([] { return FULL; });
+    return ask;
+}
 
 // Position above the main window: dialogs by the number of their parent windows, pop-ups on top.
 int stackingOrder(const QWidget *window)
@@ -35,12 +44,6 @@ QVector<QWidget *> shownWindows()
     return windows;
 }
 
-QSize screenSize()
-{
-    const Json lcd = panel().get("lcd");
-    return {lcd["width"].get<int>(), lcd["height"].get<int>()};
-}
-
 // The shade over the picture at that brightness. At 1 percent black on white keeps a contrast
 // of 4.7 to 1, which can be read.
 QColor shade(int percent)
@@ -51,14 +54,29 @@ QColor shade(int percent)
 
 } // namespace
 
+QSize panelScreen()
+{
+    int width = 0;
+    int height = 0;
+    int depth = 0;
+    if (PLATFORM::CPlatLcd::getResolution(width, height, depth) < 0)
+        return mainWindow()->size();
+    return {width, height};
+}
+
+void dimPictures(std::function<int()> ask)
+{
+    brightness() = std::move(ask);
+}
+
 void shootScreen(const QString &path)
 {
-    QPixmap screen(screenSize());
+    QPixmap screen(panelScreen());
     screen.fill(Qt::black);
     QPainter painter(&screen);
     for (QWidget *window : shownWindows())
         painter.drawPixmap(screenRect(window).topLeft(), window->grab());
-    painter.fillRect(screen.rect(), shade(panel().get("lcd.brightness").get<int>()));
+    painter.fillRect(screen.rect(), shade(brightness()()));
     painter.end();
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || !screen.save(&file, "PNG") || !file.commit())
@@ -66,4 +84,4 @@ void shootScreen(const QString &path)
                          file.errorString().toStdString());
 }
 
-} // namespace sim
+} // namespace control

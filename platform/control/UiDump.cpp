@@ -1,4 +1,4 @@
-#include "platform/sim/UiWidgets.h"
+#include "platform/control/UiWidgets.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -14,7 +14,7 @@
 #include <QTabWidget>
 #include <QTextEdit>
 
-namespace sim {
+namespace control {
 namespace {
 
 Json json(const QString &text)
@@ -184,4 +184,4 @@ Json dumpWidget(const QWidget *widget)
     return dump;
 }
 
-} // namespace sim
+} // namespace control

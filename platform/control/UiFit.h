@@ -1,11 +1,11 @@
 // Whether a person can read and touch what the screen shows. GUI thread.
 #pragma once
 
-#include "platform/sim/Json.h"
+#include "platform/control/Json.h"
 
 #include <QWidget>
 
-namespace sim {
+namespace control {
 
 // What is wrong with `root` (a window or dialog) as it is shown now: a list of
 // {"kind", "widget", "detail"}. Kinds:
@@ -21,4 +21,4 @@ Json fitFindings(QWidget *root, int leastTouch);
 // `leastTouch` is 32 on a screen of less than 480 lines, else 40.
 Json fitFindings();
 
-} // namespace sim
+} // namespace control

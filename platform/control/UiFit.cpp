@@ -1,9 +1,8 @@
-#include "platform/sim/UiFit.h"
+#include "platform/control/UiFit.h"
 
-#include "platform/sim/Contrast.h"
-#include "platform/sim/Panel.h"
-#include "platform/sim/TextRecorder.h"
-#include "platform/sim/UiWidgets.h"
+#include "platform/control/Contrast.h"
+#include "platform/control/TextRecorder.h"
+#include "platform/control/UiWidgets.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -21,7 +20,7 @@
 
 #include <algorithm>
 
-namespace sim {
+namespace control {
 namespace {
 
 constexpr double LEAST_CONTRAST = 4.5;          // WCAG 2.1, 1.4.3
@@ -264,9 +263,9 @@ Json fitFindings()
     QWidget *root = QApplication::activePopupWidget();
     if (root == nullptr)
         root = QApplication::activeModalWidget();
-    const bool small = panel().get("lcd.height").get<int>() < SMALL_SCREEN_LINES;
+    const bool small = panelScreen().height() < SMALL_SCREEN_LINES;
     return fitFindings(root != nullptr ? root : mainWindow(),
                        small ? SMALL_SCREEN_TOUCH : LEAST_TOUCH);
 }
 
-} // namespace sim
+} // namespace control

@@ -1,10 +1,10 @@
-#include "platform/sim/UiWidgets.h"
+#include "platform/control/UiWidgets.h"
 
 #include <QApplication>
 
 #include <algorithm>
 
-namespace sim {
+namespace control {
 namespace {
 
 // Of candidates for the main window: the area, or -1 where hidden or a pop-up.
@@ -72,4 +72,4 @@ QRect screenRect(const QWidget *widget)
     return {widget->mapToGlobal(QPoint()) - origin, widget->size()};
 }
 
-} // namespace sim
+} // namespace control

@@ -1,14 +1,14 @@
-#include "platform/sim/UiDriver.h"
+#include "platform/control/UiDriver.h"
 
-#include "platform/sim/UiFit.h"
-#include "platform/sim/UiWidgets.h"
+#include "platform/control/UiFit.h"
+#include "platform/control/UiWidgets.h"
 
 #include <QCoreApplication>
 #include <QTimer>
 
 #include <algorithm>
 
-namespace sim {
+namespace control {
 namespace {
 
 using Args = std::vector<std::string>;
@@ -134,4 +134,4 @@ Json runUiRequest(const Request &request)
     throw BadRequest("ui dump, ui press, ui slide, ui shot or ui fit");
 }
 
-} // namespace sim
+} // namespace control
