@@ -1,6 +1,5 @@
 #include "platform/linux/SystemBus.h"
 
-#include "platform/linux/Journal.h"
 #include "platform/posix/threads.h"
 
 #include <atomic>
@@ -113,8 +112,9 @@ void SystemBus::run()
         Connection connection;
         try {
             connection = sdbus::createSystemBusConnection();
+            m_fault.mended("the system bus is there");
         } catch (const sdbus::Error &error) {
-            journal(Severity::Warning, std::string("no system bus: ") + error.getMessage());
+            m_fault.tell("no system bus: " + error.getMessage());
         }
         lock.lock();
         m_connection = connection;

@@ -1,6 +1,8 @@
 // Requests to other services of the system over D-Bus, each bounded in time.
 #pragma once
 
+#include "platform/linux/Journal.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -61,6 +63,7 @@ private:
     bool isSilent(const std::string &service);
     void noteSilence(const Connection &connection, const std::string &service);
 
+    Fault m_fault;
     std::mutex m_mutex;
     std::condition_variable m_changed;
     Connection m_connection;
