@@ -31,7 +31,8 @@ constexpr const char *HELP =
   ui shot FILE                        what the screen shows, as PNG
   ui fit                              what on the screen cannot be read or touched
   quit                                ends the program
-The panel is found by SYSSET_ROOT, the folder that it runs in.
+The panel is found by SYSSET_ROOT, the folder that it runs in, or by SYSSET_CONTROL, the path of its
+socket. sysset-dev, on a real board, knows ui and quit.
 )";
 
 struct Failure : std::runtime_error
@@ -67,10 +68,17 @@ QByteArray requestLine(const QStringList &words)
     return QByteArray::fromStdString(sim::dumpJson(request)) + '\n';
 }
 
+// SYSSET_CONTROL names the socket of a program on a real board.
+std::string socketPath()
+{
+    const std::string named = sim::environment("SYSSET_CONTROL");
+    return named.empty() ? sim::socketPath() : named;
+}
+
 QByteArray ask(const QByteArray &line)
 {
     QLocalSocket socket;
-    const std::string path = sim::socketPath();
+    const std::string path = socketPath();
     socket.connectToServer(QString::fromStdString(path));
     if (!socket.waitForConnected(REPLY_TIMEOUT_MS))
         throw Failure("no panel answers at " + path + ": " + socket.errorString().toStdString());

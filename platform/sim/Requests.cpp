@@ -3,12 +3,10 @@
 #include "platform/board.h"
 #include "platform/sim/Panel.h"
 
-#include <algorithm>
-#include <charconv>
-
 namespace sim {
 namespace {
 
+using control::parseNumber;
 using Args = std::vector<std::string>;
 
 bool isClear(const Args &args)
@@ -96,19 +94,7 @@ constexpr Verb VERBS[] = {{"get", 0, 1, get},         {"set", 2, 2, set},   {"us
 
 } // namespace
 
-Request parseRequest(const std::string &line)
-{
-    const Json json = parseJson(line);
-    const auto textIn = [](const Json &value) { return value.is_string(); };
-    if (!json.is_object() || !textIn(json.value("verb", Json())))
-        throw BadRequest("a request is {\"verb\": \"...\", \"args\": [\"...\"]}");
-    const Json args = json.value("args", Json::array());
-    if (!args.is_array() || !std::all_of(args.begin(), args.end(), textIn))
-        throw BadRequest("args must be a list of texts");
-    return {json["verb"].get<std::string>(), args.get<Args>()};
-}
-
-Json runRequest(const Request &request)
+Json runRequest(const control::Request &request)
 {
     for (const Verb &verb : VERBS) {
         if (request.verb != verb.name)
@@ -117,27 +103,7 @@ Json runRequest(const Request &request)
             throw BadRequest(request.verb + ": wrong number of arguments");
         return verb.run(request.args);
     }
-    throw BadRequest("no such verb: " + request.verb);
-}
-
-int parseNumber(const std::string &text, const std::string &what)
-{
-    int number = 0;
-    const char *end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || stop != end)
-        throw BadRequest(what + " must be a whole number, not " + text);
-    return number;
-}
-
-std::string okReply(const Json &value)
-{
-    return dumpJson({{"ok", true}, {"value", value}}) + "\n";
-}
-
-std::string errorReply(const std::string &error)
-{
-    return dumpJson({{"ok", false}, {"error", error}}) + "\n";
+    return control::refuseRequest(request);
 }
 
 } // namespace sim

@@ -1,12 +1,13 @@
 #include "platform/sim/SimProgram.h"
 
-#include "platform/sim/ControlServer.h"
+#include "platform/control/ControlServer.h"
+#include "platform/control/UiDriver.h"
+#include "platform/control/UiWidgets.h"
 #include "platform/sim/InstalledFiles.h"
 #include "platform/sim/Panel.h"
 #include "platform/sim/Requests.h"
 #include "platform/sim/Root.h"
 #include "platform/sim/Scenario.h"
-#include "platform/sim/UiDriver.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
@@ -49,8 +50,10 @@ void setScreen(const std::string &size)
     const auto cross = size.find('x');
     if (cross == std::string::npos)
         throw BadRequest("SYSSET_LCD must be WIDTHxHEIGHT, like 800x480, not " + size);
-    panel().set("lcd", {{"width", parseNumber(size.substr(0, cross), "SYSSET_LCD: the width")},
-                        {"height", parseNumber(size.substr(cross + 1), "SYSSET_LCD: the height")}});
+    panel().set(
+        "lcd",
+        {{"width", control::parseNumber(size.substr(0, cross), "SYSSET_LCD: the width")},
+         {"height", control::parseNumber(size.substr(cross + 1), "SYSSET_LCD: the height")}});
 }
 
 // A panel's start scripts put the zone that it keeps into the environment.
@@ -126,7 +129,7 @@ void endOnSignals()
         new QSocketNotifier(endSignal, QSocketNotifier::Read, QCoreApplication::instance());
     QObject::connect(notifier, &QSocketNotifier::activated, notifier, [notifier] {
         notifier->setEnabled(false);
-        endProgram();
+        control::endProgram();
     });
     struct sigaction action = {};
     action.sa_handler = onSignal;
@@ -141,9 +144,9 @@ int refuse(int status, const char *reason)
     return status;
 }
 
-ControlServer &programServer()
+control::ControlServer &programServer()
 {
-    static ControlServer &server = *new ControlServer;
+    static auto &server = *new control::ControlServer(runRequest);
     return server;
 }
 
@@ -171,7 +174,8 @@ int startFromEnvironment()
 
 bool serveControl()
 {
-    ControlServer &server = programServer();
+    control::ControlServer &server = programServer();
+    control::dimPictures([] { return panel().get("lcd.brightness").get<int>(); });
     if (!server.start(QString::fromStdString(socketPath()))) {
         std::cerr << "sysset-sim: cannot listen at " << socketPath() << ": "
                   << server.errorString().toStdString() << "\n";

@@ -21,6 +21,8 @@ public:
     }
     Q_DISABLE_COPY(PanelRoot)
 
+    QString path() const { return m_folder.path(); }
+
     // Removes everything that was written.
     void clear() const
     {

@@ -1,7 +1,8 @@
-#include "platform/sim/ControlServer.h"
+#include "platform/control/ControlServer.h"
+#include "platform/control/UiDriver.h"
 #include "platform/sim/Panel.h"
+#include "platform/sim/Requests.h"
 #include "platform/sim/SimProgram.h"
-#include "platform/sim/UiDriver.h"
 #include "tests/support/Rows.h"
 #include "tests/support/Text.h"
 
@@ -40,11 +41,12 @@ QByteArrayList exchange(const QString &path, const QByteArray &lines, int replie
 // Does as is typed, "ui press list 3". Returns the value, or the error.
 Json run(const QByteArray &typed)
 {
-    sim::Request request{typed.split(' ')[0].toStdString(), {}};
+    control::Request request{typed.split(' ')[0].toStdString(), {}};
     for (const QByteArray &word : typed.split(' ').mid(1))
         request.args.push_back(word.toStdString());
     try {
-        return sim::isUiRequest(request) ? sim::runUiRequest(request) : sim::runRequest(request);
+        return control::isUiRequest(request) ? control::runUiRequest(request)
+                                             : sim::runRequest(request);
     } catch (const sim::BadRequest &error) {
         return error.what();
     }
@@ -108,7 +110,7 @@ private slots:
 
     void waitsForTheGuiThreadInTurn()
     {
-        sim::ControlServer impatient(std::chrono::milliseconds(100));
+        control::ControlServer impatient(sim::runRequest, std::chrono::milliseconds(100));
         const QString path = m_folder.filePath("impatient.sock"_s);
         QVERIFY(impatient.start(path));
         const QByteArray dump = R"({"verb": "ui", "args": ["dump"]})";
@@ -195,7 +197,7 @@ private:
     const QByteArray GET_WIDTH = "{\"verb\": \"get\", \"args\": [\"lcd.width\"]}\n";
     QTemporaryDir m_folder;
     QString m_socket = m_folder.filePath("panel.sock"_s);
-    sim::ControlServer m_server;
+    control::ControlServer m_server{sim::runRequest};
     std::unique_ptr<Window> m_window;
 };
 

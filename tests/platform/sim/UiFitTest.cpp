@@ -1,4 +1,4 @@
-#include "platform/sim/UiFit.h"
+#include "platform/control/UiFit.h"
 
 #include "tests/support/Rows.h"
 #include "tests/support/Text.h"
@@ -96,7 +96,7 @@ private slots:
         page.show();
         QVERIFY(QTest::qWaitForWindowExposed(&page));
         QStringList kinds;
-        for (const sim::Json &finding : sim::fitFindings(&page, 40))
+        for (const control::Json &finding : control::fitFindings(&page, 40))
             kinds += QString::fromStdString(finding["kind"].get<std::string>() + " " +
                                             finding["widget"].get<std::string>());
         QCOMPARE(kinds.join(u' '), cell(2));

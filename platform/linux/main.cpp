@@ -1,0 +1,9 @@
+// sysset: the settings program on a real panel.
+
+#include "app/Program.h"
+#include "platform/linux/Ready.h"
+
+int main(int argc, char **argv)
+{
+    return runProgram(argc, argv, board::tellReady);
+}
