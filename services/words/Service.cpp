@@ -36,6 +36,8 @@ Service::Service(sd_event *event, const Settings &settings)
     : m_settings(settings),
       m_zonePath(panelPath(ZONE)),
       m_saver(loadedStore(m_registers)),
+      m_time(event),
+      m_screen(event, [this] { m_time.wake(); }),
       m_server(
           event, settings.address, settings.port,
           [this](const Request &request, const Later &later) { return handle(request, later); })
@@ -74,11 +76,23 @@ Answer Service::readWords(const Request &request) const
     return {Failure::NONE, m_registers.read(request.address, request.count), {}};
 }
 
-std::optional<Answer> Service::write(const Request &request, const Later &)
+std::optional<Answer> Service::write(const Request &request, const Later &later)
 {
-    if (isClock(request))
+    return isClock(request) ? writeClock(request, later) : writeSettings(request);
+}
+
+// The clock is written whole or not at all.
+std::optional<Answer> Service::writeClock(const Request &request, const Later &later)
+{
+    if (request.count != CLOCK_COUNT)
+        return failed(Failure::ILLEGAL_ADDRESS);
+    const auto time = clockTime(request.values, readZone(m_zonePath));
+    if (!time)
+        return failed(Failure::ILLEGAL_VALUE);
+    if (!m_settings.mayClockBeSet)
         return failed(Failure::DEVICE_FAILURE);
-    return writeSettings(request);
+    const Failure failure = m_time.set(*time, [later](Failure outcome) { later(failed(outcome)); });
+    return failure == Failure::NONE ? std::nullopt : std::optional(failed(failure));
 }
 
 Answer Service::writeSettings(const Request &request)
@@ -90,7 +104,16 @@ Answer Service::writeSettings(const Request &request)
         return failed(Failure::ILLEGAL_VALUE);
     if (m_registers.values() != before)
         m_saver.keep(m_registers.values());
+    applyScreen(request.address, request.count);
     return {};
+}
+
+void Service::applyScreen(unsigned address, unsigned count)
+{
+    if (BRIGHTNESS >= address && BRIGHTNESS < address + count)
+        m_screen.setBrightness(m_registers.read(BRIGHTNESS));
+    if (BACKLIGHT_TIME >= address && BACKLIGHT_TIME < address + count)
+        m_screen.setOffTime(m_registers.read(BACKLIGHT_TIME));
 }
 
 } // namespace words

@@ -1,9 +1,11 @@
 // The words service: what the clients read and write, and what follows from it.
 #pragma once
 
+#include "services/words/PanelScreen.h"
 #include "services/words/Saver.h"
 #include "services/words/Server.h"
 #include "services/words/Settings.h"
+#include "services/words/TimeService.h"
 
 namespace words {
 
@@ -20,12 +22,16 @@ private:
     Answer readCoils(const Request &request) const;
     Answer readWords(const Request &request) const;
     std::optional<Answer> write(const Request &request, const Later &later);
+    std::optional<Answer> writeClock(const Request &request, const Later &later);
     Answer writeSettings(const Request &request);
+    void applyScreen(unsigned address, unsigned count);
 
     Settings m_settings;
     std::string m_zonePath;
     Registers m_registers;
     Saver m_saver;
+    TimeService m_time;
+    PanelScreen m_screen;
     Server m_server;
 };
 
