@@ -28,7 +28,7 @@ int writeNumber(const Path &path, unsigned number)
     const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
     if (!file.isOpen())
         return errno;
-    const std::string text = std::to_string(number);
+    const std::string text = std::to_string(number) + "\n";
     return ::write(file.get(), text.data(), text.size()) < 0 ? errno : 0;
 }
 
