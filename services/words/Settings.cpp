@@ -1,0 +1,75 @@
+#include "services/words/Settings.h"
+
+#include "services/words/Journal.h"
+
+#include <arpa/inet.h>
+#include <charconv>
+#include <ini.h>
+#include <string_view>
+#include <unistd.h>
+
+namespace words {
+namespace {
+
+constexpr int LARGEST_PORT = 65535;
+
+bool takeAddress(Settings &settings, std::string_view value)
+{
+    settings.address = value;
+    in_addr address{};
+    return ::inet_pton(AF_INET, settings.address.c_str(), &address) == 1 &&
+           ntohl(address.s_addr) >> 24 == IN_LOOPBACKNET;
+}
+
+bool takePort(Settings &settings, std::string_view value)
+{
+    const char *end = value.data() + value.size();
+    const auto result = std::from_chars(value.data(), end, settings.port);
+    return result.ec == std::errc() && result.ptr == end && settings.port >= 0 &&
+           settings.port <= LARGEST_PORT;
+}
+
+bool takeClock(Settings &settings, std::string_view value)
+{
+    settings.mayClockBeSet = value == "yes";
+    return value == "yes" || value == "no";
+}
+
+bool take(Settings &settings, std::string_view name, std::string_view value)
+{
+    if (name == "address")
+        return takeAddress(settings, value);
+    if (name == "port")
+        return takePort(settings, value);
+    return name == "clock" && takeClock(settings, value);
+}
+
+int onValue(void *kept, const char *section, const char *name, const char *value)
+{
+    auto &settings = *static_cast<Settings *>(kept);
+    Settings changed = settings;
+    if (std::string_view(section) != "words")
+        return 1;
+    if (take(changed, name, value))
+        settings = changed;
+    else
+        warn(std::string("panel.conf: [words] ") + name + "=" + value + " is not taken");
+    return 1;
+}
+
+} // namespace
+
+Settings readSettings(const std::string &path)
+{
+    Settings settings;
+    if (::access(path.c_str(), F_OK) != 0)
+        return settings;
+    const int line = ini_parse(path.c_str(), onValue, &settings);
+    if (line < 0)
+        warn(path + " cannot be read");
+    else if (line > 0)
+        warn(path + ": line " + std::to_string(line) + " is not understood");
+    return settings;
+}
+
+} // namespace words

@@ -1,0 +1,42 @@
+// The words service as a process on a panel of its own, and a client of it.
+#pragma once
+
+#include <QtNetwork/QTcpSocket>
+#include <QtTest>
+
+class WordsDaemon
+{
+public:
+    WordsDaemon() = default;
+    ~WordsDaemon();
+
+    // Starts it; `shell` is done before, in the shell that becomes the service.
+    bool start(const QString &shell = QString());
+    void cutPower();
+    bool stop();
+    bool isRunning() const { return m_process.state() == QProcess::Running; }
+    quint16 port() const { return m_port; }
+    QProcessEnvironment &environment() { return m_environment; }
+
+    // Lines of its journal that contain `text`.
+    int said(const char *text);
+
+    QString path(const QString &absolute) const { return m_root.path() + absolute; }
+    void writeFile(const QString &absolute, const QByteArray &content) const;
+    QByteArray readFile(const QString &absolute) const;
+
+    // "10590*2" reads two words: "600,100"; "10590=5,50" writes two: "ok"; "#" and hexadecimal
+    // digits are sent from the function code on, and the answer comes likewise. A failure is "!"
+    // and its number, no answer "".
+    QString ask(const QString &request);
+
+private:
+    QByteArray exchange(const QByteArray &pdu);
+
+    QTemporaryDir m_root;
+    QProcessEnvironment m_environment = QProcessEnvironment::systemEnvironment();
+    QProcess m_process;
+    QTcpSocket m_client;
+    QByteArray m_journal;
+    quint16 m_port = 0;
+};

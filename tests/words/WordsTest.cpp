@@ -1,0 +1,253 @@
+#include "tests/support/Rows.h"
+#include "tests/words/WordsDaemon.h"
+
+#include <memory>
+
+namespace {
+
+constexpr auto BRIGHTNESS = "10591*1";
+
+QString text(const char *latin)
+{
+    return QString::fromLatin1(latin);
+}
+
+} // namespace
+
+class WordsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    // A request and its answer, then what stands there.
+    void answers_data()
+    {
+        rows({
+            "10591=1             | ok | 10591*1 | 1",
+            "10591=0             | !3 | 10591*1 | 100",
+            "10591=101           | !3 | 10591*1 | 100",
+            "10590=0,100         | ok | 10590*2 | 0,100",
+            "10590=3600,50       | ok | 10590*2 | 3600,50",
+            "10590=3601          | !3 | 10590*1 | 600",
+            "10590=5,101         | !3 | 10590*2 | 600,100", // all or none
+            "10590=5,5,5         | !2 | 10590*2 | 600,100",
+            "10589=5,5           | !2 | 10590*1 | 600",
+            "10612=1,5,1000      | ok | 10612*3 | 1,5,1000",
+            "10612=2             | !3 | 10612*1 | 0",
+            "10613=0             | !3 | 10613*1 | 3",
+            "10613=6             | !3 | 10613*1 | 3",
+            "10614=1001          | !3 | 10614*1 | 100",
+            "10061=6,21,7,2,4,1000,1000,10,20,255,255 | ok | 10061*11 | "
+            "6,21,7,2,4,1000,1000,10,20,255,255",
+            "10120=0,0,0,0,0,0,0,0,0,0,0 | ok | 10120*1 | 0",
+            "10061=4             | !3 | 10061*1 | 0",
+            "10062=22            | !3 | 10062*1 | 3",
+            "10063=6             | !3 | 10063*1 | 8",
+            "10064=3             | !3 | 10064*1 | 1",
+            "10065=5             | !3 | 10065*1 | 0",
+            "10068=11            | !3 | 10068*1 | 3",
+            "10069=21            | !3 | 10069*1 | 2",
+            "10070=256           | !3 | 10070*1 | 1",
+            "10115*2             | !2 | 10115*1 | 1", // behind it the words of no port
+            "65535*2             | !2 | 0*1     | !2",
+            "28*7                | !2 | 27*1    | !2",
+            "28=2024,1,1,0,0     | !2 | 33=5    | !2", // the clock is set whole
+            "28=1999,12,31,23,59,59 | !3 | 28=2038,1,1,0,0,0 | !3",
+            "28=2023,2,29,0,0,0  | !3 | 28=2024,4,31,0,0,0 | !3",
+            "28=2024,13,1,0,0,0  | !3 | 28=2024,1,1,24,0,0 | !3",
+            "#0100000001         | 010101 | #0100000002 | !2",
+            "#0100010001         | !2 | #0500000000 | !1",
+            "#03295f0000         | !3 | #03295f007e | !3",
+            "#10295f0001030032   | !3 | #10295f000102003232 | !3",
+            "#10295f0000         | !3 | #06295f | !3",
+            "#06295f0032         | 06295f0032 | #10295f0001020033 | 10295f0001",
+            "#2b0e0100           | !1 | #17 | !1",
+        });
+    }
+    void answers()
+    {
+        WordsDaemon daemon;
+        QVERIFY(daemon.start());
+        QCOMPARE(daemon.ask(cell(0)), cell(1));
+        QCOMPARE(daemon.ask(cell(2)), cell(3));
+        QVERIFY(daemon.stop());
+    }
+
+    // A second after the last write, though others came before.
+    void keepsOverPowerCut()
+    {
+        WordsDaemon daemon;
+        QVERIFY(daemon.start());
+        for (int percent = 1; percent <= 60; ++percent)
+            QCOMPARE(daemon.ask(text("10591=%1").arg(percent)), text("ok"));
+        QTest::qWait(1000);
+        daemon.cutPower();
+        QVERIFY(daemon.start());
+        QCOMPARE(daemon.ask(text(BRIGHTNESS)), text("60"));
+        QCOMPARE(daemon.ask(text("10591=61")), text("ok"));
+        QVERIFY(daemon.stop()); // at once
+        QVERIFY(daemon.start());
+        QCOMPARE(daemon.ask(text(BRIGHTNESS)), text("61"));
+    }
+
+    // Bursts are joined: a drag of two seconds is some ten generations.
+    void sparesTheDisk()
+    {
+        WordsDaemon daemon;
+        QVERIFY(daemon.start());
+        QElapsedTimer time;
+        time.start();
+        for (int i = 0; time.elapsed() < 2000; ++i) {
+            daemon.ask(text("10591=%1").arg(i % 100 + 1));
+            QTest::qWait(10);
+        }
+        QVERIFY(daemon.stop());
+        const QByteArray kept = daemon.readFile(text("/mnt/data/sysset/words/words.0")) +
+                                daemon.readFile(text("/mnt/data/sysset/words/words.1"));
+        const QRegularExpression line(text("generation (\\d+)"));
+        const int number = line.match(QString::fromLatin1(kept)).captured(1).toInt();
+        QVERIFY2(number >= 3 && number <= 13, qPrintable(QString::number(number)));
+    }
+
+    // What is done to the disk before the start; whether it is mended meanwhile.
+    void worksWithoutDisk_data()
+    {
+        rows({"trap '' XFSZ; ulimit -f 0; | ", "trap '' XFSZ; ulimit -f 1; | ",
+              "mkdir $SYSSET_ROOT/mnt/data/sysset/words/words.new; | mended"});
+    }
+    void worksWithoutDisk()
+    {
+        WordsDaemon daemon;
+        QVERIFY(daemon.start());
+        QCOMPARE(daemon.ask(text("10591=40")), text("ok"));
+        QVERIFY(daemon.stop());
+        QVERIFY(daemon.start(cell(0)));
+        for (const char *percent : {"50", "60"}) {
+            QCOMPARE(daemon.ask(text("10591=%1").arg(text(percent))), text("ok"));
+            QTRY_COMPARE(daemon.said("not kept"), 1);
+            QTest::qWait(300);
+        }
+        QCOMPARE(daemon.ask(text(BRIGHTNESS)), text("60"));
+        if (!cell(1).isEmpty()) {
+            QVERIFY(QDir().rmdir(daemon.path(text("/mnt/data/sysset/words/words.new"))));
+            QTRY_COMPARE(daemon.said("works again"), 1);
+        }
+        daemon.cutPower();
+        QVERIFY(daemon.start());
+        QCOMPARE(daemon.ask(text(BRIGHTNESS)), text(cell(1).isEmpty() ? "40" : "60"));
+    }
+
+    // Bytes in hexadecimal that a client sends, how often it comes; whether it is thrown out.
+    void survivesBadClients_data()
+    {
+        rows({
+            " | 40 | ",                           // more than there is room for
+            "00010000 | 1 | out",                 // half a header
+            "0001000000060103 | 1 | out",         // and nothing more
+            "000100010006010300000001 | 1 | out", // another protocol
+            "00010000000001 | 1 | out",           // no length
+            "0001000000010300 | 1 | out",         // no function
+            "00010000ffff0103 | 1 | out",         // too long
+            "474554202f20485454502f312e310d0a0d0a | 1 | out",
+            "000100000006010327650037 | 300 | ", // and never reads the answers
+        });
+    }
+    void survivesBadClients()
+    {
+        WordsDaemon daemon;
+        QVERIFY(daemon.start());
+        std::vector<std::unique_ptr<QTcpSocket>> clients;
+        const bool floods = number(1) > 100;
+        for (int i = 0; i < (floods ? 1 : number(1)); ++i) {
+            clients.push_back(std::make_unique<QTcpSocket>());
+            clients.back()->setReadBufferSize(1);
+            clients.back()->connectToHost(QHostAddress::LocalHost, daemon.port());
+            QVERIFY(clients.back()->waitForConnected());
+        }
+        QTcpSocket &client = *clients.back();
+        client.write(QByteArray::fromHex(cell(0).toLatin1()).repeated(floods ? 200000 : 1));
+        client.flush();
+        QElapsedTimer time;
+        time.start();
+        for (int i = 0; i < 200; ++i)
+            QCOMPARE(daemon.ask(text(BRIGHTNESS)), text("100"));
+        QVERIFY2(time.elapsed() < 1000, qPrintable(QString::number(time.elapsed())));
+        if (!cell(2).isEmpty())
+            QTRY_COMPARE_WITH_TIMEOUT(client.state(), QTcpSocket::UnconnectedState, 3000);
+        QCOMPARE(daemon.ask(text(BRIGHTNESS)), text("100"));
+        QVERIFY(daemon.stop());
+    }
+
+    // The bytes of a request one by one, two requests at once.
+    void takesFramesAsTheyCome()
+    {
+        WordsDaemon daemon;
+        QVERIFY(daemon.start());
+        QTcpSocket client;
+        client.connectToHost(QHostAddress::LocalHost, daemon.port());
+        QVERIFY(client.waitForConnected());
+        const QByteArray request =
+            QByteArray::fromHex("00070000000601032960000100080000000601032960"
+                                "0001");
+        for (const char byte : request.left(12)) {
+            client.write(&byte, 1);
+            QTest::qWait(20);
+        }
+        client.write(request.mid(12) + request);
+        QTRY_COMPARE(client.bytesAvailable(), qint64{4 * 9});
+    }
+
+    // The largest brightness, the word; what the file must say.
+    void setsBrightness_data()
+    {
+        rows({"255 | 100 | 255", "255 | 1 | 3", "7 | 1 | 1", "1000 | 55 | 550", "none | 50 | 9"});
+    }
+    void setsBrightness()
+    {
+        WordsDaemon daemon;
+        const QString folder = text("/sys/class/backlight/panel/");
+        daemon.writeFile(folder + text("max_brightness"), cell(0).toLatin1() + '\n');
+        daemon.writeFile(folder + text("brightness"), "9");
+        daemon.writeFile(folder + text("bl_power"), "4");
+        QVERIFY(daemon.start());
+        QCOMPARE(daemon.ask(text("10591=") + cell(1)), text("ok"));
+        const auto said = [&] {
+            return daemon.readFile(folder + text("brightness")).split('\n').first();
+        };
+        QTRY_COMPARE(QString::fromLatin1(said()), cell(2));
+        QCOMPARE(daemon.readFile(folder + text("bl_power")), QByteArray("0\n"));
+        QTRY_COMPARE(daemon.said("brightness cannot be set"), cell(0) == text("none") ? 1 : 0);
+        daemon.writeFile(folder + text("brightness"), "");
+        daemon.cutPower();
+        if (cell(0) == text("none"))
+            return;
+        QVERIFY(daemon.start()); // and at boot
+        QTRY_VERIFY(!said().isEmpty());
+    }
+
+    // A file, the port that is taken (0 for another), and how many lines are said about it.
+    void readsPanelFile_data()
+    {
+        rows({"[words];port=0;clock=no | 010100 | 0", "[words];port=0;clock=maybe | 010101 | 1",
+              "[words];port=0;address=0.0.0.0 | 010101 | 1",
+              "[words];port=0;port=99999 | 010101 | 1",
+              "[words];port=0;address=127.0.0.9999 | 010101 | 1",
+              "[words];port=0;nonsense | 010101 | 1",
+              "[other];clock=no;[words];port=0 | 010101 | 0"});
+    }
+    void readsPanelFile()
+    {
+        WordsDaemon daemon;
+        daemon.writeFile(text("/etc/sysset/panel.conf"),
+                         cell(0).replace(QLatin1Char(';'), QLatin1Char('\n')).toLatin1());
+        QVERIFY(QDir().mkpath(daemon.path(text("/mnt/data/sysset/words"))));
+        QVERIFY(daemon.start());
+        QCOMPARE(daemon.ask(text("#0100000001")), cell(1));
+        QCOMPARE(daemon.said("panel.conf"), number(2));
+        if (cell(1) == text("010100"))
+            QCOMPARE(daemon.ask(text("28=2024,1,1,0,0,0")), text("!4"));
+    }
+};
+
+QTEST_GUILESS_MAIN(WordsTest)
+#include "WordsTest.moc"
