@@ -17,7 +17,10 @@ namespace {
 
 QByteArray unescaped(const QString &text)
 {
-    return text.toUtf8().replace("\\n", "\n").replace("\\r", "\r").replace("\\0", QByteArray(1, '\0'));
+    return text.toUtf8()
+        .replace("\\n", "\n")
+        .replace("\\r", "\r")
+        .replace("\\0", QByteArray(1, '\0'));
 }
 
 PanelConf parse(const QByteArray &text, std::string &fault)
