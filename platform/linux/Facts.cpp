@@ -25,7 +25,7 @@ bool isFilled(const std::string &fact)
 std::string firstOf(std::initializer_list<const char *> files)
 {
     for (const char *file : files) {
-        const std::string fact = readFact(panelPath(file));
+        std::string fact = readFact(panelPath(file));
         if (isFilled(fact))
             return fact;
     }
@@ -70,7 +70,7 @@ std::string boardSerial()
 
 std::string processorId()
 {
-    const std::string id =
+    std::string id =
         firstOf({"/sys/devices/soc0/serial_number", "/proc/device-tree/serial-number"});
     if (!id.empty())
         return id;

@@ -135,7 +135,7 @@ int loadCloudXML(const std::string &path, CloudConfig &config, std::string &text
 }
 
 CAsyncClient::CAsyncClient() = default;
-CAsyncClient::~CAsyncClient() = default;
+CAsyncClient::~CAsyncClient() {} // nothing has been started
 
 int CAsyncClient::start(const CloudConfig &, MessageHandler, void *)
 {

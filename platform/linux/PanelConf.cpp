@@ -165,7 +165,7 @@ PanelConf loadPanelConf()
         return {};
     }
     std::string fault;
-    const PanelConf conf = parsePanelConf(*text, fault);
+    PanelConf conf = parsePanelConf(*text, fault);
     if (!fault.empty())
         journal(Severity::Warning, path + ", " + fault + ": the defaults hold there");
     return conf;

@@ -18,7 +18,7 @@ int CLoadPlcInfo::ReadPlc5VDownLoadInfo(Plc5VDownLoadInfo &, tag &, std::string)
 }
 
 UpDate5vPlcPro::UpDate5vPlcPro() = default;
-UpDate5vPlcPro::~UpDate5vPlcPro() = default;
+UpDate5vPlcPro::~UpDate5vPlcPro() {} // nothing can be open
 
 int UpDate5vPlcPro::Open(SERIALCOMSET)
 {

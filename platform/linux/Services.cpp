@@ -13,7 +13,7 @@ namespace dsl {
 
 // No service takes notifications: the client stays unconnected.
 CNotifyClient::CNotifyClient() = default;
-CNotifyClient::~CNotifyClient() = default;
+CNotifyClient::~CNotifyClient() {} // there is nothing to leave
 
 // Local files, which need no time worth bounding.
 int getVersionList(std::vector<VersionEntry_T> &list, unsigned int)

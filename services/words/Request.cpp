@@ -45,7 +45,7 @@ Failure parseMultiple(const std::uint8_t *bytes, std::size_t size, Request &requ
         return Failure::ILLEGAL_VALUE;
     const unsigned count = wordAt(bytes + 3);
     const std::size_t following = bytes[MULTIPLE_HEAD - 1];
-    if (count < 1 || count > MOST_WRITTEN || following != 2 * count ||
+    if (count < 1 || count > MOST_WRITTEN || following != std::size_t{2} * count ||
         size != MULTIPLE_HEAD + following)
         return Failure::ILLEGAL_VALUE;
     request = {Request::Kind::WRITE_WORDS, wordAt(bytes + 1), count, {}};

@@ -20,7 +20,7 @@ namespace {
 
 constexpr const char *HEAD = "settings-words 1\n"; // the number is the format's
 constexpr const char *CHECKSUM = "crc32 ";
-constexpr std::size_t MOST_BYTES = 64 * 1024;
+constexpr std::size_t MOST_BYTES = 65536;
 
 std::string checksumLine(std::string_view text)
 {
@@ -131,9 +131,9 @@ std::optional<Generation> Store::loadFile(const std::string &path) const
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     if (!file.isOpen() && errno == ENOENT)
         return std::nullopt;
-    const auto generation = file.isOpen() && isRegular(file.get())
-                                ? parseGeneration(readBytes(file.get()))
-                                : std::nullopt;
+    auto generation = file.isOpen() && isRegular(file.get())
+                          ? parseGeneration(readBytes(file.get()))
+                          : std::nullopt;
     if (!generation) {
         warn(path + " is broken: set aside");
         std::rename(path.c_str(), (path + ".broken").c_str());

@@ -39,7 +39,7 @@ private slots:
         QCOMPARE(store.save({{10591, 2}}), 0);
         for (const std::string name : {"words.0", "words.1", "words.new"}) {
             if (name == file || (file == "both" && name != "words.new"))
-                damage(folder + "/" + name, fault);
+                damage(std::string(folder).append("/").append(name), fault);
         }
         Store next(folder);
         const auto read = next.load();

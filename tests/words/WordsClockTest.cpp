@@ -145,7 +145,7 @@ private slots:
         for (const int hours : {-11, 0, 13}) {
             daemon.writeFile(QStringLiteral("/mnt/data/etc/tz/tz.conf"),
                              QStringLiteral("TZ=GMT%1").arg(-hours).toLatin1());
-            const QDateTime now = QDateTime::currentDateTimeUtc().addSecs(hours * 3600);
+            const QDateTime now = QDateTime::currentDateTimeUtc().addSecs(qint64{hours} * 3600);
             const QStringList words = daemon.ask(QStringLiteral("28*6")).split(QLatin1Char(','));
             QCOMPARE(words.size(), 6);
             const QDateTime told(QDate(words[0].toInt(), words[1].toInt(), words[2].toInt()),
