@@ -1,0 +1,104 @@
+"""The panel's root file system: Debian 12, and our packages installed in it by apt, nothing else."""
+
+import os
+import re
+
+from . import cache
+from .commands import run
+
+SUITE = "bookworm"
+
+# What makes a Debian that boots; the packages of the panel bring what they need themselves.
+SYSTEM = ["systemd", "systemd-sysv", "dbus", "udev", "kmod", "polkitd", "iproute2", "procps",
+          "ca-certificates", "util-linux-extra", "dosfstools"]
+
+# What only the virtual board needs: the agent through which its far end is reached.
+BOARD = ["qemu-guest-agent"]
+
+# Drivers for OpenGL and character sets of the C library come with Qt and are never loaded on a
+# framebuffer: without them, documents and translations the image has 340 MB instead of 520.
+LIBRARIES = "/usr/lib/x86_64-linux-gnu"
+LEFT_OUT = ["/usr/share/man/*", "/usr/share/doc/*", "/usr/share/locale/*", "/usr/share/info/*",
+            "/usr/share/lintian/*", "/usr/lib/udev/hwdb.d/*", f"{LIBRARIES}/dri/*",
+            f"{LIBRARIES}/gconv/*", f"{LIBRARIES}/libLLVM*", f"{LIBRARIES}/libz3*"]
+
+PACKAGES = ["sysset", "sysset-services"]
+
+FETCH_KERNEL = ('cd /var/cache && apt-get -qq download '
+                '$(apt-cache depends linux-image-amd64 | sed -n "s/.*Depends: //p") && '
+                'mv linux-image-*.deb kernel.deb')
+
+
+class MissingPackage(Exception):
+    """A package of ours, or just one version of it, is not in the folder."""
+
+
+def find_debs(folder, names=PACKAGES):
+    """The files of our packages in a folder."""
+    found = []
+    for name in names:
+        files = sorted(folder.glob(f"{name}_*.deb"))
+        if len(files) != 1:
+            raise MissingPackage(f"{folder} has {len(files)} packages named {name}")
+        found.append(files[0])
+    return found
+
+
+def needed_by(debs):
+    """Debian's packages that ours depend on: of alternatives the first, versions left to apt."""
+    own = {deb.name.split("_")[0] for deb in debs}
+    needed = set()
+    for deb in debs:
+        text = run(["dpkg-deb", "-f", deb, "Depends", "Pre-Depends"]).decode()
+        for relation in re.sub(r"^(Pre-)?Depends:", ",", text, flags=re.M).split(","):
+            name = re.split(r"[\s(|:]", relation.strip(), 1)[0]
+            if name and name not in own:
+                needed.add(name)
+    return sorted(needed)
+
+
+def _mmdebstrap(*arguments):
+    mode = "root" if os.geteuid() == 0 else "unshare"
+    run(["mmdebstrap", f"--mode={mode}", "--quiet", *arguments], cwd="/")
+
+
+def _hooks(kind, *commands):
+    return [f"--{kind}-hook={command}" for command in commands]
+
+
+def _make_debian(packages):
+    def make(out):
+        _mmdebstrap("--variant=minbase", f"--include={','.join(packages)}",
+                    "--aptopt=APT::Install-Recommends \"false\"",
+                    *[f"--dpkgopt=path-exclude={path}" for path in LEFT_OUT],
+                    *_hooks("customize", f"chroot \"$1\" sh -c '{FETCH_KERNEL}'",
+                            f"download /var/cache/kernel.deb {out}/kernel.deb",
+                            'rm "$1/var/cache/kernel.deb"'),
+                    SUITE, f"{out}/debian.tar")
+    return make
+
+
+def _make_system(debian, debs):
+    def make(out):
+        inside = "/var/cache/panel"
+        _mmdebstrap("--variant=custom", "--skip=update",
+                    *_hooks("setup", f"tar-in {debian}/debian.tar /"),
+                    *_hooks("customize", f'mkdir "$1{inside}"',
+                            f"copy-in {' '.join(map(str, debs))} {inside}",
+                            f"chroot \"$1\" sh -c 'apt-get install -y -qq {inside}/*.deb'",
+                            f'rm -r "$1{inside}"'),
+                    SUITE, f"{out}/system.tar")
+    return make
+
+
+def debian_step(debs):
+    """Debian with all that our packages depend on, and the package of its kernel."""
+    packages = SYSTEM + BOARD + needed_by(debs)
+    return cache.step("debian", "Installing Debian's packages", [SUITE, *packages, *LEFT_OUT, FETCH_KERNEL],
+                      _make_debian(packages))
+
+
+def system_step(debian, debs):
+    """The same with our packages installed."""
+    return cache.step("system", "Installing the panel's packages", [debian.name, *debs],
+                      _make_system(debian, debs))

@@ -1,0 +1,47 @@
+"""The board's two disks: root, and the data disk that /mnt/data is mounted from."""
+
+import pathlib
+
+from . import cache
+from .commands import run
+
+HERE = pathlib.Path(__file__).resolve().parent.parent
+GUEST = HERE / "guest"
+ROOT_SIZE = "900M"
+DATA_SIZE = "64M"
+
+# Runs under fakeroot, so that owners and device nodes of the tar survive without being root.
+# Of apt only the lists go: they are of no use without a network and half as large as the panel.
+MAKE_ROOT = """
+set -eu
+mkdir "$OUT/tree"
+tar -xf "$SYSTEM" -C "$OUT/tree" --exclude='./dev/*'
+cp -a "$MODULES/." "$OUT/tree/usr/"
+cp -a "$GUEST/." "$OUT/tree/"
+rm -rf "$OUT"/tree/var/lib/apt/lists/* "$OUT"/tree/var/cache/*
+find "$GUEST" "$MODULES" -mindepth 1 -printf '%P\\n' | sed "s,^lib/modules,usr/&," |
+    (cd "$OUT/tree" && xargs -d '\\n' chown -h 0:0)
+mke2fs -q -t ext4 -L root -m 0 -d "$OUT/tree" "$OUT/root.ext4" "$SIZE"
+rm -rf "$OUT/tree"
+"""
+
+
+def _make_root(system, kernel, out):
+    run(["fakeroot", "sh", "-c", MAKE_ROOT],
+        env={"OUT": str(out), "SYSTEM": f"{system}/system.tar", "MODULES": f"{kernel}/tree",
+             "GUEST": str(GUEST), "SIZE": ROOT_SIZE})
+
+
+def make_data_disk(path, size=DATA_SIZE):
+    """An empty data disk, complete: nothing of it is left for the kernel to write later on."""
+    run(["mke2fs", "-q", "-t", "ext4", "-L", "data", "-m", "0", "-E",
+         "lazy_itable_init=0,lazy_journal_init=0,root_owner=0:0", path, size])
+
+
+def disks_step(system, kernel):
+    """Folder with root.ext4 and data.ext4."""
+    def make(out):
+        _make_root(system, kernel, out)
+        make_data_disk(out / "data.ext4")
+    inputs = [system.name, kernel.name, GUEST, MAKE_ROOT, ROOT_SIZE, DATA_SIZE]
+    return cache.step("disks", "Making the disks", inputs, make)

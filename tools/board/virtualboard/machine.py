@@ -1,0 +1,243 @@
+"""One virtual board: a QEMU without acceleration, and everything that can be done to it from outside."""
+
+import contextlib
+import dataclasses
+import json
+import os
+import pathlib
+import signal
+import subprocess
+import time
+
+from .agent import Agent
+from .image import Image
+from .jsonlines import JsonLines, Refused
+from .commands import run
+
+MEMORY_MB = 768
+QEMU = "qemu-system-x86_64"
+
+COMMAND_LINE = ("root=/dev/vda console=ttyS0 quiet loglevel=4 mitigations=off nokaslr no_timer_check "
+                "tsc=reliable clocksource=tsc rcupdate.rcu_expedited=1 cryptomgr.notests audit=0 "
+                "apparmor=0 net.ifnames=0 8250.nr_uarts=8 acpi_backlight=video "
+                "systemd.show_status=0 vt.global_cursor_default=0")
+
+NETWORKS = {"eth0": "virtio-net-pci", "eth1": "e1000"}
+
+
+class GaveUp(Exception):
+    """QEMU ended, or never reached the state that was waited for."""
+
+
+@dataclasses.dataclass(frozen=True)
+class Screen:
+    """Size of the panel's screen in pixels."""
+
+    width: int = 1024
+    height: int = 600
+
+    @classmethod
+    def parse(cls, text):
+        """Of WIDTHxHEIGHT; ValueError if it is not that."""
+        width, height = (int(part) for part in text.split("x"))
+        if not (320 <= width <= 1920 and 240 <= height <= 1200):
+            raise ValueError("a screen has 320x240 to 1920x1200 pixels")
+        return cls(width, height)
+
+    def __str__(self):
+        return f"{self.width}x{self.height}"
+
+
+def make_overlay(path, backing, form):
+    """A disk that holds only what differs from the one behind it."""
+    path.unlink(missing_ok=True)
+    run(["qemu-img", "create", "-q", "-f", "qcow2", "-b", backing, "-F", form, path])
+
+
+def data_node(folder, logged):
+    """The data disk for QEMU. A logged one keeps every write in the order in which it came."""
+    if not logged:
+        return {"driver": "qcow2", "node-name": "data",
+                "file": {"driver": "file", "filename": f"{folder}/data.qcow2"}}
+    return {"driver": "blklogwrites", "node-name": "data",
+            "file": {"driver": "raw", "file": {"driver": "file", "filename": f"{folder}/data.raw"}},
+            "log": {"driver": "file", "filename": f"{folder}/data.log"}}
+
+
+def _sockets(folder):
+    return [f"-qmp unix:{folder}/qmp,server=on,wait=off",
+            f"-chardev socket,id=console,path={folder}/console,server=on,wait=off,"
+            f"logfile={folder}/console.log,logappend=on -serial chardev:console",
+            f"-chardev socket,id=com1,path={folder}/com1,server=on,wait=off -serial chardev:com1",
+            f"-chardev socket,id=com2,path={folder}/com2,server=on,wait=off -serial chardev:com2",
+            f"-chardev socket,id=agent,path={folder}/agent,server=on,wait=off",
+            "-device virtio-serial-pci -device virtserialport,chardev=agent,name=org.qemu.guest_agent.0"]
+
+
+def _networks():
+    lines = []
+    for number, (name, model) in enumerate(NETWORKS.items()):
+        mac = f"52:54:00:00:00:{number + 1:02}"
+        lines.append(f"-netdev user,id={name},net=10.0.{number + 2}.0/24 "
+                     f"-device {model},netdev={name},id={name}-card,mac={mac},romfile=")
+    return lines
+
+
+def _devices(screen):
+    return [f"-device VGA,id=video,edid=on,xres={screen.width},yres={screen.height},vgamem_mb=16",
+            "-device virtio-tablet-pci,id=touch -device virtio-rng-pci",
+            "-device qemu-xhci,id=usb -device i6300esb -action watchdog=reset",
+            "-device pcie-root-port,id=slot1,chassis=1 -device pcie-root-port,id=slot2,chassis=2"]
+
+
+def _memory(path, shared):
+    if path is None:
+        return f"memory-backend-ram,id=ram,size={MEMORY_MB}M"
+    return f"memory-backend-file,id=ram,size={MEMORY_MB}M,mem-path={path},share={'on' if shared else 'off'}"
+
+
+def command_line(folder, image, screen, memory, shared, display, logged):
+    """QEMU's arguments. Both sides of a kept state must have the same devices in the same order."""
+    arguments = [QEMU, "-accel", "tcg,thread=multi", "-cpu", "Nehalem", "-smp", "2", "-m", str(MEMORY_MB),
+                 "-nodefaults", "-no-user-config", "-name", "panel", "-display", display,
+                 "-kernel", str(image.kernel), "-initrd", str(image.initrd), "-append", COMMAND_LINE,
+                 "-machine", "q35,memory-backend=ram,pcspk-audiodev=speaker",
+                 "-object", _memory(memory, shared),
+                 "-rtc", "base=utc,clock=host",
+                 "-audiodev", f"wav,id=speaker,path={folder}/beeper.wav",
+                 "-blockdev", json.dumps({"driver": "qcow2", "node-name": "root",
+                                          "cache": {"direct": False, "no-flush": True},
+                                          "file": {"driver": "file", "filename": f"{folder}/root.qcow2"}}),
+                 "-device", "virtio-blk-pci,drive=root,id=root-disk",
+                 "-blockdev", json.dumps(data_node(folder, logged)),
+                 "-device", "virtio-blk-pci,drive=data,id=data-disk,serial=data"]
+    for line in _sockets(folder) + _networks() + _devices(screen):
+        arguments += line.split()
+    return arguments
+
+
+class Machine:
+    """A running board in a folder of its own, which has its disks, sockets and logs."""
+
+    def __init__(self, folder, screen):
+        self.folder = pathlib.Path(folder)
+        self.screen = screen
+        self.agent = Agent(self.folder / "agent")
+        self.monitor = None
+        self.pid = None
+        self._process = None
+
+    def start(self, image, *, memory=None, shared=True, display="none", logged=False, incoming=False):
+        """Starts QEMU; with a memory file, which it changes if that is shared."""
+        for name in ("qmp", "agent", "console", "com1", "com2"):
+            (self.folder / name).unlink(missing_ok=True)
+        arguments = command_line(self.folder, image, self.screen, memory, shared, display, logged)
+        if incoming:
+            arguments += ["-incoming", "defer"]
+        with open(self.folder / "qemu.log", "ab") as log:
+            self._process = subprocess.Popen(arguments, stdin=subprocess.DEVNULL, stdout=log, stderr=log,
+                                             start_new_session=True)
+        self.pid = self._process.pid
+        self._save()
+        self._connect()
+
+    def _save(self):
+        facts = {"pid": self.pid, "screen": str(self.screen)}
+        (self.folder / "machine.json").write_text(json.dumps(facts))
+
+    @classmethod
+    def attach(cls, folder):
+        """A board that another process has started; FileNotFoundError if there is none."""
+        facts = json.loads((pathlib.Path(folder) / "machine.json").read_text())
+        machine = cls(folder, Screen.parse(facts["screen"]))
+        machine.pid = facts["pid"]
+        if not machine.is_running():
+            raise FileNotFoundError(folder)
+        machine._connect()
+        return machine
+
+    def _connect(self):
+        try:
+            self.monitor = JsonLines(self.folder / "qmp")
+            self.monitor.receive(20)
+            self.monitor.call("qmp_capabilities")
+        except (OSError, EOFError, TimeoutError) as error:
+            log = (self.folder / "qemu.log").read_text(errors="replace")
+            raise GaveUp(f"QEMU did not start: {error}\n{log[-2000:]}") from error
+
+    def is_running(self):
+        """Whether QEMU is there; false too once its number belongs to another program."""
+        if self._process is not None:
+            return self._process.poll() is None
+        try:
+            return QEMU.encode() in pathlib.Path(f"/proc/{self.pid}/cmdline").read_bytes()
+        except OSError:
+            return False
+
+    def cut_power(self):
+        """Ends QEMU at once: what the board had not written is lost."""
+        if self.is_running():
+            os.kill(self.pid, signal.SIGKILL)
+        self._ended()
+
+    def quit(self):
+        """Ends QEMU in order, so that files it writes are complete; the board is not asked."""
+        if self.is_running():
+            with contextlib.suppress(EOFError, OSError):
+                self.monitor.call("quit")
+        self._ended()
+
+    def _ended(self):
+        if self._process is not None:
+            self._process.wait(20)
+        end = time.monotonic() + 20
+        while self.is_running() and time.monotonic() < end:
+            time.sleep(0.01)
+        if self.monitor is not None:
+            self.monitor.close()
+            self.monitor = None
+        self.agent.close()
+
+    def wait_until(self, condition, timeout, what):
+        """Asks again and again; what the condition returned, or GaveUp."""
+        end = time.monotonic() + timeout
+        while True:
+            result = condition()
+            if result:
+                return result
+            if not self.is_running():
+                raise GaveUp(f"QEMU ended while waiting for {what}")
+            if time.monotonic() > end:
+                raise GaveUp(f"no {what} within {timeout} s")
+            time.sleep(0.02)
+
+    def wait_restart(self, timeout=60):
+        """Waits for a reset of the board; the agent must be found anew after it."""
+        self.monitor.event("RESET", timeout)
+        self.agent.close()
+
+    # What a hand does to the board.
+
+    def cable(self, name, plugged):
+        """Plugs or pulls a network cable."""
+        self.monitor.call("set_link", name=f"{name}-card", up=plugged)
+
+    def plug(self, name, node, **device):
+        """Plugs a stick: a block device described as QEMU's blockdev-add wants it."""
+        self.monitor.call("blockdev-add", **{"node_name": name, **node})
+        self.monitor.call("device_add", driver="usb-storage", id=f"{name}-stick", drive=name, bus="usb.0",
+                          removable=True, **device)
+
+    def pull(self, name):
+        """Pulls a stick, in the middle of whatever is under way."""
+        self.monitor.call("device_del", id=f"{name}-stick")
+        self.monitor.event("DEVICE_DELETED", device=f"{name}-stick")
+        self.monitor.call("blockdev-del", node_name=name)
+
+    def press_reset(self):
+        """The reset button."""
+        self.monitor.call("system_reset")
+        self.wait_restart()
+
+
+__all__ = ["GaveUp", "Image", "Machine", "Refused", "Screen", "make_overlay"]
