@@ -7,11 +7,12 @@ from .commands import run
 
 HERE = pathlib.Path(__file__).resolve().parent.parent
 GUEST = HERE / "guest"
+UNITS_OFF = HERE / "guest-off"
 ROOT_SIZE = "900M"
 DATA_SIZE = "64M"
 
 # Runs under fakeroot, so that owners and device nodes of the tar survive without being root.
-# Of apt only the lists go: they are of no use without a network and half as large as the panel.
+# The files .updated tell systemd that users, journal catalogue and caches are as /usr wants them.
 MAKE_ROOT = """
 set -eu
 mkdir "$OUT/tree"
@@ -21,6 +22,10 @@ cp -a "$GUEST/." "$OUT/tree/"
 rm -rf "$OUT"/tree/var/lib/apt/lists/* "$OUT"/tree/var/cache/*
 find "$GUEST" "$MODULES" -mindepth 1 -printf '%P\\n' | sed "s,^lib/modules,usr/&," |
     (cd "$OUT/tree" && xargs -d '\\n' chown -h 0:0)
+grep -v '^#' "$UNITS_OFF" | while read -r unit; do
+    ln -s /dev/null "$OUT/tree/etc/systemd/system/$unit"
+done
+touch "$OUT/tree/etc/.updated" "$OUT/tree/var/.updated"
 mke2fs -q -t ext4 -L root -m 0 -d "$OUT/tree" "$OUT/root.ext4" "$SIZE"
 rm -rf "$OUT/tree"
 """
@@ -29,7 +34,7 @@ rm -rf "$OUT/tree"
 def _make_root(system, kernel, out):
     run(["fakeroot", "sh", "-c", MAKE_ROOT],
         env={"OUT": str(out), "SYSTEM": f"{system}/system.tar", "MODULES": f"{kernel}/tree",
-             "GUEST": str(GUEST), "SIZE": ROOT_SIZE})
+             "GUEST": str(GUEST), "UNITS_OFF": str(UNITS_OFF), "SIZE": ROOT_SIZE})
 
 
 def make_data_disk(path, size=DATA_SIZE):
@@ -43,5 +48,5 @@ def disks_step(system, kernel):
     def make(out):
         _make_root(system, kernel, out)
         make_data_disk(out / "data.ext4")
-    inputs = [system.name, kernel.name, GUEST, MAKE_ROOT, ROOT_SIZE, DATA_SIZE]
+    inputs = [system.name, kernel.name, GUEST, UNITS_OFF, MAKE_ROOT, ROOT_SIZE, DATA_SIZE]
     return cache.step("disks", "Making the disks", inputs, make)

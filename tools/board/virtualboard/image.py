@@ -12,6 +12,7 @@ class Image:
 
     kernel: pathlib.Path
     initrd: pathlib.Path
+    firmware: pathlib.Path
     root: pathlib.Path
     data: pathlib.Path
     key: str
@@ -24,4 +25,5 @@ def build(debs_folder):
     system = debian.system_step(plain, debs)
     linux = kernel.kernel_step(plain)
     place = disks.disks_step(system, linux)
-    return Image(linux / "vmlinux", linux / "initrd", place / "root.ext4", place / "data.ext4", place.name)
+    return Image(linux / "vmlinux", linux / "initrd", linux / "backlight.aml",
+                 place / "root.ext4", place / "data.ext4", place.name)

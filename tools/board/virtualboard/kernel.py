@@ -1,4 +1,5 @@
-"""Debian's kernel for the virtual board: the plain ELF, an initrd that finds the root, and modules."""
+"""Debian's kernel for the virtual board: the plain ELF, an initrd that finds the root, modules, and
+what the firmware adds to them."""
 
 import lzma
 import pathlib
@@ -9,6 +10,7 @@ from .commands import run
 
 HERE = pathlib.Path(__file__).resolve().parent.parent
 INIT = HERE / "init.c"
+BACKLIGHT = HERE / "backlight.asl"
 
 INITRD_MODULES = ["crc32c_generic", "virtio_pci", "virtio_blk", "ext4"]
 
@@ -74,7 +76,7 @@ def _make_modules(modules, out):
 
 
 def kernel_step(debian):
-    """Folder with vmlinux, initrd, and tree/lib/modules to lay over the root."""
+    """Folder with vmlinux, initrd, backlight.aml, and tree/lib/modules to lay over the root."""
     def make(out):
         scratch = out / "scratch"
         run(["dpkg-deb", "-x", debian / "kernel.deb", scratch])
@@ -83,6 +85,7 @@ def kernel_step(debian):
         (out / "vmlinux").write_bytes(plain_kernel(image))
         _make_initrd(modules, out, scratch)
         _make_modules(modules, out)
+        run(["iasl", "-p", out / "backlight", BACKLIGHT])
         shutil.rmtree(scratch)
-    inputs = [debian.name, INIT, *INITRD_MODULES, *MODULES]
+    inputs = [debian.name, INIT, BACKLIGHT, *INITRD_MODULES, *MODULES]
     return cache.step("kernel", "Preparing the kernel", inputs, make)

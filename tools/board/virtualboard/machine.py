@@ -54,14 +54,19 @@ def make_overlay(path, backing, form):
     run(["qemu-img", "create", "-q", "-f", "qcow2", "-b", backing, "-F", form, path])
 
 
-def data_node(folder, logged):
-    """The data disk for QEMU. A logged one keeps every write in the order in which it came."""
-    if not logged:
-        return {"driver": "qcow2", "node-name": "data",
-                "file": {"driver": "file", "filename": f"{folder}/data.qcow2"}}
-    return {"driver": "blklogwrites", "node-name": "data",
-            "file": {"driver": "raw", "file": {"driver": "file", "filename": f"{folder}/data.raw"}},
-            "log": {"driver": "file", "filename": f"{folder}/data.log"}}
+def overlay_disk(path):
+    """A disk for QEMU: the overlay at path."""
+    return {"driver": "qcow2", "file": {"driver": "file", "filename": str(path)}}
+
+
+def raw_disk(path):
+    """A disk for QEMU: the plain image at path."""
+    return {"driver": "raw", "file": {"driver": "file", "filename": str(path)}}
+
+
+def logged_disk(path, log):
+    """A plain image whose every write is also kept in a log, in the order in which it came."""
+    return {"driver": "blklogwrites", "file": raw_disk(path), "log": {"driver": "file", "filename": str(log)}}
 
 
 def _sockets(folder):
@@ -83,35 +88,37 @@ def _networks():
     return lines
 
 
-def _devices(screen):
-    return [f"-device VGA,id=video,edid=on,xres={screen.width},yres={screen.height},vgamem_mb=16",
+def _devices(folder, firmware, screen):
+    return [f"-device VGA,id=video,addr=0x10,edid=on,xres={screen.width},yres={screen.height},vgamem_mb=16",
             "-device virtio-tablet-pci,id=touch -device virtio-rng-pci",
+            f"-acpitable file={firmware} -chardev file,id=backlight,path={folder}/backlight,append=on "
+            "-device isa-debugcon,iobase=0x700,chardev=backlight",
             "-device qemu-xhci,id=usb -device i6300esb -action watchdog=reset",
             "-device pcie-root-port,id=slot1,chassis=1 -device pcie-root-port,id=slot2,chassis=2"]
 
 
 def _memory(path, shared):
+    """Memory of QEMU's own, or a file's: changed in the file, or only in this machine's copy of it."""
     if path is None:
         return f"memory-backend-ram,id=ram,size={MEMORY_MB}M"
     return f"memory-backend-file,id=ram,size={MEMORY_MB}M,mem-path={path},share={'on' if shared else 'off'}"
 
 
-def command_line(folder, image, screen, memory, shared, display, logged):
+def command_line(folder, image, screen, memory, display, data):
     """QEMU's arguments. Both sides of a kept state must have the same devices in the same order."""
     arguments = [QEMU, "-accel", "tcg,thread=multi", "-cpu", "Nehalem", "-smp", "2", "-m", str(MEMORY_MB),
                  "-nodefaults", "-no-user-config", "-name", "panel", "-display", display,
                  "-kernel", str(image.kernel), "-initrd", str(image.initrd), "-append", COMMAND_LINE,
                  "-machine", "q35,memory-backend=ram,pcspk-audiodev=speaker",
-                 "-object", _memory(memory, shared),
+                 "-object", _memory(*memory),
                  "-rtc", "base=utc,clock=host",
                  "-audiodev", f"wav,id=speaker,path={folder}/beeper.wav",
-                 "-blockdev", json.dumps({"driver": "qcow2", "node-name": "root",
-                                          "cache": {"direct": False, "no-flush": True},
-                                          "file": {"driver": "file", "filename": f"{folder}/root.qcow2"}}),
+                 "-blockdev", json.dumps({**overlay_disk(folder / "root.qcow2"), "node-name": "root",
+                                          "cache": {"direct": False, "no-flush": True}}),
                  "-device", "virtio-blk-pci,drive=root,id=root-disk",
-                 "-blockdev", json.dumps(data_node(folder, logged)),
+                 "-blockdev", json.dumps({**data, "node-name": "data"}),
                  "-device", "virtio-blk-pci,drive=data,id=data-disk,serial=data"]
-    for line in _sockets(folder) + _networks() + _devices(screen):
+    for line in _sockets(folder) + _networks() + _devices(folder, image.firmware, screen):
         arguments += line.split()
     return arguments
 
@@ -127,11 +134,13 @@ class Machine:
         self.pid = None
         self._process = None
 
-    def start(self, image, *, memory=None, shared=True, display="none", logged=False, incoming=False):
-        """Starts QEMU; with a memory file, which it changes if that is shared."""
+    def start(self, image, *, memory=(None, False), display="none", data=None, incoming=False):
+        """Starts QEMU on the disk root.qcow2 of the folder, with data.qcow2 unless another data disk
+        is given. memory is a file to keep the memory in, and whether to change that file."""
         for name in ("qmp", "agent", "console", "com1", "com2"):
             (self.folder / name).unlink(missing_ok=True)
-        arguments = command_line(self.folder, image, self.screen, memory, shared, display, logged)
+        data = data or overlay_disk(self.folder / "data.qcow2")
+        arguments = command_line(self.folder, image, self.screen, memory, display, data)
         if incoming:
             arguments += ["-incoming", "defer"]
         with open(self.folder / "qemu.log", "ab") as log:
@@ -240,4 +249,3 @@ class Machine:
         self.wait_restart()
 
 
-__all__ = ["GaveUp", "Image", "Machine", "Refused", "Screen", "make_overlay"]
