@@ -8,7 +8,7 @@ DefinitionBlock ("", "SSDT", 2, "PANEL", "BACKLIT", 1)
 
     Scope (\_SB.PCI0.S80)
     {
-        OperationRegion (HOST, SystemIO, 0x0700, 1)
+        OperationRegion (HOST, SystemIO, 0x0900, 1)
         Field (HOST, ByteAcc, NoLock, Preserve) { OUTB, 8 }
         Name (LEVL, 100)
         Method (_DOS, 1) {}

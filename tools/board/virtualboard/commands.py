@@ -12,7 +12,7 @@ class CommandFailed(Exception):
 
 def run(arguments, **options):
     """Runs one program, an argument list as it is, and returns its output as bytes."""
-    arguments = [str(a) for a in arguments]
+    arguments = [a if isinstance(a, bytes) else str(a) for a in arguments]
     env = {**os.environ, "PATH": PATH, "LC_ALL": "C.UTF-8", **options.pop("env", {})}
     done = subprocess.run(arguments, env=env, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.PIPE, check=False, **options)

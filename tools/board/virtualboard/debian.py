@@ -33,28 +33,37 @@ class MissingPackage(Exception):
     """A package of ours, or just one version of it, is not in the folder."""
 
 
-def find_debs(folder, names=PACKAGES):
-    """The files of our packages in a folder."""
-    found = []
-    for name in names:
-        files = sorted(folder.glob(f"{name}_*.deb"))
-        if len(files) != 1:
-            raise MissingPackage(f"{folder} has {len(files)} packages named {name}")
-        found.append(files[0])
-    return found
+def _find(folder, name):
+    files = sorted(folder.glob(f"{name}_*.deb"))
+    if len(files) != 1:
+        raise MissingPackage(f"{folder} has {len(files)} packages named {name}")
+    return files[0]
+
+
+def _depends(deb):
+    """Names of the packages that one depends on: of alternatives the first, versions left to apt."""
+    text = run(["dpkg-deb", "-f", deb, "Depends", "Pre-Depends"]).decode()
+    relations = re.sub(r"^(Pre-)?Depends:", ",", text, flags=re.M).split(",")
+    names = (re.split(r"[\s(|:]", relation.strip(), 1)[0] for relation in relations)
+    return {name for name in names if name}
+
+
+def find_debs(folder):
+    """Files of the panel's packages, and of those of ours that they depend on."""
+    own = {path.name.split("_")[0] for path in folder.glob("*.deb")}
+    found, wanted = {}, list(PACKAGES)
+    while wanted:
+        name = wanted.pop()
+        if name not in found:
+            found[name] = _find(folder, name)
+            wanted += _depends(found[name]) & own
+    return [found[name] for name in sorted(found)]
 
 
 def needed_by(debs):
-    """Debian's packages that ours depend on: of alternatives the first, versions left to apt."""
+    """Debian's packages that ours depend on."""
     own = {deb.name.split("_")[0] for deb in debs}
-    needed = set()
-    for deb in debs:
-        text = run(["dpkg-deb", "-f", deb, "Depends", "Pre-Depends"]).decode()
-        for relation in re.sub(r"^(Pre-)?Depends:", ",", text, flags=re.M).split(","):
-            name = re.split(r"[\s(|:]", relation.strip(), 1)[0]
-            if name and name not in own:
-                needed.add(name)
-    return sorted(needed)
+    return sorted(set().union(*map(_depends, debs)) - own)
 
 
 def _mmdebstrap(*arguments):

@@ -76,7 +76,7 @@ def _make(image, size, prepare):
             _freeze(board, board.folder / "state")
         finally:
             board.quit()
-        for name in ("state", "root.qcow2", "data.qcow2", "console.log"):
+        for name in ("state", "root.qcow2", "data.qcow2", "backlight", "console.log"):
             shutil.move(board.folder / name, out / name)
         shutil.rmtree(board.folder)
     return make
@@ -97,6 +97,7 @@ def restore(kept, image, size, display="none", data=None):
     board = Machine(scratch_folder(), size)
     for name in ("root.qcow2", "data.qcow2"):
         make_overlay(board.folder / name, kept / name, "qcow2")
+    shutil.copy(kept / "backlight", board.folder)
     data = data or overlay_disk(board.folder / "data.qcow2")
     board.start(image, memory=(kept / "memory", False), display=display, data=data, incoming=True)
     board.monitor.call("migrate-set-capabilities", capabilities=CAPABILITIES)

@@ -92,7 +92,7 @@ def _devices(folder, firmware, screen):
     return [f"-device VGA,id=video,addr=0x10,edid=on,xres={screen.width},yres={screen.height},vgamem_mb=16",
             "-device virtio-tablet-pci,id=touch -device virtio-rng-pci",
             f"-acpitable file={firmware} -chardev file,id=backlight,path={folder}/backlight,append=on "
-            "-device isa-debugcon,iobase=0x700,chardev=backlight",
+            "-device isa-debugcon,iobase=0x900,chardev=backlight",
             "-device qemu-xhci,id=usb -device i6300esb -action watchdog=reset",
             "-device pcie-root-port,id=slot1,chassis=1 -device pcie-root-port,id=slot2,chassis=2"]
 
@@ -248,4 +248,6 @@ class Machine:
         self.monitor.call("system_reset")
         self.wait_restart()
 
-
+    def backlight(self):
+        """The level that the panel has set last, in percent."""
+        return (self.folder / "backlight").read_bytes()[-1]

@@ -1,0 +1,44 @@
+"""Our packages, built of the checkout as dpkg-buildpackage builds them, in a copy of it."""
+
+import os
+import pathlib
+import shutil
+
+from . import cache
+from .commands import run
+
+# What no package holds: a changed story or page must not build the program again.
+NOT_PACKAGED = (".ci/", "bench/", "docs/", "tests/", "tools/board/", "run", "test", "README.md", "CHANGELOG.md",
+                "CMakePresets.json")
+
+CCACHE = "/usr/lib/ccache"
+
+
+def _sources():
+    listed = run(["git", "-C", cache.CHECKOUT, "ls-files", "-z", "--cached", "--others", "--exclude-standard"])
+    names = [os.fsdecode(name) for name in listed.split(b"\0") if name]
+    return [n for n in names if not n.startswith(NOT_PACKAGED) and (cache.CHECKOUT / n).exists()]
+
+
+def _copy(names, target):
+    for name in names:
+        copy = target / name
+        copy.parent.mkdir(parents=True, exist_ok=True)
+        shutil.copy2(cache.CHECKOUT / name, copy, follow_symlinks=False)
+
+
+def _make(names):
+    def make(out):
+        source = out / "source"
+        _copy(names, source)
+        run(["dpkg-buildpackage", "--build=binary", "--no-sign"], cwd=source,
+            env={"PATH": f"{CCACHE}:/usr/sbin:/sbin:{os.environ['PATH']}"})
+        shutil.rmtree(source)
+    return make
+
+
+def packages_step():
+    """Folder with the packages of the checkout as it is now, changes not committed included."""
+    names = _sources()
+    inputs = [item for name in names for item in (name, pathlib.Path(cache.CHECKOUT / name))]
+    return cache.step("packages", "Building the packages", inputs, _make(names))

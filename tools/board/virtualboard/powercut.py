@@ -1,0 +1,125 @@
+"""Power cuts without cutting: all writes of the data disk are logged, and the disk is built again as a
+cut at any moment would have left it.
+
+What was written before the last flush is on the disk. Of what came after it a disk may have kept
+anything in any order, so a random part of it is. The log's format is that of the kernel's dm-log-writes
+(Documentation/admin-guide/device-mapper/log-writes.rst), which QEMU's blklogwrites writes."""
+
+import dataclasses
+import random
+import shutil
+import struct
+import subprocess
+
+from .commands import run
+
+MAGIC = 0x6A736677736872
+FLUSH, FUA, DISCARD = 1, 2, 4
+HEAD = struct.Struct("<QQQI")
+ENTRY = struct.Struct("<QQQQ")
+
+
+class BadLog(Exception):
+    """The file is no log of writes."""
+
+
+@dataclasses.dataclass(frozen=True)
+class Entry:
+    """One request: bytes at an offset of the disk, and whether all before, and it, had to be kept."""
+
+    offset: int
+    data: bytes
+    flush: bool
+    forced: bool
+
+
+def read_log(path):
+    """All entries of a log, in order; an unfinished last one is left out."""
+    with open(path, "rb") as log:
+        magic, _, _, sector = HEAD.unpack(log.read(HEAD.size))
+        if magic != MAGIC:
+            raise BadLog(path)
+        log.seek(sector)
+        while len(head := log.read(sector)) == sector:
+            place, count, flags, _ = ENTRY.unpack_from(head)
+            if (place, count, flags) == (0, 0, 0):
+                return
+            size = 0 if flags & DISCARD else count * sector
+            data = log.read(size)
+            if len(data) < size:
+                return
+            yield Entry(place * sector, data, bool(flags & FLUSH), bool(flags & FUA))
+
+
+def _write(image, entry):
+    image.seek(entry.offset)
+    image.write(entry.data)
+
+
+class _Replay:
+    """The disk as its flushes leave it, and what is still under way."""
+
+    def __init__(self, path):
+        self._path = path
+        self._pending = []
+
+    def take(self, entry):
+        if entry.flush:
+            with open(self._path, "r+b") as image:
+                for waiting in self._pending:
+                    _write(image, waiting)
+            self._pending = []
+        if entry.data:
+            self._pending.append(entry)
+
+    def cut(self, path, chance):
+        """The disk after a cut now: some of what was under way has arrived."""
+        run(["cp", "--sparse=always", self._path, path])
+        with open(path, "r+b") as image:
+            for entry in self._pending:
+                if entry.forced or chance.random() < 0.5:
+                    _write(image, entry)
+
+
+def cuts(log, before, scratch, count, seed=1):
+    """Disks after a power cut, at count moments spread over the log. Each is a path; the next call
+    overwrites it. before is the disk when the log began, scratch a folder."""
+    entries = list(read_log(log))
+    moments = {round((i + 1) * len(entries) / count) for i in range(count)}
+    chance = random.Random(seed)
+    shutil.copy(before, scratch / "replay.raw")
+    replay = _Replay(scratch / "replay.raw")
+    for number, entry in enumerate(entries, 1):
+        replay.take(entry)
+        if number in moments:
+            replay.cut(scratch / "cut.raw", chance)
+            yield scratch / "cut.raw"
+
+
+class Disk:
+    """A data disk after a cut, looked into without mounting it."""
+
+    def __init__(self, path):
+        self.path = path
+
+    def recover(self):
+        """Replays the journal as a mount does, and checks all of it; what was wrong, or ""."""
+        journal = self._check("-fy", "-E", "journal_only")
+        if journal.returncode not in (0, 1):
+            return journal.stdout.decode(errors="replace")
+        whole = self._check("-fn")
+        return whole.stdout.decode(errors="replace") if whole.returncode else ""
+
+    def _check(self, *options):
+        return subprocess.run(["/sbin/e2fsck", *options, self.path], stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
+
+    def _ask(self, request):
+        done = subprocess.run(["/sbin/debugfs", "-R", request, self.path], stdin=subprocess.DEVNULL,
+                              capture_output=True, check=True)
+        return done.stdout, done.stderr
+
+    def read(self, name):
+        """Content of a file, by its path on the disk; None if it is not there."""
+        content, errors = self._ask(f'cat "{name}"')
+        return None if b"not found" in errors else content
