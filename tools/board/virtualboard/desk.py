@@ -106,8 +106,10 @@ def unplug(arguments):
 
 
 def beep(_):
-    for tone in sound.beeps(_board().folder / "beeper.wav"):
-        print(f"{tone.at:8.2f} s  {tone.seconds * 1000:5.0f} ms  {tone.hertz:5.0f} Hz")
+    recording = _board().folder / "beeper.wav"
+    for tone in sound.tones(recording):
+        print(f"{tone.seconds * 1000:5.0f} ms  {tone.hertz:5.0f} Hz")
+    print(f"The recording, for your ears: {recording}")
 
 
 def light(_):
