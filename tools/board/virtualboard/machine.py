@@ -22,6 +22,10 @@ COMMAND_LINE = ("root=/dev/vda console=ttyS0 quiet loglevel=4 mitigations=off no
                 "apparmor=0 net.ifnames=0 8250.nr_uarts=8 acpi_backlight=video "
                 "systemd.show_status=0 vt.global_cursor_default=0")
 
+# What the board's firmware says that it is.
+SMBIOS = "type=1,manufacturer=Panels,product=KV070T,version=1,serial=A2108150042"
+
+SOCKETS = ("qmp", "agent", "control", "console", "com1", "com2")
 NETWORKS = {"eth0": "virtio-net-pci", "eth1": "e1000"}
 
 
@@ -76,7 +80,9 @@ def _sockets(folder):
             f"-chardev socket,id=com1,path={folder}/com1,server=on,wait=off -serial chardev:com1",
             f"-chardev socket,id=com2,path={folder}/com2,server=on,wait=off -serial chardev:com2",
             f"-chardev socket,id=agent,path={folder}/agent,server=on,wait=off",
-            "-device virtio-serial-pci -device virtserialport,chardev=agent,name=org.qemu.guest_agent.0"]
+            f"-chardev socket,id=control,path={folder}/control,server=on,wait=off",
+            "-device virtio-serial-pci -device virtserialport,chardev=agent,name=org.qemu.guest_agent.0",
+            "-device virtserialport,chardev=control,name=panel.control"]
 
 
 def _networks():
@@ -88,10 +94,10 @@ def _networks():
     return lines
 
 
-def _devices(folder, firmware, screen):
+def _devices(folder, screen):
     return [f"-device VGA,id=video,addr=0x10,edid=on,xres={screen.width},yres={screen.height},vgamem_mb=16",
             "-device virtio-tablet-pci,id=touch -device virtio-rng-pci",
-            f"-acpitable file={firmware} -chardev file,id=backlight,path={folder}/backlight,append=on "
+            f"-chardev file,id=backlight,path={folder}/backlight,append=on "
             "-device isa-debugcon,iobase=0x900,chardev=backlight",
             "-device qemu-xhci,id=usb -device i6300esb -action watchdog=reset",
             "-device pcie-root-port,id=slot1,chassis=1 -device pcie-root-port,id=slot2,chassis=2"]
@@ -111,14 +117,15 @@ def command_line(folder, image, screen, memory, display, data):
                  "-kernel", str(image.kernel), "-initrd", str(image.initrd), "-append", COMMAND_LINE,
                  "-machine", "q35,memory-backend=ram,pcspk-audiodev=speaker",
                  "-object", _memory(*memory),
-                 "-rtc", "base=utc,clock=host",
+                 "-smbios", SMBIOS, "-rtc", "base=utc,clock=host",
+                 "-acpitable", f"file={image.firmware}",
                  "-audiodev", f"wav,id=speaker,path={folder}/beeper.wav",
                  "-blockdev", json.dumps({**overlay_disk(folder / "root.qcow2"), "node-name": "root",
                                           "cache": {"direct": False, "no-flush": True}}),
                  "-device", "virtio-blk-pci,drive=root,id=root-disk",
                  "-blockdev", json.dumps({**data, "node-name": "data"}),
                  "-device", "virtio-blk-pci,drive=data,id=data-disk,serial=data"]
-    for line in _sockets(folder) + _networks() + _devices(folder, image.firmware, screen):
+    for line in _sockets(folder) + _networks() + _devices(folder, screen):
         arguments += line.split()
     return arguments
 
@@ -137,7 +144,7 @@ class Machine:
     def start(self, image, *, memory=(None, False), display="none", data=None, incoming=False):
         """Starts QEMU on the disk root.qcow2 of the folder, with data.qcow2 unless another data disk
         is given. memory is a file to keep the memory in, and whether to change that file."""
-        for name in ("qmp", "agent", "console", "com1", "com2"):
+        for name in SOCKETS:
             (self.folder / name).unlink(missing_ok=True)
         data = data or overlay_disk(self.folder / "data.qcow2")
         arguments = command_line(self.folder, image, self.screen, memory, display, data)

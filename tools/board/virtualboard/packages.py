@@ -14,10 +14,16 @@ NOT_PACKAGED = (".ci/", "bench/", "docs/", "tests/", "tools/board/", "run", "tes
 CCACHE = "/usr/lib/ccache"
 
 
-def _sources():
+def sources():
+    """Names of the files that the program and its packages are made of, as they are now."""
     listed = run(["git", "-C", cache.CHECKOUT, "ls-files", "-z", "--cached", "--others", "--exclude-standard"])
     names = [os.fsdecode(name) for name in listed.split(b"\0") if name]
     return [n for n in names if not n.startswith(NOT_PACKAGED) and (cache.CHECKOUT / n).exists()]
+
+
+def inputs():
+    """The same with their contents, for the digest of a step."""
+    return [item for name in sources() for item in (name, pathlib.Path(cache.CHECKOUT / name))]
 
 
 def _copy(names, target):
@@ -27,18 +33,14 @@ def _copy(names, target):
         shutil.copy2(cache.CHECKOUT / name, copy, follow_symlinks=False)
 
 
-def _make(names):
-    def make(out):
-        source = out / "source"
-        _copy(names, source)
-        run(["dpkg-buildpackage", "--build=binary", "--no-sign"], cwd=source,
-            env={"PATH": f"{CCACHE}:/usr/sbin:/sbin:{os.environ['PATH']}"})
-        shutil.rmtree(source)
-    return make
+def _make(out):
+    source = out / "source"
+    _copy(sources(), source)
+    run(["dpkg-buildpackage", "--build=binary", "--no-sign"], cwd=source,
+        env={"PATH": f"{CCACHE}:/usr/sbin:/sbin:{os.environ['PATH']}"})
+    shutil.rmtree(source)
 
 
 def packages_step():
     """Folder with the packages of the checkout as it is now, changes not committed included."""
-    names = _sources()
-    inputs = [item for name in names for item in (name, pathlib.Path(cache.CHECKOUT / name))]
-    return cache.step("packages", "Building the packages", inputs, _make(names))
+    return cache.step("packages", "Building the packages", inputs(), _make)

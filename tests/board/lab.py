@@ -1,0 +1,276 @@
+"""The laboratory: a panel, an operator in front of it, and a technician behind it.
+
+Stories know `Panel` alone. What it does to a board goes through `Hands`, so that the same stories can
+be played on a real board by other hands. Names of widgets are told by the developer's program."""
+
+import contextlib
+import json
+import pathlib
+import sys
+import time
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools" / "board"))
+
+from virtualboard import kept, screen, sound, sticks  # noqa: E402
+from virtualboard.jsonlines import JsonLines          # noqa: E402
+
+PATIENCE_S = 15      # an emulated board is some thirty times slower than a panel
+
+
+class NotSeen(AssertionError):
+    """What a story waited for did not come to pass."""
+
+
+class Widget:
+    """A widget as it was when it was looked at."""
+
+    def __init__(self, told):
+        self.told = told
+
+    def __getattr__(self, name):
+        return self.told.get(name)
+
+    @property
+    def centre(self):
+        x, y, width, height = self.told["rect"]
+        return x + width // 2, y + height // 2
+
+    def walk(self):
+        """This one and all in it."""
+        yield self
+        for child in self.told["children"]:
+            yield from Widget(child).walk()
+
+
+class VirtualHands:
+    """A board in QEMU. Whoever has a real board writes these methods for it."""
+
+    def __init__(self, machine):
+        self.machine = machine
+        self._control = None
+
+    def frame(self):
+        """The picture on the screen, as a PIL image."""
+        return screen.frame(self.machine)
+
+    def finger_at(self, x, y):
+        screen.move(self.machine, x, y)
+
+    def finger_down(self):
+        screen.finger(self.machine, True)
+
+    def finger_up(self):
+        screen.finger(self.machine, False)
+
+    def ask(self, verb, *arguments):
+        """One request to the developer's program."""
+        if self._control is None:
+            self._control = JsonLines(self.machine.folder / "control")
+        self._control.send({"verb": verb, "args": list(map(str, arguments))})
+        answer = self._control.receive(40)
+        if not answer["ok"]:
+            raise NotSeen(answer["error"])
+        return answer["value"]
+
+    def shell(self, command, stdin=None, timeout=60):
+        """Output of a command that root runs on the board."""
+        return self.machine.agent.run(command, timeout, stdin)
+
+    def try_shell(self, command):
+        """Status and output of a command that may fail."""
+        return self.machine.agent.try_run(command)
+
+    def cable(self, name, plugged):
+        self.machine.cable(name, plugged)
+
+    def plug(self, name, image, *, read_only=False, slow=False):
+        """Plugs a stick, an image of which is in a file."""
+        node = sticks.slow_node(self.machine, image) if slow else sticks.node(image, read_only)
+        self.machine.plug(name, node)
+
+    def pull(self, name):
+        self.machine.pull(name)
+
+    def backlight(self):
+        """Percent of the light behind the screen."""
+        return self.machine.backlight()
+
+    def sounded(self):
+        """A mark in what the beeper has sounded until now."""
+        return sound.length(self.machine.folder / "beeper.wav")
+
+    def tones(self, since):
+        """Tones behind a mark."""
+        return sound.tones(self.machine.folder / "beeper.wav", since)
+
+    def wait_restart(self, timeout):
+        """Waits until the board resets itself."""
+        self.machine.wait_restart(timeout)
+        self._forget_line()
+
+    def cut_power(self):
+        self.machine.cut_power()
+        self._forget_line()
+
+    def power_on(self, image):
+        self.machine.start(image)
+
+    def _forget_line(self):
+        if self._control is not None:
+            self._control.close()
+            self._control = None
+
+
+def wait_for(condition, what, timeout=PATIENCE_S):
+    """Asks until the answer is true, and returns it. A wait has no sleeps to be tuned in a story."""
+    end = time.monotonic() + timeout
+    while True:
+        with contextlib.suppress(NotSeen) if time.monotonic() < end else contextlib.nullcontext():
+            answer = condition()
+            if answer:
+                return answer
+            if time.monotonic() > end:
+                raise NotSeen(f"{what}: not within {timeout} s, last seen {answer!r}")
+        time.sleep(0.03)
+
+
+class Panel:
+    """A panel on the bench."""
+
+    def __init__(self, hands, image):
+        self.hands = hands
+        self.image = image
+        self.shell = hands.shell
+        self.try_shell = hands.try_shell
+
+    # What is seen.
+
+    def widgets(self, name=None):
+        """All widgets, or those of a name; those that are seen stand first."""
+        told = self.hands.ask("ui", "dump", *([name] if name else []))
+        roots = told if isinstance(told, list) else [told]
+        found = [Widget(root) for root in roots] if name else [w for r in roots for w in Widget(r).walk()]
+        return sorted(found, key=lambda widget: not widget.visible)
+
+    def widget(self, name):
+        """The widget of that name that is seen; NotSeen if none is."""
+        found = self.widgets(name)
+        if not found or not found[0].visible:
+            raise NotSeen(f"{name} is not on the screen")
+        return found[0]
+
+    def text(self, name):
+        return self.widget(name).text
+
+    def items(self, name):
+        """Rows of a list, tabs of a page."""
+        return self.widget(name).items
+
+    def by_text(self, text, kind="QPushButton"):
+        """The widget with that text on it."""
+        for widget in self.widgets():
+            if widget.visible and widget.text == text and widget.__dict__["told"]["class"].endswith(kind):
+                return widget
+        raise NotSeen(f"no {kind} says {text!r}")
+
+    def wait_text(self, name, text, timeout=PATIENCE_S):
+        wait_for(lambda: self.text(name) == text, f"{name} says {text!r}", timeout)
+
+    def wait_items(self, name, items, timeout=PATIENCE_S):
+        wait_for(lambda: self.items(name) == items, f"{name} lists {items}", timeout)
+
+    # What a finger does.
+
+    def touch_at(self, x, y, hold=0.06):
+        self.hands.finger_at(x, y)
+        self.hands.finger_down()
+        time.sleep(hold)
+        self.hands.finger_up()
+
+    def touch(self, name, row=None):
+        """Touches a widget as soon as it is there and enabled; of a list or a tab widget one row."""
+        widget = wait_for(lambda: self._ready(name), f"{name} can be touched")
+        self.touch_at(*(widget.centre if row is None else self._row_centre(widget, row)))
+
+    def _ready(self, name):
+        widget = self.widget(name)
+        return widget if widget.enabled else None
+
+    @staticmethod
+    def _row_centre(widget, row):
+        rect = widget.rows[row]
+        if rect is None:
+            raise NotSeen(f"row {row} is not in sight")
+        x, y, width, height = rect
+        return x + width // 2, y + height // 2
+
+    def drag(self, name, value):
+        """Drags a slider's handle until it has the value."""
+        for _ in range(8):
+            slider = wait_for(lambda: self._ready(name), f"{name} can be dragged")
+            if slider.value == value:
+                return
+            self._drag_once(slider, value)
+        raise NotSeen(f"{name} does not take the value {value}")
+
+    def _drag_once(self, slider, value):
+        x, y = slider.handle
+        travel = slider.travel
+        target = x + round((value - slider.value) * travel / (slider.maximum - slider.minimum))
+        self.hands.finger_at(x, y)
+        self.hands.finger_down()
+        for step in range(1, 6):
+            self.hands.finger_at(x + (target - x) * step // 5, y)
+            time.sleep(0.03)
+        self.hands.finger_up()
+        wait_for(lambda: self.widget(slider.name).value != slider.value, f"{slider.name} moves", 3)
+
+    def type(self, text, accept):
+        """Types on the keyboard that is open, then touches its key of that name."""
+        for character in text:
+            self.touch_at(*wait_for(lambda c=character: self.by_text(c), f"key {character}").centre)
+        self.touch(accept)
+
+    # What is heard.
+
+    @contextlib.contextmanager
+    def listening(self):
+        """A list that has, after the block, the tones that sounded within it."""
+        heard, since = [], self.hands.sounded()
+        yield heard
+        heard += self.hands.tones(since)
+
+    # What a technician does.
+
+    def power_cycle(self):
+        """Cuts the power, without a word to the board, and switches it on again."""
+        self.hands.cut_power()
+        self.hands.power_on(self.image)
+        self.wait_started()
+
+    def wait_started(self, timeout=90):
+        """Waits until the program shows its pages."""
+        end = time.monotonic() + timeout
+        kept.wait_for_picture(self.hands.machine, timeout)
+        self.hands.machine.agent.connect(max(1, end - time.monotonic()))
+
+    def service_is(self, name):
+        """State of a unit: active, failed, ..."""
+        return self.try_shell(f"systemctl is-active {name}")[1]
+
+    def journal(self, unit):
+        """All that a unit has told the journal since the start."""
+        return self.shell(f"journalctl -b -o cat --no-pager -u {unit}")
+
+
+def evidence(panel, folder):
+    """Keeps what a failed story leaves behind: picture, journal, console."""
+    folder.mkdir(parents=True, exist_ok=True)
+    with contextlib.suppress(Exception):
+        panel.hands.frame().save(folder / "screen.png")
+    with contextlib.suppress(Exception):
+        (folder / "journal.txt").write_text(panel.shell("journalctl -b --no-pager | tail -400"))
+    with contextlib.suppress(Exception):
+        (folder / "widgets.json").write_text(json.dumps(panel.hands.ask("ui", "dump"), indent=1))
+    with contextlib.suppress(Exception):
+        (folder / "console.log").write_bytes((panel.hands.machine.folder / "console.log").read_bytes())
