@@ -42,7 +42,7 @@ def developers(built):
     def prepare(board):
         developer.lay_over(board, overlay)
         panel = lab.Panel(lab.VirtualHands(board), built)
-        lab.wait_for(lambda: panel.widget("stackedWidget"), "developer's program", 60)
+        panel.open_pages()
         kept.wait_until_still(board)
 
     return kept.kept_step("stories", built, SIZE, prepare, [overlay])

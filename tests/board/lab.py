@@ -103,6 +103,10 @@ class VirtualHands:
         """Tones behind a mark."""
         return sound.tones(self.machine.folder / "beeper.wav", since)
 
+    def press_reset(self):
+        self.machine.press_reset()
+        self._forget_line()
+
     def wait_restart(self, timeout):
         """Waits until the board resets itself."""
         self.machine.wait_restart(timeout)
@@ -114,6 +118,10 @@ class VirtualHands:
 
     def power_on(self, image):
         self.machine.start(image)
+
+    def wait_started(self, timeout):
+        kept.wait_for_picture(self.machine, timeout)
+        self.machine.agent.connect(timeout)
 
     def _forget_line(self):
         if self._control is not None:
@@ -189,41 +197,20 @@ class Panel:
 
     def touch(self, name, row=None):
         """Touches a widget as soon as it is there and enabled; of a list or a tab widget one row."""
-        widget = wait_for(lambda: self._ready(name), f"{name} can be touched")
-        self.touch_at(*(widget.centre if row is None else self._row_centre(widget, row)))
-
-    def _ready(self, name):
-        widget = self.widget(name)
-        return widget if widget.enabled else None
-
-    @staticmethod
-    def _row_centre(widget, row):
-        rect = widget.rows[row]
-        if rect is None:
-            raise NotSeen(f"row {row} is not in sight")
-        x, y, width, height = rect
-        return x + width // 2, y + height // 2
+        index = [] if row is None else [row]
+        x, y = wait_for(lambda: self.hands.ask("ui", "where", name, *index), f"{name} can be touched")
+        self.touch_at(x, y)
 
     def drag(self, name, value):
-        """Drags a slider's handle until it has the value."""
-        for _ in range(8):
-            slider = wait_for(lambda: self._ready(name), f"{name} can be dragged")
-            if slider.value == value:
-                return
-            self._drag_once(slider, value)
-        raise NotSeen(f"{name} does not take the value {value}")
-
-    def _drag_once(self, slider, value):
-        x, y = slider.handle
-        travel = slider.travel
-        target = x + round((value - slider.value) * travel / (slider.maximum - slider.minimum))
+        """Drags a slider's handle to a value."""
+        (x, y), (to_x, to_y) = wait_for(lambda: self.hands.ask("ui", "way", name, value), f"{name} can be dragged")
         self.hands.finger_at(x, y)
         self.hands.finger_down()
         for step in range(1, 6):
-            self.hands.finger_at(x + (target - x) * step // 5, y)
+            self.hands.finger_at(x + (to_x - x) * step // 5, y + (to_y - y) * step // 5)
             time.sleep(0.03)
         self.hands.finger_up()
-        wait_for(lambda: self.widget(slider.name).value != slider.value, f"{slider.name} moves", 3)
+        wait_for(lambda: self.widget(name).value == value, f"{name} has the value {value}")
 
     def type(self, text, accept):
         """Types on the keyboard that is open, then touches its key of that name."""
@@ -242,6 +229,12 @@ class Panel:
 
     # What a technician does.
 
+    def open_pages(self, timeout=60):
+        """Waits for the pages behind the notice that no network service runs, and takes it away."""
+        wait_for(lambda: self.widget("stackedWidget"), "the pages", timeout)
+        self.touch("btn_Ok")
+        wait_for(lambda: not self.widgets("btn_Ok")[:1] or not self.widgets("btn_Ok")[0].visible, "no notice")
+
     def power_cycle(self):
         """Cuts the power, without a word to the board, and switches it on again."""
         self.hands.cut_power()
@@ -249,10 +242,8 @@ class Panel:
         self.wait_started()
 
     def wait_started(self, timeout=90):
-        """Waits until the program shows its pages."""
-        end = time.monotonic() + timeout
-        kept.wait_for_picture(self.hands.machine, timeout)
-        self.hands.machine.agent.connect(max(1, end - time.monotonic()))
+        """Waits until the program has drawn itself and the board listens to commands."""
+        self.hands.wait_started(timeout)
 
     def service_is(self, name):
         """State of a unit: active, failed, ..."""

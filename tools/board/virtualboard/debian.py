@@ -4,7 +4,7 @@ import os
 import re
 
 from . import cache
-from .commands import run
+from .commands import roomy_folder, run
 
 SUITE = "bookworm"
 
@@ -68,7 +68,8 @@ def needed_by(debs):
 
 def _mmdebstrap(*arguments):
     mode = "root" if os.geteuid() == 0 else "unshare"
-    run(["mmdebstrap", f"--mode={mode}", "--quiet", *arguments], cwd="/")
+    run(["mmdebstrap", f"--mode={mode}", "--quiet", *arguments], cwd="/",
+        env={"TMPDIR": str(roomy_folder())})
 
 
 def _hooks(kind, *commands):

@@ -16,7 +16,7 @@ tar -xf - -C /
 systemctl daemon-reload
 udevadm control --reload
 udevadm trigger --settle --subsystem-match=virtio-ports
-systemctl start board-bridge
+systemctl -q enable --now board-bridge
 systemctl restart sysset
 """
 

@@ -3,7 +3,7 @@
 import pathlib
 
 from . import cache
-from .commands import run
+from .commands import run, scratch
 
 HERE = pathlib.Path(__file__).resolve().parent.parent
 GUEST = HERE / "guest"
@@ -15,26 +15,26 @@ DATA_SIZE = "64M"
 # The files .updated tell systemd that users, journal catalogue and caches are as /usr wants them.
 MAKE_ROOT = """
 set -eu
-mkdir "$OUT/tree"
-tar -xf "$SYSTEM" -C "$OUT/tree" --exclude='./dev/*'
-cp -a "$MODULES/." "$OUT/tree/usr/"
-cp -a "$GUEST/." "$OUT/tree/"
-rm -rf "$OUT"/tree/var/lib/apt/lists/* "$OUT"/tree/var/cache/*
+tar -xf "$SYSTEM" -C "$TREE" --exclude='./dev/*'
+cp -a "$MODULES/." "$TREE/usr/"
+cp -a "$GUEST/." "$TREE/"
+rm -rf "$TREE"/var/lib/apt/lists/* "$TREE"/var/cache/*
 find "$GUEST" "$MODULES" -mindepth 1 -printf '%P\\n' | sed "s,^lib/modules,usr/&," |
-    (cd "$OUT/tree" && xargs -d '\\n' chown -h 0:0)
+    (cd "$TREE" && xargs -d '\\n' chown -h 0:0)
 grep -v '^#' "$UNITS_OFF" | while read -r unit; do
-    ln -s /dev/null "$OUT/tree/etc/systemd/system/$unit"
+    ln -s /dev/null "$TREE/etc/systemd/system/$unit"
 done
-touch "$OUT/tree/etc/.updated" "$OUT/tree/var/.updated"
-mke2fs -q -t ext4 -L root -m 0 -d "$OUT/tree" "$OUT/root.ext4" "$SIZE"
-rm -rf "$OUT/tree"
+touch "$TREE/etc/.updated" "$TREE/var/.updated"
+mke2fs -q -t ext4 -L root -m 0 -d "$TREE" "$OUT/root.ext4" "$SIZE"
 """
 
 
 def _make_root(system, kernel, out):
-    run(["fakeroot", "sh", "-c", MAKE_ROOT],
-        env={"OUT": str(out), "SYSTEM": f"{system}/system.tar", "MODULES": f"{kernel}/tree",
-             "GUEST": str(GUEST), "UNITS_OFF": str(UNITS_OFF), "SIZE": ROOT_SIZE})
+    with scratch() as tree:
+        run(["fakeroot", "sh", "-c", MAKE_ROOT],
+            env={"OUT": str(out), "TREE": str(tree), "SYSTEM": f"{system}/system.tar",
+                 "MODULES": f"{kernel}/tree", "GUEST": str(GUEST), "UNITS_OFF": str(UNITS_OFF),
+                 "SIZE": ROOT_SIZE})
 
 
 def make_data_disk(path, size=DATA_SIZE):

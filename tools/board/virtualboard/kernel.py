@@ -6,7 +6,7 @@ import pathlib
 import shutil
 
 from . import cache
-from .commands import run
+from .commands import run, scratch
 
 HERE = pathlib.Path(__file__).resolve().parent.parent
 INIT = HERE / "init.c"
@@ -52,8 +52,8 @@ class _Modules:
         return found
 
 
-def _make_initrd(modules, out, scratch):
-    tree = scratch / "initrd"
+def _make_initrd(modules, out, place):
+    tree = place / "initrd"
     (tree / "modules").mkdir(parents=True)
     run(["gcc", "-O2", "-Wall", "-Wextra", "-Werror", "-static", "-s", "-o", tree / "init", INIT])
     for number, path in enumerate(modules.files(INITRD_MODULES)):
@@ -78,14 +78,13 @@ def _make_modules(modules, out):
 def kernel_step(debian):
     """Folder with vmlinux, initrd, backlight.aml, and tree/lib/modules to lay over the root."""
     def make(out):
-        scratch = out / "scratch"
-        run(["dpkg-deb", "-x", debian / "kernel.deb", scratch])
-        modules = _Modules(scratch)
-        image = scratch / "boot" / f"vmlinuz-{modules.version}"
-        (out / "vmlinux").write_bytes(plain_kernel(image))
-        _make_initrd(modules, out, scratch)
-        _make_modules(modules, out)
+        with scratch() as place:
+            run(["dpkg-deb", "-x", debian / "kernel.deb", place])
+            modules = _Modules(place)
+            image = place / "boot" / f"vmlinuz-{modules.version}"
+            (out / "vmlinux").write_bytes(plain_kernel(image))
+            _make_initrd(modules, out, place)
+            _make_modules(modules, out)
         run(["iasl", "-p", out / "backlight", BACKLIGHT])
-        shutil.rmtree(scratch)
     inputs = [debian.name, INIT, BACKLIGHT, *INITRD_MODULES, *MODULES]
     return cache.step("kernel", "Preparing the kernel", inputs, make)

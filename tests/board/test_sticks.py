@@ -1,0 +1,142 @@
+"""Sticks as people bring them: whatever is wrong with one, the panel goes on."""
+
+import os
+import time
+
+import pytest
+
+from lab import wait_for
+from virtualboard import sticks
+
+LISTS = {".tmt3": "list_Pro", ".osf3": "list_Image", ".bin": "list_PlcPro"}
+
+
+@pytest.fixture
+def update_pages(panel):
+    """A panel that shows the update pages."""
+    panel.touch("btn_UpData")
+    return panel
+
+
+def put(folder, *names):
+    for name in names:
+        (folder / name).write_bytes(b"x")
+
+
+def stick_of(folder, make=sticks.make_fat_stick):
+    image = folder.parent / f"{folder.name}.img"
+    make(image, folder)
+    return image
+
+
+def is_gone(panel):
+    """The list is empty, and nothing is left of the stick's mount."""
+    wait_for(lambda: panel.items("list_Pro") == [], "an empty list")
+    wait_for(lambda: panel.try_shell("findmnt -n -t vfat,ext4 | grep -v ' /dev/vd'")[0] == 1, "no mount")
+    wait_for(lambda: panel.shell("ls /run/sysset/usb") == "", "no folder")
+
+
+def test_three_lists_and_the_icon_follow_a_stick(update_pages, folder):
+    panel = update_pages
+    put(folder, "Line 3.tmt3", "Panel.osf3", "Press.bin", "notes.txt")
+    absent = panel.widget("lab_usb").style
+    for _ in range(2):
+        panel.hands.plug("stick", stick_of(folder))
+        for tab, (name, file) in enumerate(zip(LISTS.values(), ("Line 3.tmt3", "Panel.osf3", "Press.bin"))):
+            panel.touch("tab_UpData", tab)
+            panel.wait_items(name, [f"U1/{file}"])
+        assert panel.widget("lab_usb").style != absent
+        panel.touch("tab_UpData", 0)
+        panel.hands.pull("stick")
+        is_gone(panel)
+        assert panel.widget("lab_usb").style == absent
+
+
+def test_it_is_mounted_so_that_nothing_can_run_from_it(panel, folder):
+    put(folder, "a.tmt3")
+    panel.hands.plug("stick", stick_of(folder))
+    options = wait_for(lambda: panel.try_shell("findmnt -n -o OPTIONS /run/sysset/usb/sda1")[1], "the mount")
+    assert {"ro", "nosuid", "nodev", "noexec"} <= set(options.split(","))
+
+
+def test_names_are_shown_as_they_are_and_never_as_more(update_pages, folder):
+    shown = ["工程-Büro.tmt3", "<b>bold</b> &amp; %s%n.tmt3", "$(reboot);`id`.tmt3", "x" * 240 + ".tmt3"]
+    put(folder, *shown)
+    (folder / os.fsdecode("工程".encode("gbk") + b".tmt3")).write_bytes(b"x")
+    (folder / "line\nbreak\t.tmt3").write_bytes(b"x")
+    update_pages.hands.plug("stick", stick_of(folder, sticks.make_ext4_stick))
+    rows = wait_for(lambda: update_pages.items("list_Pro"), "rows")
+    assert len(rows) == 6 and {f"U1/{name}" for name in shown} <= set(rows)
+    assert r"U1/\xB9\xA4\xB3\xCC.tmt3" in rows
+    assert not any("\n" in row for row in rows)
+
+
+def test_ten_thousand_files(update_pages, folder):
+    put(folder, *(f"project {number:05}.tmt3" for number in range(10000)))
+    image = stick_of(folder, sticks.make_ext4_stick)
+    update_pages.hands.plug("stick", image)
+    wait_for(lambda: len(update_pages.items("list_Pro")) == 10000, "all rows", 60)
+    began = time.monotonic()
+    update_pages.touch("btn_Net")
+    wait_for(lambda: update_pages.widget("tab_Net"), "the next page")
+    assert time.monotonic() - began < 2
+    update_pages.hands.pull("stick")
+
+
+def test_a_slow_stick_pulled_while_it_is_listed(update_pages, folder):
+    panel = update_pages
+    put(folder, *(f"project {number:05}.tmt3" for number in range(4000)))
+    panel.hands.plug("stick", stick_of(folder, sticks.make_ext4_stick), slow=True)
+    wait_for(lambda: panel.try_shell("findmnt /run/sysset/usb/sda")[0] == 0, "the mount", 30)
+    panel.hands.pull("stick")
+    is_gone(panel)
+    panel.touch("btn_Net")
+    wait_for(lambda: panel.widget("tab_Net"), "the panel goes on")
+
+
+@pytest.mark.parametrize("seed", range(3))
+def test_a_broken_partition_table_is_no_stick(update_pages, folder, seed):
+    panel = update_pages
+    put(folder, "a.tmt3")
+    image = stick_of(folder)
+    sticks.break_partition_table(image, seed)
+    panel.hands.plug("broken", image)
+    wait_for(lambda: panel.try_shell("test -b /dev/sda")[0] == 0, "the disk")
+    panel.shell("udevadm settle")
+    assert panel.items("list_Pro") == [] and panel.shell("ls /run/sysset/usb") == ""
+    panel.hands.pull("broken")
+    panel.hands.plug("whole", stick_of(folder))
+    panel.wait_items("list_Pro", ["U1/a.tmt3"])
+
+
+def test_a_write_protected_stick_works_and_stays_as_it_was(update_pages, folder):
+    put(folder, "a.tmt3")
+    image = stick_of(folder)
+    before = image.read_bytes()
+    update_pages.hands.plug("stick", image, read_only=True)
+    update_pages.wait_items("list_Pro", ["U1/a.tmt3"])
+    update_pages.hands.pull("stick")
+    is_gone(update_pages)
+    assert image.read_bytes() == before
+
+
+def test_the_second_of_two_sticks_is_listed(update_pages, folder):
+    panel = update_pages
+    put(folder, "first.tmt3")
+    panel.hands.plug("one", stick_of(folder))
+    panel.wait_items("list_Pro", ["U1/first.tmt3"])
+    second = folder.parent / "second"
+    second.mkdir()
+    put(second, "second.tmt3")
+    panel.hands.plug("two", stick_of(second))
+    panel.wait_items("list_Pro", ["U2/second.tmt3"])
+
+
+def test_a_stick_that_is_there_at_power_on_is_listed(panel, folder):
+    put(folder, "a.tmt3")
+    panel.hands.plug("stick", stick_of(folder))
+    panel.hands.press_reset()
+    panel.wait_started()
+    panel.open_pages()
+    panel.touch("btn_UpData")
+    panel.wait_items("list_Pro", ["U1/a.tmt3"], 30)
