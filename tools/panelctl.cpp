@@ -28,6 +28,8 @@ constexpr const char *HELP =
   ui dump [OBJECT]                    the widget tree, or all widgets of that object name
   ui press OBJECT [INDEX]             a press; of a list, combo box or tab widget on that row
   ui slide OBJECT VALUE               drags a slider
+  ui where OBJECT [INDEX]             where on the screen ui press would touch
+  ui way OBJECT VALUE                 from where to where on the screen ui slide would drag
   ui shot FILE                        what the screen shows, as PNG
   ui fit                              what on the screen cannot be read or touched
   quit                                ends the program

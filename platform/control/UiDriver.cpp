@@ -58,14 +58,42 @@ Json dump(const Args &args)
     return args.empty() ? dumpTree() : dumpNamed(args[0]);
 }
 
-Json press(const Args &args)
+// The widget that is meant by an object's name and the index behind it, and the row of it.
+struct Target
+{
+    QWidget *widget;
+    int row;
+};
+
+Target target(const Args &args)
 {
     const int index = args.size() > 1 ? parseNumber(args[1], "INDEX") : -1;
     if (args.size() > 1 && index < 0)
         throw BadRequest("INDEX must be 0 or more");
     QWidget *first = pressable(args[0], 0);
-    pressWidget(hasRows(first) || index < 0 ? first : pressable(args[0], index), index);
+    return {hasRows(first) || index < 0 ? first : pressable(args[0], index), index};
+}
+
+Json press(const Args &args)
+{
+    const Target pressed = target(args);
+    pressWidget(pressed.widget, pressed.row);
     return nullptr;
+}
+
+Json where(const Args &args)
+{
+    const Target touched = target(args);
+    const QPoint point = pressPoint(touched.widget, touched.row);
+    return {point.x(), point.y()};
+}
+
+Json way(const Args &args)
+{
+    const QWidget *slider = pressable(args[0], 0);
+    const QLine path =
+        slidePath(slider, parseNumber(args[1], "VALUE")).translated(screenRect(slider).topLeft());
+    return {{path.x1(), path.y1()}, {path.x2(), path.y2()}};
 }
 
 Json slide(const Args &args)
@@ -93,11 +121,9 @@ struct Action
     Json (*run)(const Args &args);
 };
 
-constexpr Action ACTIONS[] = {{"dump", 0, 1, dump},
-                              {"press", 1, 2, press},
-                              {"slide", 2, 2, slide},
-                              {"shot", 1, 1, shot},
-                              {"fit", 0, 0, fit}};
+constexpr Action ACTIONS[] = {
+    {"dump", 0, 1, dump}, {"press", 1, 2, press}, {"slide", 2, 2, slide}, {"where", 1, 2, where},
+    {"way", 2, 2, way},   {"shot", 1, 1, shot},   {"fit", 0, 0, fit}};
 
 } // namespace
 
@@ -131,7 +157,7 @@ Json runUiRequest(const Request &request)
             throw BadRequest("ui " + request.args[0] + ": wrong number of arguments");
         return action.run(args);
     }
-    throw BadRequest("ui dump, ui press, ui slide, ui shot or ui fit");
+    throw BadRequest("ui dump, ui press, ui slide, ui where, ui way, ui shot or ui fit");
 }
 
 } // namespace control

@@ -39,27 +39,35 @@ void post(QWidget *widget, QEvent::Type type, const QPoint &position)
                                                 Qt::NoModifier));
 }
 
-void tap(QWidget *widget, const QPoint &position)
+// A place on a widget, in the widget's coordinates.
+struct Place
 {
-    post(widget, QEvent::MouseButtonPress, position);
-    post(widget, QEvent::MouseButtonRelease, position);
+    QWidget *widget;
+    QPoint position;
+};
+
+void tap(const Place &place)
+{
+    post(place.widget, QEvent::MouseButtonPress, place.position);
+    post(place.widget, QEvent::MouseButtonRelease, place.position);
 }
 
-void tapRow(QAbstractItemView *view, const QWidget *owner, int row)
+// Scrolls the row into sight.
+Place placeOfRow(QAbstractItemView *view, const QWidget *owner, int row)
 {
     const QModelIndex index = view->model()->index(row, 0, view->rootIndex());
     if (!index.isValid())
         noSuchRow(owner, row);
     view->scrollTo(index);
-    tap(view->viewport(), (view->visualRect(index) & view->viewport()->rect()).center());
+    return {view->viewport(), (view->visualRect(index) & view->viewport()->rect()).center()};
 }
 
-void tapTab(const QTabWidget *tabs, int tab)
+Place placeOfTab(const QTabWidget *tabs, int tab)
 {
     QTabBar *bar = tabs->tabBar();
     if (tab >= tabs->count())
         noSuchRow(tabs, tab);
-    tap(bar, (bar->tabRect(tab) & bar->rect()).center());
+    return {bar, (bar->tabRect(tab) & bar->rect()).center()};
 }
 
 void tapChoice(QComboBox *box, int row)
@@ -68,7 +76,19 @@ void tapChoice(QComboBox *box, int row)
         noSuchRow(box, row);
     box->showPopup();
     // The list is laid out when control returns to the event loop.
-    QTimer::singleShot(0, box, [box, row] { tapRow(box->view(), box, row); });
+    QTimer::singleShot(0, box, [box, row] { tap(placeOfRow(box->view(), box, row)); });
+}
+
+// Of a combo box the widget itself: its rows are not there before it is open.
+Place placeOf(QWidget *widget, int row)
+{
+    auto *view = qobject_cast<QAbstractItemView *>(widget);
+    const auto *tabs = qobject_cast<const QTabWidget *>(widget);
+    if (row >= 0 && view)
+        return placeOfRow(view, widget, row);
+    if (row >= 0 && tabs)
+        return placeOfTab(tabs, row);
+    return {widget, widget->rect().center()};
 }
 
 // A slider's handle and its travel, in pixels.
@@ -132,20 +152,20 @@ bool hasRows(const QWidget *widget)
 
 void pressWidget(QWidget *widget, int row)
 {
-    auto *view = qobject_cast<QAbstractItemView *>(widget);
     auto *box = qobject_cast<QComboBox *>(widget);
-    const auto *tabs = qobject_cast<const QTabWidget *>(widget);
-    if (row >= 0 && view)
-        tapRow(view, widget, row);
-    else if (row >= 0 && box)
+    if (row >= 0 && box)
         tapChoice(box, row);
-    else if (row >= 0 && tabs)
-        tapTab(tabs, row);
     else
-        tap(widget, widget->rect().center());
+        tap(placeOf(widget, row));
 }
 
-void dragSlider(QWidget *widget, int value)
+QPoint pressPoint(QWidget *widget, int row)
+{
+    const Place place = placeOf(widget, row);
+    return screenRect(place.widget).topLeft() + place.position;
+}
+
+QLine slidePath(const QWidget *widget, int value)
 {
     const auto *slider = qobject_cast<const QSlider *>(widget);
     const std::string name = widget->objectName().toStdString();
@@ -155,12 +175,16 @@ void dragSlider(QWidget *widget, int value)
         throw BadRequest(name + " goes from " + std::to_string(slider->minimum()) + " to " +
                          std::to_string(slider->maximum()));
     const Handle handle(slider);
-    const QPoint from = handle.centre();
-    const QPoint to = handle.centreFor(value);
-    post(widget, QEvent::MouseButtonPress, from);
-    post(widget, QEvent::MouseMove, (from + to) / 2);
-    post(widget, QEvent::MouseMove, to);
-    post(widget, QEvent::MouseButtonRelease, to);
+    return {handle.centre(), handle.centreFor(value)};
+}
+
+void dragSlider(QWidget *widget, int value)
+{
+    const QLine path = slidePath(widget, value);
+    post(widget, QEvent::MouseButtonPress, path.p1());
+    post(widget, QEvent::MouseMove, path.center());
+    post(widget, QEvent::MouseMove, path.p2());
+    post(widget, QEvent::MouseButtonRelease, path.p2());
 }
 
 } // namespace control

@@ -3,6 +3,7 @@
 
 #include "platform/control/Json.h"
 
+#include <QLine>
 #include <QRect>
 #include <QString>
 #include <QVector>
@@ -48,6 +49,13 @@ void pressWidget(QWidget *widget, int row);
 
 // Whether the widget's rows are pressed one by one.
 bool hasRows(const QWidget *widget);
+
+// Where on the screen a finger touches for that; of a combo box always the box itself.
+QPoint pressPoint(QWidget *widget, int row);
+
+// The way of a finger that drags the slider's handle to `value`, in the widget's coordinates.
+// Throws BadRequest if it is no slider or has no such value.
+QLine slidePath(const QWidget *widget, int value);
 
 // Queues a drag of the slider's handle to `value`. Throws BadRequest if it is no slider or has no
 // such value.

@@ -161,6 +161,16 @@ private slots:
         QCOMPARE(clicks.count(), object == "list" ? 1 : 0);
     }
 
+    void tellsWhereAFingerTouches()
+    {
+        const QRect button(m_window->button->pos(), m_window->button->size());
+        const Json point = run("ui where button");
+        QCOMPARE(QPoint(point[0], point[1]), button.center());
+        QVERIFY(run("ui where tabs 1")[0] > run("ui where tabs 0")[0]);
+        const Json way = run("ui way slider 99");
+        QVERIFY(way[0] == run("ui way slider 0")[0] && way[1][0] > way[0][0]);
+    }
+
     void twoQuickPressesAreTwoClicks()
     {
         QSignalSpy clicks(m_window->button, &QPushButton::clicked);
