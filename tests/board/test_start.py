@@ -26,6 +26,7 @@ def test_switched_on_for_the_first_time_it_shows_the_program(new_panel):
 @pytest.mark.parametrize("button", PAGES)
 def test_a_finger_reaches_every_page(panel, button):
     panel.touch(button)
+    wait_for(lambda: panel.items(TABS[button]), "the page")
     for tab in range(len(panel.items(TABS[button]))):
         panel.touch(TABS[button], tab)
         wait_for(lambda t=tab: panel.widget(TABS[button]).index == t, f"tab {tab}")
