@@ -5,6 +5,7 @@
 #include "platform/paths.h"
 
 #include <algorithm>
+#include <ini.h>
 #include <optional>
 #include <sstream>
 #include <vector>
@@ -115,45 +116,43 @@ constexpr Key KEYS[] = {
     {"restart", "hardware-reset",
      [](PanelConf &c, const std::string &v) { return takeSwitch(c.hardwareReset, v); }},
     {"words", "port", takePort},
+    {"words", "clock", [](PanelConf &, const std::string &) { return true; }}, // the service's own
 };
 
-// The file's state while its lines are read.
-struct Reader
+// Null if there is no such key.
+const Key *findKey(const std::string &section, const std::string &name)
+{
+    const auto *key = std::find_if(std::begin(KEYS), std::end(KEYS), [&](const Key &each) {
+        return section == each.section && name == each.name;
+    });
+    return key == std::end(KEYS) ? nullptr : key;
+}
+
+struct Reading
 {
     PanelConf conf;
-    std::string section;
-
-    // Returns what is wrong with the line; empty if nothing is.
-    std::string take(const std::string &line)
-    {
-        if (line.empty() || line.front() == '#' || line.front() == ';')
-            return {};
-        if (line.front() == '[' && line.back() == ']') {
-            section = trimmed(line.substr(1, line.size() - 2));
-            return {};
-        }
-        const std::size_t equals = line.find('=');
-        if (equals == std::string::npos)
-            return "neither [section] nor key=value";
-        return takeKey(trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
-    }
-
-    std::string takeKey(const std::string &name, const std::string &value)
-    {
-        for (const Key &key : KEYS) {
-            if (section == key.section && name == key.name)
-                return value.empty() || key.take(conf, value) ? "" : "no value for " + name;
-        }
-        return "no such key here: " + name.substr(0, LONGEST_TEXT);
-    }
+    std::vector<std::string> faults;
 };
+
+// Takes one line over; ini_handler.
+int onValue(void *reading, const char *section, const char *name, const char *value)
+{
+    auto &[conf, faults] = *static_cast<Reading *>(reading);
+    const Key *key = findKey(section, name);
+    const std::string place = "[" + std::string(section) + "] " + name;
+    if (!key)
+        faults.push_back("no such key: " + place.substr(0, LONGEST_TEXT));
+    else if (*value != '\0' && !key->take(conf, value))
+        faults.push_back("no value for " + place);
+    return 1; // goes on
+}
 
 std::string describe(const std::vector<std::string> &faults)
 {
     if (faults.empty())
         return {};
     const std::string more = std::to_string(faults.size() - 1);
-    return faults.front() + (faults.size() > 1 ? ", and " + more + " more lines" : "");
+    return faults.front() + (faults.size() > 1 ? ", and " + more + " more" : "");
 }
 
 PanelConf loadPanelConf()
@@ -167,7 +166,7 @@ PanelConf loadPanelConf()
     std::string fault;
     PanelConf conf = parsePanelConf(*text, fault);
     if (!fault.empty())
-        journal(Severity::Warning, path + ", " + fault + ": the defaults hold there");
+        journal(Severity::Warning, path + ": " + fault + ": the defaults hold there");
     return conf;
 }
 
@@ -175,17 +174,17 @@ PanelConf loadPanelConf()
 
 PanelConf parsePanelConf(const std::string &text, std::string &fault)
 {
-    Reader reader;
-    std::vector<std::string> faults;
-    std::istringstream lines(text);
-    std::string line;
-    for (int number = 1; std::getline(lines, line); ++number) {
-        const std::string wrong = reader.take(trimmed(line));
-        if (!wrong.empty())
-            faults.push_back("line " + std::to_string(number) + ": " + wrong);
+    if (text.find('\0') != std::string::npos) {
+        fault = "no text";
+        return {};
     }
-    fault = describe(faults);
-    return reader.conf;
+    Reading reading;
+    const int line = ini_parse_string(text.c_str(), onValue, &reading);
+    if (line != 0)
+        reading.faults.push_back("line " + std::to_string(line) +
+                                 " is no [section] and no key=value");
+    fault = describe(reading.faults);
+    return reading.conf;
 }
 
 const PanelConf &panelConf()

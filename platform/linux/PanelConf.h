@@ -33,8 +33,8 @@ struct PanelConf
     int wordsPort = 1502;
 };
 
-// Reads the file's text. What is wrong in it is skipped; `fault` then says the first such line and
-// how many more there are, and is empty if the file is sound.
+// Reads the file's text. What is wrong in it is skipped; `fault` then says what is wrong first and
+// how much more there is, and is empty if the file is sound.
 PanelConf parsePanelConf(const std::string &text, std::string &fault);
 
 // The file of this panel, read at the first call; a missing or a broken one is told to the journal

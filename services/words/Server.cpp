@@ -14,6 +14,7 @@ namespace words {
 namespace {
 
 constexpr std::size_t MOST_CLIENTS = 16;
+constexpr const char *LOOPBACK = "127.0.0.1"; // nothing of the panel listens to a network
 constexpr int BACKLOG = 16;
 
 int listenAt(modbus_t *context)
@@ -26,10 +27,10 @@ int listenAt(modbus_t *context)
 
 } // namespace
 
-Server::Server(sd_event *event, const std::string &address, int port, Handler handler)
+Server::Server(sd_event *event, int port, Handler handler)
     : m_event(event),
       m_handler(std::move(handler)),
-      m_modbus(modbus_new_tcp(address.c_str(), port)),
+      m_modbus(modbus_new_tcp(LOOPBACK, port)),
       m_listener(listenAt(m_modbus.get()))
 {
     ::fcntl(m_listener.get(), F_SETFL, O_NONBLOCK);

@@ -37,8 +37,8 @@ class Client;
 class Server
 {
 public:
-    // Listens. Throws std::system_error if the address is not to be had.
-    Server(sd_event *event, const std::string &address, int port, Handler handler);
+    // Listens on 127.0.0.1. Throws std::system_error if the port is not to be had.
+    Server(sd_event *event, int port, Handler handler);
     ~Server();
     Server(const Server &) = delete;
     Server &operator=(const Server &) = delete;

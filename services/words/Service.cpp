@@ -38,9 +38,9 @@ Service::Service(sd_event *event, const Settings &settings)
       m_saver(loadedStore(m_registers)),
       m_time(event),
       m_screen(event, [this] { m_time.wake(); }),
-      m_server(
-          event, settings.address, settings.port,
-          [this](const Request &request, const Later &later) { return handle(request, later); })
+      m_server(event, settings.port, [this](const Request &request, const Later &later) {
+          return handle(request, later);
+      })
 {
 }
 

@@ -2,7 +2,6 @@
 
 #include "services/words/Journal.h"
 
-#include <arpa/inet.h>
 #include <charconv>
 #include <ini.h>
 #include <string_view>
@@ -12,14 +11,6 @@ namespace words {
 namespace {
 
 constexpr int LARGEST_PORT = 65535;
-
-bool takeAddress(Settings &settings, std::string_view value)
-{
-    settings.address = value;
-    in_addr address{};
-    return ::inet_pton(AF_INET, settings.address.c_str(), &address) == 1 &&
-           ntohl(address.s_addr) >> 24 == IN_LOOPBACKNET;
-}
 
 bool takePort(Settings &settings, std::string_view value)
 {
@@ -37,8 +28,6 @@ bool takeClock(Settings &settings, std::string_view value)
 
 bool take(Settings &settings, std::string_view name, std::string_view value)
 {
-    if (name == "address")
-        return takeAddress(settings, value);
     if (name == "port")
         return takePort(settings, value);
     return name == "clock" && takeClock(settings, value);

@@ -7,8 +7,7 @@ namespace words {
 
 struct Settings
 {
-    std::string address = "127.0.0.1"; // on the loopback network, 127.0.0.0/8
-    int port = 1502;                   // 0: any that is free
+    int port = 1502; // 0: any that is free
     bool mayClockBeSet = true;
 };
 

