@@ -1,5 +1,5 @@
 // The settings words in a folder: two files that are replaced in turn, so that the latest and the
-// one before are always there whole. docs/decisions/0018-words-kept.md says why.
+// one before are always there whole. docs/decisions/0020-words-kept.md says why.
 #pragma once
 
 #include "services/words/Registers.h"
