@@ -21,20 +21,9 @@ systemctl restart sysset
 """
 
 
-def _build(out):
-    build = cache.CHECKOUT / "build" / "release"
-    if not (build / "build.ninja").exists():
-        run(["cmake", "--preset", "release"], cwd=cache.CHECKOUT)
-    run(["cmake", "--build", "--preset", "release", "--target", "sysset-dev"], cwd=cache.CHECKOUT)
-    program = out / "sysset-dev"
-    shutil.copy(build / "bin" / "sysset-dev", program)
-    run(["strip", program])
-
-
 def program_step():
-    """The developer's program of the checkout as it is now."""
-    place = cache.step("developer", "Building the developer's program", packages.inputs(), _build)
-    return place / "sysset-dev"
+    """The developer's program of the checkout as it is now; the packages' build makes it too."""
+    return packages.packages_step() / packages.DEVELOPERS_PROGRAM
 
 
 def overlay_step(program):

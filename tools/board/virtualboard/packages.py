@@ -1,4 +1,5 @@
-"""Our packages, built of the checkout as dpkg-buildpackage builds them, in a copy of it."""
+"""Our packages, built of the checkout as dpkg-buildpackage builds them, in a copy of it, and the
+developer's program."""
 
 import os
 import pathlib
@@ -12,6 +13,9 @@ NOT_PACKAGED = (".ci/", "bench/", "docs/", "tests/", "tools/board/", "run", "tes
                 "CMakePresets.json")
 
 CCACHE = "/usr/lib/ccache"
+
+# In no package, and made of the same objects.
+DEVELOPERS_PROGRAM = "sysset-dev"
 
 
 def sources():
@@ -38,9 +42,13 @@ def _make(out):
     _copy(sources(), source)
     run(["dpkg-buildpackage", "--build=binary", "--no-sign"], cwd=source,
         env={"PATH": f"{CCACHE}:/usr/sbin:/sbin:{os.environ['PATH']}"})
+    [build] = source.glob("obj-*")
+    run(["cmake", "--build", build, "--target", DEVELOPERS_PROGRAM])
+    run(["strip", "-o", out / DEVELOPERS_PROGRAM, build / "bin" / DEVELOPERS_PROGRAM])
     shutil.rmtree(source)
 
 
 def packages_step():
-    """Folder with the packages of the checkout as it is now, changes not committed included."""
+    """Folder with packages and developer's program of the checkout as it is now, changes not committed
+    included."""
     return cache.step("packages", "Building the packages", inputs(), _make)
