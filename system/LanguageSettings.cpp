@@ -9,6 +9,8 @@
 #include <QTranslator>
 
 #include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -36,6 +38,18 @@ std::string settingsPath()
 QString toQString(const std::string &path)
 {
     return QString::fromLocal8Bit(path.data(), static_cast<int>(path.size()));
+}
+
+// QSettings renames a synced file over the old one; panels are switched off by their main switch,
+// and until its folder is synced too the old one may come back.
+void syncSettingsFolder()
+{
+    const int folder =
+        ::open(panelPath(SETTINGS_DIRECTORY).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder == -1)
+        return;
+    fsync(folder);
+    ::close(folder);
 }
 
 // An unknown id, of a damaged file, counts as Chinese, so that it does not lock the language.
@@ -87,6 +101,7 @@ void applyLanguage(int id)
     settings.sync();
     if (settings.status() != QSettings::NoError)
         std::printf("write [%s] error\n", SETTINGS_NAME);
+    syncSettingsFolder();
 }
 
 void loadLanguageSettings()

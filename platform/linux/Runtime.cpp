@@ -8,6 +8,8 @@ namespace {
 
 constexpr int FAILED = -1;
 constexpr std::chrono::milliseconds TIMEOUT(400);
+constexpr std::chrono::milliseconds CLOCK_TIMEOUT(800); // its keeper asks other services
+constexpr unsigned int CLOCK = 28;
 constexpr int CLOCK_MAY_BE_SET = 0; // coil
 
 // Never destroyed: threads may ask to the very end.
@@ -27,7 +29,8 @@ int backstage_AddrRead(unsigned int address, unsigned short *values, int count)
 
 int backstage_AddrWrite(unsigned int address, const unsigned short *values, int count)
 {
-    return words().write(address, values, count) ? 0 : FAILED;
+    const auto timeout = address == CLOCK ? CLOCK_TIMEOUT : TIMEOUT;
+    return words().write(address, values, count, timeout) ? 0 : FAILED;
 }
 
 int backstage_AllowSetTime()

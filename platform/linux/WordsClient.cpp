@@ -33,6 +33,12 @@ bool isBroken(int error)
     return error == EPIPE || error == ECONNRESET || error == ECONNABORTED;
 }
 
+bool setTimeout(modbus_t *connection, std::chrono::microseconds timeout)
+{
+    return modbus_set_response_timeout(connection, 0,
+                                       static_cast<std::uint32_t>(timeout.count())) == 0;
+}
+
 } // namespace
 
 bool WordsClient::read(unsigned int address, unsigned short *words, int count)
@@ -44,7 +50,7 @@ bool WordsClient::read(unsigned int address, unsigned short *words, int count)
         [&](modbus_t *connection) {
             return modbus_read_registers(connection, static_cast<int>(address), count, read.data());
         },
-        count);
+        count, m_timeout);
     if (done)
         std::copy(read.begin(), read.end(), words);
     return done;
@@ -52,37 +58,46 @@ bool WordsClient::read(unsigned int address, unsigned short *words, int count)
 
 bool WordsClient::write(unsigned int address, const unsigned short *words, int count)
 {
+    return write(address, words, count, m_timeout);
+}
+
+bool WordsClient::write(unsigned int address, const unsigned short *words, int count,
+                        Milliseconds timeout)
+{
     return isRange(address, words, count, MODBUS_MAX_WRITE_REGISTERS) &&
            ask(
                [&](modbus_t *connection) {
                    return modbus_write_registers(connection, static_cast<int>(address), count,
                                                  words);
                },
-               count);
+               count, timeout);
 }
 
 bool WordsClient::coil(int address)
 {
     std::uint8_t bit = 0;
     return ask([&](modbus_t *connection) { return modbus_read_bits(connection, address, 1, &bit); },
-               1) &&
+               1, m_timeout) &&
            bit != 0;
 }
 
-bool WordsClient::ask(const Request &request, int count)
+bool WordsClient::ask(const Request &request, int count, Milliseconds timeout)
 {
+    const auto transfer = [&] {
+        errno = ENOTCONN;
+        return m_connection && setTimeout(m_connection.get(), timeout) ? request(m_connection.get())
+                                                                       : -1;
+    };
     const std::lock_guard lock(m_mutex);
     if (m_isAway)
         return false;
     const bool wasOpen = m_connection != nullptr;
     if (!wasOpen)
         m_connection = connect();
-    errno = ENOTCONN;
-    int result = m_connection ? request(m_connection.get()) : -1;
+    int result = transfer();
     if (result == -1 && wasOpen && isBroken(errno)) {
         m_connection = connect();
-        errno = ENOTCONN;
-        result = m_connection ? request(m_connection.get()) : -1;
+        result = transfer();
     }
     if (result == count)
         return true;
@@ -94,10 +109,8 @@ bool WordsClient::ask(const Request &request, int count)
 WordsClient::Connection WordsClient::connect() const
 {
     Connection connection(modbus_new_tcp(LOOPBACK, m_port));
-    const auto microseconds = static_cast<std::uint32_t>(
-        std::chrono::duration_cast<std::chrono::microseconds>(m_timeout).count());
     // Without a time-out for the single byte the other one holds for the whole answer.
-    if (!connection || modbus_set_response_timeout(connection.get(), 0, microseconds) == -1 ||
+    if (!connection || !setTimeout(connection.get(), m_timeout) ||
         modbus_set_byte_timeout(connection.get(), 0, 0) == -1 ||
         modbus_connect(connection.get()) == -1)
         return nullptr;

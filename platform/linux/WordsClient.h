@@ -19,14 +19,18 @@ namespace board {
 class WordsClient
 {
 public:
-    WordsClient(int port, std::chrono::milliseconds timeout) : m_port(port), m_timeout(timeout) {}
+    using Milliseconds = std::chrono::milliseconds;
+
+    WordsClient(int port, Milliseconds timeout) : m_port(port), m_timeout(timeout) {}
     WordsClient(const WordsClient &) = delete;
     WordsClient &operator=(const WordsClient &) = delete;
 
     // Holding registers, functions 3 and 16; at most as many as one request carries, so that all or
-    // none are read or written. False on failure, `words` untouched.
+    // none are read or written. False on failure, `words` untouched. `timeout`, less than a second,
+    // is for what the service needs more time for.
     bool read(unsigned int address, unsigned short *words, int count);
     bool write(unsigned int address, const unsigned short *words, int count);
+    bool write(unsigned int address, const unsigned short *words, int count, Milliseconds timeout);
     // A coil, function 1. False if it is off, and on failure.
     bool coil(int address);
 
@@ -43,13 +47,13 @@ private:
     // Returns the count of what was transferred; -1, with errno, on failure.
     using Request = std::function<int(modbus_t *connection)>;
 
-    bool ask(const Request &request, int count);
+    bool ask(const Request &request, int count, Milliseconds timeout);
     Connection connect() const;
     void lose();
     void waitForService();
 
     const int m_port;
-    const std::chrono::milliseconds m_timeout;
+    const Milliseconds m_timeout;
     std::mutex m_mutex;
     std::condition_variable m_lost;
     Connection m_connection;

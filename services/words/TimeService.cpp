@@ -13,7 +13,7 @@ constexpr const char *POLKIT = "org.freedesktop.PolicyKit1";
 constexpr const char *SYNC_IS_ON = "org.freedesktop.timedate1.AutomaticTimeSyncEnabled";
 
 constexpr std::uint64_t SECOND = 1'000'000;       // us
-constexpr std::uint64_t LONGEST = 150'000;        // us; clients wait some 200 ms
+constexpr std::uint64_t LONGEST = 700'000;        // us; clients wait 800 ms
 constexpr std::uint64_t STAYS_AWAKE = 20'000'000; // us; they end themselves after 30 s
 
 std::uint64_t now(sd_event *event)

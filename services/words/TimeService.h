@@ -33,7 +33,7 @@ public:
     void wake();
 
     // Sets the clock, with the synchronisation over the network switched off. Returns NONE if that
-    // is under way; then calls `done` once, within 150 ms, with NONE, with BUSY if it was not done
+    // is under way; then calls `done` once, within 700 ms, with NONE, with BUSY if it was not done
     // in that time, or with DEVICE_FAILURE if it was refused. Returns BUSY while another call is
     // under way, DEVICE_FAILURE without a system bus; `done` is not called then.
     Failure set(std::time_t time, Done done);

@@ -41,14 +41,11 @@ def test_restart_asks_and_resets_the_board(panel):
     panel.touch("btn_Reboot")
     panel.touch("btn_Ok")
     panel.hands.wait_restart(60)
-    panel.wait_started()
-    panel.open_pages()
 
 
 def test_the_end_of_the_program_resets_the_board(panel):
     panel.hands.ask("quit")
     panel.hands.wait_restart(60)
-    panel.wait_started()
 
 
 def test_a_program_that_dies_comes_back_without_a_restart(delivered):

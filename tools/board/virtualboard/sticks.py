@@ -8,6 +8,7 @@ from .commands import run
 from .machine import raw_disk
 
 MIB = 1 << 20
+SECTOR = 512                 # bytes
 FIRST_SECTOR = 2048          # where every current tool lets the first partition begin
 SLOW_BYTES_A_SECOND = 1 << 20
 BOOT_CODE = 440              # of the first sector; behind it the partition table begins
@@ -29,10 +30,10 @@ def make_fat_stick(path, folder):
     with open(path, "wb") as image:
         image.truncate(_size_of(folder))
     run(["sh", "-c", 'echo "$2,,c" | sfdisk -q "$1"', "sh", path, str(FIRST_SECTOR)])
-    kilobytes = (_size_of(folder) - FIRST_SECTOR * 512) // 1024
+    kilobytes = (_size_of(folder) - FIRST_SECTOR * SECTOR) // 1024
     run(["mkfs.vfat", "-F", "32", "-n", "STICK", "--offset", FIRST_SECTOR, path, kilobytes])
     if _entries(folder):
-        run(["mcopy", "-s", "-Q", "-i", f"{path}@@{FIRST_SECTOR * 512}", *_entries(folder), "::/"])
+        run(["mcopy", "-s", "-Q", "-i", f"{path}@@{FIRST_SECTOR * SECTOR}", *_entries(folder), "::/"])
 
 
 def make_ext4_stick(path, folder):
@@ -41,11 +42,20 @@ def make_ext4_stick(path, folder):
     run(["mke2fs", "-q", "-t", "ext4", "-d", folder, path, f"{_size_of(pathlib.Path(folder)) // MIB}M"])
 
 
+def _write_garbage(path, first, size, seed):
+    with open(path, "r+b") as image:
+        image.seek(first)
+        image.write(random.Random(seed).randbytes(size))
+
+
 def break_partition_table(path, seed):
     """Overwrites the table with entries that lie; the marks that make it a table stay."""
-    with open(path, "r+b") as image:
-        image.seek(BOOT_CODE)
-        image.write(random.Random(seed).randbytes(510 - BOOT_CODE))
+    _write_garbage(path, BOOT_CODE, 510 - BOOT_CODE, seed)
+
+
+def break_sectors(path, first, count, seed):
+    """Overwrites sectors with garbage."""
+    _write_garbage(path, first * SECTOR, count * SECTOR, seed)
 
 
 def node(path, read_only=False):
