@@ -190,6 +190,7 @@ class Panel:
     # What a finger does.
 
     def touch_at(self, x, y, hold=0.06):
+        self.hands.finger_at(x + 1, y + 1)  # a position is told only when it changes
         self.hands.finger_at(x, y)
         self.hands.finger_down()
         time.sleep(hold)
