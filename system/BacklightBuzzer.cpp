@@ -23,22 +23,35 @@ constexpr unsigned int BEEP_TIME_WORD = 10614;
 constexpr int LONGEST_OFF_TIME = 3600;
 constexpr int LONGEST_BEEP = 1000;
 
-// Returns the word, 0 where the runtime does not give it; the field is empty then.
-unsigned short showWord(unsigned int address, QLineEdit *field)
+// Reads words, and remembers whether the runtime gave all of them.
+struct WordReader
 {
-    unsigned short value = 0;
-    const bool known = readWord(address, value) == 0;
-    field->setText(known ? QString::number(value) : QString());
-    return value;
-}
+    bool complete = true;
 
-// An odd word says off. The switch writes 1 for on, so that a buzzer that was turned off sounds
-// again after the next start; this is intended. A word that cannot be read counts as even.
-bool isBeepOn()
-{
-    unsigned short value = 0;
-    return readWord(BEEP_WORD, value) != 0 || value % 2 == 0;
-}
+    // Returns the word, 0 where the runtime does not give it; the field is empty then.
+    unsigned short show(unsigned int address, QLineEdit *field)
+    {
+        unsigned short value = 0;
+        const bool known = read(address, value);
+        field->setText(known ? QString::number(value) : QString());
+        return value;
+    }
+
+    // An odd word says off. The switch writes 1 for on, so that a buzzer that was turned off sounds
+    // again after the next start; this is intended. A word that cannot be read counts as even.
+    bool isBeepOn()
+    {
+        unsigned short value = 0;
+        return !read(BEEP_WORD, value) || value % 2 == 0;
+    }
+
+    bool read(unsigned int address, unsigned short &value)
+    {
+        const bool known = readWord(address, value) == 0;
+        complete = complete && known;
+        return known;
+    }
+};
 
 // Writes a number, or the text of an entry. A refusal is not reported to the operator; the hardware
 // gets the setting all the same.
@@ -58,20 +71,22 @@ BacklightBuzzer::BacklightBuzzer(QWidget *page, const Widgets &widgets)
         field->installEventFilter(page);
 }
 
-void BacklightBuzzer::init()
+bool BacklightBuzzer::init()
 {
     m_bRuntime = true;
-    showWord(OFF_TIME_WORD, m_widgets.offTime);
-    m_widgets.brightnessSlider->setValue(showWord(BRIGHTNESS_WORD, m_widgets.brightness));
-    const bool on = isBeepOn();
+    WordReader words;
+    words.show(OFF_TIME_WORD, m_widgets.offTime);
+    m_widgets.brightnessSlider->setValue(words.show(BRIGHTNESS_WORD, m_widgets.brightness));
+    const bool on = words.isBeepOn();
     PLATFORM::CPlatBuzzer::setEnable(on ? 1 : 0);
     showBeep(on);
-    const unsigned short beepTime = showWord(BEEP_TIME_WORD, m_widgets.beepTime);
+    const unsigned short beepTime = words.show(BEEP_TIME_WORD, m_widgets.beepTime);
     PLATFORM::CPlatBuzzer::setBeepTime(beepTime);
-    const unsigned short tone = showWord(TONE_WORD, m_widgets.tone);
+    const unsigned short tone = words.show(TONE_WORD, m_widgets.tone);
     m_widgets.toneSlider->setValue(tone);
     m_widgets.beepSwitch->setFlat(true);
     PLATFORM::CPlatBuzzer::init(on ? 1 : 0, tone, beepTime);
+    return words.complete;
 }
 
 bool BacklightBuzzer::edit(const QObject *object)

@@ -31,8 +31,8 @@ public:
     BacklightBuzzer(QWidget *page, const Widgets &widgets);
 
     // Shows the runtime's words and sets the buzzer up by them. Until then the switch writes no
-    // word.
-    void init();
+    // word. Returns whether the runtime gave all of them; may be called again.
+    bool init();
 
     // Opens the keyboard if `object` is one of the fields, and applies an accepted value. Returns
     // whether it is one of them.

@@ -28,18 +28,15 @@ void fillZones(QComboBox *zones)
     for (const TimeZoneRow &row : TIME_ZONE_ROWS)
         zones->addItem(QString::fromLatin1(row.label));
     zones->setCurrentIndex(loadTimeZone());
-    const bool allowed = backstage_AllowSetTime() != 0;
-    zones->setEnabled(allowed);
-    if (allowed)
-        zones->setMaxVisibleItems(VISIBLE_ZONES);
 }
 
 } // namespace
 
 ClockPanel::ClockPanel(QWidget *page, const Fields &fields, QComboBox *zones)
-    : m_pPage(page), m_fields(fields)
+    : m_pPage(page), m_fields(fields), m_pZones(zones)
 {
     fillZones(zones);
+    lockZones();
     for (QLineEdit *field : m_fields)
         field->installEventFilter(page);
 }
@@ -52,6 +49,14 @@ void ClockPanel::refresh()
         if (m_fields[i]->text() != shown[i]) // most ticks change the seconds alone
             m_fields[i]->setText(shown[i]);
     }
+}
+
+void ClockPanel::lockZones()
+{
+    const bool allowed = backstage_AllowSetTime() != 0;
+    m_pZones->setEnabled(allowed);
+    if (allowed)
+        m_pZones->setMaxVisibleItems(VISIBLE_ZONES);
 }
 
 ClockTexts ClockPanel::texts() const

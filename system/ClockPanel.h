@@ -23,6 +23,9 @@ public:
     // Shows the time.
     void refresh();
 
+    // Locks the list of zones unless the runtime lets the clock be set.
+    void lockZones();
+
     // Opens the keyboard if `object` is one of the six fields; the clock ticks on from an accepted
     // value. Returns whether it is one of them.
     bool edit(const QObject *object);
@@ -39,5 +42,6 @@ private:
 
     QWidget *m_pPage;
     Fields m_fields;
+    QComboBox *m_pZones;
     std::int64_t m_nTimeOffset = 0; // seconds from the panel's clock to the typed time
 };

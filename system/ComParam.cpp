@@ -171,13 +171,17 @@ int ComParamLists::writePort(const QString &name, const QString &settings) const
     return port == nullptr ? NO_SUCH_PORT : writePort(port->base, settings);
 }
 
-std::vector<ComPort> ComParamLists::portsInUse() const
+std::vector<ComPort> ComParamLists::portsInUse(bool *complete) const
 {
     std::vector<ComPort> ports;
+    bool all = true;
     for (const PortBase &port : PORTS) {
-        const ComWords words = readWords(port.base).words;
-        if (!std::all_of(words.begin(), words.end(), isZero))
-            ports.push_back({QLatin1String(port.name), settingsOf(words)});
+        const Reading reading = readWords(port.base);
+        all = all && reading.complete;
+        if (!std::all_of(reading.words.begin(), reading.words.end(), isZero))
+            ports.push_back({QLatin1String(port.name), settingsOf(reading.words)});
     }
+    if (complete != nullptr)
+        *complete = all;
     return ports;
 }

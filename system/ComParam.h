@@ -67,8 +67,9 @@ public:
                                bool *complete = nullptr) const;
     [[nodiscard]] int writePort(const QString &name, const QString &settings) const;
 
-    // The ports whose settings are not all zero, in the order of listSeralType.
-    std::vector<ComPort> portsInUse() const;
+    // The ports whose settings are not all zero, in the order of listSeralType. `complete` tells
+    // whether all words of all ports were read.
+    std::vector<ComPort> portsInUse(bool *complete = nullptr) const;
 
 private:
     QString settingsOf(const ComWords &words) const;

@@ -8,12 +8,17 @@
 #include "system/Stepping.h"
 #include "ui_CommSetting.h"
 
+#include <QApplication>
+#include <QTimerEvent>
+
 #include <algorithm>
+#include <utility>
 
 namespace {
 
 constexpr int NO_LISTS = -1;
 constexpr int LARGEST_STATION = 255;
+constexpr int AGAIN_MS = 1000;
 
 // Why a write failed, by its result.
 struct Refusal
@@ -67,14 +72,58 @@ CommSetting::~CommSetting() = default;
 void CommSetting::init(const ComParamLists *lists)
 {
     m_pLists = lists;
-    setEnabled(true);
-    listSeralType.clear();
-    for (const ComPort &port : lists->portsInUse())
-        listSeralType << port.name;
-    if (listSeralType.isEmpty())
-        setEnabled(false);
-    else
+    findPorts();
+    if (isEnabled())
         load(QStringLiteral("COM1-1"));
+}
+
+void CommSetting::findPorts()
+{
+    listSeralType.clear();
+    for (const ComPort &port : m_pLists->portsInUse(&m_bPortsComplete))
+        listSeralType << port.name;
+    setEnabled(!listSeralType.isEmpty());
+}
+
+bool CommSetting::isMissing() const
+{
+    return m_pLists != nullptr && (!m_bPortsComplete || (isEnabled() && !m_bComplete));
+}
+
+void CommSetting::readMissing()
+{
+    if (isMissing() && !m_bPortsComplete)
+        findPorts();
+    if (!isMissing())
+        return;
+    if (ui->line_ComNum->text().isEmpty())
+        load(QStringLiteral("COM1-1"));
+    else
+        reload();
+}
+
+void CommSetting::watchMissing()
+{
+    if (m_nTimer == 0 && isVisible() && isMissing())
+        m_nTimer = startTimer(AGAIN_MS);
+}
+
+// Not under a keyboard or a dialog, which works on what it has found.
+void CommSetting::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() != m_nTimer)
+        return QWidget::timerEvent(event);
+    if (isVisible() && QApplication::activeModalWidget() == nullptr)
+        readMissing();
+    if (!isVisible() || !isMissing())
+        killTimer(std::exchange(m_nTimer, 0));
+}
+
+void CommSetting::showEvent(QShowEvent *event)
+{
+    readMissing();
+    watchMissing();
+    QWidget::showEvent(event);
 }
 
 void CommSetting::retranslate()
@@ -132,6 +181,7 @@ void CommSetting::reload()
     if (readPort(settings) != NO_LISTS)
         m_fields = settings.split(QLatin1Char(','));
     showFields();
+    watchMissing();
 }
 
 void CommSetting::showFields()

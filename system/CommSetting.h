@@ -16,7 +16,8 @@ class ComSetting;
 // Shows the COM ports one at a time, as the control runtime holds them, and writes every change at
 // once. After a write that fails, or is refused because the port was not read in full, the page
 // shows what the runtime holds, and a line says why until another port is shown or a change is
-// written. GUI thread.
+// written. What the runtime does not give is asked for again every second while the page is seen.
+// GUI thread.
 class CommSetting : public QWidget
 {
     Q_OBJECT
@@ -34,10 +35,18 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
+protected:
+    void timerEvent(QTimerEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
 private slots:
     void slot_ButtonPressed();
 
 private:
+    void findPorts();
+    bool isMissing() const;
+    void readMissing();
+    void watchMissing();
     [[nodiscard]] int readPort(QString &settings);
     void load(const QString &name);
     void reload();
@@ -50,7 +59,9 @@ private:
 
     std::unique_ptr<Ui::ComSetting> ui;
     const ComParamLists *m_pLists = nullptr;
-    QStringList m_fields;     // of the port that is shown, in full; empty without one
-    bool m_bComplete = false; // the runtime gave all of them
-    int m_nWriteResult = 0;   // of the last write, as ComParamLists::writePort()
+    QStringList m_fields;         // of the port that is shown, in full; empty without one
+    bool m_bComplete = false;     // the runtime gave all of them
+    bool m_bPortsComplete = true; // and all words of all ports, when they were last sought
+    int m_nTimer = 0;             // 0 while nothing is missing, and while the page is hidden
+    int m_nWriteResult = 0;       // of the last write, as ComParamLists::writePort()
 };

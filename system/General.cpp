@@ -63,8 +63,17 @@ void General::connectWidgets()
 void General::init(const ComParamLists *runtime)
 {
     m_clock->refresh();
-    if (runtime != nullptr)
-        m_backlightBuzzer->init();
+    m_bWordsMissing = runtime != nullptr && !m_backlightBuzzer->init();
+}
+
+// Whether the clock may be set is asked again too: the answer has been no without the runtime.
+void General::readMissingWords()
+{
+    if (!m_bWordsMissing)
+        return;
+    m_bWordsMissing = !m_backlightBuzzer->init();
+    if (!m_bWordsMissing)
+        m_clock->lockZones();
 }
 
 void General::retranslate()
@@ -84,9 +93,10 @@ void General::timerEvent(QTimerEvent *event)
 {
     if (event->timerId() != m_nClockTimer)
         QWidget::timerEvent(event);
-    else if (isVisible())
+    else if (isVisible()) {
         m_clock->refresh();
-    else // a clock that is not seen wakes no idle panel
+        readMissingWords();
+    } else // a clock that is not seen wakes no idle panel
         killTimer(std::exchange(m_nClockTimer, 0));
 }
 
@@ -100,6 +110,7 @@ void General::startClock()
 void General::showEvent(QShowEvent *event)
 {
     m_clock->refresh();
+    readMissingWords();
     startClock();
     QWidget::showEvent(event);
 }

@@ -26,7 +26,8 @@ public:
 
     // Shows the time and the runtime's words and sets the buzzer up by them. `runtime` is the
     // settings object of the COM ports; null leaves the words alone, and the page will not write
-    // the beep switch. Once, by the main window.
+    // the beep switch. Once, by the main window. Words that the runtime does not give are asked for
+    // again every second while the page is seen.
     void init(const ComParamLists *runtime);
 
     // Sets the page's texts and style again, after a language change.
@@ -48,9 +49,11 @@ private:
     void sizeWidgets();
     void connectWidgets();
     void startClock();
+    void readMissingWords();
 
     std::unique_ptr<Ui::General> ui;
     std::optional<ClockPanel> m_clock;
     std::optional<BacklightBuzzer> m_backlightBuzzer;
     int m_nClockTimer = 0; // 0 while the page is hidden
+    bool m_bWordsMissing = false;
 };

@@ -99,8 +99,10 @@ void applyLanguage(int id)
     QSettings settings(toQString(settingsPath()), QSettings::IniFormat);
     settings.setValue(languageKey(), QStringLiteral("%1").arg(g_nLanguge));
     settings.sync();
-    if (settings.status() != QSettings::NoError)
+    if (settings.status() != QSettings::NoError) {
         std::printf("write [%s] error\n", SETTINGS_NAME);
+        std::fprintf(stderr, "sysset: the language is not kept: %s\n", settingsPath().c_str());
+    }
     syncSettingsFolder();
 }
 

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <ctime>
 #include <memory>
+#include <system_error>
 #include <unistd.h>
 
 const std::array<TimeZoneRow, TIME_ZONES> TIME_ZONE_ROWS{{
@@ -86,12 +87,20 @@ struct FileCloser
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
+void tellOfFailure()
+{
+    const std::string why = std::generic_category().message(errno);
+    std::fprintf(stderr, "sysset: the time zone is not kept: %s\n", why.c_str());
+}
+
 // Null, and the reason on standard output, if it cannot be opened.
 File openZoneFile(const char *mode)
 {
     File file(std::fopen(zonePath().c_str(), mode));
-    if (!file)
+    if (!file) {
         std::printf("error = %d\n", errno);
+        tellOfFailure();
+    }
     return file;
 }
 
@@ -99,8 +108,8 @@ File openZoneFile(const char *mode)
 void writeContent(std::FILE *file, const std::string &content)
 {
     std::fwrite(content.data(), 1, content.size(), file);
-    std::fflush(file);
-    fsync(fileno(file));
+    if (std::fflush(file) != 0 || fsync(fileno(file)) != 0)
+        tellOfFailure();
 }
 
 char *environmentZone()

@@ -28,7 +28,7 @@ void journal(Severity severity, const std::string &text)
 {
     std::string line = text;
     std::replace_if(
-        line.begin(), line.end(), [](unsigned char c) { return c < ' ' || c == 0x7f; }, '?');
+        line.begin(), line.end(), [](unsigned char c) { return c < ' ' || c >= 0x7f; }, '?');
     std::fputs((prefix(severity) + line + "\n").c_str(), stderr);
 }
 

@@ -7,7 +7,8 @@ namespace board {
 
 enum class Severity { Error = 3, Warning = 4, Info = 6 }; // syslog(3)
 
-// One line; control characters in `text` are replaced. Any thread.
+// One line. What is not ASCII in `text` is replaced, control characters too: a single byte that is
+// no UTF-8 would hide the whole line from who reads the journal. Any thread.
 void journal(Severity severity, const std::string &text);
 
 // A fault that is told when it appears and not again as long as it lasts. Any thread.

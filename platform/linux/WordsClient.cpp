@@ -27,6 +27,12 @@ bool isRefusal(int error)
     return error > MODBUS_ENOBASE && error < EMBBADCRC;
 }
 
+// An answer to another question, or none at all, came in time.
+bool isNonsense(int error)
+{
+    return error >= EMBBADCRC && error <= EMBBADSLAVE;
+}
+
 // The service was there and has closed its end, as after a restart.
 bool isBroken(int error)
 {
@@ -101,9 +107,20 @@ bool WordsClient::ask(const Request &request, int count, Milliseconds timeout)
     }
     if (result == count)
         return true;
-    if (result != -1 || !isRefusal(errno))
-        lose();
+    takeFailure(errno);
     return false;
+}
+
+void WordsClient::takeFailure(int error)
+{
+    if (isRefusal(error)) {
+        m_refusal.tell("the words service refuses a word: it is neither read nor written");
+    } else if (isNonsense(error)) {
+        m_nonsense.tell("the words service gives an answer that makes no sense: it is not taken");
+        m_connection.reset();
+    } else {
+        lose();
+    }
 }
 
 WordsClient::Connection WordsClient::connect() const

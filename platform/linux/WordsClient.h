@@ -13,9 +13,10 @@
 
 namespace board {
 
-// One connection, opened by the first request and kept. A request that gets no valid answer within
-// the time-out closes it, and from then on every request fails at once until the service has
-// answered a question of the client's own thread, which asks four times a second. Any thread.
+// One connection, opened by the first request and kept. A request that gets no answer within the
+// time-out closes it, and from then on every request fails at once until the service has answered a
+// question of the client's own thread, which asks four times a second. An answer that makes no
+// sense costs the connection alone: other words of the same service may be sound. Any thread.
 class WordsClient
 {
 public:
@@ -49,6 +50,7 @@ private:
 
     bool ask(const Request &request, int count, Milliseconds timeout);
     Connection connect() const;
+    void takeFailure(int error);
     void lose();
     void waitForService();
 
@@ -60,6 +62,9 @@ private:
     bool m_isAway = false;
     bool m_hasWaiter = false;
     Fault m_fault;
+    // Told once: they concern some words and not others.
+    Fault m_refusal;
+    Fault m_nonsense;
 };
 
 } // namespace board

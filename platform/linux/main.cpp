@@ -2,8 +2,9 @@
 
 #include "app/Program.h"
 #include "platform/linux/Ready.h"
+#include "platform/linux/ScreenWait.h"
 
 int main(int argc, char **argv)
 {
-    return runProgram(argc, argv, board::tellReady);
+    return runProgram(argc, argv, board::tellReady, board::waitForScreen);
 }

@@ -1,19 +1,32 @@
 #include "services/words/Journal.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <system_error>
 #include <systemd/sd-daemon.h>
 
 namespace words {
 
+namespace {
+
+// A byte that is no UTF-8 would hide the whole line from who reads the journal.
+std::string plain(std::string line)
+{
+    std::replace_if(
+        line.begin(), line.end(), [](unsigned char c) { return c < ' ' || c >= 0x7f; }, '?');
+    return line;
+}
+
+} // namespace
+
 void say(const std::string &line)
 {
-    std::fprintf(stderr, SD_INFO "%s\n", line.c_str());
+    std::fprintf(stderr, SD_INFO "%s\n", plain(line).c_str());
 }
 
 void warn(const std::string &line)
 {
-    std::fprintf(stderr, SD_WARNING "%s\n", line.c_str());
+    std::fprintf(stderr, SD_WARNING "%s\n", plain(line).c_str());
 }
 
 std::string reason(int error)

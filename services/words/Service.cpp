@@ -30,6 +30,14 @@ Store loadedStore(Registers &registers)
     return store;
 }
 
+// The words of a clock outside their range can be read, but not written back.
+void tellOfWrongClock(const std::string &zone)
+{
+    const Word year = clockWords(std::time(nullptr), zone).front();
+    if (!isInRange(CLOCK_FIRST, year))
+        warn("the clock says the year " + std::to_string(year) + ": it is to be set");
+}
+
 } // namespace
 
 Service::Service(sd_event *event, const Settings &settings)
@@ -42,6 +50,7 @@ Service::Service(sd_event *event, const Settings &settings)
           return handle(request, later);
       })
 {
+    tellOfWrongClock(readZone(m_zonePath));
 }
 
 std::optional<Answer> Service::handle(const Request &request, const Later &later)

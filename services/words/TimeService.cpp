@@ -36,11 +36,12 @@ bool TimeService::connect()
     return sd_bus_attach_event(bus, m_event, SD_EVENT_PRIORITY_NORMAL) >= 0;
 }
 
-// Without a slot nobody waits for the answer.
+// Without a slot nobody waits for the answer. It is asked for all the same: polkit answers also who
+// wants no answer, and the bus tells the journal of each such one.
 int TimeService::ping(const char *service, sd_bus_slot **slot)
 {
     return sd_bus_call_method_async(m_bus.get(), slot, service, "/", "org.freedesktop.DBus.Peer",
-                                    "Ping", slot == nullptr ? nullptr : onReply, this, "");
+                                    "Ping", slot == nullptr ? onAwake : onReply, this, "");
 }
 
 void TimeService::wake()
@@ -142,6 +143,11 @@ void TimeService::await(Step next, sd_bus_slot *slot, int result)
     m_next = next;
     if (result < 0)
         refuse(reason(-result));
+}
+
+int TimeService::onAwake(sd_bus_message *, void *, sd_bus_error *)
+{
+    return 0;
 }
 
 int TimeService::onReply(sd_bus_message *reply, void *self, sd_bus_error *)

@@ -53,6 +53,7 @@ private:
     void forget();
     void refuse(const std::string &why);
     void finish(Failure failure);
+    static int onAwake(sd_bus_message *reply, void *self, sd_bus_error *);
     static int onReply(sd_bus_message *reply, void *self, sd_bus_error *);
     static int onLate(sd_event_source *, std::uint64_t, void *self);
 

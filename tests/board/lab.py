@@ -203,6 +203,7 @@ class Panel:
     # What a finger does.
 
     def touch_at(self, x, y, hold=0.06):
+        self.hands.finger_at(x + 1, y + 1)  # a position is told only when it changes
         self.hands.finger_at(x, y)
         self.hands.finger_down()
         time.sleep(hold)
@@ -253,6 +254,32 @@ class Panel:
         self.touch_at(x + width // 2, y + height * (2 * row + 1) // (2 * VISIBLE_CHOICES))
         wait_for(lambda: self.widget(name).index == row, f"{name} has row {row}")
 
+    def press_through(self):
+        """Touches what asks the settings words: both pages, ports, a dialog, a slider. Returns how long
+        each touch took to show."""
+        def timed(seen, name, row=None):
+            began = time.monotonic()
+            self.touch(name, row)
+            wait_for(seen, f"{name} touched", 60)
+            return time.monotonic() - began
+
+        def page(name):
+            return lambda: self.widget(name)
+
+        def next_port():
+            before = self.text("line_ComNum")
+            return timed(lambda: self.text("line_ComNum") != before, "btn_ComR")
+
+        took = [timed(page("tab_Net"), "btn_Net"), timed(page("tab_System"), "btn_Sysset"),
+                timed(page("line_Year"), "tab_System", 0)]
+        began = time.monotonic()
+        self.drag("slider_Backlightness", 75 - self.widget("slider_Backlightness").value // 2)
+        took += [time.monotonic() - began, timed(page("btn_ComR"), "tab_System", 1)]
+        if self.widget("btn_ComR").enabled:
+            took += [next_port(), next_port(), timed(page("btn_Save"), "btn_CommunIndetail"),
+                     timed(lambda: self.widgets("btn_Save")[:1] == [], "btn_Canl")]
+        return took
+
     # What is heard.
 
     @contextlib.contextmanager
@@ -283,6 +310,11 @@ class Panel:
     def service_is(self, name):
         """State of a unit: active, failed, ..."""
         return self.try_shell(f"systemctl is-active {name}")[1]
+
+    def told(self, unit):
+        """Lines that a unit's own processes have told the journal since it was started last."""
+        start = self.shell(f"systemctl show -P InvocationID {unit}")
+        return self.shell(f"journalctl -b -o cat --no-pager _SYSTEMD_INVOCATION_ID={start}").splitlines()
 
     def journal(self, unit):
         """All that a unit has told the journal since the start."""

@@ -4,6 +4,7 @@
 #include "platform/control/ControlServer.h"
 #include "platform/linux/Journal.h"
 #include "platform/linux/Ready.h"
+#include "platform/linux/ScreenWait.h"
 
 #include <cstdlib>
 
@@ -33,5 +34,5 @@ void windowShown()
 
 int main(int argc, char **argv)
 {
-    return runProgram(argc, argv, windowShown);
+    return runProgram(argc, argv, windowShown, board::waitForScreen);
 }
