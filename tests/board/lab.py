@@ -15,6 +15,8 @@ from virtualboard import kept, screen, sound, sticks  # noqa: E402
 from virtualboard.jsonlines import JsonLines          # noqa: E402
 
 PATIENCE_S = 15      # an emulated board is some thirty times slower than a panel
+KEY_PAUSE_S = 0.16   # the keyboard takes presses that follow faster for one
+VISIBLE_CHOICES = 8  # rows of an open combo box
 
 
 class NotSeen(AssertionError):
@@ -34,6 +36,10 @@ class Widget:
     def centre(self):
         x, y, width, height = self.told["rect"]
         return x + width // 2, y + height // 2
+
+    def find(self, kind):
+        """The first one of a class that is seen in it, or None."""
+        return next((w for w in self.walk() if w.told["class"] == kind and w.visible), None)
 
     def walk(self):
         """This one and all in it."""
@@ -94,6 +100,10 @@ class VirtualHands:
     def backlight(self):
         """Percent of the light behind the screen."""
         return self.machine.backlight()
+
+    def is_dark(self):
+        """Whether the light is switched off. The virtual one has no switch, only a driver that has it."""
+        return self.shell("cat /sys/class/backlight/*/bl_power") != "0"
 
     def sounded(self):
         """A mark in what the beeper has sounded until now."""
@@ -167,6 +177,9 @@ class Panel:
             raise NotSeen(f"{name} is not on the screen")
         return found[0]
 
+    def is_seen(self, name):
+        return any(widget.visible for widget in self.widgets(name))
+
     def text(self, name):
         return self.widget(name).text
 
@@ -212,11 +225,30 @@ class Panel:
         self.hands.finger_up()
         wait_for(lambda: self.widget(name).value == value, f"{name} has the value {value}")
 
-    def type(self, text, accept):
-        """Types on the keyboard that is open, then touches its key of that name."""
-        for character in text:
-            self.touch_at(*wait_for(lambda c=character: self.by_text(c), f"key {character}").centre)
-        self.touch(accept)
+    def type(self, text, page="n", enter="enter"):
+        """Types on the open keyboard's page n of numbers or c of letters, and enters it."""
+        for end in range(1, len(text) + 1):
+            self._press_key(f"btn_{page}_{text[end - 1]}", lambda e=end: self.text("line_Text") == text[:e])
+        self._press_key(f"btn_{page}_{enter}", lambda: not self.is_seen("line_Text"))
+
+    def _press_key(self, key, is_taken):
+        """Presses a key, and again if the keyboard took it for a trembling finger's, as it takes the
+        first one of all."""
+        time.sleep(KEY_PAUSE_S)
+        self.touch(key)
+        try:
+            wait_for(is_taken, f"{key} is taken", 1)
+        except NotSeen:
+            self.touch(key)
+            wait_for(is_taken, f"{key} is taken")
+
+    def choose(self, name, row):
+        """Chooses a row of a combo box that is in sight when its list opens."""
+        self.touch(name)
+        choices = wait_for(lambda: self.widget(name).find("QComboBoxListView"), f"the list of {name}")
+        x, y, width, height = choices.rect
+        self.touch_at(x + width // 2, y + height * (2 * row + 1) // (2 * VISIBLE_CHOICES))
+        wait_for(lambda: self.widget(name).index == row, f"{name} has row {row}")
 
     # What is heard.
 
@@ -233,7 +265,7 @@ class Panel:
         """Waits for the pages behind the notice that no network service runs, and takes it away."""
         wait_for(lambda: self.widget("stackedWidget"), "the pages", timeout)
         self.touch("btn_Ok")
-        wait_for(lambda: not self.widgets("btn_Ok")[:1] or not self.widgets("btn_Ok")[0].visible, "no notice")
+        wait_for(lambda: not self.is_seen("btn_Ok"), "no notice")
 
     def power_cycle(self):
         """Cuts the power, without a word to the board, and switches it on again."""

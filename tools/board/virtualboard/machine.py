@@ -2,7 +2,9 @@
 
 import contextlib
 import dataclasses
+import datetime
 import json
+import math
 import os
 import pathlib
 import signal
@@ -110,14 +112,14 @@ def _memory(path, shared):
     return f"memory-backend-file,id=ram,size={MEMORY_MB}M,mem-path={path},share={'on' if shared else 'off'}"
 
 
-def command_line(folder, image, screen, memory, display, data):
+def command_line(folder, image, screen, memory, display, data, clock):
     """QEMU's arguments. Both sides of a kept state must have the same devices in the same order."""
     arguments = [QEMU, "-accel", "tcg,thread=multi", "-cpu", "Nehalem", "-smp", "2", "-m", str(MEMORY_MB),
                  "-nodefaults", "-no-user-config", "-name", "panel", "-display", display,
                  "-kernel", str(image.kernel), "-initrd", str(image.initrd), "-append", COMMAND_LINE,
                  "-machine", "q35,memory-backend=ram,pcspk-audiodev=speaker",
                  "-object", _memory(*memory),
-                 "-smbios", SMBIOS, "-rtc", "base=utc,clock=host",
+                 "-smbios", SMBIOS, "-rtc", f"base={clock},clock=host",
                  "-acpitable", f"file={image.firmware}",
                  "-audiodev", f"wav,id=speaker,path={folder}/beeper.wav",
                  "-blockdev", json.dumps({**overlay_disk(folder / "root.qcow2"), "node-name": "root",
@@ -147,7 +149,7 @@ class Machine:
         for name in SOCKETS:
             (self.folder / name).unlink(missing_ok=True)
         data = data or overlay_disk(self.folder / "data.qcow2")
-        arguments = command_line(self.folder, image, self.screen, memory, display, data)
+        arguments = command_line(self.folder, image, self.screen, memory, display, data, self._kept_clock())
         if incoming:
             arguments += ["-incoming", "defer"]
         with open(self.folder / "qemu.log", "ab") as log:
@@ -191,10 +193,30 @@ class Machine:
             return False
 
     def cut_power(self):
-        """Ends QEMU at once: what the board had not written is lost."""
+        """Ends QEMU at once: what the board had not written is lost. The hardware clock goes on, as one
+        with a battery does, and the light behind the screen goes out."""
         if self.is_running():
+            with contextlib.suppress(Refused, OSError, EOFError, TimeoutError):
+                self._keep_clock()
             os.kill(self.pid, signal.SIGKILL)
         self._ended()
+        (self.folder / "backlight").write_bytes(b"")
+
+    def _keep_clock(self):
+        """Notes how many seconds the hardware clock is ahead of the host's."""
+        told = self.monitor.call("qom-get", path="/machine", property="rtc-time")
+        clock = datetime.datetime(1900 + told["tm_year"], 1 + told["tm_mon"], told["tm_mday"], told["tm_hour"],
+                                  told["tm_min"], told["tm_sec"], tzinfo=datetime.timezone.utc)
+        (self.folder / "clock").write_text(str(math.ceil(clock.timestamp() - time.time())))
+
+    def _kept_clock(self):
+        """The time at which QEMU's hardware clock starts."""
+        try:
+            ahead = int((self.folder / "clock").read_text())
+        except FileNotFoundError:
+            return "utc"
+        now = datetime.datetime.fromtimestamp(time.time() + ahead, datetime.timezone.utc)
+        return now.strftime("%Y-%m-%dT%H:%M:%S")
 
     def quit(self):
         """Ends QEMU in order, so that files it writes are complete; the board is not asked."""
@@ -256,5 +278,6 @@ class Machine:
         self.wait_restart()
 
     def backlight(self):
-        """The level that the panel has set last, in percent."""
-        return (self.folder / "backlight").read_bytes()[-1]
+        """The level that the panel has set last, in percent; 0 before it has set one."""
+        levels = (self.folder / "backlight").read_bytes()
+        return levels[-1] if levels else 0
