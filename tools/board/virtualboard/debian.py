@@ -2,9 +2,10 @@
 
 import os
 import re
+import signal
 
 from . import cache
-from .commands import roomy_folder, run
+from .commands import CommandFailed, roomy_folder, run
 
 SUITE = "bookworm"
 
@@ -66,10 +67,22 @@ def needed_by(debs):
     return sorted(set().union(*map(_depends, debs)) - own)
 
 
+# What mmdebstrap 1.3 says when the helper that hands it a file dies of a broken pipe, as it did once in
+# some thirty runs on a busy machine; the next attempt works.
+BROKEN_PIPE = f"special hook failed with exit code {int(signal.SIGPIPE)}"
+ATTEMPTS = 3
+
+
 def _mmdebstrap(*arguments):
     mode = "root" if os.geteuid() == 0 else "unshare"
-    run(["mmdebstrap", f"--mode={mode}", "--quiet", *arguments], cwd="/",
-        env={"TMPDIR": str(roomy_folder())})
+    for attempt in range(1, ATTEMPTS + 1):
+        try:
+            run(["mmdebstrap", f"--mode={mode}", "--quiet", *arguments], cwd="/",
+                env={"TMPDIR": str(roomy_folder())})
+            return
+        except CommandFailed as failure:
+            if attempt == ATTEMPTS or BROKEN_PIPE not in str(failure):
+                raise
 
 
 def _hooks(kind, *commands):
