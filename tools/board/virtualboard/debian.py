@@ -25,6 +25,10 @@ LEFT_OUT = ["/usr/share/man/*", "/usr/share/doc/*", "/usr/share/locale/*", "/usr
 
 PACKAGES = ["sysset", "sysset-services"]
 
+# fontconfig knows a folder's cache by the folder's time to the nanosecond; mmdebstrap's tar and mke2fs
+# change times that are new or not whole seconds. Without this each start reads all fonts.
+CACHE_FONTS = "find /usr/share/fonts -type d -exec touch -d 2020-01-01 {} + && fc-cache -f"
+
 FETCH_KERNEL = ('cd /var/cache && apt-get -qq download '
                 '$(apt-cache depends linux-image-amd64 | sed -n "s/.*Depends: //p") && '
                 'mv linux-image-*.deb kernel.deb')
@@ -109,7 +113,7 @@ def _make_system(debian, debs):
                     *_hooks("customize", f'mkdir "$1{inside}"',
                             f"copy-in {' '.join(map(str, debs))} {inside}",
                             f"chroot \"$1\" sh -c 'apt-get install -y -qq {inside}/*.deb'",
-                            f'rm -r "$1{inside}"'),
+                            f'rm -r "$1{inside}"', f"chroot \"$1\" sh -c '{CACHE_FONTS}'"),
                     SUITE, f"{out}/system.tar")
     return make
 
@@ -123,5 +127,5 @@ def debian_step(debs):
 
 def system_step(debian, debs):
     """The same with our packages installed."""
-    return cache.step("system", "Installing the panel's packages", [debian.name, *debs],
+    return cache.step("system", "Installing the panel's packages", [debian.name, CACHE_FONTS, *debs],
                       _make_system(debian, debs))

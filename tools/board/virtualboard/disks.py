@@ -18,7 +18,7 @@ set -eu
 tar -xf "$SYSTEM" -C "$TREE" --exclude='./dev/*'
 cp -a "$MODULES/." "$TREE/usr/"
 cp -a "$GUEST/." "$TREE/"
-rm -rf "$TREE"/var/lib/apt/lists/* "$TREE"/var/cache/*
+rm -rf "$TREE"/var/lib/apt/lists/* "$TREE"/var/cache/apt "$TREE"/var/cache/debconf
 find "$GUEST" "$MODULES" -mindepth 1 -printf '%P\\n' | sed "s,^lib/modules,usr/&," |
     (cd "$TREE" && xargs -d '\\n' chown -h 0:0)
 grep -v '^#' "$UNITS_OFF" | while read -r unit; do
