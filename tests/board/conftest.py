@@ -33,9 +33,8 @@ def packaged(built):
     return kept.kept_step("kept", built, SIZE)
 
 
-@pytest.fixture(scope="session")
-def developers(built):
-    """The same with the developer's program in the place of the packaged one."""
+def developers_step(built):
+    """The same with the developer's program in the place of the packaged one, its pages open."""
     program = os.environ.get("SYSSET_BOARD_PROGRAM") or developer.program_step()
     overlay = developer.overlay_step(program)
 
@@ -46,6 +45,12 @@ def developers(built):
         kept.wait_until_still(board)
 
     return kept.kept_step("stories", built, SIZE, prepare, [overlay])
+
+
+@pytest.fixture(scope="session")
+def developers(built):
+    """The folder of that board."""
+    return developers_step(built)
 
 
 def _keep_evidence(request, panel):

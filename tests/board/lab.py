@@ -13,6 +13,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools" / "
 
 from virtualboard import kept, screen, sound, sticks  # noqa: E402
 from virtualboard.jsonlines import JsonLines          # noqa: E402
+from virtualboard.machine import raw_disk             # noqa: E402
 
 PATIENCE_S = 15      # an emulated board is some thirty times slower than a panel
 KEY_PAUSE_S = 0.16   # the keyboard takes presses that follow faster for one
@@ -96,6 +97,11 @@ class VirtualHands:
 
     def pull(self, name):
         self.machine.pull(name)
+
+    def add_disk(self, name, image):
+        """A further disk, /dev/vdc, that is in a file."""
+        self.machine.monitor.call("blockdev-add", **{"node_name": name, **raw_disk(image)})
+        self.machine.monitor.call("device_add", driver="virtio-blk-pci", id=f"{name}-disk", drive=name, bus="slot1")
 
     def backlight(self):
         """Percent of the light behind the screen."""

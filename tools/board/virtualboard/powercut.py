@@ -6,6 +6,7 @@ anything in any order, so a random part of it is. The log's format is that of th
 (Documentation/admin-guide/device-mapper/log-writes.rst), which QEMU's blklogwrites writes."""
 
 import dataclasses
+import os
 import random
 import shutil
 import struct
@@ -36,7 +37,10 @@ class Entry:
 def read_log(path):
     """All entries of a log, in order; an unfinished last one is left out."""
     with open(path, "rb") as log:
-        magic, _, _, sector = HEAD.unpack(log.read(HEAD.size))
+        first = log.read(HEAD.size)
+        if not first:
+            return      # the head comes with the first write
+        magic, _, _, sector = HEAD.unpack(first)
         if magic != MAGIC:
             raise BadLog(path)
         log.seek(sector)
@@ -81,9 +85,15 @@ class _Replay:
                     _write(image, entry)
 
 
+def length(log):
+    """Number of requests that a log has now."""
+    return sum(1 for _ in read_log(log))
+
+
 def cuts(log, before, scratch, count, seed=1):
-    """Disks after a power cut, at count moments spread over the log. Each is a path; the next call
-    overwrites it. before is the disk when the log began, scratch a folder."""
+    """Disks after a power cut, at count moments spread over the log: the number of requests until
+    then, and a path, which the next call overwrites. before is the disk when the log began, scratch a
+    folder."""
     entries = list(read_log(log))
     moments = {round((i + 1) * len(entries) / count) for i in range(count)}
     chance = random.Random(seed)
@@ -93,7 +103,20 @@ def cuts(log, before, scratch, count, seed=1):
         replay.take(entry)
         if number in moments:
             replay.cut(scratch / "cut.raw", chance)
-            yield scratch / "cut.raw"
+            yield number, scratch / "cut.raw"
+
+
+def lay_side_by_side(disks, path):
+    """Puts disks of one size one behind the other into one image, so that a board can be shown all of
+    them at once; what is empty takes no space. Returns the requests before each, and their size."""
+    numbers, size = [], 0
+    for number, disk in disks:
+        size = disk.stat().st_size
+        run(["dd", f"if={disk}", f"of={path}", "bs=1M", f"seek={len(numbers) * size}", "oflag=seek_bytes",
+             "conv=notrunc,sparse", "status=none"])
+        numbers.append(number)
+        os.truncate(path, len(numbers) * size)
+    return numbers, size
 
 
 class Disk:

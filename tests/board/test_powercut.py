@@ -1,0 +1,143 @@
+"""The power is cut at a hundred moments while an operator changes settings: each is the old or the new one."""
+
+import contextlib
+import functools
+import shutil
+import time
+
+import pytest
+
+import conftest
+from lab import wait_for
+from virtualboard import kept, machine, powercut
+
+CUTS = 100
+KEPT_WITHIN_S = 1.0     # what the words service promises; the zone is synced at once
+FIRST_ZONE = "UTC+08:00 Beijing"
+ZONE_FILE = "/mnt/data/etc/tz/tz.conf"
+
+# Mounts the disks one after the other, so that the kernel replays their journals, and tells a digest of
+# each one's tree: names, kinds, modes, owners, sizes, and what is in the files.
+LOOK = """set -e
+mkdir -p /run/cut
+at=0
+while mount -o loop,offset=$at,sizelimit={size} /dev/vdc /run/cut; do
+    cd /run/cut
+    (find . -path ./lost+found -prune -o -printf '%P %y %m %u %s\n' | sort
+     find . -type f -exec sha256sum {{}} + | sort) | sha256sum
+    cd /
+    umount /run/cut
+    at=$((at + {size}))
+    [ $at -lt {end} ] || exit 0
+done
+exit 1
+"""
+
+# Starts the services and the program with one of them as the data disk.
+START = """set -e
+systemctl stop sysset sysset-words
+umount /mnt/data
+mount -o loop,offset={at},sizelimit={size},nodev,nosuid,noatime /dev/vdc /mnt/data
+stat -c %s {zone}
+systemctl start sysset
+"""
+
+
+@pytest.fixture
+def logged(request, developers, built, tmp_path):
+    """A running panel, with the log of all writes of its data disk; before.raw is the disk as it was."""
+    kept.flat_copy(developers, tmp_path / "before.raw")
+    shutil.copy(tmp_path / "before.raw", tmp_path / "data.raw")
+    (tmp_path / "writes").touch()
+    data = machine.logged_disk(tmp_path / "data.raw", tmp_path / "writes")
+    with contextlib.contextmanager(conftest._restored)(request, developers, built, data=data) as panel:
+        yield panel, tmp_path
+
+
+class History:
+    """What a setting was: each value with the requests of the log before which the disk cannot have it,
+    and after which it must."""
+
+    def __init__(self, value):
+        self._values = [(-1, 0, value)]
+
+    def add(self, begun, kept_by, value):
+        self._values.append((begun, kept_by, value))
+
+    def at(self, number):
+        """The values that a cut after that many requests may leave."""
+        latest = max(i for i, (_, kept_by, _) in enumerate(self._values) if kept_by <= number)
+        return {value for begun, _, value in self._values[latest:] if begun < number}
+
+
+def shown(panel, name):
+    return panel.widgets(name)[0].text
+
+
+def change(panel, name, value):
+    panel.touch("tab_System", 2 if name == "btn_Net" else 0)
+    if name == "btn_Net":
+        panel.touch(value)
+    elif name == "comboBox":
+        panel.choose(name, value)
+    else:
+        panel.touch(name)
+        panel.type(value)
+
+
+# What a finger does, in this order: where the setting is seen, and its new value or what is touched for it.
+CHANGES = [("line_Backlightness", "70"), ("comboBox", 3), ("line_BacklightTime", "1200"), ("line_BeepTime", "200"),
+           ("btn_Net", "ENBtn"), ("line_BeepType", "5"), ("comboBox", 1), ("line_Backlightness", "45"),
+           ("line_BacklightTime", "30"), ("line_BeepType", "2"), ("line_BeepTime", "50"), ("comboBox", 4),
+           ("line_Backlightness", "80")]
+NOT_PROMISED_AT_ONCE = "btn_Net"    # the language's file is replaced whole, whenever the disk does it
+
+
+def change_all(panel, log):
+    """Makes all changes by touch; the history of each setting."""
+    panel.touch("btn_Sysset")
+    wait_for(lambda: panel.widget("comboBox"), "the page")
+    histories = {name: History(shown(panel, name)) for name, *_ in CHANGES}
+    for name, value in CHANGES:
+        before, begun = shown(panel, name), powercut.length(log)
+        change(panel, name, value)
+        wait_for(lambda n=name, b=before: shown(panel, n) != b, f"{name} changes")
+        time.sleep(KEPT_WITHIN_S)
+        kept_by = float("inf") if name == NOT_PROMISED_AT_ONCE else powercut.length(log)
+        histories[name].add(begun, kept_by, shown(panel, name))
+    return histories
+
+
+def checked(cuts):
+    """The same cuts; each must be whole once its journal is replayed."""
+    for number, path in cuts:
+        yield number, path
+        assert powercut.Disk(path).recover() == "", f"cut after {number} requests"
+
+
+def test_a_power_cut_leaves_each_setting_old_or_new(logged):
+    panel, folder = logged
+    histories = change_all(panel, folder / "writes")
+    cuts = powercut.cuts(folder / "writes", folder / "before.raw", folder, CUTS)
+    numbers, size = powercut.lay_side_by_side(checked(cuts), folder / "all.raw")
+    assert len(numbers) == CUTS
+    panel.hands.add_disk("cuts", folder / "all.raw")
+    trees = panel.shell(LOOK.format(size=size, end=CUTS * size), timeout=600).splitlines()
+    assert len(trees) == CUTS
+
+    @functools.cache
+    def start_on(tree):
+        """What is shown with such a tree on the data disk, equal ones being started on once."""
+        zone_size = panel.shell(START.format(at=trees.index(tree) * size, size=size, zone=ZONE_FILE))
+        values = {name: wait_for(lambda n=name: shown(panel, n), name) for name in histories}
+        return values, zone_size == "0"
+
+    for number, tree in zip(numbers, trees):
+        values, zone_lost = start_on(tree)
+        for name, value in values.items():
+            allowed = {FIRST_ZONE} if zone_lost and name == "comboBox" else histories[name].at(number)
+            assert value in allowed, f"{name} after {number} requests"
+    print(f"{numbers[-1]} requests, {start_on.cache_info().misses} different disks")
+
+    panel.shell(f"systemctl stop sysset; : >{ZONE_FILE}; systemctl start sysset")
+    wait_for(lambda: shown(panel, "comboBox") == FIRST_ZONE, "the first zone")
