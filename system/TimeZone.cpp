@@ -99,7 +99,8 @@ File openZoneFile(const char *mode)
     File file(std::fopen(zonePath().c_str(), mode));
     if (!file) {
         std::printf("error = %d\n", errno);
-        tellOfFailure();
+        if (*mode == 'w')
+            tellOfFailure();
     }
     return file;
 }
