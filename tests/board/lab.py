@@ -15,7 +15,7 @@ from virtualboard import kept, screen, sound, sticks  # noqa: E402
 from virtualboard.jsonlines import JsonLines          # noqa: E402
 from virtualboard.machine import raw_disk             # noqa: E402
 
-PATIENCE_S = 15      # an emulated board is some thirty times slower than a panel
+PATIENCE_S = 30      # an emulated board is some thirty times slower than a panel
 KEY_PAUSE_S = 0.16   # the keyboard takes presses that follow faster for one
 VISIBLE_CHOICES = 8  # rows of an open combo box
 
@@ -309,7 +309,7 @@ class Panel:
         self.hands.power_on(self.image)
         self.wait_started()
 
-    def wait_started(self, timeout=90):
+    def wait_started(self, timeout=180):
         """Waits until the program has drawn itself and the board listens to commands."""
         self.hands.wait_started(timeout)
 
