@@ -235,10 +235,10 @@ class Panel:
     def type(self, text, page="n", enter="enter"):
         """Types on the open keyboard's page n of numbers or c of letters, and enters it."""
         for end in range(1, len(text) + 1):
-            self._press_key(f"btn_{page}_{text[end - 1]}", lambda e=end: self.text("line_Text") == text[:e])
-        self._press_key(f"btn_{page}_{enter}", lambda: not self.is_seen("line_Text"))
+            self.press_key(f"btn_{page}_{text[end - 1]}", lambda e=end: self.text("line_Text") == text[:e])
+        self.press_key(f"btn_{page}_{enter}", lambda: not self.is_seen("line_Text"))
 
-    def _press_key(self, key, is_taken):
+    def press_key(self, key, is_taken):
         """The keyboard takes the first press of all for a trembling finger's."""
         time.sleep(KEY_PAUSE_S)
         self._touch_twice(key, is_taken)

@@ -115,7 +115,7 @@ def test_every_setting_comes_back_after_a_power_cut(panel):
     assert texts(panel, "ComSetting", COM_KEPT) == COM_KEPT
     panel.touch("line_HmiStation")
     panel.wait_text("lab_Field", "HMI No.")
-    panel.touch("btn_close")
+    panel.press_key("btn_close", lambda: not panel.is_seen("line_Text"))
     panel.touch("btn_ComR")
     panel.wait_text("line_HmiStation", "21")
 
