@@ -51,6 +51,8 @@ Service::Service(sd_event *event, const Settings &settings)
       })
 {
     tellOfWrongClock(readZone(m_zonePath));
+    m_screen.setBrightness(m_registers.read(BRIGHTNESS));
+    m_screen.setOffTime(m_registers.read(BACKLIGHT_TIME));
 }
 
 std::optional<Answer> Service::handle(const Request &request, const Later &later)

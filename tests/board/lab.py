@@ -15,7 +15,7 @@ from virtualboard import kept, screen, sound, sticks  # noqa: E402
 from virtualboard.jsonlines import JsonLines          # noqa: E402
 from virtualboard.machine import raw_disk             # noqa: E402
 
-PATIENCE_S = 15      # an emulated board is some thirty times slower than a panel
+PATIENCE_S = 30      # an emulated board is some thirty times slower than a panel
 KEY_PAUSE_S = 0.16   # the keyboard takes presses that follow faster for one
 VISIBLE_CHOICES = 8  # rows of an open combo box
 
@@ -235,10 +235,10 @@ class Panel:
     def type(self, text, page="n", enter="enter"):
         """Types on the open keyboard's page n of numbers or c of letters, and enters it."""
         for end in range(1, len(text) + 1):
-            self._press_key(f"btn_{page}_{text[end - 1]}", lambda e=end: self.text("line_Text") == text[:e])
-        self._press_key(f"btn_{page}_{enter}", lambda: not self.is_seen("line_Text"))
+            self.press_key(f"btn_{page}_{text[end - 1]}", lambda e=end: self.text("line_Text") == text[:e])
+        self.press_key(f"btn_{page}_{enter}", lambda: not self.is_seen("line_Text"))
 
-    def _press_key(self, key, is_taken):
+    def press_key(self, key, is_taken):
         """The keyboard takes the first press of all for a trembling finger's."""
         time.sleep(KEY_PAUSE_S)
         self._touch_twice(key, is_taken)
@@ -309,7 +309,7 @@ class Panel:
         self.hands.power_on(self.image)
         self.wait_started()
 
-    def wait_started(self, timeout=90):
+    def wait_started(self, timeout=180):
         """Waits until the program has drawn itself and the board listens to commands."""
         self.hands.wait_started(timeout)
 

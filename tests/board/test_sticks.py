@@ -70,15 +70,21 @@ def test_names_are_shown_as_they_are_and_never_as_more(update_pages, folder):
     assert not any("\n" in row for row in rows)
 
 
+def seconds_to_leave(panel):
+    began = time.monotonic()
+    panel.touch("btn_Net")
+    wait_for(lambda: panel.widget("tab_Net"), "the next page")
+    return time.monotonic() - began
+
+
 def test_ten_thousand_files(update_pages, folder):
+    usual = seconds_to_leave(update_pages)
+    update_pages.touch("btn_UpData")
     put(folder, *(f"project {number:05}.tmt3" for number in range(10000)))
     image = stick_of(folder, sticks.make_ext4_stick)
     update_pages.hands.plug("stick", image)
     wait_for(lambda: len(update_pages.items("list_Pro")) == 10000, "all rows", 60)
-    began = time.monotonic()
-    update_pages.touch("btn_Net")
-    wait_for(lambda: update_pages.widget("tab_Net"), "the next page")
-    assert time.monotonic() - began < 2
+    assert seconds_to_leave(update_pages) < 1 + 2 * usual   # an emulated board has its own pace
     update_pages.hands.pull("stick")
 
 
