@@ -1,4 +1,4 @@
-"""A board that is not as it should be: the program starts, says what is wrong in a line, and loses nothing."""
+"""A board that is not as it should be: the program starts, says so in a line, and loses nothing."""
 
 import pytest
 
@@ -15,11 +15,12 @@ FAULTS = {
     "no panel.conf": (f"rm {CONF}", ["panel.conf"], []),
     "a folder for panel.conf": (f"rm {CONF}; mkdir {CONF}", ["panel.conf"], ["panel.conf"]),
     "a panel.conf that is no text": (f"head -c 5000 /dev/urandom >{CONF}", ["panel.conf"], ["panel.conf"]),
-    "a panel.conf with wrong values": (f"printf '[buzzer]\\ntones=1\\n[display]\\nsize=x\\n[machine]\\nmodel=\\377\\n"
-                                       f"[words]\\nclock=\\377\\n' >{CONF}", ["panel.conf"], ["panel.conf"]),
+    "wrong values in panel.conf": ("printf '[buzzer]\\ntones=1\\n[display]\\nsize=x\\n"
+                                   f"[words]\\nclock=\\377\\n' >{CONF}", ["panel.conf"], ["panel.conf"]),
     "another size in panel.conf": (f"printf '[display]\\nsize=320x240\\n' >{CONF}", [], []),
     "no beeper": (f"{BEEPER}/unbind", ["no input device plays tones"], []),
-    "no backlight": ("echo LNXVIDEO:00 >/sys/bus/acpi/drivers/video/unbind", [], ["brightness cannot be set"]),
+    "no backlight": ("echo LNXVIDEO:00 >/sys/bus/acpi/drivers/video/unbind", [],
+                     ["brightness cannot be set"]),
 }
 
 # A words service that is none, on the board's own perl: arguments are its manner.
@@ -27,7 +28,7 @@ STAND_IN = r"""
 use IO::Socket::INET;
 my ($manner) = @ARGV;
 $SIG{PIPE} = "IGNORE";
-my $listener = IO::Socket::INET->new(LocalAddr => "127.0.0.1", LocalPort => 1502, Listen => 8, ReuseAddr => 1);
+my $listener = IO::Socket::INET->new(LocalAddr => "127.0.0.1:1502", Listen => 8, ReuseAddr => 1);
 while (my $client = $listener->accept) {
     while (sysread($client, my $request, 260)) {
         my ($transaction, $function, $count) = (unpack "nnnCCnn", $request)[0, 4, 6];
@@ -130,7 +131,7 @@ def test_a_clock_of_another_time(panel, year, told_by, line):
 
 def kept_settings(panel):
     """What the data disk holds: brightness and language."""
-    return panel.shell("cat /mnt/data/sysset/words/words.? | grep '^10591 ' | sort; cat /mnt/data/prj/LangugeSet.cof")
+    return panel.shell("cd /mnt/data; grep -h '^10591 ' sysset/words/words.? | sort; cat prj/LangugeSet.cof")
 
 
 def change_settings(panel, brightness):
