@@ -94,7 +94,11 @@ def test_a_words_service_that_makes_no_sense(panel, manner):
     panel.press_through()
     panel.touch("tab_System", 0)
     assert panel.text("line_BacklightTime") == shown
-    assert [told.split(":")[0] for told in panel.told("sysset")] == ([line] if line else [])
+    told = [each.split(":")[0] for each in panel.told("sysset")]
+    if line:        # on a busy board the stand-in may be late besides, which is told too
+        assert told.count(line) == 1
+    else:
+        assert told == []
     if line:
         panel.shell("systemctl stop stand-in; systemctl unmask -q --runtime sysset-words")
         panel.shell("systemctl start sysset-words")
