@@ -36,11 +36,14 @@ while (my $client = $listener->accept) {
                  : $manner eq "few" ? pack "CC/a*", $function, ""
                  : pack "CC", $function | 0x80, 2;
         $body = "\1\1\1" if $function == 1;
+        $body = substr $request, 7, 5 if $function == 16 && $manner eq "wild";
         syswrite $client, $manner eq "text" ? "HTTP/1.1 400 Bad Request\r\n\r\n"
                         : pack "nnn/a*", $transaction, 0, "\1$body";
     }
 }
 """
+# On a busy board the stand-in may be late besides, which is told too.
+LATE = ["the words service does not answer", "the words service answers"]
 NONSENSE = "the words service gives an answer that makes no sense"
 MANNERS = {"text": ("", NONSENSE), "few": ("", NONSENSE),
            "refusal": ("", "the words service refuses a word"),
@@ -95,10 +98,7 @@ def test_a_words_service_that_makes_no_sense(panel, manner):
     panel.touch("tab_System", 0)
     assert panel.text("line_BacklightTime") == shown
     told = [each.split(":")[0] for each in panel.told("sysset")]
-    if line:        # on a busy board the stand-in may be late besides, which is told too
-        assert told.count(line) == 1
-    else:
-        assert told == []
+    assert [each for each in told if each not in LATE] == ([line] if line else [])
     if line:
         panel.shell("systemctl stop stand-in; systemctl unmask -q --runtime sysset-words")
         panel.shell("systemctl start sysset-words")
