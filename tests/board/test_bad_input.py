@@ -92,7 +92,8 @@ def test_a_words_service_that_makes_no_sense(panel, manner):
     panel.shell("cat >/run/stand-in", stdin=STAND_IN.encode())
     panel.shell("systemctl stop sysset sysset-words; systemctl mask -q --runtime sysset-words;"
                 f"systemd-run -q --unit stand-in perl /run/stand-in {manner};"
-                "until ss -Hltn sport = :1502 | grep -q .; do sleep 0.1; done; systemctl start sysset")
+                "until ss -Hltn sport = :1502 | grep -q .; do sleep 0.2; done; systemctl start sysset",
+                timeout=180)
     panel.open_pages()
     panel.press_through()
     panel.touch("tab_System", 0)
