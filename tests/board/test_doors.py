@@ -4,6 +4,39 @@ import re
 
 # Units of ours: the limit of systemd-analyze security that each of them must keep.
 LIMIT = 3.0
+ONE_SHOTS = ["sysset-remount@rw.service", "sysset-reset.service"]
+
+# What polkit lets the users do, by the names of its actions; all else is refused. timedated's own policy
+# gives the zone to whoever may set the clock.
+MANAGE = "org.freedesktop.systemd1.manage-units --detail verb {} --detail unit {}.service"
+ALLOWED = {"org.freedesktop.timedate1.set-time": "panel words",
+           "org.freedesktop.timedate1.set-ntp": "panel words",
+           "org.freedesktop.timedate1.set-timezone": "panel words",
+           "org.freedesktop.timedate1.set-local-rtc": "",
+           "org.freedesktop.login1.reboot": "panel",
+           "org.freedesktop.login1.power-off": "",
+           "org.freedesktop.systemd1.manage-unit-files": "",
+           MANAGE.format("start", "sysset-remount@rw"): "panel",
+           MANAGE.format("start", "sysset-remount@ro"): "panel",
+           MANAGE.format("start", "sysset-reset"): "panel",
+           MANAGE.format("stop", "sysset-remount@rw"): "",
+           MANAGE.format("start", "sysset-remount@exec"): "",
+           MANAGE.format("start", "sysset-words"): ""}
+
+# Methods as they are called, and users who may not.
+CALLS = [("org.freedesktop.timedate1 /org/freedesktop/timedate1 org.freedesktop.timedate1 SetTime xbb 1 true false",
+          "nobody"),
+         ("org.freedesktop.login1 /org/freedesktop/login1 org.freedesktop.login1.Manager Reboot b false",
+          "nobody words"),
+         ("org.freedesktop.systemd1 /org/freedesktop/systemd1 org.freedesktop.systemd1.Manager "
+          "StartUnit ss sysset-reset.service replace", "nobody words")]
+
+# Owner, group and mode of what the panel is made of.
+NODES = {"/dev/fb0": "root video 660", "/dev/input/event*": "root input 660", "/dev/ttyS1": "root dialout 660",
+         "/dev/tty1": "panel tty 620", "/sys/class/backlight/*/brightness": "root video 664",
+         "/sys/class/backlight/*/bl_power": "root video 664", "/mnt/data/sysset/words": "words words 700",
+         "/mnt/data/etc/tz": "panel panel 755", "/mnt/data/prj": "panel panel 755"}
+GROUPS = {"panel": {"panel", "video", "input", "dialout"}, "words": {"words"}}
 
 
 def our_services(panel):
@@ -17,9 +50,42 @@ def test_nothing_listens_off_the_loopback(delivered):
     assert strangers == []
 
 
+def test_the_words_are_not_served_at_the_network(delivered):
+    delivered.shell("ip link set eth0 up; ip address add 10.77.0.1/24 dev eth0")
+    knock = "timeout 5 bash -c '</dev/tcp/{}/1502'"
+    assert delivered.try_shell(knock.format("127.0.0.1"))[0] == 0
+    assert delivered.try_shell(knock.format("10.77.0.1"))[0] != 0
+
+
+def test_polkit_gives_each_user_what_it_needs(delivered):
+    delivered.shell("systemd-run -q --unit stranger --uid nobody sleep 600")
+    units = {"panel": "sysset", "words": "sysset-words", "nobody": "stranger"}
+    asked = "".join(f"(for u in {' '.join(units.values())}; do pkcheck -p $(systemctl show -P MainPID $u) -a {action} "
+                    f">/dev/null 2>&1 && echo $u; done) >/run/asked.{number} &\n"
+                    for number, action in enumerate(ALLOWED))
+    delivered.shell(asked + "wait", timeout=120)
+    for number, (action, users) in enumerate(ALLOWED.items()):
+        may = delivered.shell(f"cat /run/asked.{number}").split()
+        assert may == [units[user] for user in users.split()], action
+
+
+def test_other_users_are_refused(delivered):
+    for call, users in CALLS:
+        for user in users.split():
+            status, said = delivered.try_shell(f"runuser -u {user} -- busctl call {call}")
+            assert status != 0 and re.search("authentication required|[Aa]ccess denied", said), said
+
+
+def test_devices_and_settings_are_open_to_their_groups_alone(delivered):
+    for node, access in NODES.items():
+        assert set(delivered.shell(f"stat -c '%U %G %a' {node}").splitlines()) == {access}, node
+    for user, groups in GROUPS.items():
+        assert set(delivered.shell(f"id -nG {user}").split()) == groups
+
+
 def test_our_services_are_fenced_in(delivered):
-    services = our_services(delivered)
-    assert "sysset.service" in services
+    services = our_services(delivered) + ONE_SHOTS
+    assert "sysset.service" in services and "sysset-words.service" in services
     for service in services:
         told = delivered.shell(f"systemd-analyze security --no-pager {service} | tail -1")
         level = float(re.search(r"service: ([0-9.]+)", told).group(1))

@@ -12,7 +12,8 @@ def killer(chance):
     """Lines of shell that kill each service ten times, at random moments."""
     for _ in range(KILLS):
         for service in chance.sample(SERVICES, len(SERVICES)):
-            yield f"sleep {chance.uniform(0.2, 1.5):.2f}; systemctl start {service}; systemctl kill -s KILL {service}"
+            yield f"sleep {chance.uniform(0.2, 1.5):.2f}"
+            yield f"systemctl start {service}; systemctl kill -s KILL {service}"
 
 
 def test_services_killed_ten_times_each_under_a_working_finger(panel):

@@ -54,6 +54,7 @@ def wait_until_booted(board):
     """Waits for the end of the start, whether or not some unit of it failed, and for the program."""
     board.agent.connect(BOOT_TIMEOUT_S)
     board.agent.try_run("systemctl is-system-running --wait", BOOT_TIMEOUT_S)
+    board.agent.run("findmnt /mnt/data")   # a busy computer may have let the data disk come too late
     wait_for_picture(board)
     wait_until_still(board)
 
