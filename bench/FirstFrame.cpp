@@ -10,6 +10,7 @@ void FirstFrame::watch()
 {
     bool given = false;
     const int fd = qEnvironmentVariableIntValue("BENCH_READY_FD", &given);
+    qunsetenv("BENCH_READY_FD"); // once, preloaded or not
     QCoreApplication *application = QCoreApplication::instance();
     if (given)
         application->installEventFilter(new FirstFrame(application, fd));

@@ -1,5 +1,10 @@
 // Measures whole programs: start to first frame, memory after start, cost of idling. The panel
 // and its yardstick run in turn, so that other load on the machine slows both.
+//
+//   bench-processes [PANEL RUNS SETTLE_MS]
+//
+// With arguments only start and memory are measured, of that program, in this folder or by its
+// path. BENCH_PRELOAD names a library to preload into programs that do not tell by themselves.
 
 #include "bench/Statistics.h"
 
@@ -10,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <string>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -110,7 +116,9 @@ private:
             dup2(quiet, STDOUT_FILENO);
             dup2(quiet, STDERR_FILENO);
         }
-        const std::string path = folder + "/" + m_program;
+        if (const char *library = getenv("BENCH_PRELOAD")) // NOLINT(concurrency-mt-unsafe)
+            setenv("LD_PRELOAD", library, 1);              // NOLINT(concurrency-mt-unsafe)
+        const std::string path = std::filesystem::path(folder) / m_program;
         execl(path.c_str(), path.c_str(), nullptr);
         std::_Exit(1);
     }
@@ -125,22 +133,22 @@ struct Samples
     std::vector<double> startMs;
     std::vector<double> memoryMiB;
 
-    void take(const char *program)
+    void take(const char *program, std::chrono::milliseconds settle)
     {
         const Child child(program);
         startMs.push_back(child.startMs());
-        std::this_thread::sleep_for(SETTLE);
+        std::this_thread::sleep_for(settle);
         memoryMiB.push_back(child.memoryMiB());
     }
 };
 
-bool measureStart()
+bool measureStart(const char *program, int runs, std::chrono::milliseconds settle)
 {
     Samples panel;
     Samples limit;
-    for (int run = 0; run < RUNS; ++run) {
-        panel.take("bench-panel");
-        limit.take("bench-empty-dialog");
+    for (int run = 0; run < runs; ++run) {
+        panel.take(program, settle);
+        limit.take("bench-empty-dialog", settle);
     }
     bool kept = bench::report("start to first frame", bench::median(panel.startMs),
                               bench::median(limit.startMs), "ms", START_LIMIT);
@@ -201,10 +209,15 @@ bool measureIdle()
 
 } // namespace
 
-int main(int, char **argv)
+int main(int argc, char **argv)
 {
     folder = std::filesystem::path(argv[0]).parent_path().string();
-    const bool start = measureStart();
+    if (argc == 4)
+        return measureStart(argv[1], std::stoi(argv[2]),
+                            std::chrono::milliseconds(std::stoi(argv[3])))
+                   ? 0
+                   : 1;
+    const bool start = measureStart("bench-panel", RUNS, SETTLE);
     const bool idle = measureIdle();
     return start && idle ? 0 : 1;
 }
