@@ -9,6 +9,7 @@
 #include "system/TimeZone.h"
 
 #include <QApplication>
+#include <QFile>
 
 #include <cstdio>
 #include <exception>
@@ -23,6 +24,14 @@ void runWindow(int argc, char **argv, const std::function<void()> &shown)
     window.checkNetworkService();
     obeyOptions(argc, argv, &window);
     QApplication::exec();
+}
+
+// What is installed beside the program is read much faster than the system's own.
+void chooseFontConfiguration()
+{
+    if (!qEnvironmentVariableIsSet("FONTCONFIG_FILE") &&
+        QFile::exists(QStringLiteral(SYSSET_FONTS)))
+        qputenv("FONTCONFIG_FILE", SYSSET_FONTS);
 }
 
 } // namespace
@@ -41,6 +50,7 @@ namespace {
     // Nothing here draws with OpenGL; without it the X11 platform starts faster and smaller.
     if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
         qputenv("QT_XCB_GL_INTEGRATION", "none");
+    chooseFontConfiguration();
     makeRoomForTimeZone();
 
     QApplication application(argc, argv);

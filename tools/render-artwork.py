@@ -21,6 +21,7 @@ FRAMES = 12
 FRAME_MS = 80
 # Index 0 is transparent; the others run from white to the mark's colour.
 SHADES = 64
+PALETTE = 256
 
 ET.register_namespace("", SVG)
 
@@ -55,9 +56,28 @@ def on_white(frame):
     return image
 
 
+def with_palette(image):
+    """The same picture with a palette, which is read in a third of the time; None if it has too many
+    colours for one."""
+    colours = image.getcolors(PALETTE)
+    if colours is None:
+        return None
+    palette = [pixel for _, pixel in colours]
+    numbers = {pixel: number for number, pixel in enumerate(palette)}
+    flat = Image.new("P", image.size)
+    flat.putdata([numbers[pixel] for pixel in image.getdata()])
+    flat.putpalette([channel for pixel in palette for channel in pixel[:3]])
+    flat.info["transparency"] = bytes(pixel[3] for pixel in palette)
+    return flat
+
+
 def icon(arguments):
-    arguments.output.write_bytes(
-        render(compose(arguments.drawing, arguments.variant), arguments.height))
+    rendered = render(compose(arguments.drawing, arguments.variant), arguments.height)
+    flat = with_palette(Image.open(io.BytesIO(rendered)).convert("RGBA"))
+    if flat:
+        flat.save(arguments.output, "PNG", optimize=True)
+    else:
+        arguments.output.write_bytes(rendered)
 
 
 def animation(arguments):

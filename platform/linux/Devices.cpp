@@ -148,10 +148,10 @@ void Devices::addNetworkDevices(std::vector<Plugged> &found) const
 // take (ID_MM_DEVICE_PROCESS, or a type that its rules know a line by).
 bool Devices::hasModem() const
 {
-    const Enumeration list(udev_enumerate_new(m_udev.get()));
+    const Enumeration list = enumerate(m_udev.get(), "net");
     if (!list)
         return false;
-    udev_enumerate_add_match_is_initialized(list.get());
+    udev_enumerate_add_match_subsystem(list.get(), "tty");
     udev_enumerate_add_match_property(list.get(), "DEVTYPE", "wwan");
     udev_enumerate_add_match_property(list.get(), "ID_MM_DEVICE_PROCESS", "1");
     udev_enumerate_add_match_property(list.get(), "ID_MM_PORT_TYPE_AT_PRIMARY", "1");

@@ -13,6 +13,7 @@ class Image:
     kernel: pathlib.Path
     initrd: pathlib.Path
     firmware: pathlib.Path
+    ticks: pathlib.Path
     root: pathlib.Path
     data: pathlib.Path
     key: str
@@ -25,5 +26,5 @@ def build(debs_folder):
     system = debian.system_step(plain, debs)
     linux = kernel.kernel_step(plain)
     place = disks.disks_step(system, linux)
-    return Image(linux / "vmlinux", linux / "initrd", linux / "backlight.aml",
+    return Image(linux / "vmlinux", linux / "initrd", linux / "backlight.aml", linux / "ticks",
                  place / "root.ext4", place / "data.ext4", place.name)

@@ -3,6 +3,7 @@ what the firmware adds to them."""
 
 import lzma
 import pathlib
+import platform
 import shutil
 
 from . import cache
@@ -10,6 +11,7 @@ from .commands import run, scratch
 
 HERE = pathlib.Path(__file__).resolve().parent.parent
 INIT = HERE / "init.c"
+TICKS = HERE / "ticks.c"
 BACKLIGHT = HERE / "backlight.asl"
 
 INITRD_MODULES = ["crc32c_generic", "virtio_pci", "virtio_blk", "ext4"]
@@ -76,7 +78,8 @@ def _make_modules(modules, out):
 
 
 def kernel_step(debian):
-    """Folder with vmlinux, initrd, backlight.aml, and tree/lib/modules to lay over the root."""
+    """Folder with vmlinux, initrd, backlight.aml, tree/lib/modules to lay over the root, and the program
+    ticks."""
     def make(out):
         with scratch() as place:
             run(["dpkg-deb", "-x", debian / "kernel.deb", place])
@@ -86,5 +89,7 @@ def kernel_step(debian):
             _make_initrd(modules, out, place)
             _make_modules(modules, out)
         run(["iasl", "-p", out / "backlight", BACKLIGHT])
-    inputs = [debian.name, INIT, BACKLIGHT, *INITRD_MODULES, *MODULES]
+        if platform.machine() == "x86_64":
+            run(["gcc", "-O2", "-Wall", "-Wextra", "-Werror", "-o", out / "ticks", TICKS])
+    inputs = [debian.name, platform.machine(), INIT, TICKS, BACKLIGHT, *INITRD_MODULES, *MODULES]
     return cache.step("kernel", "Preparing the kernel", inputs, make)

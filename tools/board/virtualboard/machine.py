@@ -2,6 +2,7 @@
 
 import contextlib
 import dataclasses
+import functools
 import datetime
 import json
 import math
@@ -112,11 +113,18 @@ def _memory(path, shared):
     return f"memory-backend-file,id=ram,size={MEMORY_MB}M,mem-path={path},share={'on' if shared else 'off'}"
 
 
+@functools.lru_cache
+def _clock(ticks):
+    """What tells the kernel how fast its clock's counter ticks."""
+    return f" tsc_early_khz={run([ticks]).decode().strip()}" if ticks.exists() else ""
+
+
 def command_line(folder, image, screen, memory, display, data, clock):
     """QEMU's arguments. Both sides of a kept state must have the same devices in the same order."""
     arguments = [QEMU, "-accel", "tcg,thread=multi", "-cpu", "Nehalem", "-smp", "2", "-m", str(MEMORY_MB),
                  "-nodefaults", "-no-user-config", "-name", "panel", "-display", display,
-                 "-kernel", str(image.kernel), "-initrd", str(image.initrd), "-append", COMMAND_LINE,
+                 "-kernel", str(image.kernel), "-initrd", str(image.initrd), "-append",
+                 COMMAND_LINE + _clock(image.ticks),
                  "-machine", "q35,memory-backend=ram,pcspk-audiodev=speaker",
                  "-object", _memory(*memory),
                  "-smbios", SMBIOS, "-rtc", f"base={clock},clock=host",
