@@ -1,16 +1,13 @@
 """Boards for the stories: kept ones, restored for each story, and what is left of those that fail."""
 
-import os
+import contextlib
 import pathlib
 import shutil
 
 import pytest
 
 import lab
-from virtualboard import cache, developer, image, kept, packages
-from virtualboard.machine import Screen
-
-SIZE = Screen()
+from virtualboard import cache, kept
 
 
 @pytest.hookimpl(hookwrapper=True)
@@ -23,34 +20,20 @@ def pytest_runtest_makereport(item, call):
 
 @pytest.fixture(scope="session")
 def built():
-    """The image: of the packages in $SYSSET_BOARD_DEBS, or of those that the checkout makes."""
-    return image.build(os.environ.get("SYSSET_BOARD_DEBS") or packages.packages_step())
+    """The image."""
+    return lab.built()
 
 
 @pytest.fixture(scope="session")
 def packaged(built):
-    """A kept board as it is delivered."""
-    return kept.kept_step("kept", built, SIZE)
-
-
-def developers_step(built):
-    """The same with the developer's program in the place of the packaged one, its pages open."""
-    program = os.environ.get("SYSSET_BOARD_PROGRAM") or developer.program_step()
-    overlay = developer.overlay_step(program)
-
-    def prepare(board):
-        developer.lay_over(board, overlay)
-        panel = lab.Panel(lab.VirtualHands(board), built)
-        panel.open_pages()
-        kept.wait_until_still(board)
-
-    return kept.kept_step("stories", built, SIZE, prepare, [overlay])
+    """Folder of a kept board as it is delivered."""
+    return lab.packaged_board(built)
 
 
 @pytest.fixture(scope="session")
 def developers(built):
-    """The folder of that board."""
-    return developers_step(built)
+    """Folder of a kept board with the developer's program."""
+    return lab.developers_board(built)
 
 
 def _keep_evidence(request, panel):
@@ -61,8 +44,10 @@ def _keep_evidence(request, panel):
         print(f"What it left behind is in {folder}")
 
 
-def _restored(request, base, built, **options):
-    machine = kept.restore(base, built, SIZE, **options)
+@contextlib.contextmanager
+def restored(request, base, built, **options):
+    """A fresh copy of a kept board for one story."""
+    machine = kept.restore(base, built, lab.SIZE, **options)
     panel = lab.Panel(lab.VirtualHands(machine), built)
     yield panel
     _keep_evidence(request, panel)
@@ -72,19 +57,21 @@ def _restored(request, base, built, **options):
 @pytest.fixture
 def panel(request, developers, built):
     """A running panel whose widgets can be found by name."""
-    yield from _restored(request, developers, built)
+    with restored(request, developers, built) as restored_panel:
+        yield restored_panel
 
 
 @pytest.fixture
 def delivered(request, packaged, built):
     """A running panel as it is delivered."""
-    yield from _restored(request, packaged, built)
+    with restored(request, packaged, built) as restored_panel:
+        yield restored_panel
 
 
 @pytest.fixture
 def new_panel(request, built):
     """A panel that has just been switched on for the first time."""
-    machine = kept.cold_machine(built, SIZE)
+    machine = kept.cold_machine(built, lab.SIZE)
     panel = lab.Panel(lab.VirtualHands(machine), built)
     yield panel
     _keep_evidence(request, panel)

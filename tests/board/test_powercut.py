@@ -1,6 +1,5 @@
 """The power is cut at a hundred moments while an operator changes settings: each is the old or the new one."""
 
-import contextlib
 import functools
 import shutil
 import time
@@ -50,7 +49,7 @@ def logged(request, developers, built, tmp_path):
     shutil.copy(tmp_path / "before.raw", tmp_path / "data.raw")
     (tmp_path / "writes").touch()
     data = machine.logged_disk(tmp_path / "data.raw", tmp_path / "writes")
-    with contextlib.contextmanager(conftest._restored)(request, developers, built, data=data) as panel:
+    with conftest.restored(request, developers, built, data=data) as panel:
         yield panel, tmp_path
 
 

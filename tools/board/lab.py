@@ -5,15 +5,14 @@ be played on a real board by other hands. Names of widgets are told by the devel
 
 import contextlib
 import json
-import pathlib
-import sys
+import os
 import time
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools" / "board"))
+from virtualboard import developer, image, kept, packages, screen, sound, sticks
+from virtualboard.jsonlines import JsonLines
+from virtualboard.machine import Screen, raw_disk
 
-from virtualboard import kept, screen, sound, sticks  # noqa: E402
-from virtualboard.jsonlines import JsonLines          # noqa: E402
-from virtualboard.machine import raw_disk             # noqa: E402
+SIZE = Screen()
 
 PATIENCE_S = 30      # an emulated board is some thirty times slower than a panel
 KEY_PAUSE_S = 0.16   # the keyboard takes presses that follow faster for one
@@ -338,3 +337,26 @@ def evidence(panel, folder):
         (folder / "widgets.json").write_text(json.dumps(panel.hands.ask("ui", "dump"), indent=1))
     with contextlib.suppress(Exception):
         (folder / "console.log").write_bytes((panel.hands.machine.folder / "console.log").read_bytes())
+
+
+def built():
+    """The image: of the packages in $SYSSET_BOARD_DEBS, or of those that the checkout makes."""
+    return image.build(os.environ.get("SYSSET_BOARD_DEBS") or packages.packages_step())
+
+
+def packaged_board(system):
+    """Folder of a kept board as it is delivered."""
+    return kept.kept_step("kept", system, SIZE)
+
+
+def developers_board(system):
+    """The same with the developer's program in the place of the packaged one, its pages open."""
+    program = os.environ.get("SYSSET_BOARD_PROGRAM") or developer.program_step()
+    overlay = developer.overlay_step(program)
+
+    def prepare(board):
+        developer.lay_over(board, overlay)
+        Panel(VirtualHands(board), system).open_pages()
+        kept.wait_until_still(board)
+
+    return kept.kept_step("stories", system, SIZE, prepare, [overlay])
