@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -50,6 +51,14 @@ void syncSettingsFolder()
         return;
     fsync(folder);
     ::close(folder);
+}
+
+// Once: it is written at each start and at each change.
+void tellOfFailure()
+{
+    static bool told = false;
+    if (!std::exchange(told, true))
+        std::fprintf(stderr, "sysset: the language is not kept: %s\n", settingsPath().c_str());
 }
 
 // An unknown id, of a damaged file, counts as Chinese, so that it does not lock the language.
@@ -101,7 +110,7 @@ void applyLanguage(int id)
     settings.sync();
     if (settings.status() != QSettings::NoError) {
         std::printf("write [%s] error\n", SETTINGS_NAME);
-        std::fprintf(stderr, "sysset: the language is not kept: %s\n", settingsPath().c_str());
+        tellOfFailure();
     }
     syncSettingsFolder();
 }
