@@ -221,7 +221,12 @@ class Panel:
         self.touch_at(x, y)
 
     def drag(self, name, value):
-        """Drags a slider's handle to a value."""
+        """Drags a slider's handle to a value that it takes."""
+        self.slide(name, value)
+        wait_for(lambda: self.widget(name).value == value, f"{name} has the value {value}")
+
+    def slide(self, name, value):
+        """Drags a slider's handle to a value, which it gives back if nobody takes it."""
         (x, y), (to_x, to_y) = wait_for(lambda: self.hands.ask("ui", "way", name, value), f"{name} can be dragged")
         self.hands.finger_at(x, y)
         self.hands.finger_down()
@@ -229,7 +234,6 @@ class Panel:
             self.hands.finger_at(x + (to_x - x) * step // 5, y + (to_y - y) * step // 5)
             time.sleep(0.03)
         self.hands.finger_up()
-        wait_for(lambda: self.widget(name).value == value, f"{name} has the value {value}")
 
     def type(self, text, page="n", enter="enter"):
         """Types on the open keyboard's page n of numbers or c of letters, and enters it."""
@@ -278,7 +282,7 @@ class Panel:
         took = [timed(page("tab_Net"), "btn_Net"), timed(page("tab_System"), "btn_Sysset"),
                 timed(page("line_Year"), "tab_System", 0)]
         began = time.monotonic()
-        self.drag("slider_Backlightness", 75 - self.widget("slider_Backlightness").value // 2)
+        self.slide("slider_Backlightness", 75 - self.widget("slider_Backlightness").value // 2)
         took += [time.monotonic() - began, timed(page("btn_ComR"), "tab_System", 1)]
         if self.widget("btn_ComR").enabled:
             took += [next_port(), next_port(), timed(page("btn_Save"), "btn_CommunIndetail"),
@@ -318,7 +322,7 @@ class Panel:
 
     def told(self, unit):
         """Lines that a unit's own processes have told the journal since it was started last."""
-        start = self.shell(f"systemctl show -P InvocationID {unit}")
+        start = self.shell(f"journalctl --sync; systemctl show -P InvocationID {unit}")
         return self.shell(f"journalctl -b -o cat --no-pager _SYSTEMD_INVOCATION_ID={start}").splitlines()
 
     def journal(self, unit):
