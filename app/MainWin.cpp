@@ -202,8 +202,8 @@ void MainWin::initLook()
     m_strip.emplace(
         StatusStrip::Labels{ui->lab_usb, ui->lab_Eth, ui->lab_wifi, ui->lab_4g, ui->lab_cloud});
     highlightGroup(0);
-    applyPendingStyles(this); // the strip's
     applyStyle();
+    applyPendingStyles(this); // the strip's
     connect(this, qOverload<int, bool>(&MainWin::sgl_NetChange), this,
             qOverload<int, bool>(&MainWin::slot_NetChange));
     connect(this, qOverload<>(&MainWin::sgl_NetChange), this,

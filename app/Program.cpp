@@ -13,6 +13,8 @@
 
 #include <cstdio>
 #include <exception>
+#include <fontconfig/fontconfig.h>
+#include <future>
 
 namespace {
 
@@ -20,6 +22,8 @@ void runWindow(int argc, char **argv, const std::function<void()> &shown)
 {
     MainWin window;
     window.show();
+    // The picture first: what comes now may open a box, which takes its time.
+    QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     shown();
     window.checkNetworkService();
     obeyOptions(argc, argv, &window);
@@ -53,7 +57,10 @@ namespace {
     chooseFontConfiguration();
     makeRoomForTimeZone();
 
+    // On a thread of its own while the application finds screen and touch.
+    auto fonts = std::async(FcInit);
     QApplication application(argc, argv);
+    fonts.wait();
     holdImagePlugins();
     loadAppearance();
     QApplication::setOverrideCursor(Qt::BlankCursor);

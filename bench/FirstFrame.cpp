@@ -2,7 +2,6 @@
 
 #include <QCoreApplication>
 #include <QEvent>
-#include <QTimer>
 
 #include <unistd.h>
 
@@ -20,10 +19,14 @@ bool FirstFrame::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::Paint) {
         QCoreApplication::instance()->removeEventFilter(this);
-        QTimer::singleShot(0, this, [this] {
-            if (write(m_fd, "!", 1) != 1)
-                qWarning("bench: nobody listens");
-        });
+        // Posted, so that it comes when what is painted has been handed to the screen.
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                if (write(m_fd, "!", 1) != 1)
+                    qWarning("bench: nobody listens");
+            },
+            Qt::QueuedConnection);
     }
     return QObject::eventFilter(watched, event);
 }
