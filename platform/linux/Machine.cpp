@@ -16,8 +16,8 @@ constexpr int UNKNOWN = 0;
 
 // Of this program alone, so that the identifier says nothing about the machine's own
 // (machine-id(5)).
-constexpr sd_id128_t PROGRAM_ID =
-    SD_ID128_MAKE(5a, d1, 2c, 9e, 74, b3, 4f, 06, 8d, 61, e0, 3b, 97, 2f, c4, 18);
+constexpr sd_id128_t PROGRAM_ID{{0x5a, 0xd1, 0x2c, 0x9e, 0x74, 0xb3, 0x4f, 0x06, 0x8d, 0x61, 0xe0,
+                                 0x3b, 0x97, 0x2f, 0xc4, 0x18}};
 
 int give(const std::string &fact, int found, int unknown, std::string &out)
 {
