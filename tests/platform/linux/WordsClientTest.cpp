@@ -25,7 +25,8 @@ private slots:
     {
         m_peer = std::make_unique<ModbusPeer>();
         m_peer->start(ModbusPeer::Answers);
-        m_client = new WordsClient(m_peer->port(), TIMEOUT);
+        static auto &clients = *new std::vector<WordsClient *>;
+        m_client = clients.emplace_back(new WordsClient(m_peer->port(), TIMEOUT));
     }
 
     void transfersWords()
