@@ -3,9 +3,9 @@
 #include "services/words/Journal.h"
 
 #include <charconv>
+#include <filesystem>
 #include <ini.h>
 #include <string_view>
-#include <unistd.h>
 
 namespace words {
 namespace {
@@ -51,9 +51,12 @@ int onValue(void *kept, const char *section, const char *name, const char *value
 Settings readSettings(const std::string &path)
 {
     Settings settings;
-    if (::access(path.c_str(), F_OK) != 0)
+    std::error_code none;
+    const auto kind = std::filesystem::status(path, none).type();
+    if (kind == std::filesystem::file_type::not_found)
         return settings;
-    const int line = ini_parse(path.c_str(), onValue, &settings);
+    const bool isFile = kind == std::filesystem::file_type::regular;
+    const int line = isFile ? ini_parse(path.c_str(), onValue, &settings) : -1;
     if (line < 0)
         warn(path + " cannot be read");
     else if (line > 0)
