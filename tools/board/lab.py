@@ -15,6 +15,7 @@ from virtualboard.machine import Screen, raw_disk
 SIZE = Screen()
 
 PATIENCE_S = 30      # an emulated board is some thirty times slower than a panel
+LIFTED_S = 0.1       # between two touches, as a quick finger does it
 KEY_PAUSE_S = 0.16   # the keyboard takes presses that follow faster for one
 VISIBLE_CHOICES = 8  # rows of an open combo box
 
@@ -54,6 +55,7 @@ class VirtualHands:
     def __init__(self, machine):
         self.machine = machine
         self._control = None
+        self._lifted = 0.0
 
     def frame(self):
         """The picture on the screen, as a PIL image."""
@@ -63,10 +65,12 @@ class VirtualHands:
         screen.move(self.machine, x, y)
 
     def finger_down(self):
+        time.sleep(max(0.0, self._lifted + LIFTED_S - time.monotonic()))
         screen.finger(self.machine, True)
 
     def finger_up(self):
         screen.finger(self.machine, False)
+        self._lifted = time.monotonic()
 
     def ask(self, verb, *arguments):
         """One request to the developer's program."""
