@@ -32,10 +32,11 @@ done
 exit 1
 """
 
-# Starts the services and the program with one of them as the data disk.
+# Starts the services and the program with one of them as the data disk. The disks have the label of the
+# board's own: systemd may have taken that one away when they came.
 START = """set -e
 systemctl stop sysset sysset-words
-umount /mnt/data
+if mountpoint -q /mnt/data; then umount /mnt/data; fi
 mount -o loop,offset={at},sizelimit={size},nodev,nosuid,noatime /dev/vdc /mnt/data
 stat -c %s {zone}
 systemctl start sysset
