@@ -29,8 +29,11 @@ constexpr int REQUEST_FAILED = -11;
 CDownloadThread::~CDownloadThread()
 {
     giveUp();
-    while (!wait(WAIT_SLICE_MS))
+    while (m_bBusy) {
         QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
+        wait(WAIT_SLICE_MS);
+    }
+    wait();
 }
 
 bool CDownloadThread::SetFunction(int code, const std::string &path)
@@ -69,10 +72,12 @@ void CDownloadThread::threadDownPLC()
     std::printf("end\r\n");
     m_nPlcResult = result;
     // The page connects after it has started the job, which may fail in less time than that takes.
-    const auto tellResult = [this, result] {
-        emitUnlessGivenUp(&CDownloadThread::sglDownLoadPlcProResult, result);
-    };
-    QMetaObject::invokeMethod(this, tellResult, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, "tellPlcResult", Qt::QueuedConnection, Q_ARG(int, result));
+}
+
+void CDownloadThread::tellPlcResult(int result)
+{
+    emitUnlessGivenUp(&CDownloadThread::sglDownLoadPlcProResult, result);
 }
 
 void CDownloadThread::giveUp()
@@ -142,12 +147,14 @@ bool CDownloadThread::isVersionFit(const UpdateJob &job, const UpdateStatus &che
 // Whether the operator has ever said yes. A question that the program's end drops is a no.
 bool CDownloadThread::isConfirmed()
 {
-    const auto ask = [this] {
-        if (!m_bGivenUp)
-            emit sglConfirm();
-    };
-    QMetaObject::invokeMethod(this, ask, Qt::BlockingQueuedConnection);
+    QMetaObject::invokeMethod(this, "askOperator", Qt::BlockingQueuedConnection);
     return m_bConfirmed && !m_bGivenUp;
+}
+
+void CDownloadThread::askOperator()
+{
+    if (!m_bGivenUp)
+        emit sglConfirm();
 }
 
 // A panel that does not know its model and a file that names none are no match.

@@ -89,6 +89,11 @@ private:
     // An install keeps one until it is over; a poll of it that is under way has it too.
     using Writable = std::shared_ptr<WritablePartition>;
 
+    // Called by name from the thread of the job: a functor would be passed between the threads in
+    // Qt alone, where the thread sanitizer does not see it.
+    Q_INVOKABLE void tellPlcResult(int result);
+    Q_INVOKABLE void askOperator();
+
     void threadDownPLC();
     UpdateResult ask(UpdateCommand command, const std::string &path, unsigned int timeoutMs,
                      UpdateStatus &status) const;
