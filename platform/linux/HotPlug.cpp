@@ -110,10 +110,10 @@ std::vector<Plugged> HotPlug::look()
 
 void HotPlug::takeNewListeners()
 {
-    const std::lock_guard lock(m_mutex);
     std::uint64_t count = 0;
     if (::read(m_wake, &count, sizeof count) != sizeof count)
         return;
+    const std::lock_guard lock(m_mutex);
     std::move(m_waiting.begin(), m_waiting.end(), std::back_inserter(m_listeners));
     m_waiting.clear();
 }

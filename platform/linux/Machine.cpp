@@ -27,7 +27,7 @@ int give(const std::string &fact, int found, int unknown, std::string &out)
     return found;
 }
 
-const std::string &either(const std::string &named, const std::string &asked)
+std::string either(const std::string &named, const std::string &asked)
 {
     return named.empty() ? asked : named;
 }

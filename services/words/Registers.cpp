@@ -154,9 +154,9 @@ bool Registers::exist(unsigned address, unsigned count) const
 
 std::vector<Word> Registers::read(unsigned address, unsigned count) const
 {
-    std::vector<Word> words;
-    for (unsigned i = 0; i < count; ++i)
-        words.push_back(read(address + i));
+    std::vector<Word> words(count);
+    for (Word &word : words)
+        word = read(address++);
     return words;
 }
 

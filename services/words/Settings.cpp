@@ -14,8 +14,9 @@ constexpr int LARGEST_PORT = 65535;
 
 bool takePort(Settings &settings, std::string_view value)
 {
-    const char *end = value.data() + value.size();
-    const auto result = std::from_chars(value.data(), end, settings.port);
+    const char *begin = value.data();
+    const char *end = begin + value.size();
+    const auto result = std::from_chars(begin, end, settings.port);
     return result.ec == std::errc() && result.ptr == end && settings.port >= 0 &&
            settings.port <= LARGEST_PORT;
 }
