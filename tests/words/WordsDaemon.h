@@ -16,6 +16,7 @@ public:
     bool stop();
     bool isRunning() const { return m_process.state() == QProcess::Running; }
     quint16 port() const { return m_port; }
+    qint64 pid() const { return m_process.processId(); }
     QProcessEnvironment &environment() { return m_environment; }
 
     // Lines of its journal that contain `text`.

@@ -4,15 +4,11 @@
 #include "platform/board.h"
 #include "platform/cos_time.h"
 #include "tests/support/Rows.h"
-#include "tests/support/Text.h"
+#include "tests/support/TestBus.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
-#include <QTemporaryDir>
 
-#include <atomic>
 #include <csignal>
-#include <optional>
 
 using board::systemBus;
 using std::chrono::milliseconds;
@@ -22,28 +18,9 @@ namespace {
 constexpr milliseconds TIMEOUT(200);
 constexpr const char *LOGIND = "org.freedesktop.login1";
 constexpr const char *SYSTEMD = "org.freedesktop.systemd1";
-constexpr const char *TIMEDATED = "org.freedesktop.timedate1";
 constexpr const char *UNIT_PATH = "/org/freedesktop/systemd1/unit/a";
 
 using Job = sdbus::Struct<std::uint32_t, sdbus::ObjectPath>;
-
-// A service of one object or two. It is silent until it is told to answer.
-class Service
-{
-public:
-    explicit Service(const char *name) : m_connection(sdbus::createSystemBusConnection(name)) {}
-
-    sdbus::IObject &add(const char *path)
-    {
-        m_objects.push_back(sdbus::createObject(*m_connection, path));
-        return *m_objects.back();
-    }
-    void answer() { m_connection->enterEventLoopAsync(); }
-
-private:
-    std::unique_ptr<sdbus::IConnection> m_connection;
-    std::vector<std::unique_ptr<sdbus::IObject>> m_objects;
-};
 
 } // namespace
 
@@ -52,17 +29,7 @@ class SystemBusTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        m_address = "unix:path="_s + m_folder.filePath("bus"_s);
-        qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_address.toLocal8Bit());
-    }
     void init() { m_clock.start(); }
-    void cleanupTestCase()
-    {
-        m_daemon.kill();
-        m_daemon.waitForFinished();
-    }
 
     void failsAtOnceWithoutABus()
     {
@@ -75,7 +42,7 @@ private slots:
     // The bus is used as soon as it is there.
     void failsAtOnceWithoutTheService()
     {
-        startBus();
+        m_bus.start();
         QVERIFY(callLogind().error == "org.freedesktop.DBus.Error.ServiceUnknown");
         QVERIFY(m_clock.elapsed() < 100);
     }
@@ -83,7 +50,7 @@ private slots:
     // One time-out in all; and back without a restart of either, as soon as it answers.
     void silenceCostsItsTimeOnce()
     {
-        Service logind(LOGIND);
+        BusService logind(LOGIND);
         std::atomic<int> reboots{0};
         auto &manager = logind.add("/org/freedesktop/login1");
         manager.registerMethod("Reboot")
@@ -103,39 +70,21 @@ private slots:
 
     void theSilentMayDieAndComeBack()
     {
-        auto logind = std::make_unique<Service>(LOGIND);
+        auto logind = std::make_unique<BusService>(LOGIND);
         QVERIFY(!callLogind() && m_clock.elapsed() >= TIMEOUT.count());
         logind.reset();
         QTRY_VERIFY(callLogind().error == "org.freedesktop.DBus.Error.ServiceUnknown");
     }
 
-    // synchronised at first | seconds of the clock's year 2020, in UTC | result | calls of SetTime
-    void setsTheClock_data() { rows({"0 | 0 | 1", "1 | 0 | 3", "2 | -1 | 1"}); }
+    // timedated | result | calls of SetTime
+    void setsTheClock_data() { rows({"prompt | 0 | 1", "lagging | 0 | 3", "stubborn | -1 | 1"}); }
     void setsTheClock()
     {
         qputenv("TZ", "UTC");
-        std::int64_t set = 0;
-        int calls = 0;
-        int synchronised = number(0) == 0 ? 0 : 2; // ends one call after it is told to
-        Service timedated(TIMEDATED);
-        auto &object = timedated.add("/org/freedesktop/timedate1");
-        object.registerMethod("SetTime").onInterface(TIMEDATED).implementedAs(
-            [&](std::int64_t time, bool relative, bool interactive) {
-                ++calls;
-                if (synchronised == 2 || std::exchange(synchronised, 0) == 1)
-                    throw sdbus::Error("org.freedesktop.timedate1.AutomaticTimeSyncEnabled", "");
-                set = relative || interactive ? -1 : time;
-            });
-        object.registerMethod("SetNTP").onInterface(TIMEDATED).implementedAs([&](bool on, bool) {
-            if (number(0) == 2)
-                throw sdbus::Error("org.freedesktop.DBus.Error.AccessDenied", "");
-            synchronised = on ? 2 : 1;
-        });
-        object.finishRegistration();
-        timedated.answer();
+        const FakeTimedated timedated(cell(0));
         QCOMPARE(COS::CosTime::SetSysLocalTime({2020, 2, 29, 1, 2, 3}), number(1));
-        QVERIFY(calls == number(2));
-        QCOMPARE(set, number(1) == 0 ? 1582938123000000 : 0);
+        QVERIFY(timedated.asked == number(2));
+        QVERIFY(timedated.time == (number(1) == 0 ? 1582938123000000 : 0));
     }
 
     // looks at the running job | its end | result | least and most milliseconds
@@ -150,7 +99,7 @@ private slots:
         std::string started;
         std::atomic<int> looks{number(0)};
         const std::string end = cell(1).toStdString();
-        Service systemd(SYSTEMD);
+        BusService systemd(SYSTEMD);
         auto &manager = systemd.add("/org/freedesktop/systemd1");
         manager.registerMethod("StartUnit")
             .onInterface("org.freedesktop.systemd1.Manager")
@@ -180,23 +129,22 @@ private slots:
 
     void goesOnAfterARestartOfTheBus()
     {
-        m_daemon.kill();
-        m_daemon.waitForFinished();
+        m_bus.stop();
         QTRY_VERIFY(callLogind().error.empty() || m_clock.elapsed() > 100);
-        startBus();
+        m_bus.start();
         QTRY_VERIFY(callLogind().error == "org.freedesktop.DBus.Error.ServiceUnknown");
     }
 
     // A bus that takes connections and says nothing.
     void aSilentBusCostsItsTimeOnce()
     {
-        ::kill(static_cast<pid_t>(m_daemon.processId()), SIGSTOP);
+        ::kill(m_bus.pid(), SIGSTOP);
         QVERIFY(!callLogind());
         QVERIFY(m_clock.elapsed() < TIMEOUT.count() + 100);
         for (int i = 0; i < 20; ++i)
             QVERIFY(!callLogind());
         QVERIFY(m_clock.elapsed() < TIMEOUT.count() + 150);
-        ::kill(static_cast<pid_t>(m_daemon.processId()), SIGCONT);
+        ::kill(m_bus.pid(), SIGCONT);
         QTRY_VERIFY(callLogind().error == "org.freedesktop.DBus.Error.ServiceUnknown");
     }
 
@@ -208,17 +156,7 @@ private:
             TIMEOUT, [](sdbus::MethodCall &call) { call << false; });
     }
 
-    void startBus()
-    {
-        QFile::remove(m_folder.filePath("bus"_s));
-        m_daemon.start("dbus-daemon"_s, {"--session"_s, "--nofork"_s, "--print-address"_s,
-                                         "--address="_s + m_address});
-        QVERIFY(m_daemon.waitForReadyRead());
-    }
-
-    QTemporaryDir m_folder;
-    QString m_address;
-    QProcess m_daemon;
+    TestBus m_bus;
     QElapsedTimer m_clock;
 };
 
