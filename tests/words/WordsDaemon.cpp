@@ -1,50 +1,28 @@
 #include "tests/words/WordsDaemon.h"
 
-#include <QtEndian>
+#include "tests/support/Text.h"
 
 namespace {
 
 constexpr int HEADER_SIZE = 7;
 constexpr int ANSWER_TIME = 2000; // ms
 
-QByteArray word(int value)
+QString failure(int number)
 {
-    QByteArray bytes(2, 0);
-    qToBigEndian(static_cast<quint16>(value), bytes.data());
-    return bytes;
+    return number > 0 && number < MODBUS_EXCEPTION_MAX ? "!%1"_s.arg(number) : QString();
 }
 
-QByteArray pduOf(const QString &request)
+// From the function code on, in hexadecimal digits.
+QString askRaw(modbus_t *client, const QString &request)
 {
-    const QStringList read = request.split(QLatin1Char('*'));
-    const QStringList write = request.split(QLatin1Char('='));
-    if (request.startsWith(QLatin1Char('#')))
-        return QByteArray::fromHex(request.toLatin1().mid(1));
-    if (read.size() == 2)
-        return '\x03' + word(read[0].toInt()) + word(read[1].toInt());
-    QByteArray values;
-    for (const QString &value : write.value(1).split(QLatin1Char(',')))
-        values += word(value.toInt());
-    const QByteArray address = word(write[0].toInt());
-    if (values.size() == 2)
-        return '\x06' + address + values;
-    return '\x10' + address + word(values.size() / 2) + static_cast<char>(values.size()) + values;
-}
-
-QString textOf(const QString &request, const QByteArray &pdu)
-{
-    if (pdu.isEmpty())
-        return {};
-    if ((pdu[0] & 0x80) != 0)
-        return QStringLiteral("!%1").arg(int{pdu[1]});
-    if (request.startsWith(QLatin1Char('#')))
-        return QString::fromLatin1(pdu.toHex());
-    if (pdu[0] != 3)
-        return QStringLiteral("ok");
-    QStringList values;
-    for (int i = 2; i < pdu.size(); i += 2)
-        values << QString::number(qFromBigEndian<quint16>(pdu.constData() + i));
-    return values.join(QLatin1Char(','));
+    const QByteArray sent = '\1' + QByteArray::fromHex(request.toLatin1());
+    std::array<quint8, MODBUS_TCP_MAX_ADU_LENGTH> answer{};
+    modbus_send_raw_request(client, reinterpret_cast<const quint8 *>(sent.data()), sent.size());
+    const int length = modbus_receive_confirmation(client, answer.data());
+    const QByteArray pdu(reinterpret_cast<const char *>(&answer[HEADER_SIZE]),
+                         std::max(0, length - HEADER_SIZE));
+    const bool failed = (answer[HEADER_SIZE] & 0x80) != 0;
+    return failed ? failure(answer[HEADER_SIZE + 1]) : QString::fromLatin1(pdu.toHex());
 }
 
 } // namespace
@@ -54,21 +32,20 @@ WordsDaemon::~WordsDaemon()
     cutPower();
 }
 
-bool WordsDaemon::start(const QString &shell)
+bool WordsDaemon::start()
 {
-    if (readFile(QStringLiteral("/etc/sysset/panel.conf")).isEmpty()) {
-        writeFile(QStringLiteral("/etc/sysset/panel.conf"), "[words]\nport = 0\n");
-        QDir().mkpath(path(QStringLiteral("/mnt/data/sysset/words")));
+    if (readFile("/etc/sysset/panel.conf"_s).isEmpty()) {
+        writeFile("/etc/sysset/panel.conf"_s, "[words]\nport = 0\n");
+        QDir().mkpath(path("/mnt/data/sysset/words"_s));
     }
-    m_environment.insert(QStringLiteral("SYSSET_ROOT"), m_root.path());
+    m_environment.insert("SYSSET_ROOT"_s, m_root.path());
     m_process.setProcessEnvironment(m_environment);
     m_journal.clear();
-    m_client.abort();
+    m_client.reset();
     m_process.setReadChannel(QProcess::StandardError);
-    m_process.start(QStringLiteral("/bin/sh"),
-                    {QStringLiteral("-c"), shell + QStringLiteral(" exec '" WORDS_PROGRAM "'")});
-    const QRegularExpression line(QStringLiteral("port (\\d+)"));
-    while (isRunning() || m_process.state() == QProcess::Starting) {
+    m_process.start(QStringLiteral(WORDS_PROGRAM), QStringList());
+    const QRegularExpression line("port (\\d+)"_s);
+    while (m_process.state() != QProcess::NotRunning) {
         said("");
         const auto match = line.match(QString::fromLocal8Bit(m_journal));
         m_port = static_cast<quint16>(match.captured(1).toInt());
@@ -118,23 +95,29 @@ QByteArray WordsDaemon::readFile(const QString &absolute) const
 
 QString WordsDaemon::ask(const QString &request)
 {
-    return textOf(request, exchange(pduOf(request)));
-}
-
-// Length and transaction of the answer must be right, or it is none.
-QByteArray WordsDaemon::exchange(const QByteArray &pdu)
-{
-    if (m_client.state() != QTcpSocket::ConnectedState) {
-        m_client.connectToHost(QHostAddress::LocalHost, m_port);
-        m_client.waitForConnected(ANSWER_TIME);
+    if (!m_client) {
+        m_client.reset(modbus_new_tcp("127.0.0.1", m_port));
+        modbus_set_response_timeout(m_client.get(), ANSWER_TIME / 1000, 0);
+        modbus_connect(m_client.get());
     }
-    m_client.write(QByteArray("\x12\x34\0\0", 4) + word(pdu.size() + 1) + '\x01' + pdu);
-    while (m_client.bytesAvailable() < HEADER_SIZE ||
-           m_client.bytesAvailable() <
-               HEADER_SIZE - 1 + qFromBigEndian<quint16>(m_client.peek(6).constData() + 4)) {
-        if (!m_client.waitForReadyRead(ANSWER_TIME))
-            return {};
-    }
-    const QByteArray answer = m_client.readAll();
-    return answer.startsWith("\x12\x34") ? answer.mid(HEADER_SIZE) : QByteArray();
+    if (request.startsWith(u'#'))
+        return askRaw(m_client.get(), request.mid(1));
+    const bool reads = request.contains(u'*');
+    const int address = request.section(QRegularExpression("[*=]"_s), 0, 0).toInt();
+    QStringList values = request.section(QRegularExpression("[*=]"_s), 1).split(u',');
+    std::vector<quint16> words(reads ? values[0].toUInt() : 0);
+    if (!reads)
+        std::transform(values.begin(), values.end(), std::back_inserter(words),
+                       [](const QString &value) { return value.toUShort(); });
+    const int count = static_cast<int>(words.size());
+    const int done = reads ? modbus_read_registers(m_client.get(), address, count, words.data())
+                     : count == 1
+                         ? modbus_write_register(m_client.get(), address, words[0])
+                         : modbus_write_registers(m_client.get(), address, count, words.data());
+    if (done < 0)
+        return failure(errno - MODBUS_ENOBASE);
+    values.clear();
+    for (const quint16 word : words)
+        values << QString::number(word);
+    return reads ? values.join(u',') : "ok"_s;
 }

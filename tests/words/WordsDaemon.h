@@ -1,8 +1,10 @@
 // The words service as a process on a panel of its own, and a client of it.
 #pragma once
 
-#include <QtNetwork/QTcpSocket>
 #include <QtTest>
+
+#include <memory>
+#include <modbus/modbus.h>
 
 class WordsDaemon
 {
@@ -10,11 +12,9 @@ public:
     WordsDaemon() = default;
     ~WordsDaemon();
 
-    // Starts it; `shell` is done before, in the shell that becomes the service.
-    bool start(const QString &shell = QString());
+    bool start();
     void cutPower();
     bool stop();
-    bool isRunning() const { return m_process.state() == QProcess::Running; }
     quint16 port() const { return m_port; }
     qint64 pid() const { return m_process.processId(); }
     QProcessEnvironment &environment() { return m_environment; }
@@ -32,12 +32,19 @@ public:
     QString ask(const QString &request);
 
 private:
-    QByteArray exchange(const QByteArray &pdu);
+    struct Free
+    {
+        void operator()(modbus_t *client) const
+        {
+            modbus_close(client);
+            modbus_free(client);
+        }
+    };
 
     QTemporaryDir m_root;
     QProcessEnvironment m_environment = QProcessEnvironment::systemEnvironment();
     QProcess m_process;
-    QTcpSocket m_client;
+    std::unique_ptr<modbus_t, Free> m_client; // closes its connection too
     QByteArray m_journal;
     quint16 m_port = 0;
 };

@@ -1,18 +1,10 @@
 #include "tests/support/Rows.h"
+#include "tests/support/Text.h"
 #include "tests/words/WordsDaemon.h"
 
-#include <memory>
+#include <QtNetwork/QTcpSocket>
 
-namespace {
-
-constexpr auto BRIGHTNESS = "10591*1";
-
-QString text(const char *latin)
-{
-    return QString::fromLatin1(latin);
-}
-
-} // namespace
+const QString BRIGHTNESS = "10591*1"_s;
 
 class WordsTest : public QObject
 {
@@ -83,50 +75,22 @@ private slots:
         int percent = 0;
         while (time.elapsed() < 2000) {
             percent = percent % 100 + 1;
-            QCOMPARE(daemon.ask(text("10591=%1").arg(percent)), text("ok"));
+            QCOMPARE(daemon.ask("10591=%1"_s.arg(percent)), "ok"_s);
             QTest::qWait(10);
         }
         QTest::qWait(1000);
         daemon.cutPower();
-        const QByteArray kept = daemon.readFile(text("/mnt/data/sysset/words/words.0")) +
-                                daemon.readFile(text("/mnt/data/sysset/words/words.1"));
-        const QRegularExpression line(text("generation (\\d+)"));
+        const QByteArray kept = daemon.readFile("/mnt/data/sysset/words/words.0"_s) +
+                                daemon.readFile("/mnt/data/sysset/words/words.1"_s);
+        const QRegularExpression line("generation (\\d+)"_s);
         const int number = line.match(QString::fromLatin1(kept)).captured(1).toInt();
         QVERIFY2(number >= 3 && number <= 13, qPrintable(QString::number(number)));
         QVERIFY(daemon.start());
-        QCOMPARE(daemon.ask(text(BRIGHTNESS)), QString::number(percent));
-        QCOMPARE(daemon.ask(text("10591=61")), text("ok"));
+        QCOMPARE(daemon.ask(BRIGHTNESS), QString::number(percent));
+        QCOMPARE(daemon.ask("10591=61"_s), "ok"_s);
         QVERIFY(daemon.stop());
         QVERIFY(daemon.start());
-        QCOMPARE(daemon.ask(text(BRIGHTNESS)), text("61"));
-    }
-
-    // What is done to the disk before the start; whether it is mended meanwhile.
-    void worksWithoutDisk_data()
-    {
-        rows({"trap '' XFSZ; ulimit -f 0; | ", "trap '' XFSZ; ulimit -f 1; | ",
-              "mkdir $SYSSET_ROOT/mnt/data/sysset/words/words.new; | mended"});
-    }
-    void worksWithoutDisk()
-    {
-        WordsDaemon daemon;
-        QVERIFY(daemon.start());
-        QCOMPARE(daemon.ask(text("10591=40")), text("ok"));
-        QVERIFY(daemon.stop());
-        QVERIFY(daemon.start(cell(0)));
-        for (const char *percent : {"50", "60"}) {
-            QCOMPARE(daemon.ask(text("10591=%1").arg(text(percent))), text("ok"));
-            QTRY_COMPARE(daemon.said("not kept"), 1);
-            QTest::qWait(300);
-        }
-        QCOMPARE(daemon.ask(text(BRIGHTNESS)), text("60"));
-        if (!cell(1).isEmpty()) {
-            QVERIFY(QDir().rmdir(daemon.path(text("/mnt/data/sysset/words/words.new"))));
-            QTRY_COMPARE(daemon.said("works again"), 1);
-        }
-        daemon.cutPower();
-        QVERIFY(daemon.start());
-        QCOMPARE(daemon.ask(text(BRIGHTNESS)), text(cell(1).isEmpty() ? "40" : "60"));
+        QCOMPARE(daemon.ask(BRIGHTNESS), "61"_s);
     }
 
     // Bytes in hexadecimal that a client sends, how often it comes; whether it is thrown out.
@@ -162,11 +126,11 @@ private slots:
         QElapsedTimer time;
         time.start();
         for (int i = 0; i < 200; ++i)
-            QCOMPARE(daemon.ask(text(BRIGHTNESS)), text("100"));
+            QCOMPARE(daemon.ask(BRIGHTNESS), "100"_s);
         QVERIFY2(time.elapsed() < 1000, qPrintable(QString::number(time.elapsed())));
         if (!cell(2).isEmpty())
             QTRY_COMPARE_WITH_TIMEOUT(client.state(), QTcpSocket::UnconnectedState, 3000);
-        QCOMPARE(daemon.ask(text(BRIGHTNESS)), text("100"));
+        QCOMPARE(daemon.ask(BRIGHTNESS), "100"_s);
         QVERIFY(daemon.stop());
     }
 
@@ -189,25 +153,22 @@ private slots:
         QTRY_COMPARE(client.bytesAvailable(), qint64{36});
     }
 
-    // A file, whether the clock may be set, and how many lines are said about it.
+    // Whether the clock may be set, and how many lines are said about the file.
     void readsPanelFile_data()
     {
-        rows({"[words];port=0;clock=no | 010100 | 0", "[words];port=0;clock=maybe | 010101 | 1",
-              "[words];port=0;address=0.0.0.0 | 010101 | 1",
-              "[words];port=0;port=99999 | 010101 | 1", "[words];port=0;nonsense | 010101 | 1",
-              "[other];clock=no;[words];port=0 | 010101 | 0"});
+        rows({"clock=no | 010100 | 0", "clock=maybe | 010101 | 1", "address=0.0.0.0 | 010101 | 1",
+              "port=99999 | 010101 | 1", "nonsense | 010101 | 1"});
     }
     void readsPanelFile()
     {
         WordsDaemon daemon;
-        daemon.writeFile(text("/etc/sysset/panel.conf"),
-                         cell(0).replace(QLatin1Char(';'), QLatin1Char('\n')).toLatin1());
-        QVERIFY(QDir().mkpath(daemon.path(text("/mnt/data/sysset/words"))));
+        daemon.writeFile("/etc/sysset/panel.conf"_s,
+                         "[other]\nclock=no\n[words]\nport=0\n" + cell(0).toLatin1());
         QVERIFY(daemon.start());
-        QCOMPARE(daemon.ask(text("#0100000001")), cell(1));
+        QCOMPARE(daemon.ask("#0100000001"_s), cell(1));
         QCOMPARE(daemon.said("panel.conf"), number(2));
-        if (cell(1) == text("010100"))
-            QCOMPARE(daemon.ask(text("28=2024,1,1,0,0,0")), text("!4"));
+        if (cell(1) == "010100"_s)
+            QCOMPARE(daemon.ask("28=2024,1,1,0,0,0"_s), "!4"_s);
     }
 };
 

@@ -68,14 +68,6 @@ private slots:
         QVERIFY(reboots > 0);
     }
 
-    void theSilentMayDieAndComeBack()
-    {
-        auto logind = std::make_unique<BusService>(LOGIND);
-        QVERIFY(!callLogind() && m_clock.elapsed() >= TIMEOUT.count());
-        logind.reset();
-        QTRY_VERIFY(callLogind().error == "org.freedesktop.DBus.Error.ServiceUnknown");
-    }
-
     // timedated | result | calls of SetTime
     void setsTheClock_data() { rows({"prompt | 0 | 1", "lagging | 0 | 3", "stubborn | -1 | 1"}); }
     void setsTheClock()

@@ -131,20 +131,6 @@ private slots:
         QVERIFY(m_client->read(PAIR, &word, 1));
     }
 
-    void comesBackByItself_data() { rows({"dead", "silent", "reply 485454502f312e310d0a0d0a"}); }
-    void comesBackByItself()
-    {
-        unsigned short word = 0;
-        befall(cell(0));
-        QVERIFY(!m_client->read(PAIR, &word, 1));
-        QTest::qWait(600); // of vain questions
-        m_wrong.reset();
-        m_service->cutPower();
-        QVERIFY(m_service->start());
-        QTRY_VERIFY_WITH_TIMEOUT(m_client->read(PAIR, &word, 1), 2000);
-        QCOMPARE(word, 600);
-    }
-
 private:
     void befall(const QString &fault)
     {
