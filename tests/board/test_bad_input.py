@@ -32,22 +32,16 @@ my $listener = IO::Socket::INET->new(LocalAddr => "127.0.0.1:1502", Listen => 8,
 while (my $client = $listener->accept) {
     while (sysread($client, my $request, 260)) {
         my ($transaction, $function, $count) = (unpack "nnnCCnn", $request)[0, 4, 6];
-        my $body = $manner eq "wild" ? pack "CC/a*", $function, "\xff\xff" x $count
-                 : $manner eq "few" ? pack "CC/a*", $function, ""
-                 : pack "CC", $function | 0x80, 2;
+        my $body = pack "CC/a*", $function, $manner eq "wild" ? "\xff\xff" x $count : "";
         $body = "\1\1\1" if $function == 1;
-        $body = substr $request, 7, 5 if $function == 16 && $manner eq "wild";
-        syswrite $client, $manner eq "text" ? "HTTP/1.1 400 Bad Request\r\n\r\n"
-                        : pack "nnn/a*", $transaction, 0, "\1$body";
+        $body = substr $request, 7, 5 if $function == 16;
+        syswrite $client, pack "nnn/a*", $transaction, 0, "\1$body";
     }
 }
 """
 # On a busy board the stand-in may be late besides, which is told too.
 LATE = ["the words service does not answer", "the words service answers"]
-NONSENSE = "the words service gives an answer that makes no sense"
-MANNERS = {"text": ("", NONSENSE), "few": ("", NONSENSE),
-           "refusal": ("", "the words service refuses a word"),
-           "wild": ("65535", None)}
+MANNERS = {"few": ("", "the words service gives an answer that makes no sense"), "wild": ("65535", None)}
 
 
 def start_again(panel):

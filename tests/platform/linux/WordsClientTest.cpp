@@ -46,19 +46,14 @@ private:
             server.waitForNewConnection(5);
             const std::unique_ptr<QTcpSocket> client(server.nextPendingConnection());
             while (m_bServes && client && !reply.isEmpty() &&
-                   client->state() == QTcpSocket::ConnectedState)
-                answer(*client, reply, drips);
-        }
-    }
-    static void answer(QTcpSocket &client, const QByteArray &reply, bool drips)
-    {
-        if (!client.waitForReadyRead(5))
-            return;
-        client.readAll();
-        for (int at = 0; at < reply.size(); at += drips ? 1 : reply.size()) {
-            client.write(reply.mid(at, drips ? 1 : -1));
-            client.waitForBytesWritten(BYTE_PAUSE);
-            QThread::msleep(drips ? BYTE_PAUSE : 0);
+                   client->waitForReadyRead(BYTE_PAUSE)) {
+                client->readAll();
+                for (int at = 0; at < reply.size(); at += drips ? 1 : reply.size()) {
+                    client->write(reply.mid(at, drips ? 1 : -1));
+                    client->waitForBytesWritten(BYTE_PAUSE);
+                    QThread::msleep(drips ? BYTE_PAUSE : 0);
+                }
+            }
         }
     }
 
