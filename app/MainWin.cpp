@@ -75,13 +75,23 @@ MainWin::MainWin()
                  {ui->btn_Net, ui->tab_Net},
                  {ui->btn_UpData, ui->tab_UpData},
                  {ui->btn_Sysset, ui->tab_System}}};
-    makePages();
+    m_pInfo = ui->wdg_Info->setPage<Info>();
+    m_pDownloadThread = std::make_unique<CDownloadThread>();
     // The tabs of the widest group fill the page area exactly.
     ui->stackedWidget->setFixedWidth(tabWidth() * (TABS_ACROSS - 1));
     setWindowFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     new DismissGuard(this, false);
     initLanguage();
     initLook();
+}
+
+void MainWin::start()
+{
+    show();
+    // The first call paints the window, the second lets the screen take what is painted.
+    for (int call = 0; call < 2; ++call)
+        QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    makeOtherPages();
     registerHotPlug();
     m_pComParams = std::make_unique<ComParamLists>();
     m_pCommSetting->init(m_pComParams.get());
@@ -91,7 +101,8 @@ MainWin::MainWin()
 MainWin::~MainWin()
 {
     m_links.stop();
-    m_pNetExtend->diagnosis()->stop();
+    if (m_pNetExtend != nullptr)
+        m_pNetExtend->diagnosis()->stop();
     m_pDownloadThread->giveUp();
     const auto stopWorker = [this](int waitMs) {
         return m_pDownloadThread->wait(static_cast<unsigned long>(waitMs));
@@ -154,9 +165,8 @@ void MainWin::openScreen()
         loadLargePictures();
 }
 
-void MainWin::makePages()
+void MainWin::makeOtherPages()
 {
-    m_pInfo = ui->wdg_Info->setPage<Info>();
     m_pVersion = ui->wdg_Version->setPage<Version>();
     m_pNetEth = ui->wdg_Eth->setPage<NetEth>();
     m_pNetWiFi = ui->wdg_Wifi->setPage<NetWiFi>();
@@ -168,9 +178,27 @@ void MainWin::makePages()
     m_updatePages = {ui->wdg_HmiPro->setPage<DownLoadHmiPro>(),
                      ui->wdg_HmiImage->setPage<DownLoadHmiImage>(),
                      ui->wdg_PlcPro->setPage<DownLoadPlcPro>()};
-    m_pDownloadThread = std::make_unique<CDownloadThread>();
     for (UpdatePage *page : m_updatePages)
         page->setWorker(m_pDownloadThread.get());
+    retranslateOtherPages();
+    connect(m_pLanguage, &Language::sgl_LanguageChange, this, &MainWin::slot_LanguageChange);
+    connect(this, &MainWin::sgl_Util, m_pNetExtend->diagnosis(), &NetWorkTestUi::slot_Util);
+}
+
+void MainWin::retranslateOtherPages()
+{
+    m_pNetExtend->diagnosis()->setLanguage(m_nLanguage);
+    m_pCommSetting->retranslate();
+    m_pGeneral->retranslate();
+    m_pNetEth->retranslate();
+    m_pNetWiFi->retranslate();
+    for (UpdatePage *page : m_updatePages)
+        page->retranslate();
+    m_pNet4G->retranslate();
+    m_pVersion->retranslate();
+    m_pNetExtend->diagnosis()->retranslate();
+    m_pNetExtend->retranslate();
+    m_pLanguage->retranslate(m_nLanguage);
 }
 
 void MainWin::initLanguage()
@@ -179,17 +207,6 @@ void MainWin::initLanguage()
     m_nLanguage = g_nLanguge;
     ui->retranslateUi(this);
     m_pInfo->retranslate();
-    m_pVersion->retranslate();
-    m_pCommSetting->retranslate();
-    m_pGeneral->retranslate();
-    m_pNetEth->retranslate();
-    m_pNetWiFi->retranslate();
-    for (UpdatePage *page : m_updatePages)
-        page->retranslate();
-    m_pNet4G->retranslate();
-    m_pLanguage->retranslate(m_nLanguage);
-    m_pNetExtend->diagnosis()->setLanguage(m_nLanguage);
-    m_pNetExtend->retranslate();
     if (!g_bChange)
         ui->tab_System->removeTab(LANGUAGE_TAB);
 }
@@ -201,15 +218,13 @@ void MainWin::initLook()
     ui->stackedWidget->setCurrentIndex(0);
     m_strip.emplace(
         StatusStrip::Labels{ui->lab_usb, ui->lab_Eth, ui->lab_wifi, ui->lab_4g, ui->lab_cloud});
-    highlightGroup(0);
     applyStyle();
-    applyPendingStyles(this); // the strip's
+    highlightGroup(0);
+    applyPendingStyles(ui->wdg_Status);
     connect(this, qOverload<int, bool>(&MainWin::sgl_NetChange), this,
             qOverload<int, bool>(&MainWin::slot_NetChange));
     connect(this, qOverload<>(&MainWin::sgl_NetChange), this,
             qOverload<>(&MainWin::slot_NetChange));
-    connect(m_pLanguage, &Language::sgl_LanguageChange, this, &MainWin::slot_LanguageChange);
-    connect(this, &MainWin::sgl_Util, m_pNetExtend->diagnosis(), &NetWorkTestUi::slot_Util);
 }
 
 void MainWin::registerHotPlug()
@@ -380,23 +395,13 @@ void MainWin::slot_LanguageChange(int index)
     for (PageTab *tab : findChildren<PageTab *>())
         tab->parkPage();
     ui->retranslateUi(this);
-    highlightGroup(m_nGroup);
     applyStyle();
-    m_pNetExtend->diagnosis()->setLanguage(m_nLanguage);
+    highlightGroup(m_nGroup);
     m_pInfo->retranslate();
-    m_pCommSetting->retranslate();
-    m_pGeneral->retranslate();
-    m_pNetEth->retranslate();
-    m_pNetWiFi->retranslate();
-    for (UpdatePage *page : m_updatePages)
-        page->retranslate();
-    m_pNet4G->retranslate();
-    m_pVersion->retranslate();
-    m_pNetExtend->diagnosis()->retranslate();
-    m_pNetExtend->retranslate();
-    m_pLanguage->retranslate(m_nLanguage);
+    retranslateOtherPages();
 }
 
+// The window's own sheet comes first: whatever has one by then is styled once more.
 void MainWin::applyStyle()
 {
     setStyleOnce(this, windowStyle());

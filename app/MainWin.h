@@ -45,8 +45,12 @@ public:
     MainWin();
     ~MainWin() override;
 
+    // Shows the window and, once its first picture is on the screen, makes the pages that are not
+    // seen yet and opens what feeds them: U-disks and COM settings. Input waits until then. Once.
+    void start();
+
     // Looks for the network service and starts the talk with it; tells the operator if it does
-    // not run. Once, after the window is shown.
+    // not run. Once, after start().
     void checkNetworkService();
 
     // Opens the update group on the tab that `word` begins with ("DownloadProject",
@@ -88,7 +92,8 @@ private:
 
     void startTasks();
     void openScreen();
-    void makePages();
+    void makeOtherPages();
+    void retranslateOtherPages();
     void initLanguage();
     void initLook();
     void registerHotPlug();

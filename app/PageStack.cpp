@@ -8,12 +8,13 @@
 void PageTab::showEvent(QShowEvent *event)
 {
     if (m_page != nullptr) {
-        applyPendingStyles(m_page.get());
+        QWidget *page = m_page.release();
         auto *room = new QVBoxLayout(this);
         room->setContentsMargins(0, 0, 0, 0);
-        room->addWidget(m_page.release());
+        room->addWidget(page);
+        applyPendingStyles(page); // a page with a sheet would be styled again when it joins
         growLayouts(this);
-        room->itemAt(0)->widget()->show();
+        page->show();
         room->activate();
     }
     QWidget::showEvent(event);

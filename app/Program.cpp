@@ -21,9 +21,7 @@ namespace {
 void runWindow(int argc, char **argv, const std::function<void()> &shown)
 {
     MainWin window;
-    window.show();
-    // The picture first: what comes now may open a box, which takes its time.
-    QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    window.start();
     shown();
     window.checkNetworkService();
     obeyOptions(argc, argv, &window);

@@ -159,7 +159,7 @@ int main(int argc, char **argv)
     QApplication application(argc, argv);
     loadAppearance();
     auto *window = new MainWin; // its end would restart the panel
-    window->show();
+    window->start();
     drain();
     const bool language = measureLanguage(*window);
     const bool keyboard = measureKeyboard(*window);

@@ -165,7 +165,7 @@ int main(int argc, char **argv)
     QApplication application(argc, argv);
     loadAppearance();
     auto *window = new MainWin; // its end would restart the panel
-    window->show();
+    window->start();
     window->findChild<QAbstractButton *>(QStringLiteral("btn_Net"))->click();
     window->findChild<QTabWidget *>(QStringLiteral("tab_Net"))->setCurrentIndex(1);
     drain();

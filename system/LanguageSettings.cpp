@@ -53,7 +53,7 @@ void syncSettingsFolder()
     ::close(folder);
 }
 
-// Once: it is written at each start and at each change.
+// Once, however often the language changes.
 void tellOfFailure()
 {
     static bool told = false;
@@ -106,7 +106,10 @@ void applyLanguage(int id)
                     QString::fromLatin1(TRANSLATION_FILES[g_nLanguge]));
 
     QSettings settings(toQString(settingsPath()), QSettings::IniFormat);
-    settings.setValue(languageKey(), QStringLiteral("%1").arg(g_nLanguge));
+    const QString number = QString::number(g_nLanguge);
+    if (settings.value(languageKey()).toString() == number)
+        return; // as at most starts: a file that is not written cannot be lost
+    settings.setValue(languageKey(), number);
     settings.sync();
     if (settings.status() != QSettings::NoError) {
         std::printf("write [%s] error\n", SETTINGS_NAME);
