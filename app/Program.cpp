@@ -13,8 +13,6 @@
 
 #include <cstdio>
 #include <exception>
-#include <fontconfig/fontconfig.h>
-#include <future>
 
 namespace {
 
@@ -55,10 +53,7 @@ namespace {
     chooseFontConfiguration();
     makeRoomForTimeZone();
 
-    // On a thread of its own while the application finds screen and touch.
-    auto fonts = std::async(FcInit);
     QApplication application(argc, argv);
-    fonts.wait();
     holdImagePlugins();
     loadAppearance();
     QApplication::setOverrideCursor(Qt::BlankCursor);
