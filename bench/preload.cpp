@@ -1,4 +1,4 @@
-// Preloaded into a program as it is packaged, has it tell when its first frame is there.
+// Linked or preloaded into a program as it is packaged, has it tell when its first frame is there.
 
 #include "bench/FirstFrame.h"
 
