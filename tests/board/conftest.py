@@ -36,22 +36,22 @@ def developers(built):
     return lab.developers_board(built)
 
 
-def _keep_evidence(request, panel):
+@contextlib.contextmanager
+def at_work(request, machine, built):
+    """The panel of a board, for one story."""
+    panel = lab.Panel(lab.VirtualHands(machine), built)
+    yield panel
     if getattr(request.node, "failed", False):
         folder = cache.folder() / "failed" / request.node.name
         shutil.rmtree(folder, ignore_errors=True)
         lab.evidence(panel, folder)
         print(f"What it left behind is in {folder}")
+    kept.remove(machine)
 
 
-@contextlib.contextmanager
 def restored(request, base, built, **options):
     """A fresh copy of a kept board for one story."""
-    machine = kept.restore(base, built, lab.SIZE, **options)
-    panel = lab.Panel(lab.VirtualHands(machine), built)
-    yield panel
-    _keep_evidence(request, panel)
-    kept.remove(machine)
+    return at_work(request, kept.restore(base, built, lab.SIZE, **options), built)
 
 
 @pytest.fixture
@@ -71,11 +71,8 @@ def delivered(request, packaged, built):
 @pytest.fixture
 def new_panel(request, built):
     """A panel that has just been switched on for the first time."""
-    machine = kept.cold_machine(built, lab.SIZE)
-    panel = lab.Panel(lab.VirtualHands(machine), built)
-    yield panel
-    _keep_evidence(request, panel)
-    kept.remove(machine)
+    with at_work(request, kept.cold_machine(built, lab.SIZE), built) as cold_panel:
+        yield cold_panel
 
 
 @pytest.fixture

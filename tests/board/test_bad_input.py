@@ -2,7 +2,7 @@
 
 import pytest
 
-import lab
+import conftest
 from lab import wait_for
 from virtualboard import kept
 from virtualboard.machine import Screen, overlay_disk
@@ -100,15 +100,11 @@ def test_a_words_service_that_makes_no_sense(panel, manner):
         panel.wait_text("line_BacklightTime", healthy, 30)
 
 
-def test_a_screen_of_another_size(built):
-    machine = kept.cold_machine(built, Screen(800, 480))
-    try:
-        panel = lab.Panel(lab.VirtualHands(machine), built)
+def test_a_screen_of_another_size(request, built):
+    with conftest.at_work(request, kept.cold_machine(built, Screen(800, 480)), built) as panel:
         panel.wait_started(180)
         assert panel.hands.frame().size == (800, 480)
         says(panel, "sysset", [])
-    finally:
-        kept.remove(machine)
 
 
 @pytest.mark.parametrize("year, told_by, line", [
@@ -133,6 +129,13 @@ def kept_settings(panel):
     return panel.shell("cd /mnt/data; grep -h '^10591 ' sysset/words/words.? | sort; cat prj/LangugeSet.cof")
 
 
+def keep_brightness(panel):
+    panel.touch("btn_Sysset")
+    panel.drag("slider_Backlightness", 70)
+    wait_for(lambda: "10591 70" in kept_settings(panel), "the brightness is kept")
+    return kept_settings(panel)
+
+
 def change_settings(panel, brightness):
     panel.touch("btn_Sysset")
     panel.touch("tab_System", 2)
@@ -147,10 +150,7 @@ def is_told(panel, why):
 
 
 def test_a_full_data_disk(panel):
-    panel.touch("btn_Sysset")
-    panel.drag("slider_Backlightness", 70)
-    wait_for(lambda: "10591 70" in kept_settings(panel), "the brightness is kept")
-    before = kept_settings(panel)
+    before = keep_brightness(panel)
     panel.shell("for size in 64k 1k; do dd if=/dev/zero bs=$size >>/mnt/data/full; done 2>/dev/null; sync")
     change_settings(panel, 40)
     is_told(panel, "No space left on device")
@@ -165,11 +165,8 @@ def test_a_full_data_disk(panel):
 
 
 def test_a_read_only_data_disk(panel):
-    panel.touch("btn_Sysset")
-    panel.drag("slider_Backlightness", 70)
-    wait_for(lambda: "10591 70" in kept_settings(panel), "the brightness is kept")
+    before, machine = keep_brightness(panel), panel.hands.machine
     panel.shell("mount -o remount,ro /mnt/data")
-    before, machine = kept_settings(panel), panel.hands.machine
     panel.hands.cut_power()
     machine.start(panel.image, data={**overlay_disk(machine.folder / "data.qcow2"), "read-only": True})
     panel.wait_started()

@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 
 #include <csignal>
+#include <optional>
 
 using board::systemBus;
 using std::chrono::milliseconds;
@@ -29,43 +30,46 @@ class SystemBusTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { m_clock.start(); }
-
-    void failsAtOnceWithoutABus()
-    {
-        QVERIFY(!callLogind());
-        QCOMPARE(my_reboot(1), -1);
-        QCOMPARE(remountPartion(1, std::string()), -1);
-        QVERIFY(m_clock.elapsed() < 100);
-    }
-
-    // The bus is used as soon as it is there.
-    void failsAtOnceWithoutTheService()
+    void init()
     {
         m_bus.start();
-        QVERIFY(callLogind().error == "org.freedesktop.DBus.Error.ServiceUnknown");
-        QVERIFY(m_clock.elapsed() < 100);
+        m_clock.start();
     }
+    void cleanup() { m_bus.stop(); } // each test on a bus that has been started anew
 
-    // One time-out in all; and back without a restart of either, as soon as it answers.
+    // Twenty requests that nobody answers cost one time-out, if any; then an answer is taken.
+    void silenceCostsItsTimeOnce_data()
+    {
+        rows({"no bus | 0", "no service | 0", "silent service | 200", "silent bus | 200"});
+    }
     void silenceCostsItsTimeOnce()
     {
-        BusService logind(LOGIND);
-        std::atomic<int> reboots{0};
-        auto &manager = logind.add("/org/freedesktop/login1");
-        manager.registerMethod("Reboot")
-            .onInterface("org.freedesktop.login1.Manager")
-            .implementedAs([&](bool) { ++reboots; });
-        manager.finishRegistration();
-        QVERIFY(!callLogind());
-        const auto once = m_clock.elapsed();
-        QVERIFY(once >= TIMEOUT.count() && once < TIMEOUT.count() + 100);
+        std::optional<BusService> logind;
+        if (cell(0) == "no bus"_s)
+            m_bus.stop();
+        else if (cell(0) == "silent service"_s)
+            logind.emplace(LOGIND);
+        else if (cell(0) == "silent bus"_s)
+            ::kill(m_bus.pid(), SIGSTOP);
+        m_clock.start();
         for (int i = 0; i < 20; ++i)
             QVERIFY(!callLogind());
-        QVERIFY(m_clock.elapsed() < once + 50);
-        logind.answer();
+        const auto once = m_clock.elapsed();
+        QVERIFY2(once >= number(1) && once < number(1) + 150, QByteArray::number(once));
+        if (cell(0) == "no bus"_s) {
+            QVERIFY(my_reboot(1) == -1 && remountPartion(1, std::string()) == -1);
+            m_bus.start();
+        }
+        ::kill(m_bus.pid(), SIGCONT);
+        if (!logind)
+            logind.emplace(LOGIND);
+        auto &manager = logind->add("/org/freedesktop/login1");
+        manager.registerMethod("Reboot")
+            .onInterface("org.freedesktop.login1.Manager")
+            .implementedAs([](bool) {});
+        manager.finishRegistration();
+        logind->answer();
         QTRY_VERIFY_WITH_TIMEOUT(bool(callLogind()), 2000);
-        QVERIFY(reboots > 0);
     }
 
     // timedated | result | calls of SetTime
@@ -117,27 +121,6 @@ private slots:
         QCOMPARE(remountPartion(0, std::string()), number(2));
         QVERIFY(m_clock.elapsed() >= number(3) && m_clock.elapsed() <= number(4));
         QVERIFY(started == (end == "refused" ? "" : "sysset-remount@ro.service"));
-    }
-
-    void goesOnAfterARestartOfTheBus()
-    {
-        m_bus.stop();
-        QTRY_VERIFY(callLogind().error.empty() || m_clock.elapsed() > 100);
-        m_bus.start();
-        QTRY_VERIFY(callLogind().error == "org.freedesktop.DBus.Error.ServiceUnknown");
-    }
-
-    // A bus that takes connections and says nothing.
-    void aSilentBusCostsItsTimeOnce()
-    {
-        ::kill(m_bus.pid(), SIGSTOP);
-        QVERIFY(!callLogind());
-        QVERIFY(m_clock.elapsed() < TIMEOUT.count() + 100);
-        for (int i = 0; i < 20; ++i)
-            QVERIFY(!callLogind());
-        QVERIFY(m_clock.elapsed() < TIMEOUT.count() + 150);
-        ::kill(m_bus.pid(), SIGCONT);
-        QTRY_VERIFY(callLogind().error == "org.freedesktop.DBus.Error.ServiceUnknown");
     }
 
 private:
