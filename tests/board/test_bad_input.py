@@ -1,5 +1,7 @@
 """A board that is not as it should be: the program starts, says so in a line, and loses nothing."""
 
+import pathlib
+
 import pytest
 
 import conftest
@@ -23,22 +25,8 @@ FAULTS = {
                      ["brightness cannot be set"]),
 }
 
-# A words service that is none, on the board's own perl: arguments are its manner.
-STAND_IN = r"""
-use IO::Socket::INET;
-my ($manner) = @ARGV;
-$SIG{PIPE} = "IGNORE";
-my $listener = IO::Socket::INET->new(LocalAddr => "127.0.0.1:1502", Listen => 8, ReuseAddr => 1);
-while (my $client = $listener->accept) {
-    while (sysread($client, my $request, 260)) {
-        my ($transaction, $function, $count) = (unpack "nnnCCnn", $request)[0, 4, 6];
-        my $body = pack "CC/a*", $function, $manner eq "wild" ? "\xff\xff" x $count : "";
-        $body = "\1\1\1" if $function == 1;
-        $body = substr $request, 7, 5 if $function == 16;
-        syswrite $client, pack "nnn/a*", $transaction, 0, "\1$body";
-    }
-}
-"""
+# A words service that is none, on the board's own perl.
+STAND_IN = pathlib.Path(__file__).with_name("stand_in.pl")
 # On a busy board the stand-in may be late besides, which is told too.
 LATE = ["the words service does not answer", "the words service answers"]
 MANNERS = {"few": ("", "the words service gives an answer that makes no sense"), "wild": ("65535", None)}
@@ -83,7 +71,7 @@ def test_a_screen_that_comes_late(delivered):
 def test_a_words_service_that_makes_no_sense(panel, manner):
     shown, line = MANNERS[manner]
     healthy = panel.widgets("line_BacklightTime")[0].text
-    panel.shell("cat >/run/stand-in", stdin=STAND_IN.encode())
+    panel.shell("cat >/run/stand-in", stdin=STAND_IN.read_bytes())
     panel.shell("systemctl stop sysset sysset-words; systemctl mask -q --runtime sysset-words;"
                 f"systemd-run -q --unit stand-in perl /run/stand-in {manner};"
                 "until ss -Hltn sport = :1502 | grep -q .; do sleep 0.2; done; systemctl start sysset",

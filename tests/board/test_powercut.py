@@ -13,34 +13,9 @@ from virtualboard import kept, machine, powercut
 CUTS = 100
 KEPT_WITHIN_S = 1.0     # what the words service promises; the zone is synced at once
 FIRST_ZONE = "UTC+08:00 Beijing"
-ZONE_FILE = "/mnt/data/etc/tz/tz.conf"
-
-# Mounts the disks one after the other, so that the kernel replays their journals, and tells a digest of
-# each one's tree: names, kinds, modes, owners, sizes, and what is in the files.
-LOOK = """set -e
-mkdir -p /run/cut
-at=0
-while mount -o loop,offset=$at,sizelimit={size} /dev/vdc /run/cut; do
-    cd /run/cut
-    (find . -path ./lost+found -prune -o -printf '%P %y %m %u %s\n' | sort
-     find . -type f -exec sha256sum {{}} + | sort) | sha256sum
-    cd /
-    umount /run/cut
-    at=$((at + {size}))
-    [ $at -lt {end} ] || exit 0
-done
-exit 1
-"""
-
-# Starts the services and the program with one of them as the data disk. The disks have the label of the
-# board's own: systemd may have taken that one away when they came.
-START = """set -e
-systemctl stop sysset sysset-words
-if mountpoint -q /mnt/data; then umount /mnt/data; fi
-mount -o loop,offset={at},sizelimit={size},nodev,nosuid,noatime /dev/vdc /mnt/data
-stat -c %s {zone}
-systemctl start sysset
-"""
+DATA = "/mnt/data"
+ZONE_FILE = f"{DATA}/etc/tz/tz.conf"
+CUTS_DISK = "/dev/vdc"
 
 
 @pytest.fixture
@@ -112,32 +87,33 @@ def checked(cuts):
     """The same cuts; each must be whole once its journal is replayed."""
     for number, path in cuts:
         yield number, path
-        assert powercut.Disk(path).recover() == "", f"cut after {number} requests"
+        assert powercut.recover(path) == "", f"cut after {number} requests"
 
 
 def test_a_power_cut_leaves_each_setting_old_or_new(logged):
     panel, folder = logged
     histories = change_all(panel, folder / "writes")
     cuts = powercut.cuts(folder / "writes", folder / "before.raw", folder, CUTS)
-    numbers, size = powercut.lay_side_by_side(checked(cuts), folder / "all.raw")
-    assert len(numbers) == CUTS
+    disks = powercut.SideBySide(checked(cuts), folder / "all.raw")
     panel.hands.add_disk("cuts", folder / "all.raw")
-    trees = panel.shell(LOOK.format(size=size, end=CUTS * size), timeout=600).splitlines()
-    assert len(trees) == CUTS
+    trees = disks.trees(panel.shell, CUTS_DISK)
+    assert len(trees) == len(disks.numbers) == CUTS
 
     @functools.cache
     def start_on(tree):
         """What is shown with such a tree on the data disk, equal ones being started on once."""
-        zone_size = panel.shell(START.format(at=trees.index(tree) * size, size=size, zone=ZONE_FILE))
+        panel.shell("systemctl stop sysset sysset-words")
+        disks.put_in_place(panel.shell, CUTS_DISK, trees.index(tree), DATA)
+        zone_size = panel.shell(f"stat -c %s {ZONE_FILE} && systemctl start sysset")
         values = {name: wait_for(lambda n=name: shown(panel, n), name) for name in histories}
         return values, zone_size == "0"
 
-    for number, tree in zip(numbers, trees):
+    for number, tree in zip(disks.numbers, trees):
         values, zone_lost = start_on(tree)
         for name, value in values.items():
             allowed = {FIRST_ZONE} if zone_lost and name == "comboBox" else histories[name].at(number)
             assert value in allowed, f"{name} after {number} requests"
-    print(f"{numbers[-1]} requests, {start_on.cache_info().misses} different disks")
+    print(f"{disks.numbers[-1]} requests, {start_on.cache_info().misses} different disks")
 
     panel.shell(f"systemctl stop sysset; : >{ZONE_FILE}; systemctl start sysset")
     wait_for(lambda: shown(panel, "comboBox") == FIRST_ZONE, "the first zone")

@@ -106,43 +106,64 @@ def cuts(log, before, scratch, count, seed=1):
             yield number, scratch / "cut.raw"
 
 
-def lay_side_by_side(disks, path):
-    """Puts disks of one size one behind the other into one image, so that a board can be shown all of
-    them at once; what is empty takes no space. Returns the requests before each, and their size."""
-    numbers, size = [], 0
-    for number, disk in disks:
-        size = disk.stat().st_size
-        run(["dd", f"if={disk}", f"of={path}", "bs=1M", f"seek={len(numbers) * size}", "oflag=seek_bytes",
-             "conv=notrunc,sparse", "status=none"])
-        numbers.append(number)
-        os.truncate(path, len(numbers) * size)
-    return numbers, size
+# Mounts the disks one after the other, so that the kernel replays their journals, and tells a digest of
+# each one's tree: names, kinds, modes, owners, sizes, and what is in the files.
+TELL_TREES = """set -e
+mkdir -p /run/cut
+at=0
+while mount -o loop,offset=$at,sizelimit={size} {device} /run/cut; do
+    cd /run/cut
+    (find . -path ./lost+found -prune -o -printf '%P %y %m %u %s\\n' | sort
+     find . -type f -exec sha256sum {{}} + | sort) | sha256sum
+    cd /
+    umount /run/cut
+    at=$((at + {size}))
+    [ $at -lt {end} ] || exit 0
+done
+exit 1
+"""
+
+# The disks have the label of the board's own: systemd may have taken that one away when they came.
+PUT_IN_PLACE = """set -e
+if mountpoint -q {place}; then umount {place}; fi
+mount -o loop,offset={at},sizelimit={size},nodev,nosuid,noatime {device} {place}
+"""
 
 
-class Disk:
-    """A data disk after a cut, looked into without mounting it."""
+class SideBySide:
+    """Disks of one size, one behind the other in one image, so that a board can be shown all of them at
+    once; what is empty takes no space. `shell` runs a command on the board."""
 
-    def __init__(self, path):
-        self.path = path
+    def __init__(self, disks, path):
+        """disks: what cuts() gives. numbers are the requests before each."""
+        self.numbers, self._size = [], 0
+        for number, disk in disks:
+            self._size = disk.stat().st_size
+            run(["dd", f"if={disk}", f"of={path}", "bs=1M", f"seek={len(self.numbers) * self._size}",
+                 "oflag=seek_bytes", "conv=notrunc,sparse", "status=none"])
+            self.numbers.append(number)
+            os.truncate(path, len(self.numbers) * self._size)
 
-    def recover(self):
-        """Replays the journal as a mount does, and checks all of it; what was wrong, or ""."""
-        journal = self._check("-fy", "-E", "journal_only")
-        if journal.returncode not in (0, 1):
-            return journal.stdout.decode(errors="replace")
-        whole = self._check("-fn")
-        return whole.stdout.decode(errors="replace") if whole.returncode else ""
+    def trees(self, shell, device):
+        """Digests of what is on the disks; device is what the board calls the image."""
+        told = shell(TELL_TREES.format(device=device, size=self._size, end=len(self.numbers) * self._size),
+                     timeout=600)
+        return told.splitlines()
 
-    def _check(self, *options):
-        return subprocess.run(["/sbin/e2fsck", *options, self.path], stdin=subprocess.DEVNULL,
-                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
+    def put_in_place(self, shell, device, index, place):
+        """Mounts one of them in the place of what is mounted there."""
+        shell(PUT_IN_PLACE.format(device=device, place=place, at=index * self._size, size=self._size))
 
-    def _ask(self, request):
-        done = subprocess.run(["/sbin/debugfs", "-R", request, self.path], stdin=subprocess.DEVNULL,
-                              capture_output=True, check=True)
-        return done.stdout, done.stderr
 
-    def read(self, name):
-        """Content of a file, by its path on the disk; None if it is not there."""
-        content, errors = self._ask(f'cat "{name}"')
-        return None if b"not found" in errors else content
+def _check(path, *options):
+    return subprocess.run(["/sbin/e2fsck", *options, path], stdin=subprocess.DEVNULL,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
+
+
+def recover(path):
+    """Replays the journal of a disk as a mount does, and checks all of it; what was wrong, or ""."""
+    journal = _check(path, "-fy", "-E", "journal_only")
+    if journal.returncode not in (0, 1):
+        return journal.stdout.decode(errors="replace")
+    whole = _check(path, "-fn")
+    return whole.stdout.decode(errors="replace") if whole.returncode else ""
