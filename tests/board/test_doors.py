@@ -50,13 +50,6 @@ def test_nothing_listens_off_the_loopback(delivered):
     assert strangers == []
 
 
-def test_the_words_are_not_served_at_the_network(delivered):
-    delivered.shell("ip link set eth0 up; ip address add 10.77.0.1/24 dev eth0")
-    knock = "timeout 5 bash -c '</dev/tcp/{}/1502'"
-    assert delivered.try_shell(knock.format("127.0.0.1"))[0] == 0
-    assert delivered.try_shell(knock.format("10.77.0.1"))[0] != 0
-
-
 def test_polkit_gives_each_user_what_it_needs(delivered):
     delivered.shell("systemd-run -q --unit stranger --uid nobody sleep 600")
     units = {"panel": "sysset", "words": "sysset-words", "nobody": "stranger"}
@@ -83,7 +76,7 @@ def test_devices_and_settings_are_open_to_their_groups_alone(delivered):
         assert set(delivered.shell(f"id -nG {user}").split()) == groups
 
 
-def test_our_services_are_fenced_in(delivered):
+def test_our_services_are_fenced_in_and_not_root(delivered):
     services = our_services(delivered) + ONE_SHOTS
     assert "sysset.service" in services and "sysset-words.service" in services
     for service in services:
@@ -91,12 +84,8 @@ def test_our_services_are_fenced_in(delivered):
         level = float(re.search(r"service: ([0-9.]+)", told).group(1))
         print(f"{service}: {level}")
         assert level <= LIMIT, told
-
-
-def test_no_service_of_ours_runs_as_root(delivered):
-    for service in our_services(delivered):
         pid = delivered.shell(f"systemctl show -P MainPID {service}")
-        assert delivered.shell(f"stat -c %U /proc/{pid}") != "root", service
+        assert service in ONE_SHOTS or delivered.shell(f"stat -c %U /proc/{pid}") != "root", service
 
 
 def test_the_delivered_program_has_no_control_socket(delivered):

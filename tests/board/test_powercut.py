@@ -29,20 +29,12 @@ def logged(request, developers, built, tmp_path):
         yield panel, tmp_path
 
 
-class History:
-    """What a setting was: each value with the requests of the log before which the disk cannot have it,
-    and after which it must."""
-
-    def __init__(self, value):
-        self._values = [(-1, 0, value)]
-
-    def add(self, begun, kept_by, value):
-        self._values.append((begun, kept_by, value))
-
-    def at(self, number):
-        """The values that a cut after that many requests may leave."""
-        latest = max(i for i, (_, kept_by, _) in enumerate(self._values) if kept_by <= number)
-        return {value for begun, _, value in self._values[latest:] if begun < number}
+# The history of a setting: each value with the number of requests in the log before which the disk cannot
+# have it, and after which it must.
+def allowed_at(history, number):
+    """The values that a cut after that many requests may leave."""
+    latest = max(i for i, (_, kept_by, _) in enumerate(history) if kept_by <= number)
+    return {value for begun, _, value in history[latest:] if begun < number}
 
 
 def shown(panel, name):
@@ -72,14 +64,14 @@ def change_all(panel, log):
     """Makes all changes by touch; the history of each setting."""
     panel.touch("btn_Sysset")
     wait_for(lambda: panel.widget("comboBox"), "the page")
-    histories = {name: History(shown(panel, name)) for name, *_ in CHANGES}
+    histories = {name: [(-1, 0, shown(panel, name))] for name, *_ in CHANGES}
     for name, value in CHANGES:
         before, begun = shown(panel, name), powercut.length(log)
         change(panel, name, value)
         wait_for(lambda n=name, b=before: shown(panel, n) != b, f"{name} changes")
         time.sleep(KEPT_WITHIN_S)
         kept_by = float("inf") if name == NOT_PROMISED_AT_ONCE else powercut.length(log)
-        histories[name].add(begun, kept_by, shown(panel, name))
+        histories[name].append((begun, kept_by, shown(panel, name)))
     return histories
 
 
@@ -111,7 +103,7 @@ def test_a_power_cut_leaves_each_setting_old_or_new(logged):
     for number, tree in zip(disks.numbers, trees):
         values, zone_lost = start_on(tree)
         for name, value in values.items():
-            allowed = {FIRST_ZONE} if zone_lost and name == "comboBox" else histories[name].at(number)
+            allowed = {FIRST_ZONE} if zone_lost and name == "comboBox" else allowed_at(histories[name], number)
             assert value in allowed, f"{name} after {number} requests"
     print(f"{disks.numbers[-1]} requests, {start_on.cache_info().misses} different disks")
 

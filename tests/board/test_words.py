@@ -4,7 +4,7 @@ import time
 
 import pytest
 
-from lab import NotSeen, wait_for
+from lab import wait_for
 
 NOT_SAVED = {"ENBtn": "Not saved: not all settings were read. Please try again.",
              "CHBtn": "未保存：设置未能全部读取，请重试。"}

@@ -15,17 +15,13 @@ using board::PanelConf;
 
 namespace {
 
-QByteArray unescaped(const QString &text)
+std::string unescaped(const QString &text)
 {
     return text.toUtf8()
         .replace("\\n", "\n")
         .replace("\\r", "\r")
-        .replace("\\0", QByteArray(1, '\0'));
-}
-
-PanelConf parse(const QByteArray &text, std::string &fault)
-{
-    return board::parsePanelConf(text.toStdString(), fault);
+        .replace("\\0", QByteArray(1, '\0'))
+        .toStdString();
 }
 
 } // namespace
@@ -60,7 +56,7 @@ private slots:
     void faultsOfPanelConf()
     {
         std::string fault;
-        const PanelConf conf = parse(unescaped(cell(0)), fault);
+        const PanelConf conf = board::parsePanelConf(unescaped(cell(0)), fault);
         QCOMPARE(QString::fromStdString(fault), cellOrEmpty(1));
         QVERIFY(conf.width == 0 && conf.wordsPort == 1502 && conf.tones[4] == 4000);
     }
@@ -68,10 +64,11 @@ private slots:
     void soundLinesHoldBesideBrokenOnes()
     {
         std::string fault;
-        const PanelConf conf = parse("[display]\nsize=800x480\nsize=wide\n[restart]\n"
-                                     "hardware-reset = yes\n[buzzer]\ntones= 1 2 3 4 5\n"
-                                     "[machine]\nproduct = P 1 = 2 ",
-                                     fault);
+        const PanelConf conf =
+            board::parsePanelConf("[display]\nsize=800x480\nsize=wide\n[restart]\n"
+                                  "hardware-reset = yes\n[buzzer]\ntones= 1 2 3 4 5\n"
+                                  "[machine]\nproduct = P 1 = 2 ",
+                                  fault);
         QVERIFY(conf.width == 800 && conf.height == 480 && conf.hardwareReset);
         QVERIFY(conf.tones[0] == 1000 && conf.product == "P 1 = 2" && !fault.empty());
     }
