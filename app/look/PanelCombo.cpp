@@ -4,6 +4,7 @@
 #include "app/look/Screen.h"
 
 #include <QAbstractItemView>
+#include <QMouseEvent>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
@@ -24,4 +25,17 @@ void PanelCombo::showPopup()
     placeOverPage(list, {width(), std::min(rows + frame, screenSize().height())}, this,
                   {0, height()});
     view()->scrollTo(view()->currentIndex(), QAbstractItemView::PositionAtCenter);
+}
+
+void PanelCombo::mousePressEvent(QMouseEvent *event)
+{
+    event->accept();
+    m_isPressed = true;
+}
+
+void PanelCombo::mouseReleaseEvent(QMouseEvent *event)
+{
+    event->accept();
+    if (std::exchange(m_isPressed, false) && rect().contains(event->pos()))
+        showPopup();
 }

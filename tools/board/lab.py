@@ -248,21 +248,17 @@ class Panel:
     def press_key(self, key, is_taken):
         """The keyboard takes the first press of all for a trembling finger's."""
         time.sleep(KEY_PAUSE_S)
-        self._touch_twice(key, is_taken)
-
-    def _touch_twice(self, name, has_answered):
-        """Touches a widget, and once more if that has no effect within a second."""
-        self.touch(name)
+        self.touch(key)
         try:
-            return wait_for(has_answered, f"{name} answers", 1)
+            wait_for(is_taken, f"{key} is taken", 1)
         except NotSeen:
-            self.touch(name)
-            return wait_for(has_answered, f"{name} answers")
+            self.touch(key)
+            wait_for(is_taken, f"{key} is taken")
 
     def choose(self, name, row):
-        """Chooses a row of a combo box that is in sight when its list opens. The list closes again if it
-        took so long to open that the touch is taken for one that was held."""
-        choices = self._touch_twice(name, lambda: self.widget(name).find("QComboBoxListView"))
+        """Chooses a row of a combo box that is in sight when its list opens."""
+        self.touch(name)
+        choices = wait_for(lambda: self.widget(name).find("QComboBoxListView"), f"{name} opens")
         x, y, width, height = choices.rect
         self.touch_at(x + width // 2, y + height * (2 * row + 1) // (2 * VISIBLE_CHOICES))
         wait_for(lambda: self.widget(name).index == row, f"{name} has row {row}")
