@@ -32,12 +32,6 @@ LATE = ["the words service does not answer", "the words service answers"]
 MANNERS = {"few": ("", "the words service gives an answer that makes no sense"), "wild": ("65535", None)}
 
 
-def start_again(panel):
-    """Starts both anew and waits for the first frame."""
-    panel.shell("systemctl restart sysset-words sysset")
-    panel.wait_started()
-
-
 def says(panel, unit, lines):
     told = [line for line in panel.told(unit) if not line.startswith(("listening", "clock set"))]
     assert len(told) == len(lines) and all(part in line for part, line in zip(lines, told)), told
@@ -49,7 +43,8 @@ def test_faults_of_the_board_are_told_in_a_line_each(delivered):
     for fault, (command, program, words) in FAULTS.items():
         print(fault)
         panel.shell(command)
-        start_again(panel)
+        panel.shell("systemctl restart sysset-words sysset")
+        panel.wait_started()
         says(panel, "sysset", program)
         says(panel, "sysset-words", words)
         panel.shell(f"rm -rf {CONF}; cp /run/panel.conf {CONF}; {BEEPER}/bind; true")

@@ -39,11 +39,6 @@ NODES = {"/dev/fb0": "root video 660", "/dev/input/event*": "root input 660", "/
 GROUPS = {"panel": {"panel", "video", "input", "dialout"}, "words": {"words"}}
 
 
-def our_services(panel):
-    listed = panel.shell("systemctl list-units --type=service --state=active --plain --no-legend 'sysset*'")
-    return [line.split()[0] for line in listed.splitlines()]
-
-
 def test_nothing_listens_off_the_loopback(delivered):
     listening = delivered.shell("ss -Hlntup").splitlines()
     strangers = [line for line in listening if not re.search(r"\s(127\.0\.0\.1|\[::1\]):\d+\s", line)]
@@ -77,7 +72,8 @@ def test_devices_and_settings_are_open_to_their_groups_alone(delivered):
 
 
 def test_our_services_are_fenced_in_and_not_root(delivered):
-    services = our_services(delivered) + ONE_SHOTS
+    listed = delivered.shell("systemctl list-units --type=service --state=active --plain --no-legend 'sysset*'")
+    services = [line.split()[0] for line in listed.splitlines()] + ONE_SHOTS
     assert "sysset.service" in services and "sysset-words.service" in services
     for service in services:
         told = delivered.shell(f"systemd-analyze security --no-pager {service} | tail -1")

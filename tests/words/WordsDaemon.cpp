@@ -7,11 +7,6 @@ namespace {
 constexpr int HEADER_SIZE = 7;
 constexpr int ANSWER_TIME = 2000; // ms
 
-QString failure(int number)
-{
-    return number > 0 && number < MODBUS_EXCEPTION_MAX ? "!%1"_s.arg(number) : QString();
-}
-
 // From the function code on, in hexadecimal digits.
 QString askRaw(modbus_t *client, const QString &request)
 {
@@ -22,7 +17,7 @@ QString askRaw(modbus_t *client, const QString &request)
     const QByteArray pdu(reinterpret_cast<const char *>(&answer[HEADER_SIZE]),
                          std::max(0, length - HEADER_SIZE));
     const bool failed = (answer[HEADER_SIZE] & 0x80) != 0;
-    return failed ? failure(answer[HEADER_SIZE + 1]) : QString::fromLatin1(pdu.toHex());
+    return failed ? "!%1"_s.arg(answer[HEADER_SIZE + 1]) : QString::fromLatin1(pdu.toHex());
 }
 
 } // namespace
@@ -115,7 +110,7 @@ QString WordsDaemon::ask(const QString &request)
                          ? modbus_write_register(m_client.get(), address, words[0])
                          : modbus_write_registers(m_client.get(), address, count, words.data());
     if (done < 0)
-        return failure(errno - MODBUS_ENOBASE);
+        return "!%1"_s.arg(errno - MODBUS_ENOBASE);
     values.clear();
     for (const quint16 word : words)
         values << QString::number(word);

@@ -28,7 +28,7 @@ public:
 
     // "10590*2" reads two words: "600,100"; "10590=5,50" writes two: "ok"; "#" and hexadecimal
     // digits are sent from the function code on, and the answer comes likewise. A failure is "!"
-    // and its number, no answer "".
+    // and its number.
     QString ask(const QString &request);
 
 private:
