@@ -1,7 +1,6 @@
 """Boards for the stories: kept ones, restored for each story, and what is left of those that fail."""
 
 import contextlib
-import pathlib
 import shutil
 
 import pytest
@@ -80,4 +79,4 @@ def folder(tmp_path):
     """A folder for a stick's files."""
     place = tmp_path / "files"
     place.mkdir()
-    return pathlib.Path(place)
+    return place

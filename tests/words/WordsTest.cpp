@@ -123,9 +123,8 @@ private slots:
         QTcpSocket client;
         client.connectToHost(QHostAddress::LocalHost, daemon.port());
         QVERIFY(client.waitForConnected());
-        const QByteArray request =
-            QByteArray::fromHex("00070000000601032960000100080000000601032960"
-                                "0001");
+        const auto request =
+            QByteArray::fromHex("000700000006010329600001000800000006010329600001");
         for (const char byte : request.left(12)) {
             client.write(&byte, 1);
             QTest::qWait(20);

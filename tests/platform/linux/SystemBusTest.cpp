@@ -12,11 +12,10 @@
 #include <optional>
 
 using board::systemBus;
-using std::chrono::milliseconds;
 
 namespace {
 
-constexpr milliseconds TIMEOUT(200);
+constexpr std::chrono::milliseconds TIMEOUT(200);
 constexpr const char *LOGIND = "org.freedesktop.login1";
 constexpr const char *SYSTEMD = "org.freedesktop.systemd1";
 constexpr const char *UNIT_PATH = "/org/freedesktop/systemd1/unit/a";
