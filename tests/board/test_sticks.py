@@ -8,8 +8,7 @@ import pytest
 from lab import wait_for
 from virtualboard import sticks
 
-LISTS = {".tmt3": "list_Pro", ".osf3": "list_Image", ".bin": "list_PlcPro"}
-
+FILES = {"list_Pro": "Line 3.tmt3", "list_Image": "Panel.osf3", "list_PlcPro": "Press.bin"}
 
 @pytest.fixture
 def update_pages(panel):
@@ -37,11 +36,11 @@ def is_gone(panel):
 
 def test_three_lists_and_the_icon_follow_a_stick(update_pages, folder):
     panel = update_pages
-    put(folder, "Line 3.tmt3", "Panel.osf3", "Press.bin", "notes.txt")
+    put(folder, *FILES.values(), "notes.txt")
     absent = panel.widget("lab_usb").style
     for _ in range(2):
         panel.hands.plug("stick", stick_of(folder))
-        for tab, (name, file) in enumerate(zip(LISTS.values(), ("Line 3.tmt3", "Panel.osf3", "Press.bin"))):
+        for tab, (name, file) in enumerate(FILES.items()):
             panel.touch("tab_UpData", tab)
             panel.wait_items(name, [f"U1/{file}"])
         assert panel.widget("lab_usb").style != absent

@@ -17,7 +17,6 @@ namespace {
 
 constexpr std::chrono::milliseconds TIMEOUT(200);
 constexpr const char *LOGIND = "org.freedesktop.login1";
-constexpr const char *SYSTEMD = "org.freedesktop.systemd1";
 constexpr const char *UNIT_PATH = "/org/freedesktop/systemd1/unit/a";
 
 using Job = sdbus::Struct<std::uint32_t, sdbus::ObjectPath>;
@@ -94,7 +93,7 @@ private slots:
         std::string started;
         std::atomic<int> looks{number(0)};
         const std::string end = cell(1).toStdString();
-        BusService systemd(SYSTEMD);
+        BusService systemd("org.freedesktop.systemd1");
         auto &manager = systemd.add("/org/freedesktop/systemd1");
         manager.registerMethod("StartUnit")
             .onInterface("org.freedesktop.systemd1.Manager")

@@ -15,8 +15,7 @@ using board::WordsClient;
 namespace {
 
 constexpr std::chrono::milliseconds TIMEOUT(200);
-constexpr int BYTE_PAUSE = 50; // ms
-constexpr int WORDS_AT_START = 80;
+constexpr int BYTE_PAUSE = 50;       // ms
 constexpr unsigned int PAIR = 10590; // 600 and 100 at first
 constexpr unsigned int NOT_SERVED = 100;
 
@@ -104,7 +103,7 @@ private slots:
         QElapsedTimer timer;
         timer.start();
         int read = 0;
-        for (int i = 0; i < WORDS_AT_START; ++i) {
+        for (int i = 0; i < 80; ++i) {
             unsigned short words[2] = {7, 7};
             read += m_client->read(PAIR, words, 2) ? 1 : 0;
             QVERIFY(words[0] == (read > i ? 600 : 7) && words[1] == (read > i ? 100 : 7));
