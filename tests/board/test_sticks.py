@@ -10,6 +10,7 @@ from virtualboard import sticks
 
 FILES = {"list_Pro": "Line 3.tmt3", "list_Image": "Panel.osf3", "list_PlcPro": "Press.bin"}
 
+
 @pytest.fixture
 def update_pages(panel):
     """A panel that shows the update pages."""
