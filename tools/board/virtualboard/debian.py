@@ -93,9 +93,13 @@ def _hooks(kind, *commands):
     return [f"--{kind}-hook={command}" for command in commands]
 
 
+# Who is not root cannot unpack device nodes; the last step adds them to its own tar.
+WITHOUT_DEVICES = "--skip=output/dev"
+
+
 def _make_debian(packages):
     def make(out):
-        _mmdebstrap("--variant=minbase", f"--include={','.join(packages)}",
+        _mmdebstrap("--variant=minbase", WITHOUT_DEVICES, f"--include={','.join(packages)}",
                     "--aptopt=APT::Install-Recommends \"false\"",
                     *[f"--dpkgopt=path-exclude={path}" for path in LEFT_OUT],
                     *_hooks("customize", f"chroot \"$1\" sh -c '{FETCH_KERNEL}'",
@@ -121,7 +125,7 @@ def _make_system(debian, debs):
 def debian_step(debs):
     """Debian with all that our packages depend on, and the package of its kernel."""
     packages = SYSTEM + BOARD + needed_by(debs)
-    return cache.step("debian", "Installing Debian's packages", [SUITE, *packages, *LEFT_OUT, FETCH_KERNEL],
+    return cache.step("debian", "Installing Debian's packages", [SUITE, *packages, *LEFT_OUT, FETCH_KERNEL, WITHOUT_DEVICES],
                       _make_debian(packages))
 
 
