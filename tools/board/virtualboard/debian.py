@@ -125,8 +125,8 @@ def _make_system(debian, debs):
 def debian_step(debs):
     """Debian with all that our packages depend on, and the package of its kernel."""
     packages = SYSTEM + BOARD + needed_by(debs)
-    return cache.step("debian", "Installing Debian's packages", [SUITE, *packages, *LEFT_OUT, FETCH_KERNEL, WITHOUT_DEVICES],
-                      _make_debian(packages))
+    inputs = [SUITE, *packages, *LEFT_OUT, FETCH_KERNEL, WITHOUT_DEVICES]
+    return cache.step("debian", "Installing Debian's packages", inputs, _make_debian(packages))
 
 
 def system_step(debian, debs):
