@@ -93,7 +93,7 @@ def _hooks(kind, *commands):
     return [f"--{kind}-hook={command}" for command in commands]
 
 
-# Who is not root cannot unpack device nodes; the last step adds them to its own tar.
+# Who is not root cannot unpack device nodes: mmdebstrap mounts its own on a folder that is there.
 WITHOUT_DEVICES = "--skip=output/dev"
 
 
@@ -113,7 +113,7 @@ def _make_system(debian, debs):
     def make(out):
         inside = "/var/cache/panel"
         _mmdebstrap("--variant=custom", "--skip=update",
-                    *_hooks("setup", f"tar-in {debian}/debian.tar /"),
+                    *_hooks("setup", f"tar-in {debian}/debian.tar /", 'mkdir -p "$1/dev"'),
                     *_hooks("customize", f'mkdir "$1{inside}"',
                             f"copy-in {' '.join(map(str, debs))} {inside}",
                             f"chroot \"$1\" sh -c 'apt-get install -y -qq {inside}/*.deb'",
@@ -131,5 +131,5 @@ def debian_step(debs):
 
 def system_step(debian, debs):
     """The same with our packages installed."""
-    return cache.step("system", "Installing the panel's packages", [debian.name, CACHE_FONTS, *debs],
+    return cache.step("system", "Installing the panel's packages", [debian.name, "with /dev", CACHE_FONTS, *debs],
                       _make_system(debian, debs))
