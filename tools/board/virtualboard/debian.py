@@ -95,6 +95,7 @@ def _hooks(kind, *commands):
 
 # Who is not root cannot unpack device nodes: mmdebstrap mounts its own on a folder that is there.
 WITHOUT_DEVICES = "--skip=output/dev"
+DEVICES_FOLDER = 'mkdir -p "$1/dev"'
 
 
 def _make_debian(packages):
@@ -113,7 +114,7 @@ def _make_system(debian, debs):
     def make(out):
         inside = "/var/cache/panel"
         _mmdebstrap("--variant=custom", "--skip=update",
-                    *_hooks("setup", f"tar-in {debian}/debian.tar /", 'mkdir -p "$1/dev"'),
+                    *_hooks("setup", f"tar-in {debian}/debian.tar /", DEVICES_FOLDER),
                     *_hooks("customize", f'mkdir "$1{inside}"',
                             f"copy-in {' '.join(map(str, debs))} {inside}",
                             f"chroot \"$1\" sh -c 'apt-get install -y -qq {inside}/*.deb'",
@@ -131,5 +132,5 @@ def debian_step(debs):
 
 def system_step(debian, debs):
     """The same with our packages installed."""
-    return cache.step("system", "Installing the panel's packages", [debian.name, "with /dev", CACHE_FONTS, *debs],
-                      _make_system(debian, debs))
+    inputs = [debian.name, DEVICES_FOLDER, CACHE_FONTS, *debs]
+    return cache.step("system", "Installing the panel's packages", inputs, _make_system(debian, debs))
