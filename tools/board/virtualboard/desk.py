@@ -4,12 +4,16 @@ import json
 import os
 import shutil
 import socket
+import time
 
 from . import agent, cache, commands, debian, image, kept, machine, packages, screen, sound, sticks
 from .machine import Machine, Screen
 
 TROUBLES = (machine.GaveUp, machine.Refused, agent.CommandFailed, commands.CommandFailed,
             debian.MissingPackage, OSError, TimeoutError, ValueError)
+
+
+POWER_IS_CUT = "power-is-cut"    # a file in the board's folder
 
 
 class _NotRunning(OSError):
@@ -77,13 +81,15 @@ def stop(_):
 
 def power(arguments):
     """Cuts the power, or starts the board from its disks."""
-    if arguments.state == "cut":
-        return _board().cut_power()
     folder = _mark().resolve(strict=True)
+    if arguments.state == "cut":
+        (folder / POWER_IS_CUT).touch()
+        return _board().cut_power()
     facts = json.loads((folder / "machine.json").read_text())
     told = json.loads((folder / "start.json").read_text())
     board = Machine(folder, Screen.parse(facts["screen"]))
     board.start(image.build(told["debs"]), display=told["display"])
+    (folder / POWER_IS_CUT).unlink(missing_ok=True)
 
 
 def cable(arguments):
@@ -132,12 +138,10 @@ def touch(arguments):
 
 
 def wait(_):
-    board = _board()
-    while board.is_running():
-        try:
-            board.monitor.receive(3600)
-        except (TimeoutError, EOFError, OSError):
-            pass
+    """Until QEMU has ended, unless its power is cut. QEMU is not asked: it has one visitor at a time."""
+    folder = _mark().resolve(strict=True)
+    while folder.exists() and (Machine.runs_in(folder) or (folder / POWER_IS_CUT).exists()):
+        time.sleep(0.2)
 
 
 VERBS = {verb.__name__: verb for verb in

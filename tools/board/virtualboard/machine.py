@@ -172,11 +172,24 @@ class Machine:
         (self.folder / "machine.json").write_text(json.dumps(facts))
 
     @classmethod
-    def attach(cls, folder):
-        """A board that another process has started; FileNotFoundError if there is none."""
+    def _started_in(cls, folder):
         facts = json.loads((pathlib.Path(folder) / "machine.json").read_text())
         machine = cls(folder, Screen.parse(facts["screen"]))
         machine.pid = facts["pid"]
+        return machine
+
+    @classmethod
+    def runs_in(cls, folder):
+        """Whether the board that another process has started there runs."""
+        try:
+            return cls._started_in(folder).is_running()
+        except (FileNotFoundError, ValueError):
+            return False
+
+    @classmethod
+    def attach(cls, folder):
+        """A board that another process has started; FileNotFoundError if there is none."""
+        machine = cls._started_in(folder)
         if not machine.is_running():
             raise FileNotFoundError(folder)
         machine._connect()
