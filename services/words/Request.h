@@ -1,4 +1,4 @@
-// One Modbus request, taken apart (MODBUS Application Protocol Specification V1.1b3, section 6).
+// One Modbus request, taken apart (MODBUS Application Protocol V1.1b3, section 6).
 #pragma once
 
 #include "services/words/Registers.h"
@@ -7,7 +7,7 @@
 
 namespace words {
 
-// Exception codes of the same specification, section 7.
+// Exception codes of the same protocol, section 7.
 enum class Failure : unsigned {
     NONE = 0,
     ILLEGAL_FUNCTION = 1,

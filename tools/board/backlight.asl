@@ -1,7 +1,7 @@
 // The backlight of the virtual board: what the firmware of a laptop says of its screen, so that
 // Debian's own driver (video.ko) makes /sys/class/backlight/acpi_video0 of it, with levels of 0 to
 // 100 percent. Each level that is set goes to an I/O port, where the host listens.
-// Names and packages: ACPI specification 6.4, appendix B, "Video Extensions".
+// Names and packages: ACPI 6.4, appendix B, "Video Extensions".
 DefinitionBlock ("", "SSDT", 2, "PANEL", "BACKLIT", 1)
 {
     External (\_SB.PCI0.S80, DeviceObj)
