@@ -1,11 +1,11 @@
-#include "services/words/Journal.h"
+#include "services/common/Journal.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <system_error>
 #include <systemd/sd-daemon.h>
 
-namespace words {
+namespace service {
 
 namespace {
 
@@ -43,4 +43,4 @@ void Trouble::set(int error)
     m_bFailing = error != 0;
 }
 
-} // namespace words
+} // namespace service

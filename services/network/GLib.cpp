@@ -1,0 +1,74 @@
+#include "services/network/GLib.h"
+
+namespace network {
+namespace {
+
+struct Expected
+{
+    std::weak_ptr<char> alive;
+    Calls::Answer taken;
+};
+
+void onSignal(gpointer handler)
+{
+    (*static_cast<std::function<void()> *>(handler))();
+}
+
+void freeHandler(gpointer handler, GClosure *)
+{
+    delete static_cast<std::function<void()> *>(handler);
+}
+
+} // namespace
+
+void Timer::start(std::chrono::milliseconds time, std::function<void()> expired)
+{
+    stop();
+    m_expired = std::move(expired);
+    m_source = g_timeout_add(static_cast<guint>(time.count()), onExpired, this);
+}
+
+void Timer::stop()
+{
+    if (m_source != 0)
+        g_source_remove(std::exchange(m_source, 0));
+}
+
+gboolean Timer::onExpired(gpointer self)
+{
+    auto &timer = *static_cast<Timer *>(self);
+    timer.m_source = 0;
+    const auto expired = std::move(timer.m_expired);
+    expired();
+    return G_SOURCE_REMOVE;
+}
+
+// Swapped, the handler is the first argument and the others need no names.
+void Handlers::add(gpointer object, const char *signal, std::function<void()> handler)
+{
+    const gulong id = g_signal_connect_data(object, signal, G_CALLBACK(onSignal),
+                                            new std::function<void()>(std::move(handler)),
+                                            freeHandler, G_CONNECT_SWAPPED);
+    m_handlers.emplace_back(share(G_OBJECT(object)), id);
+}
+
+void Handlers::clear()
+{
+    for (const auto &[object, id] : m_handlers)
+        g_signal_handler_disconnect(object.get(), id);
+    m_handlers.clear();
+}
+
+gpointer Calls::expect(Answer taken) const
+{
+    return new Expected{m_alive, std::move(taken)};
+}
+
+void Calls::answer(GObject *source, GAsyncResult *result, gpointer data)
+{
+    const std::unique_ptr<Expected> expected(static_cast<Expected *>(data));
+    if (!expected->alive.expired())
+        expected->taken(source, result);
+}
+
+} // namespace network
