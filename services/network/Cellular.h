@@ -1,0 +1,55 @@
+// The modem as the interface tells it: ModemManager's facts and NetworkManager's profile together.
+#pragma once
+
+#include "services/network/Apn.h"
+#include "services/network/Modems.h"
+#include "services/network/Network.h"
+
+#include <functional>
+#include <string>
+
+namespace network {
+
+struct ModemStatus
+{
+    int csq = 99; // 0 to 31, 99 unknown
+    std::string iccid;
+    std::string imei;
+    std::string network;
+    bool isAttached = false;
+};
+
+// For the modem that is plugged in. All functions but the constructor: NoDevice without one.
+class Cellular
+{
+public:
+    // `changed` is called after the status has changed, bursts joined.
+    Cellular(Network &network, const Modems &modems, std::function<void()> changed);
+
+    Outcome status(ModemStatus &status) const;
+
+    // Calls `told` once, soon; the password has to be asked for.
+    void apn(std::function<void(Outcome outcome, const Apn &apn)> told);
+    // `done` is called once the profile is kept; it is then in force at once.
+    void setApn(const Apn &apn, Done done);
+
+    // ModemManager tells something new.
+    void modemChanged();
+
+private:
+    const Device *modem() const;
+    void changed();
+
+    Network &m_network;
+    const Modems &m_modems;
+    std::function<void()> m_changed;
+    Timer m_burst;
+    Calls m_calls;
+};
+
+// As the interface has them; the first two are floating references.
+GVariant *toVariant(const ModemStatus &status);
+GVariant *toVariant(const Apn &apn);
+Apn toApn(GVariant *apn);
+
+} // namespace network

@@ -1,0 +1,149 @@
+#include "services/network/Device.h"
+
+#include "services/network/Profile.h"
+
+namespace network {
+namespace {
+
+constexpr const char *WATCHED[] = {"notify::" NM_DEVICE_STATE, "notify::" NM_DEVICE_HW_ADDRESS};
+constexpr const char *LEASE[] = {"notify::" NM_IP_CONFIG_ADDRESSES, "notify::" NM_IP_CONFIG_GATEWAY,
+                                 "notify::" NM_IP_CONFIG_NAMESERVERS};
+
+// The address that is in force.
+void fillInForce(Record &record, NMIPConfig *config)
+{
+    const GPtrArray *addresses = nm_ip_config_get_addresses(config);
+    if (addresses->len == 0)
+        return;
+    auto *address = static_cast<NMIPAddress *>(g_ptr_array_index(addresses, 0));
+    record.address = toString(nm_ip_address_get_address(address));
+    record.mask = maskOf(nm_ip_address_get_prefix(address));
+    record.gateway = toString(nm_ip_config_get_gateway(config));
+    const char *const *servers = nm_ip_config_get_nameservers(config);
+    for (int index = 0; index < 2 && servers != nullptr && servers[index] != nullptr; ++index)
+        (index == 0 ? record.preferredDns : record.alternateDns) = servers[index];
+}
+
+// A static address is the operator's, whether or not there is a link to use it on.
+void fillStatic(Record &record, NMConnection *profile)
+{
+    if (const auto address = staticAddress(profile)) {
+        record.address = address->address;
+        record.mask = maskOf(address->prefix);
+        record.gateway = address->gateway;
+    }
+    const Servers servers = serversOf(profile);
+    record.preferredDns = servers.preferred;
+    record.alternateDns = servers.alternate;
+}
+
+} // namespace
+
+std::optional<Kind> kindOf(NMDevice *device)
+{
+    switch (nm_device_get_device_type(device)) {
+    case NM_DEVICE_TYPE_ETHERNET:
+        return Kind::Ethernet;
+    case NM_DEVICE_TYPE_WIFI:
+        return Kind::Wifi;
+    case NM_DEVICE_TYPE_MODEM:
+        return Kind::Modem;
+    default:
+        return std::nullopt;
+    }
+}
+
+void Device::attach(NMDevice *device, const std::function<void()> &changed)
+{
+    detach();
+    m_device = share(device);
+    for (const char *signal : WATCHED)
+        m_handlers.add(device, signal, changed);
+    if (m_kind == Kind::Ethernet)
+        m_handlers.add(device, "notify::" NM_DEVICE_ETHERNET_CARRIER, changed);
+    m_handlers.add(device, "notify::" NM_DEVICE_IP4_CONFIG, [this, changed] {
+        watchLease(changed);
+        changed();
+    });
+    watchLease(changed);
+}
+
+void Device::watchLease(const std::function<void()> &changed)
+{
+    m_lease.clear();
+    NMIPConfig *config = nm_device_get_ip4_config(get());
+    for (const char *signal : LEASE) {
+        if (config != nullptr)
+            m_lease.add(config, signal, changed);
+    }
+}
+
+void Device::detach(std::optional<Record> told)
+{
+    m_told = std::move(told);
+    m_lease.clear();
+    m_handlers.clear();
+    m_device.reset();
+}
+
+NMDeviceState Device::state() const
+{
+    return isPresent() ? nm_device_get_state(get()) : NM_DEVICE_STATE_UNKNOWN;
+}
+
+bool Device::isLinked() const
+{
+    if (!isPresent())
+        return false;
+    switch (m_kind) {
+    case Kind::Ethernet:
+        return nm_device_ethernet_get_carrier(NM_DEVICE_ETHERNET(get())) != FALSE;
+    case Kind::Wifi:
+        return state() >= NM_DEVICE_STATE_IP_CONFIG && state() <= NM_DEVICE_STATE_ACTIVATED;
+    case Kind::Modem:
+        return isActive();
+    }
+    return false;
+}
+
+std::string Device::ipInterface() const
+{
+    return isPresent() ? toString(nm_device_get_ip_iface(get())) : std::string();
+}
+
+Record Device::record(NMConnection *profile) const
+{
+    if (m_told)
+        return *m_told;
+    Record record;
+    record.device = m_name;
+    record.kind = nameOf(m_kind);
+    record.isPresent = isPresent();
+    record.isOn = m_on;
+    record.usesDhcp = profile == nullptr || network::usesDhcp(profile);
+    if (!isPresent())
+        return record;
+    record.mac = m_kind == Kind::Modem ? "" : toString(nm_device_get_hw_address(get()));
+    record.isLinked = isLinked();
+    record.isUp = m_on && (m_kind == Kind::Ethernet || state() >= NM_DEVICE_STATE_DISCONNECTED ||
+                           m_kind == Kind::Modem);
+    record.isNormal = m_on && isActive() && record.isLinked;
+    if (m_on)
+        fillAddress(record, profile);
+    return record;
+}
+
+void Device::fillAddress(Record &record, NMConnection *profile) const
+{
+    NMIPConfig *config = nm_device_get_ip4_config(get());
+    if (!record.usesDhcp)
+        fillStatic(record, profile);
+    else if (isActive() && config != nullptr)
+        fillInForce(record, config);
+    if (record.preferredDns.empty())
+        record.preferredDns = record.alternateDns;
+    if (record.alternateDns.empty())
+        record.alternateDns = record.preferredDns;
+}
+
+} // namespace network

@@ -1,0 +1,218 @@
+#include "services/network/Links.h"
+
+#include "services/common/Journal.h"
+#include "services/network/Profile.h"
+
+namespace network {
+namespace {
+
+bool isDone(const Error &error, const std::string &what)
+{
+    if (error)
+        service::warn(what + ": " + error.text());
+    return !error;
+}
+
+bool verifies(NMConnection *profile)
+{
+    Error error;
+    return nm_connection_normalize(profile, nullptr, nullptr, &error) != FALSE;
+}
+
+} // namespace
+
+bool Links::isProfileOf(const Device &device, NMRemoteConnection *profile) const
+{
+    return toString(nm_connection_get_id(NM_CONNECTION(profile))) == profileName(device.name());
+}
+
+// The newest one: a Wi-Fi network that has just been joined stands beside the former for a moment.
+NMRemoteConnection *Links::profileOf(const Device &device) const
+{
+    const GPtrArray *all = nm_client_get_connections(client());
+    NMRemoteConnection *found = nullptr;
+    guint64 newest = 0;
+    for (guint index = 0; index < all->len; ++index) {
+        auto *profile = static_cast<NMRemoteConnection *>(g_ptr_array_index(all, index));
+        if (!isProfileOf(device, profile))
+            continue;
+        const guint64 time = nm_setting_connection_get_timestamp(
+            nm_connection_get_setting_connection(NM_CONNECTION(profile)));
+        if (found == nullptr || time > newest) {
+            found = profile;
+            newest = time;
+        }
+    }
+    return found;
+}
+
+void Links::change(const Device &device, Edit edit, Then then)
+{
+    const bool taken =
+        m_changes.add([this, &device, edit = std::move(edit), then](const Queue::Next &next) {
+            changeNow(device, edit, then, next);
+        });
+    if (!taken)
+        then(false);
+}
+
+void Links::changeNow(const Device &device, const Edit &edit, const Then &then,
+                      const Queue::Next &next)
+{
+    NMRemoteConnection *kept = profileOf(device);
+    const Object<NMConnection> changed =
+        kept != nullptr ? Object<NMConnection>(nm_simple_connection_new_clone(NM_CONNECTION(kept)))
+                        : newProfile(device.kind(), device.name());
+    if (!edit(changed.get()) || !verifies(changed.get())) {
+        then(false);
+        return next();
+    }
+    if (kept == nullptr)
+        return add(device, changed.get(), then, next);
+    keep(kept, changed.get(), [this, &device, then, next](bool done) {
+        then(done);
+        if (done)
+            putInForce(device, next);
+        else
+            next();
+    });
+}
+
+void Links::rewrite(const Device &device, Edit edit, Then then)
+{
+    const bool taken =
+        m_changes.add([this, &device, edit = std::move(edit), then](const Queue::Next &next) {
+            rewriteNow(device, edit, then, next);
+        });
+    if (!taken)
+        then(false);
+}
+
+void Links::rewriteNow(const Device &device, const Edit &edit, const Then &then,
+                       const Queue::Next &next)
+{
+    NMRemoteConnection *kept = profileOf(device);
+    const Object<NMConnection> changed(
+        kept == nullptr ? nullptr : nm_simple_connection_new_clone(NM_CONNECTION(kept)));
+    if (!changed || !edit(changed.get()) || !verifies(changed.get())) {
+        then(false);
+        return next();
+    }
+    keep(kept, changed.get(), [then, next](bool done) {
+        then(done);
+        next();
+    });
+}
+
+void Links::letAutomatic(const Device &device)
+{
+    if (!device.isPresent())
+        return;
+    const char *path = nm_object_get_path(NM_OBJECT(device.get()));
+    nm_client_dbus_set_property(
+        client(), path, NM_DBUS_INTERFACE_DEVICE, "Autoconnect", g_variant_new_boolean(TRUE), -1,
+        m_calls.cancellable(), Calls::answer,
+        m_calls.expect([](GObject *source, GAsyncResult *result) {
+            Error error;
+            nm_client_dbus_set_property_finish(NM_CLIENT(source), result, &error);
+            isDone(error, "a device does not come up by itself");
+        }));
+}
+
+void Links::keep(NMRemoteConnection *profile, NMConnection *changed, Then then)
+{
+    nm_remote_connection_update2(
+        profile, nm_connection_to_dbus(changed, NM_CONNECTION_SERIALIZE_ALL),
+        NM_SETTINGS_UPDATE2_FLAG_TO_DISK, nullptr, m_calls.cancellable(), Calls::answer,
+        m_calls.expect([then = std::move(then)](GObject *source, GAsyncResult *result) {
+            Error error;
+            const Variant answer(
+                nm_remote_connection_update2_finish(NM_REMOTE_CONNECTION(source), result, &error));
+            then(isDone(error, "a profile is not changed"));
+        }));
+}
+
+void Links::add(const Device &device, NMConnection *profile, const Then &then,
+                const Queue::Next &next)
+{
+    nm_client_add_connection2(
+        client(), nm_connection_to_dbus(profile, NM_CONNECTION_SERIALIZE_ALL),
+        NM_SETTINGS_ADD_CONNECTION2_FLAG_TO_DISK, nullptr, TRUE, m_calls.cancellable(),
+        Calls::answer,
+        m_calls.expect([this, &device, then, next](GObject *source, GAsyncResult *result) {
+            Error error;
+            const Object<NMRemoteConnection> added(
+                nm_client_add_connection2_finish(NM_CLIENT(source), result, nullptr, &error));
+            const bool done = isDone(error, "a profile is not kept");
+            then(done);
+            if (done)
+                putInForce(device, next);
+            else
+                next();
+        }));
+}
+
+void Links::putInForce(const Device &device, const Queue::Next &next)
+{
+    const NMDeviceState state = device.state();
+    if (!device.isOn() || state < NM_DEVICE_STATE_DISCONNECTED)
+        return next();
+    if (state < NM_DEVICE_STATE_PREPARE || state > NM_DEVICE_STATE_ACTIVATED)
+        return activate(device, [next](bool) { next(); });
+    nm_device_reapply_async(
+        device.get(), nullptr, 0, 0, m_calls.cancellable(), Calls::answer,
+        m_calls.expect([this, &device, next](GObject *source, GAsyncResult *result) {
+            Error error;
+            if (nm_device_reapply_finish(NM_DEVICE(source), result, &error) != FALSE)
+                return next();
+            activate(device, [next](bool) { next(); });
+        }));
+}
+
+void Links::activate(const Device &device, Then then)
+{
+    NMRemoteConnection *profile = profileOf(device);
+    if (profile == nullptr || !device.isPresent())
+        return then(false);
+    nm_client_activate_connection_async(
+        client(), NM_CONNECTION(profile), device.get(), nullptr, m_calls.cancellable(),
+        Calls::answer,
+        m_calls.expect([then = std::move(then)](GObject *source, GAsyncResult *result) {
+            Error error;
+            const Object<NMActiveConnection> active(
+                nm_client_activate_connection_finish(NM_CLIENT(source), result, &error));
+            then(isDone(error, "a device is not brought up"));
+        }));
+}
+
+void Links::disconnect(const Device &device, Then then)
+{
+    if (device.state() <= NM_DEVICE_STATE_DISCONNECTED)
+        return then(true);
+    nm_device_disconnect_async(
+        device.get(), m_calls.cancellable(), Calls::answer,
+        m_calls.expect([then = std::move(then)](GObject *source, GAsyncResult *result) {
+            Error error;
+            nm_device_disconnect_finish(NM_DEVICE(source), result, &error);
+            then(isDone(error, "a device is not disconnected"));
+        }));
+}
+
+void Links::removeOthers(const Device &device, NMRemoteConnection *kept)
+{
+    const GPtrArray *all = nm_client_get_connections(client());
+    for (guint index = 0; index < all->len; ++index) {
+        auto *profile = static_cast<NMRemoteConnection *>(g_ptr_array_index(all, index));
+        if (profile == kept || !isProfileOf(device, profile))
+            continue;
+        nm_remote_connection_delete_async(profile, m_calls.cancellable(), Calls::answer,
+                                          m_calls.expect([](GObject *source, GAsyncResult *result) {
+                                              Error error;
+                                              nm_remote_connection_delete_finish(
+                                                  NM_REMOTE_CONNECTION(source), result, &error);
+                                              isDone(error, "a former profile is not removed");
+                                          }));
+    }
+}
+
+} // namespace network

@@ -1,0 +1,428 @@
+#include "services/network/Network.h"
+
+#include "services/common/Journal.h"
+
+#include <algorithm>
+#include <set>
+#include <tuple>
+
+namespace network {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto BURST_TIME = 40ms;
+constexpr auto RETRY_TIME = 1s;
+// NetworkManager, or ModemManager, is started again meanwhile.
+constexpr auto ABSENCE_TIME = 20s;
+
+constexpr int BEST_METRIC = 100;
+constexpr int METRIC_STEP = 100;
+
+void callWith(const Done &done, bool succeeded)
+{
+    done(succeeded ? Outcome::Done : Outcome::Failed);
+}
+
+} // namespace
+
+Network::Network(GDBusConnection *bus, Modems &modems, Settings settings, std::string ethernet,
+                 std::function<void(const std::vector<Record> &)> told)
+    : m_bus(share(bus)),
+      m_modems(modems),
+      m_settings(std::move(settings)),
+      m_ethernet(std::move(ethernet)),
+      m_told(std::move(told))
+{
+    connect();
+}
+
+Network::~Network() = default;
+
+// --- NetworkManager ----------------------------------------------------------------------------
+
+void Network::connect()
+{
+    g_async_initable_new_async(
+        NM_TYPE_CLIENT, G_PRIORITY_DEFAULT, m_calls.cancellable(), Calls::answer,
+        m_calls.expect(
+            [this](GObject *source, GAsyncResult *result) { onConnected(source, result); }),
+        NM_CLIENT_DBUS_CONNECTION, m_bus.get(), NM_CLIENT_INSTANCE_FLAGS,
+        static_cast<guint>(NM_CLIENT_INSTANCE_FLAGS_NO_AUTO_FETCH_PERMISSIONS), nullptr);
+}
+
+void Network::onConnected(GObject *source, GAsyncResult *result)
+{
+    Error error;
+    const Object<GObject> made(
+        g_async_initable_new_finish(G_ASYNC_INITABLE(source), result, &error));
+    if (!made) {
+        service::warn("no client of NetworkManager: " + error.text());
+        return m_retry.start(RETRY_TIME, [this] { connect(); });
+    }
+    NMClient *client = NM_CLIENT(made.get());
+    m_links = std::make_unique<Links>(client);
+    m_handlers.add(client, "notify::" NM_CLIENT_NM_RUNNING, [this] { onRunning(); });
+    m_handlers.add(client, "notify::" NM_CLIENT_DEVICES, [this] { adoptAll(); });
+    m_handlers.add(client, "notify::" NM_CLIENT_CONNECTIONS, [this] { changed(); });
+    adoptAll();
+    onRunning();
+}
+
+void Network::onRunning()
+{
+    if (nm_client_get_nm_running(m_links->client()) != FALSE)
+        return adoptAll();
+    service::say("NetworkManager is away");
+    m_absence.start(ABSENCE_TIME, [this] { dropAbsent(); });
+}
+
+void Network::adoptAll()
+{
+    const GPtrArray *all = nm_client_get_devices(m_links->client());
+    std::set<NMDevice *> there;
+    m_unmanaged.clear();
+    for (guint index = 0; index < all->len; ++index) {
+        auto *device = NM_DEVICE(g_ptr_array_index(all, index));
+        there.insert(device);
+        adopt(device);
+    }
+    for (const auto &device : m_devices) {
+        if (device->isPresent() && there.count(device->get()) == 0)
+            release(*device);
+    }
+    changed();
+}
+
+void Network::adopt(NMDevice *nm)
+{
+    const auto kind = kindOf(nm);
+    if (!kind)
+        return;
+    if (nm_device_get_state(nm) <= NM_DEVICE_STATE_UNMANAGED)
+        return m_unmanaged.add(nm, "notify::" NM_DEVICE_STATE, [this] { adoptAll(); });
+    Device &device = deviceOf(*kind, toString(nm_device_get_iface(nm)));
+    if (device.get() == nm)
+        return;
+    device.attach(nm, [this, &device] { onDeviceChanged(device); });
+    if (*kind == Kind::Wifi && (!m_wifi || !m_wifi->device().isPresent()))
+        m_wifi = std::make_unique<Wifi>(*m_links, device, [this] { tellChange(); });
+    putInOrder(device);
+}
+
+// A device is not unplugged because the service that knows it is away for a moment.
+void Network::release(Device &device)
+{
+    const bool isAway = nm_client_get_dbus_name_owner(m_links->client()) == nullptr ||
+                        (device.kind() == Kind::Modem && !m_modems.isRunning());
+    device.detach(isAway ? std::optional(recordOf(device)) : std::nullopt);
+    if (isAway)
+        m_absence.start(ABSENCE_TIME, [this] { dropAbsent(); });
+    if (m_wifi && &m_wifi->device() == &device)
+        m_wifi->forget();
+}
+
+void Network::dropAbsent()
+{
+    for (const auto &device : m_devices) {
+        if (!device->isPresent())
+            device->detach(std::nullopt);
+    }
+    changed();
+}
+
+// --- Devices -----------------------------------------------------------------------------------
+
+Device &Network::deviceOf(Kind kind, const std::string &name)
+{
+    for (const auto &device : m_devices) {
+        if (device->kind() == kind && device->name() == name)
+            return *device;
+    }
+    m_devices.push_back(std::make_unique<Device>(kind, name, m_settings.isOn(name)));
+    std::sort(m_devices.begin(), m_devices.end(), [this](const auto &one, const auto &other) {
+        const auto place = [this](const Device &device) {
+            return std::tuple(device.kind(), device.name() == m_ethernet);
+        };
+        return std::pair(place(*one), other->name()) < std::pair(place(*other), one->name());
+    });
+    return deviceOf(kind, name);
+}
+
+const Device *Network::find(const std::string &name) const
+{
+    const auto found = std::find_if(m_devices.begin(), m_devices.end(),
+                                    [&](const auto &device) { return device->name() == name; });
+    return found == m_devices.end() ? nullptr : found->get();
+}
+
+Device *Network::findKind(Kind kind) const
+{
+    Device *found = nullptr;
+    for (const auto &device : m_devices) {
+        if (device->kind() == kind && (found == nullptr || device->isPresent()))
+            found = device.get();
+    }
+    return found;
+}
+
+// What the settings say, after a start of either service or of the panel.
+void Network::putInOrder(Device &device)
+{
+    NMRemoteConnection *profile = m_links->profileOf(device);
+    const int metric = metricOf(device.kind());
+    const bool on = device.isOn();
+    const bool isRight = profile != nullptr && isAutomatic(NM_CONNECTION(profile)) == on &&
+                         network::metricOf(NM_CONNECTION(profile)) == metric;
+    const bool canBeMade = profile != nullptr || device.kind() != Kind::Wifi;
+    if (!isRight && canBeMade)
+        m_links->change(
+            device,
+            [on, metric](NMConnection *changed) {
+                setAutomatic(changed, on);
+                setMetric(changed, metric);
+                return true;
+            },
+            [](bool) {});
+    if (!on)
+        m_links->disconnect(device, [this, &device](bool) { powerModem(device, false, [] {}); });
+}
+
+Device *Network::findPresent(const std::string &name) const
+{
+    const auto found = std::find_if(m_devices.begin(), m_devices.end(), [&](const auto &device) {
+        return device->name() == name && device->isPresent();
+    });
+    return found == m_devices.end() ? nullptr : found->get();
+}
+
+void Network::onDeviceChanged(const Device &device)
+{
+    if (m_wifi && &m_wifi->device() == &device)
+        m_wifi->stateChanged();
+    changed();
+}
+
+void Network::switchDevice(const std::string &name, bool on, Done done)
+{
+    Device *device = findPresent(name);
+    if (device == nullptr)
+        return done(Outcome::NoDevice);
+    if (!m_settings.setOn(name, on))
+        return done(Outcome::Failed);
+    if (m_wifi && &m_wifi->device() == device)
+        m_wifi->forget();
+    const auto finish = [this, device, on, done](bool kept) {
+        if (!kept)
+            m_settings.setOn(device->name(), device->isOn());
+        else
+            finishSwitch(*device, on);
+        callWith(done, kept);
+    };
+    if (m_links->profileOf(*device) == nullptr)
+        return finish(true);
+    m_links->rewrite(
+        *device,
+        [on](NMConnection *profile) {
+            setAutomatic(profile, on);
+            return true;
+        },
+        finish);
+}
+
+// What cannot be done at once, without a cable or while a service is away, is done when it can: the
+// operator's choice is kept.
+void Network::finishSwitch(Device &device, bool on)
+{
+    const auto end = [this, &device, on] {
+        device.setOn(on);
+        tellChange();
+    };
+    if (!on)
+        return m_links->disconnect(device,
+                                   [this, &device, end](bool) { powerModem(device, false, end); });
+    m_links->letAutomatic(device);
+    powerModem(device, true, [this, &device, end] {
+        if (device.state() < NM_DEVICE_STATE_DISCONNECTED || profileOf(device) == nullptr)
+            return end();
+        m_links->activate(device, [end](bool) { end(); });
+    });
+}
+
+void Network::powerModem(const Device &device, bool on, std::function<void()> then)
+{
+    if (device.kind() != Kind::Modem || !device.isPresent())
+        return then();
+    m_modems.enable(toString(nm_device_get_udi(device.get())), on,
+                    [then = std::move(then)](bool) { then(); });
+}
+
+// --- Addressing --------------------------------------------------------------------------------
+
+void Network::changeAddressing(const std::string &name, Links::Edit edit, Done done)
+{
+    const Device *device = findPresent(name);
+    if (device == nullptr)
+        return done(Outcome::NoDevice);
+    change(*device, std::move(edit), std::move(done));
+}
+
+void Network::change(const Device &device, Links::Edit edit, Done done)
+{
+    if (device.kind() == Kind::Wifi && m_links->profileOf(device) == nullptr)
+        return done(Outcome::Failed);
+    const bool on = device.isOn();
+    const int metric = metricOf(device.kind());
+    m_links->change(
+        device,
+        [edit = std::move(edit), on, metric](NMConnection *profile) {
+            setAutomatic(profile, on);
+            setMetric(profile, metric);
+            return edit(profile);
+        },
+        [this, done = std::move(done)](bool kept) {
+            tellChange();
+            callWith(done, kept);
+        });
+}
+
+void Network::useDhcp(const std::string &device, Done done)
+{
+    changeAddressing(
+        device,
+        [](NMConnection *profile) {
+            network::useDhcp(profile);
+            return true;
+        },
+        std::move(done));
+}
+
+void Network::keepAddress(const std::string &name, Done done)
+{
+    Record now;
+    if (const Outcome outcome = record(name, now); outcome != Outcome::Done)
+        return done(outcome);
+    changeAddressing(
+        name,
+        [now](NMConnection *profile) {
+            if (!usesDhcp(profile))
+                return true;
+            useStatic(profile, checkAddress(now.address, now.mask, now.gateway));
+            setServers(profile, {now.preferredDns, now.alternateDns});
+            return true;
+        },
+        std::move(done));
+}
+
+void Network::setAddress(const std::string &device, const std::string &address,
+                         const std::string &mask, const std::string &gateway, Done done)
+{
+    const auto checked = checkAddress(address, mask, gateway);
+    changeAddressing(
+        device,
+        [checked](NMConnection *profile) {
+            if (checked)
+                useStatic(profile, checked);
+            return checked.has_value();
+        },
+        std::move(done));
+}
+
+void Network::setDns(const std::string &device, const Servers &servers, Done done)
+{
+    const bool isRight = isServerOrEmpty(servers.preferred) && isServerOrEmpty(servers.alternate);
+    changeAddressing(
+        device,
+        [isRight, servers](NMConnection *profile) {
+            return isRight && setServers(profile, servers);
+        },
+        std::move(done));
+}
+
+// --- Preferred link ----------------------------------------------------------------------------
+
+int Network::metricOf(Kind kind) const
+{
+    if (kind == preferred())
+        return BEST_METRIC;
+    int metric = BEST_METRIC;
+    for (const Kind each : KINDS) {
+        if (each != preferred())
+            metric += METRIC_STEP;
+        if (each == kind)
+            break;
+    }
+    return metric;
+}
+
+Outcome Network::setPreferred(Kind kind)
+{
+    if (!m_settings.setPreferred(kind))
+        return Outcome::Failed;
+    for (const auto &device : m_devices) {
+        if (m_links && device->isPresent())
+            putInOrder(*device);
+    }
+    return Outcome::Done;
+}
+
+Outcome Network::joinWifi()
+{
+    return m_wifi ? m_wifi->join(metricOf(Kind::Wifi)) : Outcome::NoDevice;
+}
+
+// --- Records -----------------------------------------------------------------------------------
+
+NMRemoteConnection *Network::profileOf(const Device &device) const
+{
+    return m_links ? m_links->profileOf(device) : nullptr;
+}
+
+Record Network::recordOf(const Device &device) const
+{
+    NMRemoteConnection *profile = profileOf(device);
+    return device.record(profile == nullptr ? nullptr : NM_CONNECTION(profile));
+}
+
+std::vector<Record> Network::records() const
+{
+    std::vector<Record> records;
+    for (const auto &device : m_devices)
+        records.push_back(recordOf(*device));
+    return records;
+}
+
+Outcome Network::record(const std::string &name, Record &record) const
+{
+    const Device *device = find(name);
+    if (device == nullptr)
+        return Outcome::NoDevice;
+    Record now = recordOf(*device);
+    if (!now.isPresent)
+        return Outcome::NoDevice;
+    record = std::move(now);
+    return Outcome::Done;
+}
+
+void Network::tellChange()
+{
+    m_isForced = true;
+    changed();
+}
+
+void Network::changed()
+{
+    if (!m_burst.isRunning())
+        m_burst.start(BURST_TIME, [this] { tell(); });
+}
+
+void Network::tell()
+{
+    std::vector<Record> now = records();
+    if (!std::exchange(m_isForced, false) && now == m_lastTold)
+        return;
+    m_lastTold = std::move(now);
+    m_told(m_lastTold);
+}
+
+} // namespace network

@@ -1,0 +1,104 @@
+// The panel's network: devices, their records, and what an operator may do with them.
+#pragma once
+
+#include "services/network/Device.h"
+#include "services/network/Ipv4.h"
+#include "services/network/Links.h"
+#include "services/network/Modems.h"
+#include "services/network/Outcome.h"
+#include "services/network/Profile.h"
+#include "services/network/Settings.h"
+#include "services/network/Wifi.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace network {
+
+// Works from the start; until NetworkManager is there, and while it is away, requests fail. All in
+// the main loop's thread.
+class Network
+{
+public:
+    // `told` is called with the records of all devices when they have changed, at most 300 ms late,
+    // or when something has ended that a record is waited for. The Ethernet device of that name, or
+    // the first one, comes last of its kind.
+    Network(GDBusConnection *bus, Modems &modems, Settings settings, std::string ethernet,
+            std::function<void(const std::vector<Record> &)> told);
+    ~Network();
+
+    std::vector<Record> records() const;
+    // NoDevice also for one that is unplugged.
+    Outcome record(const std::string &device, Record &record) const;
+
+    // `done` is called once the choice is kept.
+    void switchDevice(const std::string &device, bool on, Done done);
+
+    // `done` is called once the profile is kept.
+    void useDhcp(const std::string &device, Done done);
+    void keepAddress(const std::string &device, Done done);
+    void setAddress(const std::string &device, const std::string &address, const std::string &mask,
+                    const std::string &gateway, Done done);
+    void setDns(const std::string &device, const Servers &servers, Done done);
+
+    Kind preferred() const { return m_settings.preferred(); }
+    Outcome setPreferred(Kind kind);
+
+    // Null where there never was a Wi-Fi device.
+    Wifi *wifi() { return m_wifi.get(); }
+    Outcome joinWifi();
+
+    // The device of that name, null if there is none.
+    const Device *find(const std::string &name) const;
+    // The one of a kind that is plugged in, or else was; null if there never was one.
+    Device *findKind(Kind kind) const;
+    // Null while there is none.
+    NMRemoteConnection *profileOf(const Device &device) const;
+    // Changes the profile of a device that is there, as Links::change() does.
+    void change(const Device &device, Links::Edit edit, Done done);
+
+    // Something that only other answers tell has changed.
+    void tellChange();
+
+private:
+    void connect();
+    void onConnected(GObject *source, GAsyncResult *result);
+    void adoptAll();
+    void adopt(NMDevice *device);
+    Device &deviceOf(Kind kind, const std::string &name);
+    void release(Device &device);
+    Device *findPresent(const std::string &name) const;
+    void onDeviceChanged(const Device &device);
+    void onRunning();
+    void dropAbsent();
+    void putInOrder(Device &device);
+    void finishSwitch(Device &device, bool on);
+    int metricOf(Kind kind) const;
+    Record recordOf(const Device &device) const;
+    void powerModem(const Device &device, bool on, std::function<void()> then);
+    void changeAddressing(const std::string &device, Links::Edit edit, Done done);
+    void changed();
+    void tell();
+
+    Object<GDBusConnection> m_bus;
+    Modems &m_modems;
+    Settings m_settings;
+    std::string m_ethernet;
+    std::function<void(const std::vector<Record> &)> m_told;
+
+    std::vector<std::unique_ptr<Device>> m_devices; // none is ever removed
+    std::unique_ptr<Links> m_links;
+    std::unique_ptr<Wifi> m_wifi;
+    std::vector<Record> m_lastTold;
+    bool m_isForced = false; // the next records are told even if nothing in them has changed
+    Handlers m_handlers;     // of the client
+    Handlers m_unmanaged;    // of devices that NetworkManager does not manage yet
+    Timer m_burst;
+    Timer m_retry;
+    Timer m_absence; // of NetworkManager
+    Calls m_calls;
+};
+
+} // namespace network

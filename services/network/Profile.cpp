@@ -1,0 +1,198 @@
+#include "services/network/Profile.h"
+
+#include <cstring>
+
+namespace network {
+namespace {
+
+constexpr int FOR_EVER = 0;               // connection.autoconnect-retries
+constexpr int INFINITE = 0x7FFFFFFF;      // ipv4.dhcp-timeout
+constexpr int CONFLICT_TIMEOUT_MS = 1000; // ipv4.dad-timeout
+constexpr int NO_METRIC = -1;
+
+NMSettingIPConfig *ipv4(NMConnection *profile)
+{
+    return nm_connection_get_setting_ip4_config(profile);
+}
+
+const char *typeOf(Kind kind)
+{
+    switch (kind) {
+    case Kind::Ethernet:
+        return NM_SETTING_WIRED_SETTING_NAME;
+    case Kind::Wifi:
+        return NM_SETTING_WIRELESS_SETTING_NAME;
+    case Kind::Modem:
+        return NM_SETTING_GSM_SETTING_NAME;
+    }
+    return "";
+}
+
+NMSetting *newDeviceSetting(Kind kind)
+{
+    switch (kind) {
+    case Kind::Ethernet:
+        return nm_setting_wired_new();
+    case Kind::Wifi:
+        return nm_setting_wireless_new();
+    case Kind::Modem:
+        return nm_setting_gsm_new();
+    }
+    return nullptr;
+}
+
+void setMethod(NMConnection *profile, const char *method)
+{
+    g_object_set(ipv4(profile), NM_SETTING_IP_CONFIG_METHOD, method, nullptr);
+}
+
+void clearAddresses(NMSettingIPConfig *setting)
+{
+    g_object_set(setting, NM_SETTING_IP_CONFIG_GATEWAY, nullptr, nullptr);
+    nm_setting_ip_config_clear_addresses(setting);
+}
+
+void clearServers(NMSettingIPConfig *setting)
+{
+    nm_setting_ip_config_clear_dns(setting);
+    g_object_set(setting, NM_SETTING_IP_CONFIG_IGNORE_AUTO_DNS, FALSE, nullptr);
+}
+
+bool hasMethod(NMConnection *profile, const char *method)
+{
+    return toString(nm_setting_ip_config_get_method(ipv4(profile))) == method;
+}
+
+} // namespace
+
+std::string profileName(const std::string &device)
+{
+    return "panel-" + device;
+}
+
+std::string trialName(const std::string &device)
+{
+    return "trial-" + device;
+}
+
+Object<NMConnection> newProfile(Kind kind, const std::string &device)
+{
+    Object<NMConnection> profile(nm_simple_connection_new());
+    const std::unique_ptr<char, decltype(&g_free)> uuid(nm_utils_uuid_generate(), g_free);
+    NMSetting *connection = nm_setting_connection_new();
+    g_object_set(connection, NM_SETTING_CONNECTION_ID, profileName(device).c_str(),
+                 NM_SETTING_CONNECTION_UUID, uuid.get(), NM_SETTING_CONNECTION_TYPE, typeOf(kind),
+                 NM_SETTING_CONNECTION_INTERFACE_NAME, device.c_str(),
+                 NM_SETTING_CONNECTION_AUTOCONNECT_RETRIES, FOR_EVER, nullptr);
+    nm_connection_add_setting(profile.get(), connection);
+    nm_connection_add_setting(profile.get(), newDeviceSetting(kind));
+    NMSetting *ip4 = nm_setting_ip4_config_new();
+    g_object_set(ip4, NM_SETTING_IP_CONFIG_METHOD, NM_SETTING_IP4_CONFIG_METHOD_AUTO,
+                 NM_SETTING_IP_CONFIG_DHCP_TIMEOUT, INFINITE, NM_SETTING_IP_CONFIG_MAY_FAIL, FALSE,
+                 NM_SETTING_IP_CONFIG_DAD_TIMEOUT, CONFLICT_TIMEOUT_MS, nullptr);
+    nm_connection_add_setting(profile.get(), ip4);
+    NMSetting *ip6 = nm_setting_ip6_config_new();
+    g_object_set(ip6, NM_SETTING_IP_CONFIG_METHOD, NM_SETTING_IP6_CONFIG_METHOD_DISABLED, nullptr);
+    nm_connection_add_setting(profile.get(), ip6);
+    return profile;
+}
+
+bool isAutomatic(NMConnection *profile)
+{
+    return nm_setting_connection_get_autoconnect(nm_connection_get_setting_connection(profile)) !=
+           FALSE;
+}
+
+void setAutomatic(NMConnection *profile, bool automatic)
+{
+    g_object_set(nm_connection_get_setting_connection(profile), NM_SETTING_CONNECTION_AUTOCONNECT,
+                 automatic ? TRUE : FALSE, nullptr);
+}
+
+void setMetric(NMConnection *profile, int metric)
+{
+    g_object_set(ipv4(profile), NM_SETTING_IP_CONFIG_ROUTE_METRIC, gint64{metric}, nullptr);
+}
+
+int metricOf(NMConnection *profile)
+{
+    NMSettingIPConfig *setting = ipv4(profile);
+    return setting == nullptr ? NO_METRIC
+                              : static_cast<int>(nm_setting_ip_config_get_route_metric(setting));
+}
+
+bool usesDhcp(NMConnection *profile)
+{
+    return hasMethod(profile, NM_SETTING_IP4_CONFIG_METHOD_AUTO);
+}
+
+void useDhcp(NMConnection *profile)
+{
+    clearAddresses(ipv4(profile));
+    clearServers(ipv4(profile));
+    setMethod(profile, NM_SETTING_IP4_CONFIG_METHOD_AUTO);
+}
+
+void useStatic(NMConnection *profile, const std::optional<StaticAddress> &address)
+{
+    NMSettingIPConfig *setting = ipv4(profile);
+    clearAddresses(setting);
+    g_object_set(setting, NM_SETTING_IP_CONFIG_IGNORE_AUTO_DNS, FALSE, nullptr);
+    if (!address) {
+        nm_setting_ip_config_clear_dns(setting);
+        return setMethod(profile, NM_SETTING_IP4_CONFIG_METHOD_DISABLED);
+    }
+    NMIPAddress *own =
+        nm_ip_address_new(AF_INET, address->address.c_str(), address->prefix, nullptr);
+    nm_setting_ip_config_add_address(setting, own);
+    nm_ip_address_unref(own);
+    if (!address->gateway.empty())
+        g_object_set(setting, NM_SETTING_IP_CONFIG_GATEWAY, address->gateway.c_str(), nullptr);
+    setMethod(profile, NM_SETTING_IP4_CONFIG_METHOD_MANUAL);
+}
+
+std::optional<StaticAddress> staticAddress(NMConnection *profile)
+{
+    NMSettingIPConfig *setting = ipv4(profile);
+    if (usesDhcp(profile) || nm_setting_ip_config_get_num_addresses(setting) == 0)
+        return std::nullopt;
+    NMIPAddress *own = nm_setting_ip_config_get_address(setting, 0);
+    return StaticAddress{nm_ip_address_get_address(own), nm_ip_address_get_prefix(own),
+                         toString(nm_setting_ip_config_get_gateway(setting))};
+}
+
+Servers serversOf(NMConnection *profile)
+{
+    NMSettingIPConfig *setting = ipv4(profile);
+    const guint count = nm_setting_ip_config_get_num_dns(setting);
+    const auto server = [&](int index) {
+        return static_cast<int>(count) > index
+                   ? toString(nm_setting_ip_config_get_dns(setting, index))
+                   : std::string();
+    };
+    return {server(0), server(1)};
+}
+
+bool setServers(NMConnection *profile, const Servers &servers)
+{
+    if (hasMethod(profile, NM_SETTING_IP4_CONFIG_METHOD_DISABLED))
+        return false;
+    NMSettingIPConfig *setting = ipv4(profile);
+    clearServers(setting);
+    for (const std::string &server : {servers.preferred, servers.alternate}) {
+        if (!server.empty())
+            nm_setting_ip_config_add_dns(setting, server.c_str());
+    }
+    const bool bOwn = nm_setting_ip_config_get_num_dns(setting) > 0;
+    g_object_set(setting, NM_SETTING_IP_CONFIG_IGNORE_AUTO_DNS,
+                 bOwn && usesDhcp(profile) ? TRUE : FALSE, nullptr);
+    return true;
+}
+
+void copyAddressing(NMConnection *from, NMConnection *to)
+{
+    NMSetting *copy = nm_setting_duplicate(NM_SETTING(ipv4(from)));
+    nm_connection_add_setting(to, copy);
+}
+
+} // namespace network

@@ -1,0 +1,49 @@
+// What netServer writes into NetworkManager's profiles (nm-settings-nmcli(5)). The functions only
+// change a profile in memory.
+#pragma once
+
+#include "services/network/GLib.h"
+#include "services/network/Ipv4.h"
+#include "services/network/Settings.h"
+
+#include <NetworkManager.h>
+#include <optional>
+#include <string>
+
+namespace network {
+
+// The name of a device's profile, and of one that is only tried.
+std::string profileName(const std::string &device);
+std::string trialName(const std::string &device);
+
+// A profile for the device, which takes its address by DHCP: of Ethernet, or of a modem that dials
+// with the operator's default; for Wi-Fi without a network yet.
+Object<NMConnection> newProfile(Kind kind, const std::string &device);
+
+bool isAutomatic(NMConnection *profile);
+void setAutomatic(NMConnection *profile, bool automatic);
+
+// Smaller metrics are preferred.
+void setMetric(NMConnection *profile, int metric);
+int metricOf(NMConnection *profile);
+
+bool usesDhcp(NMConnection *profile);
+void useDhcp(NMConnection *profile);
+// Without an address: one will be set by hand later, and until then the device has none.
+void useStatic(NMConnection *profile, const std::optional<StaticAddress> &address);
+std::optional<StaticAddress> staticAddress(NMConnection *profile);
+
+struct Servers
+{
+    std::string preferred;
+    std::string alternate;
+};
+// Of the operator's; both empty if there are none.
+Servers serversOf(NMConnection *profile);
+// False for a profile that is static and has no address yet: NetworkManager keeps no servers there.
+bool setServers(NMConnection *profile, const Servers &servers);
+
+// Makes the addressing of one profile that of another.
+void copyAddressing(NMConnection *from, NMConnection *to);
+
+} // namespace network

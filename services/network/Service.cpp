@@ -1,0 +1,21 @@
+#include "services/network/Service.h"
+
+#include "platform/paths.h"
+
+namespace network {
+namespace {
+
+constexpr const char *SETTINGS = "/mnt/data/network/netserver/settings.conf";
+
+} // namespace
+
+Service::Service(GDBusConnection *bus, const Configuration &configuration)
+    : m_modems(bus, [this] { m_cellular.modemChanged(); }),
+      m_network(bus, m_modems, Settings(panelPath(SETTINGS)), configuration.ethernet,
+                [this](const std::vector<Record> &records) { m_door.tellDevices(records); }),
+      m_cellular(m_network, m_modems, [this] { m_door.tellModem(); }),
+      m_door(bus, m_network, m_cellular, m_pinger)
+{
+}
+
+} // namespace network

@@ -1,0 +1,84 @@
+// netServer: the network service of an operator panel.
+#include "platform/paths.h"
+#include "services/common/Journal.h"
+#include "services/network/Configuration.h"
+#include "services/network/Service.h"
+
+#include <cstdio>
+#include <glib-unix.h>
+#include <stdexcept>
+#include <string_view>
+
+namespace {
+
+constexpr int BAD_USAGE = 2;
+constexpr const char *NAME = "org.sysset.Network1";
+
+constexpr const char *HELP =
+    "Usage: netServer [--help] [--version]\n"
+    "\n"
+    "Serves Ethernet, Wi-Fi and 4G to the settings program, on the system bus, by way of\n"
+    "NetworkManager and ModemManager. Is run by sysset-network.service; reads the section\n"
+    "[network] of /etc/sysset/panel.conf.\n"
+    "\n"
+    "  --help      print this and end\n"
+    "  --version   print the version and end\n"
+    "\n"
+    "SYSSET_ROOT in the environment is put before every path.\n";
+
+using MainLoop = std::unique_ptr<GMainLoop, decltype(&g_main_loop_unref)>;
+
+gboolean onSignal(gpointer loop)
+{
+    g_main_loop_quit(static_cast<GMainLoop *>(loop));
+    return G_SOURCE_CONTINUE;
+}
+
+// Another one that has the name is not pushed aside; systemd starts this one again.
+void onNameLost(GDBusConnection *, const char *, gpointer loop)
+{
+    service::warn(std::string("the bus does not give the name ") + NAME);
+    onSignal(loop);
+}
+
+void serve()
+{
+    const MainLoop loop(g_main_loop_new(nullptr, FALSE), g_main_loop_unref);
+    g_unix_signal_add(SIGTERM, onSignal, loop.get());
+    g_unix_signal_add(SIGINT, onSignal, loop.get());
+    network::Error error;
+    const network::Object<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, &error));
+    if (!bus)
+        throw std::runtime_error("no system bus: " + error.text());
+    const network::Service service(bus.get(),
+                                   network::readConfiguration(panelPath("/etc/sysset/panel.conf")));
+    g_bus_own_name_on_connection(bus.get(), NAME, G_BUS_NAME_OWNER_FLAGS_DO_NOT_QUEUE, nullptr,
+                                 onNameLost, loop.get(), nullptr);
+    g_main_loop_run(loop.get());
+}
+
+int answerOptions(std::string_view option)
+{
+    if (option == "--help")
+        std::fputs(HELP, stdout);
+    else if (option == "--version")
+        std::puts("netServer " SYSSET_VERSION);
+    else
+        std::fprintf(stderr, "netServer: unknown option; try --help\n");
+    return option == "--help" || option == "--version" ? 0 : BAD_USAGE;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc > 1)
+        return answerOptions(argv[1]);
+    try {
+        serve();
+        return 0;
+    } catch (const std::exception &exception) {
+        service::warn(exception.what());
+        return 1;
+    }
+}
