@@ -64,6 +64,11 @@ GVariant *toVariant(const WifiStatus &status)
                          status.number, status.level);
 }
 
+GVariant *toVariant(const PingTimes &times)
+{
+    return g_variant_new("(iiii)", times.longest, times.shortest, times.average, times.lostPercent);
+}
+
 } // namespace
 
 // One that is answered later. It counts as long as it is open.
@@ -315,7 +320,7 @@ void Door::ping(GDBusMethodInvocation *call, const char *name, const char *targe
                   std::chrono::milliseconds(std::min(timeout, LONGEST_PING_MS)),
                   [request](const std::optional<PingTimes> &times) {
                       if (times)
-                          request->end(Outcome::Done, network::toVariant(*times));
+                          request->end(Outcome::Done, toVariant(*times));
                       else
                           request->end(Outcome::Failed);
                   });
