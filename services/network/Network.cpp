@@ -231,21 +231,23 @@ void Network::switchDevice(const std::string &name, bool on, Done done)
 }
 
 // What cannot be done at once, without a cable or while a service is away, is done when it can: the
-// operator's choice is kept.
+// operator's choice is kept. A modem may take half a minute to find its network.
 void Network::finishSwitch(Device &device, bool on)
 {
-    const auto end = [this, &device, on] {
-        device.setOn(on);
-        tellChange();
-    };
     if (!on)
-        return m_links->disconnect(device,
-                                   [this, &device, end](bool) { powerModem(device, false, end); });
+        return m_links->disconnect(device, [this, &device](bool) {
+            device.setOn(false);
+            tellChange();
+            powerModem(device, false, [] {});
+        });
+    device.setOn(true);
+    tellChange();
     m_links->letAutomatic(device);
-    powerModem(device, true, [this, &device, end] {
-        if (device.state() < NM_DEVICE_STATE_DISCONNECTED || profileOf(device) == nullptr)
-            return end();
-        m_links->activate(device, [end](bool) { end(); });
+    powerModem(device, true, [this, &device] {
+        const bool canBe =
+            device.state() >= NM_DEVICE_STATE_DISCONNECTED && profileOf(device) != nullptr;
+        if (device.isOn() && canBe)
+            m_links->activate(device, [](bool) {});
     });
 }
 

@@ -119,7 +119,8 @@ bool setNetwork(NMConnection *profile, const WifiLogin &login)
                          nullptr);
         nm_connection_add_setting(profile, setting);
     }
-    return nm_connection_normalize(profile, nullptr, nullptr, nullptr) != FALSE;
+    return nm_connection_normalize(profile, nullptr, nullptr, nullptr) != FALSE &&
+           nm_connection_verify_secrets(profile, nullptr) != FALSE;
 }
 
 std::string networkName(NMConnection *profile)
