@@ -1,8 +1,7 @@
 // netT, devices and addresses: what the network service answers.
 #include "platform/net.h"
+#include "platform/posix/Ipv4.h"
 #include "platform/sim/NetCall.h"
-
-#include <arpa/inet.h>
 
 using sim::deviceCall;
 using sim::Json;
@@ -11,17 +10,6 @@ using sim::panel;
 using sim::text;
 
 namespace {
-
-bool isDotted(const std::string &address)
-{
-    in_addr parsed{};
-    return inet_pton(AF_INET, address.c_str(), &parsed) == 1;
-}
-
-bool isDottedOrEmpty(const std::string &address)
-{
-    return address.empty() || isDotted(address);
-}
 
 int requestSwitch(const char *op, const std::string &name, bool on, bool flag,
                   unsigned int timeoutMs)
@@ -132,7 +120,7 @@ int setIp(const std::string &device, const std::string &ip, const std::string &m
     const Json args = {ip, mask, gateway};
     return deviceCall(
         "netT.setIp", device, args, flag, timeoutMs, [&](Json &state, Json &dev) -> int {
-            if (!isDotted(ip) || !isDotted(mask) || !isDottedOrEmpty(gateway))
+            if (!os::checkAddress(ip, mask, gateway))
                 return ERR_FAILED;
             const Json address = {{"sIpAddr", ip}, {"sSubnetMask", mask}, {"sGateway", gateway}};
             if (sim::usesDhcp(dev))
@@ -161,7 +149,7 @@ int setDns(const std::string &device, const std::string &preferred, const std::s
     const Json args = {preferred, alternate};
     return deviceCall("netT.setDns", device, args, flag, timeoutMs,
                       [&](Json &state, Json &dev) -> int {
-                          if (!isDottedOrEmpty(preferred) || !isDottedOrEmpty(alternate))
+                          if (!os::isServerOrEmpty(preferred) || !os::isServerOrEmpty(alternate))
                               return ERR_FAILED;
                           const Json servers = {{"sPrefDns", preferred}, {"sAlterDns", alternate}};
                           sim::staticAddress(state, dev).update(servers);

@@ -17,7 +17,7 @@ void fillInForce(Record &record, NMIPConfig *config)
         return;
     auto *address = static_cast<NMIPAddress *>(g_ptr_array_index(addresses, 0));
     record.address = toString(nm_ip_address_get_address(address));
-    record.mask = maskOf(nm_ip_address_get_prefix(address));
+    record.mask = os::maskOf(nm_ip_address_get_prefix(address));
     record.gateway = toString(nm_ip_config_get_gateway(config));
     const char *const *servers = nm_ip_config_get_nameservers(config);
     for (int index = 0; index < 2 && servers != nullptr && servers[index] != nullptr; ++index)
@@ -29,7 +29,7 @@ void fillStatic(Record &record, NMConnection *profile)
 {
     if (const auto address = staticAddress(profile)) {
         record.address = address->address;
-        record.mask = maskOf(address->prefix);
+        record.mask = os::maskOf(address->prefix);
         record.gateway = address->gateway;
     }
     const Servers servers = serversOf(profile);

@@ -309,7 +309,7 @@ void Network::keepAddress(const std::string &name, Done done)
         [now](NMConnection *profile) {
             if (!usesDhcp(profile))
                 return true;
-            useStatic(profile, checkAddress(now.address, now.mask, now.gateway));
+            useStatic(profile, os::checkAddress(now.address, now.mask, now.gateway));
             setServers(profile, {now.preferredDns, now.alternateDns});
             return true;
         },
@@ -319,7 +319,7 @@ void Network::keepAddress(const std::string &name, Done done)
 void Network::setAddress(const std::string &device, const std::string &address,
                          const std::string &mask, const std::string &gateway, Done done)
 {
-    const auto checked = checkAddress(address, mask, gateway);
+    const auto checked = os::checkAddress(address, mask, gateway);
     changeAddressing(
         device,
         [checked](NMConnection *profile) {
@@ -332,7 +332,8 @@ void Network::setAddress(const std::string &device, const std::string &address,
 
 void Network::setDns(const std::string &device, const Servers &servers, Done done)
 {
-    const bool isRight = isServerOrEmpty(servers.preferred) && isServerOrEmpty(servers.alternate);
+    const bool isRight =
+        os::isServerOrEmpty(servers.preferred) && os::isServerOrEmpty(servers.alternate);
     changeAddressing(
         device,
         [isRight, servers](NMConnection *profile) {

@@ -1,8 +1,8 @@
 // The panel's network: devices, their records, and what an operator may do with them.
 #pragma once
 
+#include "platform/posix/Ipv4.h"
 #include "services/network/Device.h"
-#include "services/network/Ipv4.h"
 #include "services/network/Links.h"
 #include "services/network/Modems.h"
 #include "services/network/Outcome.h"

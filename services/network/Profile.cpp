@@ -133,7 +133,7 @@ void useDhcp(NMConnection *profile)
     setMethod(profile, NM_SETTING_IP4_CONFIG_METHOD_AUTO);
 }
 
-void useStatic(NMConnection *profile, const std::optional<StaticAddress> &address)
+void useStatic(NMConnection *profile, const std::optional<os::StaticAddress> &address)
 {
     NMSettingIPConfig *setting = ipv4(profile);
     clearAddresses(setting);
@@ -151,14 +151,14 @@ void useStatic(NMConnection *profile, const std::optional<StaticAddress> &addres
     setMethod(profile, NM_SETTING_IP4_CONFIG_METHOD_MANUAL);
 }
 
-std::optional<StaticAddress> staticAddress(NMConnection *profile)
+std::optional<os::StaticAddress> staticAddress(NMConnection *profile)
 {
     NMSettingIPConfig *setting = ipv4(profile);
     if (usesDhcp(profile) || nm_setting_ip_config_get_num_addresses(setting) == 0)
         return std::nullopt;
     NMIPAddress *own = nm_setting_ip_config_get_address(setting, 0);
-    return StaticAddress{nm_ip_address_get_address(own), nm_ip_address_get_prefix(own),
-                         toString(nm_setting_ip_config_get_gateway(setting))};
+    return os::StaticAddress{nm_ip_address_get_address(own), nm_ip_address_get_prefix(own),
+                             toString(nm_setting_ip_config_get_gateway(setting))};
 }
 
 Servers serversOf(NMConnection *profile)

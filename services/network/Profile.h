@@ -2,8 +2,8 @@
 // change a profile in memory.
 #pragma once
 
+#include "platform/posix/Ipv4.h"
 #include "services/network/GLib.h"
-#include "services/network/Ipv4.h"
 #include "services/network/Settings.h"
 
 #include <NetworkManager.h>
@@ -30,8 +30,8 @@ int metricOf(NMConnection *profile);
 bool usesDhcp(NMConnection *profile);
 void useDhcp(NMConnection *profile);
 // Without an address: one will be set by hand later, and until then the device has none.
-void useStatic(NMConnection *profile, const std::optional<StaticAddress> &address);
-std::optional<StaticAddress> staticAddress(NMConnection *profile);
+void useStatic(NMConnection *profile, const std::optional<os::StaticAddress> &address);
+std::optional<os::StaticAddress> staticAddress(NMConnection *profile);
 
 struct Servers
 {

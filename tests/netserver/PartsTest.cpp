@@ -10,7 +10,7 @@ using namespace network;
 
 namespace {
 
-std::string toText(const std::optional<StaticAddress> &address)
+std::string toText(const std::optional<os::StaticAddress> &address)
 {
     return address
                ? address->address + "/" + std::to_string(address->prefix) + " " + address->gateway
@@ -84,7 +84,7 @@ void PartsTest::checksAddresses()
     QFETCH(QString, mask);
     QFETCH(QString, gateway);
     QTEST(QString::fromStdString(toText(
-              checkAddress(address.toStdString(), mask.toStdString(), gateway.toStdString()))),
+              os::checkAddress(address.toStdString(), mask.toStdString(), gateway.toStdString()))),
           "checked");
 }
 
@@ -97,12 +97,12 @@ void PartsTest::keepsAddressing()
     QVERIFY(verifies(profile.get()));
     QCOMPARE(serversOf(profile.get()).preferred, std::string("10.0.0.9"));
 
-    useStatic(profile.get(), checkAddress("10.0.0.2", "255.255.0.0", "10.0.0.1"));
+    useStatic(profile.get(), os::checkAddress("10.0.0.2", "255.255.0.0", "10.0.0.1"));
     QVERIFY(verifies(profile.get()) && !usesDhcp(profile.get()));
     QCOMPARE(toText(staticAddress(profile.get())), std::string("10.0.0.2/16 10.0.0.1"));
     QCOMPARE(serversOf(profile.get()).preferred, std::string("10.0.0.9"));
     QVERIFY(setServers(profile.get(), {"10.0.0.8", "10.0.0.9"}));
-    useStatic(profile.get(), checkAddress("10.1.0.2", "255.255.0.0", ""));
+    useStatic(profile.get(), os::checkAddress("10.1.0.2", "255.255.0.0", ""));
     QVERIFY(verifies(profile.get()));
     QCOMPARE(toText(staticAddress(profile.get())), std::string("10.1.0.2/16 "));
     QCOMPARE(serversOf(profile.get()).alternate, std::string("10.0.0.9"));

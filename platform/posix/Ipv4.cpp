@@ -1,8 +1,8 @@
-#include "services/network/Ipv4.h"
+#include "platform/posix/Ipv4.h"
 
 #include <arpa/inet.h>
 
-namespace network {
+namespace os {
 namespace {
 
 constexpr unsigned BITS = 32;
@@ -78,4 +78,4 @@ std::string maskOf(unsigned prefix)
     return text;
 }
 
-} // namespace network
+} // namespace os

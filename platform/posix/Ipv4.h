@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace network {
+namespace os {
 
 struct StaticAddress
 {
@@ -30,4 +30,4 @@ bool isServerOrEmpty(const std::string &text);
 // The mask of that many bits, 0 to 32, dotted.
 std::string maskOf(unsigned prefix);
 
-} // namespace network
+} // namespace os
