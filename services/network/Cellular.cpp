@@ -25,9 +25,11 @@ Outcome Cellular::status(ModemStatus &status) const
     const Device *device = modem();
     if (device == nullptr)
         return Outcome::NoDevice;
-    const Modem *known = m_modems.find(toString(nm_device_get_udi(device->get())));
-    if (known != nullptr)
-        status = {known->csq, known->iccid, known->imei, known->operatorName, known->isRegistered};
+    const auto found = m_modems.all().find(toString(nm_device_get_udi(device->get())));
+    if (found == m_modems.all().end())
+        return Outcome::Done;
+    const Modem &known = found->second;
+    status = {known.csq, known.iccid, known.imei, known.operatorName, known.registered};
     return Outcome::Done;
 }
 

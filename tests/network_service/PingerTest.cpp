@@ -92,7 +92,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, target);
         if (!mayPing())
-            QSKIP("needs CAP_NET_RAW");
+            QSKIP("needs CAP_NET_RAW", );
         Pinger pinger;
         Answer answer;
         pinger.ping("lo", target.toStdString(), 100, 5s, answer.taker());
