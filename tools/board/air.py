@@ -143,10 +143,14 @@ class Air:
         """A station is switched off."""
         self.level(name, None)
 
-    def crowd(self, count):
-        """So many further networks that can be seen and not joined; 0 takes them away again."""
-        self._crowd = [self._stranger(number) for number in range(count)]
+    def crowd(self, total):
+        """Adds strangers that can be seen and not joined, until there are so many stations; 0 takes them
+        away again. wpa_supplicant holds 200 stations (bss_max_count) and forgets what is more."""
+        self._crowd = [self._stranger(number) for number in range(total - len(self._heard()))]
         self._tell()
+
+    def _heard(self):
+        return {where: percent for where, percent in self._strengths.items() if percent is not None}
 
     @staticmethod
     def _stranger(number):
@@ -162,5 +166,5 @@ class Air:
         self._far(f"/usr/local/lib/far/air plug panel {self.ADAPTER}")
 
     def _tell(self):
-        heard = {where: percent for where, percent in self._strengths.items() if percent is not None}
-        self._far(f"cat >{self.FILE}; kill -HUP $(cat {self.MEDIUM})", levels(heard, self._crowd).encode())
+        text = levels(self._heard(), self._crowd)
+        self._far(f"cat >{self.FILE}; kill -HUP $(cat {self.MEDIUM})", text.encode())
