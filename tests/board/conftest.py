@@ -35,6 +35,12 @@ def developers(built):
     return lab.developers_board(built)
 
 
+@pytest.fixture(scope="session")
+def networks(built):
+    """Folder of a kept board with the developer's program, and networks around it."""
+    return lab.networked_board(built)
+
+
 @contextlib.contextmanager
 def at_work(request, machine, built):
     """The panel of a board, for one story."""
@@ -57,6 +63,13 @@ def restored(request, base, built, **options):
 def panel(request, developers, built):
     """A running panel whose widgets can be found by name."""
     with restored(request, developers, built) as restored_panel:
+        yield restored_panel
+
+
+@pytest.fixture
+def networked(request, networks, built):
+    """A running panel with networks to join."""
+    with restored(request, networks, built) as restored_panel:
         yield restored_panel
 
 

@@ -8,6 +8,8 @@ import json
 import os
 import time
 
+import air
+import farends
 from virtualboard import developer, image, kept, packages, screen, sound, sticks
 from virtualboard.jsonlines import JsonLines
 from virtualboard.machine import Screen, raw_disk
@@ -90,6 +92,10 @@ class VirtualHands:
         """Status and output of a command that may fail."""
         return self.machine.agent.try_run(command)
 
+    def far(self, command, stdin=None, timeout=60):
+        """Output of a command that root runs where the far ends of the networks are."""
+        return self.machine.agent.run(command, timeout, stdin)
+
     def cable(self, name, plugged):
         self.machine.cable(name, plugged)
 
@@ -169,6 +175,7 @@ class Panel:
         self.image = image
         self.shell = hands.shell
         self.try_shell = hands.try_shell
+        self.air = air.Air(hands)
 
     # What is seen.
 
@@ -358,9 +365,24 @@ def developers_board(system):
     program = os.environ.get("SYSSET_BOARD_PROGRAM") or developer.program_step()
     overlay = developer.overlay_step(program)
 
+    return kept.kept_step("stories", system, SIZE, _with_pages(system, overlay), [overlay])
+
+
+def _with_pages(system, overlay):
     def prepare(board):
         developer.lay_over(board, overlay)
         Panel(VirtualHands(board), system).open_pages()
         kept.wait_until_still(board)
+    return prepare
 
-    return kept.kept_step("stories", system, SIZE, prepare, [overlay])
+
+def networked_board(system):
+    """The developer's board with networks to join: the air is up, and all stations are seen."""
+    program = os.environ.get("SYSSET_BOARD_PROGRAM") or developer.program_step()
+    overlay, networks = developer.overlay_step(program), farends.overlay_step()
+
+    def prepare(board):
+        _with_pages(system, overlay)(board)
+        farends.set_up(board, networks)
+
+    return kept.kept_step("networked", system, SIZE, prepare, [overlay, networks, *farends.MODULES])
