@@ -123,7 +123,7 @@ Record Device::record(NMConnection *profile) const
     record.usesDhcp = profile == nullptr || network::usesDhcp(profile);
     if (!isPresent())
         return record;
-    record.mac = m_kind == Kind::Modem ? "" : toString(nm_device_get_hw_address(get()));
+    record.mac = ownAddress();
     record.isLinked = isLinked();
     record.isUp = m_on && (m_kind == Kind::Ethernet || state() >= NM_DEVICE_STATE_DISCONNECTED ||
                            m_kind == Kind::Modem);
@@ -131,6 +131,18 @@ Record Device::record(NMConnection *profile) const
     if (m_on)
         fillAddress(record, profile);
     return record;
+}
+
+// Not the one that a scan may use for a moment.
+std::string Device::ownAddress() const
+{
+    const char *own = nullptr;
+    if (m_kind == Kind::Ethernet)
+        own = nm_device_ethernet_get_permanent_hw_address(NM_DEVICE_ETHERNET(get()));
+    else if (m_kind == Kind::Wifi)
+        own = nm_device_wifi_get_permanent_hw_address(NM_DEVICE_WIFI(get()));
+    const bool isKnown = own != nullptr && *own != '\0';
+    return m_kind == Kind::Modem ? "" : toString(isKnown ? own : nm_device_get_hw_address(get()));
 }
 
 void Device::fillAddress(Record &record, NMConnection *profile) const

@@ -45,6 +45,7 @@ public:
 
 private:
     void watchLease(const std::function<void()> &changed);
+    std::string ownAddress() const;
     void fillAddress(Record &record, NMConnection *profile) const;
 
     Kind m_kind;

@@ -3,6 +3,7 @@
 #include "services/common/Journal.h"
 
 #include <algorithm>
+#include <net/if.h>
 #include <set>
 #include <tuple>
 
@@ -113,13 +114,33 @@ void Network::adopt(NMDevice *nm)
 // A device is not unplugged because the service that knows it is away for a moment.
 void Network::release(Device &device)
 {
-    const bool isAway = nm_client_get_dbus_name_owner(m_links->client()) == nullptr ||
-                        (device.kind() == Kind::Modem && !m_modems.isRunning());
-    device.detach(isAway ? std::optional(recordOf(device)) : std::nullopt);
-    if (isAway)
+    const bool isHeld = isAway() || isStillThere(device);
+    device.detach(isHeld ? lastTold(device) : std::nullopt);
+    if (isHeld)
         m_absence.start(ABSENCE_TIME, [this] { dropAbsent(); });
     if (m_wifi && &m_wifi->device() == &device)
         m_wifi->forget();
+}
+
+bool Network::isAway() const
+{
+    return nm_client_get_dbus_name_owner(m_links->client()) == nullptr;
+}
+
+bool Network::isStillThere(const Device &device) const
+{
+    if (device.kind() != Kind::Modem)
+        return ::if_nametoindex(device.name().c_str()) != 0;
+    return !m_modems.isRunning() ||
+           m_modems.all().count(toString(nm_device_get_udi(device.get()))) != 0;
+}
+
+std::optional<Record> Network::lastTold(const Device &device) const
+{
+    const auto found =
+        std::find_if(m_lastTold.begin(), m_lastTold.end(),
+                     [&](const Record &record) { return record.device == device.name(); });
+    return found == m_lastTold.end() ? std::nullopt : std::optional(*found);
 }
 
 void Network::dropAbsent()
@@ -419,8 +440,11 @@ void Network::changed()
         m_burst.start(BURST_TIME, [this] { tell(); });
 }
 
+// What NetworkManager leaves behind when it dies says nothing about the devices.
 void Network::tell()
 {
+    if (m_links && isAway() && m_absence.isRunning())
+        return;
     std::vector<Record> now = records();
     if (!std::exchange(m_isForced, false) && now == m_lastTold)
         return;

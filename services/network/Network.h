@@ -69,6 +69,9 @@ private:
     void adopt(NMDevice *device);
     Device &deviceOf(Kind kind, const std::string &name);
     void release(Device &device);
+    bool isAway() const;
+    bool isStillThere(const Device &device) const;
+    std::optional<Record> lastTold(const Device &device) const;
     Device *findPresent(const std::string &name) const;
     void onDeviceChanged(const Device &device);
     void onRunning();

@@ -214,8 +214,11 @@ void Wifi::fail(const char *why)
     m_failure.start(FAILURE_TIME, [this] { endFailure(); });
     if (trial &&
         nm_active_connection_get_state(trial.get()) <= NM_ACTIVE_CONNECTION_STATE_ACTIVATED)
-        nm_client_deactivate_connection_async(m_links.client(), trial.get(), nullptr, nullptr,
-                                              nullptr);
+        nm_client_deactivate_connection_async(
+            m_links.client(), trial.get(), m_calls.cancellable(), Calls::answer,
+            m_calls.expect([](GObject *source, GAsyncResult *result) {
+                nm_client_deactivate_connection_finish(NM_CLIENT(source), result, nullptr);
+            }));
     bringBack();
     m_changed();
 }
