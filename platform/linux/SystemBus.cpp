@@ -3,54 +3,45 @@
 #include "platform/posix/threads.h"
 
 #include <atomic>
+#include <cstdint>
 #include <utility>
 
 namespace board {
 namespace {
 
-using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
-// How long a ping waits for a service to wake up; the bus itself ends it when the service dies.
-constexpr std::chrono::hours PATIENCE(24);
-
-std::uint64_t inMicroseconds(std::chrono::nanoseconds time)
-{
-    return static_cast<std::uint64_t>(
-        std::chrono::duration_cast<microseconds>(std::max(time, std::chrono::nanoseconds(1000)))
-            .count());
-}
+// How long an answer may take as far as the library is concerned: whoever waits has a time of his
+// own, and the bus itself ends a call whose service dies.
+constexpr std::uint64_t FOREVER = UINT64_MAX;
 
 } // namespace
 
-// What the caller and the bus's thread share of one call.
-struct SystemBus::Exchange
+class SystemBus::Waiting final : public Exchange
 {
-    std::mutex mutex;
-    std::condition_variable changed;
-    Outcome outcome;
-    bool isOver = false;
-
-    void end(sdbus::MethodReply &reply, const sdbus::Error *error)
+public:
+    void end(const std::string &error) override
     {
-        const std::lock_guard lock(mutex);
-        isOver = true;
-        if (error == nullptr)
-            outcome.reply = reply;
-        else
-            outcome.error = error->getName();
-        changed.notify_all();
+        const std::lock_guard lock(m_mutex);
+        if (!m_error)
+            m_error = error;
+        m_changed.notify_all();
     }
 
-    Outcome wait(Clock::time_point deadline)
+    std::optional<std::string> wait(Clock::time_point deadline)
     {
-        std::unique_lock lock(mutex);
-        changed.wait_until(lock, deadline, [this] { return isOver; });
-        return outcome;
+        std::unique_lock lock(m_mutex);
+        m_changed.wait_until(lock, deadline, [this] { return m_error.has_value(); });
+        return m_error;
     }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::optional<std::string> m_error;
 };
 
-// A service that has not answered, and the ping that waits for it.
+// A service that has not answered, and the question that waits for it.
 struct SystemBus::Silent
 {
     Connection connection; // before the proxy, which uses it
@@ -58,34 +49,45 @@ struct SystemBus::Silent
     std::atomic<bool> isOver{false};
 };
 
-SystemBus::Outcome SystemBus::call(const BusMethod &method, milliseconds timeout,
-                                   const Arguments &arguments)
+std::string SystemBus::exchange(const BusMethod &method, milliseconds timeout, const Begin &begin)
 {
     const auto deadline = Clock::now() + timeout;
     if (isSilent(method.service))
-        return {};
+        return NO_ANSWER;
     const Connection bus = connection(deadline);
     if (!bus)
-        return {};
-    const auto exchange = std::make_shared<Exchange>();
-    Outcome outcome;
+        return isLate() ? NO_ANSWER : NO_BUS;
     try {
-        const auto proxy = sdbus::createProxy(*bus, method.service, method.path);
+        const auto waiting = std::make_shared<Waiting>();
+        const std::shared_ptr<void> proxy = begin(*bus, waiting);
+        if (const std::optional<std::string> error = waiting->wait(deadline))
+            return *error;
+    } catch (const sdbus::Error &error) {
+        return error.getName();
+    }
+    noteSilence(bus, method);
+    return NO_ANSWER;
+}
+
+SystemBus::Outcome SystemBus::call(const BusMethod &method, milliseconds timeout,
+                                   const Arguments &arguments)
+{
+    const auto answer = std::make_shared<std::optional<sdbus::MethodReply>>();
+    Outcome outcome;
+    outcome.error = exchange(method, timeout, [&](sdbus::IConnection &bus, const auto &exchange) {
+        const std::shared_ptr proxy = sdbus::createProxy(bus, method.service, method.path);
         sdbus::MethodCall message = proxy->createMethodCall(method.interface, method.name);
         if (arguments)
             arguments(message);
-        proxy->callMethod(
-            message,
-            [exchange](sdbus::MethodReply &reply, const sdbus::Error *error) {
-                exchange->end(reply, error);
-            },
-            inMicroseconds(PATIENCE));
-        outcome = exchange->wait(deadline);
-    } catch (const sdbus::Error &error) {
-        outcome.error = error.getName();
-    }
-    if (!outcome && outcome.error.empty())
-        noteSilence(bus, method.service);
+        proxy->callMethod(message, [=](sdbus::MethodReply &reply, const sdbus::Error *error) {
+            if (error == nullptr)
+                *answer = reply;
+            exchange->end(error == nullptr ? std::string() : error->getName());
+        });
+        return proxy;
+    });
+    if (outcome.error.empty())
+        outcome.reply = *answer;
     return outcome;
 }
 
@@ -112,6 +114,7 @@ void SystemBus::run()
         Connection connection;
         try {
             connection = sdbus::createSystemBusConnection();
+            connection->setMethodCallTimeout(FOREVER);
             m_fault.mended("the system bus is there");
         } catch (const sdbus::Error &error) {
             m_fault.tell("no system bus: " + error.getMessage());
@@ -136,6 +139,12 @@ void SystemBus::run()
     }
 }
 
+bool SystemBus::isLate()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_isLate;
+}
+
 bool SystemBus::isSilent(const std::string &service)
 {
     const std::lock_guard lock(m_mutex);
@@ -148,27 +157,27 @@ bool SystemBus::isSilent(const std::string &service)
     return false;
 }
 
-void SystemBus::noteSilence(const Connection &connection, const std::string &service)
+// Not a ping: a library's own thread may answer that (GDBus's does) while the service hangs.
+void SystemBus::noteSilence(const Connection &connection, const BusMethod &method)
 {
     const auto silent = std::make_shared<Silent>();
     silent->connection = connection;
-    journal(Severity::Warning, service + " does not answer");
+    journal(Severity::Warning, std::string(method.service) + " does not answer");
     try {
-        silent->proxy = sdbus::createProxy(*connection, service, "/");
-        sdbus::MethodCall ping =
-            silent->proxy->createMethodCall("org.freedesktop.DBus.Peer", "Ping");
-        silent->proxy->callMethod(
-            ping,
-            [watched = std::weak_ptr(silent)](sdbus::MethodReply &, const sdbus::Error *) {
-                if (const auto alive = watched.lock())
-                    alive->isOver = true;
-            },
-            inMicroseconds(PATIENCE));
+        silent->proxy = sdbus::createProxy(*connection, method.service, method.path);
+        sdbus::MethodCall question =
+            silent->proxy->createMethodCall("org.freedesktop.DBus.Properties", "GetAll");
+        question << std::string(method.interface);
+        silent->proxy->callMethod(question, [watched = std::weak_ptr(silent)](
+                                                sdbus::MethodReply &, const sdbus::Error *) {
+            if (const auto alive = watched.lock())
+                alive->isOver = true;
+        });
     } catch (const sdbus::Error &) {
         return; // the connection is being lost
     }
     const std::lock_guard lock(m_mutex);
-    m_silent[service] = silent;
+    m_silent[method.service] = silent;
 }
 
 SystemBus &systemBus()

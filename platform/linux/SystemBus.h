@@ -15,6 +15,10 @@
 
 namespace board {
 
+// No D-Bus errors of a service's: these are what SystemBus itself says of a call.
+constexpr const char *NO_BUS = "org.freedesktop.DBus.Error.NoServer";
+constexpr const char *NO_ANSWER = "org.freedesktop.DBus.Error.Timeout";
+
 struct BusMethod
 {
     const char *service;
@@ -30,7 +34,7 @@ class SystemBus
 public:
     using Arguments = std::function<void(sdbus::MethodCall &call)>;
 
-    // What came of a call: a reply, or the name of the D-Bus error, "" if nothing answered in time.
+    // What came of a call: a reply, or the name of the D-Bus error, NO_BUS or NO_ANSWER.
     struct Outcome
     {
         std::optional<sdbus::MethodReply> reply;
@@ -42,9 +46,29 @@ public:
     SystemBus(const SystemBus &) = delete;
     SystemBus &operator=(const SystemBus &) = delete;
 
-    // Calls the method and waits at most `timeout`, connecting included. A service that did not
-    // answer in time is pinged; until it has answered that, or is gone, the calls to it fail at
-    // once.
+    // A call that is under way: its maker waits, and the bus's thread ends it. `error` is its
+    // name, empty if it has been answered; only the first end counts.
+    class Exchange
+    {
+    public:
+        virtual void end(const std::string &error) = 0;
+
+    protected:
+        ~Exchange() = default;
+    };
+    // Sends a call and has its answer end the exchange, late answers too. What is returned, the
+    // proxy, lives until the call is given up or over. May throw sdbus::Error.
+    using Begin = std::function<std::shared_ptr<void>(sdbus::IConnection &bus,
+                                                      const std::shared_ptr<Exchange> &exchange)>;
+
+    // Has `begin` call the method and waits at most `timeout`, connecting included. A service that
+    // did not answer in time is asked for its properties, which answers only where its own loop
+    // runs; until it has done so, or is gone, the calls to it fail at once. Returns the name of the
+    // error as Outcome has it, empty if the call was answered.
+    std::string exchange(const BusMethod &method, std::chrono::milliseconds timeout,
+                         const Begin &begin);
+
+    // The same for a call without a generated proxy.
     Outcome call(const BusMethod &method, std::chrono::milliseconds timeout,
                  const Arguments &arguments = {});
 
@@ -55,13 +79,14 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
     using Connection = std::shared_ptr<sdbus::IConnection>;
-    struct Exchange;
+    class Waiting;
     struct Silent;
 
     Connection connection(Clock::time_point deadline);
     void run();
+    bool isLate();
     bool isSilent(const std::string &service);
-    void noteSilence(const Connection &connection, const std::string &service);
+    void noteSilence(const Connection &connection, const BusMethod &method);
 
     Fault m_fault;
     std::mutex m_mutex;
