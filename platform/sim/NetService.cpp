@@ -16,6 +16,7 @@ constexpr auto RECORD_DELAY = 50ms;
 constexpr auto SWITCH_DELAY = 100ms; // until the switch; the record follows RECORD_DELAY later
 constexpr auto LEASE_DELAY = 300ms;
 constexpr auto JOIN_DELAY = 400ms;
+constexpr auto FAILURE_TIME = 20s; // that a failure is told, though the network before is back
 
 bool modemAnswers(Json &state)
 {
@@ -73,6 +74,7 @@ void NetService::forgetRegistrations()
     m_recordListeners.clear();
     m_atListeners.clear();
     m_recordsPosted = false;
+    m_keptWifi = nullptr;
 }
 
 // --- Records -----------------------------------------------------------------------------------
@@ -224,6 +226,28 @@ void NetService::joinWifi(Json &state, Json &device)
             return;
         finishJoining(tree);
         refresh(tree, *wifi);
+        if (tree["wifi"]["state"] == int(netT::WIFI_FAILED))
+            bringBackWifi(tree, *wifi);
+    });
+}
+
+void NetService::keepWifi(const Json &state)
+{
+    if (state["wifi"]["state"] == int(netT::WIFI_CONNECTED))
+        m_keptWifi = state["wifi"]["user"];
+}
+
+void NetService::bringBackWifi(Json &state, Json &device)
+{
+    if (m_keptWifi.is_null() || m_keptWifi == state["wifi"]["user"])
+        return;
+    schedule(FAILURE_TIME, [this, name = text(device, "sDevName"), join = m_joins](Json &tree) {
+        Json *wifi = findDevice(tree, name);
+        const bool current = join == m_joins && tree["wifi"]["state"] == int(netT::WIFI_FAILED);
+        if (!current || wifi == nullptr)
+            return;
+        tree["wifi"]["user"] = m_keptWifi;
+        joinWifi(tree, *wifi);
     });
 }
 

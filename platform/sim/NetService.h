@@ -30,6 +30,8 @@ public:
     void recordsChanged();
     // Begins to join the configured Wi-Fi network with the device.
     void joinWifi(Json &state, Json &device);
+    // Another network is about to be configured.
+    void keepWifi(const Json &state);
     // What follows from a change that came from outside.
     void stateChanged(const Json &before, Json &state);
 
@@ -57,6 +59,7 @@ private:
     void deviceChanged(const Json &before, Json &state, Json &device);
     void modemChanged(const Json &before, Json &state);
     void wifiChanged(const Json &before, Json &state);
+    void bringBackWifi(Json &state, Json &device);
     void scheduleDrift(const Json &state);
     void atInfoChanged();
     void postRecords();
@@ -69,6 +72,7 @@ private:
     std::vector<AtListener> m_atListeners;
     bool m_recordsPosted = false;
     int m_joins = 0;
+    Json m_keptWifi; // the network that was joined last, null if none was
     int m_drifts = 0;
     std::minstd_rand m_random; // the same sequence in every run
 };

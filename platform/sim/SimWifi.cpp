@@ -74,6 +74,7 @@ int setConnectInfo(const std::string &ssid, const std::string &password, bool fl
                     [&](Json &state, Json &) -> int {
                         if (ssid.empty() || ssid.size() > 32)
                             return ERR_FAILED;
+                        panel().net().keepWifi(state);
                         Json &wifi = state["wifi"];
                         wifi["user"] = describeNetwork(wifi["aps"], ssid, password);
                         return 0;

@@ -147,7 +147,8 @@ int setConnectInfo(const std::string &ssid, const std::string &password, bool fl
 // Starts joining the stored network and returns at once; getStatus() tells how it goes. When it
 // ends, well or badly, a record of the device follows. A failure lasts: getStatus() answers
 // WIFI_FAILED until the next connectwifi() or until the device is switched, as the program may ask
-// ten seconds later and more. ERR_FAILED while the device is switched off.
+// ten seconds later and more. Where the network joined before is back it answers that for 20 s and
+// then WIFI_CONNECTED, with a record. ERR_FAILED while the device is switched off.
 int connectwifi();
 // The signal level, 0 to 100.
 int getSignal(bool flag, unsigned int timeoutMs);
