@@ -20,8 +20,8 @@
 
 namespace {
 
-constexpr int RUNS = 41;
-constexpr int CALLS = 100; // in each run
+constexpr int RUNS = 201;
+constexpr int CALLS = 20; // in each run
 constexpr double LIMIT = 3;
 constexpr unsigned int TIMEOUT_MS = 900;
 constexpr int START_MS = 5000;

@@ -191,7 +191,7 @@ int askNetwork(unsigned int timeoutMs, const NetworkRequest &request)
     return askNetwork<std::monostate>(timeoutMs, request, [](const std::monostate &) { return 0; });
 }
 
-const std::string &asText(const std::string &text)
+std::string asText(const std::string &text)
 {
     if (text.find('\0') != std::string::npos)
         throw sdbus::Error("org.freedesktop.DBus.Error.InvalidArgs", "zero byte in a text");

@@ -131,7 +131,7 @@ int askNetwork(unsigned int timeoutMs, const NetworkRequest &request, const Take
 int askNetwork(unsigned int timeoutMs, const NetworkRequest &request);
 
 // The text as it is; throws sdbus::Error for one with a zero byte, which D-Bus would cut short.
-const std::string &asText(const std::string &text);
+std::string asText(const std::string &text);
 
 // As the program takes them: of a list no more than a panel can have.
 std::vector<netT::stAllNetInfo_tag> toRecords(const NetworkRecords &records);

@@ -36,8 +36,8 @@ public:
         : m_news(news),
           m_bus(sdbus::createSystemBusConnection()),
           m_service(
-              *m_bus, [this](NetworkAnswer answer) { takeAnswer(answer); },
-              [this](NetworkAnswer signal) { takeSignal(signal); })
+              *m_bus, [this](const NetworkAnswer &answer) { takeAnswer(answer); },
+              [this](const NetworkAnswer &signal) { takeSignal(signal); })
     {
         m_bus->setMethodCallTimeout(UINT64_MAX); // the bus itself ends a call whose service dies
         m_service.registerProxy();
@@ -167,9 +167,9 @@ void NetworkNews::run()
         try {
             Watch watch(*this);
             watch.run();
-        } catch (const sdbus::Error &) { // SystemBus tells the journal
+        } catch (const sdbus::Error &) {
+            forget(); // SystemBus tells the journal
         }
-        forget();
         std::this_thread::sleep_for(BUS_PAUSE);
     }
 }

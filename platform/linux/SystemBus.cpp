@@ -75,7 +75,7 @@ SystemBus::Outcome SystemBus::call(const BusMethod &method, milliseconds timeout
     const auto answer = std::make_shared<std::optional<sdbus::MethodReply>>();
     Outcome outcome;
     outcome.error = exchange(method, timeout, [&](sdbus::IConnection &bus, const auto &exchange) {
-        const std::shared_ptr proxy = sdbus::createProxy(bus, method.service, method.path);
+        std::shared_ptr<sdbus::IProxy> proxy = sdbus::createProxy(bus, method.service, method.path);
         sdbus::MethodCall message = proxy->createMethodCall(method.interface, method.name);
         if (arguments)
             arguments(message);

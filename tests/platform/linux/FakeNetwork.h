@@ -51,7 +51,7 @@ private:
     static void behave(Text name)
     {
         if (name == "slow")
-            std::this_thread::sleep_for(std::chrono::milliseconds(400));
+            std::this_thread::sleep_for(std::chrono::milliseconds(800));
         else if (name == "dies")
             _exit(0);
         else if (name == "gone")
@@ -72,7 +72,7 @@ private:
     void SwitchDevice(Text name, const bool &, const bool &) override
     {
         behave(name);
-        for (int i = std::atoi(name.c_str()); i > 0; --i)
+        for (long i = std::strtol(name.c_str(), nullptr, 10); i > 0; --i)
             emitDevicesChanged({record(i == 1 ? name : "passing")});
         emitModemChanged(GetModem(false));
     }
@@ -129,7 +129,7 @@ inline std::unique_ptr<sdbus::IObject> badNetwork(sdbus::IConnection &bus, bool 
     };
     for (const auto &[name, signature] : signatures) {
         object->registerMethod(board::NETWORK_SERVICE, name, signature, isEmpty ? "" : "i",
-                               [isEmpty](sdbus::MethodCall call) {
+                               [isEmpty](const sdbus::MethodCall &call) {
                                    sdbus::MethodReply reply = call.createReply();
                                    if (!isEmpty)
                                        reply << std::int32_t(1);
@@ -156,6 +156,7 @@ inline int serveFakeNetwork(const std::string &mood)
     try {
         bus->enterEventLoop();
     } catch (const sdbus::Error &) {
+        return 0;
     }
-    _exit(0);
+    return 1;
 }
