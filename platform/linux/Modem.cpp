@@ -6,6 +6,7 @@
 using board::asText;
 using board::NetworkModem;
 using board::NetworkProxy;
+using board::toldText;
 
 namespace netT {
 namespace {
@@ -33,7 +34,8 @@ int getApn(stApnInfo_tag &apn, bool flag, unsigned int timeoutMs)
         timeoutMs, [&](NetworkProxy &service) { service.GetApn(flag); },
         [&](const board::NetworkApn &kept) {
             const auto &[name, authentication, user, password, own] = board::fieldsOf(kept);
-            apn = {name, authentication, user, password, board::toSwitch(own)};
+            apn = {toldText(name), toldText(authentication), toldText(user), toldText(password),
+                   board::toSwitch(own)};
             return 0;
         });
 }
@@ -50,7 +52,7 @@ int setApn(const stApnInfo_tag &apn, bool flag, unsigned int timeoutMs)
 int getCCID(std::string &iccid, bool flag, unsigned int timeoutMs)
 {
     return askModem(flag, timeoutMs, [&](const NetworkModem &modem) {
-        iccid = std::get<1>(modem);
+        iccid = toldText(std::get<1>(modem));
         return 0;
     });
 }

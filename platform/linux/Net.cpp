@@ -113,9 +113,9 @@ int getIp(const std::string &device, std::string &ip, std::string &mask, std::st
           bool flag, unsigned int timeoutMs)
 {
     return askRecord(device, flag, timeoutMs, [&](const NetworkRecord &record) {
-        ip = std::get<board::RECORD_ADDRESS>(record);
-        mask = std::get<board::RECORD_MASK>(record);
-        gateway = std::get<board::RECORD_GATEWAY>(record);
+        ip = board::toldText(std::get<board::RECORD_ADDRESS>(record));
+        mask = board::toldText(std::get<board::RECORD_MASK>(record));
+        gateway = board::toldText(std::get<board::RECORD_GATEWAY>(record));
         return 0;
     });
 }
@@ -132,8 +132,8 @@ int getDns(const std::string &device, std::string &preferred, std::string &alter
            unsigned int timeoutMs)
 {
     return askRecord(device, flag, timeoutMs, [&](const NetworkRecord &record) {
-        preferred = std::get<board::RECORD_DNS>(record);
-        alternate = std::get<board::RECORD_SECOND_DNS>(record);
+        preferred = board::toldText(std::get<board::RECORD_DNS>(record));
+        alternate = board::toldText(std::get<board::RECORD_SECOND_DNS>(record));
         return 0;
     });
 }

@@ -11,6 +11,7 @@ constexpr const char *PATH = "/org/sysset/Network1";
 constexpr const char *NO_DEVICE = "org.sysset.Network1.Error.NoDevice";
 constexpr const char *BAD_ANSWER = "org.freedesktop.DBus.Error.InvalidSignature";
 constexpr std::size_t MOST_RECORDS = 64;
+constexpr std::size_t LONGEST_TEXT = 512;
 constexpr int HIGHEST_CSQ = 31;
 constexpr int UNKNOWN_CSQ = 99;
 
@@ -29,15 +30,15 @@ netT::stAllNetInfo_tag toRecord(const NetworkRecord &record)
     const auto &[name, kind, hardware, address, mask, gateway, dns, secondDns, present, on, up,
                  linked, dhcp, normal] = fieldsOf(record);
     netT::stAllNetInfo_tag info;
-    info.sDevName = name;
-    info.sNetType = kind;
+    info.sDevName = toldText(name);
+    info.sNetType = toldText(kind);
     info.sDhcp = toSwitch(dhcp);
-    info.sMacAddr = hardware;
-    info.sIpAddr = address;
-    info.sSubnetMask = mask;
-    info.sGateway = gateway;
-    info.sPrefDns = dns;
-    info.sAlterDns = secondDns;
+    info.sMacAddr = toldText(hardware);
+    info.sIpAddr = toldText(address);
+    info.sSubnetMask = toldText(mask);
+    info.sGateway = toldText(gateway);
+    info.sPrefDns = toldText(dns);
+    info.sAlterDns = toldText(secondDns);
     info.sFunction = toSwitch(on);
     info.bNetNormal = normal ? 1 : 0;
     return info;
@@ -198,6 +199,11 @@ std::string asText(const std::string &text)
     return text;
 }
 
+std::string toldText(const std::string &text)
+{
+    return text.size() > LONGEST_TEXT ? std::string() : text;
+}
+
 std::vector<netT::stAllNetInfo_tag> toRecords(const NetworkRecords &records)
 {
     std::vector<netT::stAllNetInfo_tag> list;
@@ -210,8 +216,8 @@ netT::tag_atCollect toModemNews(const NetworkModem &modem)
 {
     const auto &[csq, iccid, imei, network, attached] = fieldsOf(modem);
     netT::tag_atCollect news;
-    news.texts[0] = iccid;
-    news.texts[4] = imei;
+    news.texts[0] = toldText(iccid);
+    news.texts[4] = toldText(imei);
     news.numbers[0] = isCsq(csq) ? csq : UNKNOWN_CSQ;
     return news;
 }

@@ -133,6 +133,10 @@ int askNetwork(unsigned int timeoutMs, const NetworkRequest &request);
 // The text as it is; throws sdbus::Error for one with a zero byte, which D-Bus would cut short.
 std::string asText(const std::string &text);
 
+// A text that the service tells; empty for one that is longer than any of its kind can be, which a
+// page would lay out for seconds.
+std::string toldText(const std::string &text);
+
 // As the program takes them: of a list no more than a panel can have.
 std::vector<netT::stAllNetInfo_tag> toRecords(const NetworkRecords &records);
 netT::tag_atCollect toModemNews(const NetworkModem &modem);

@@ -11,6 +11,7 @@ namespace {
 
 constexpr unsigned int JOIN_MS = 5000; // for the service to take the request
 constexpr std::size_t LONGEST_NAME = 32;
+constexpr std::size_t LONGEST_PASSWORD = 64; // hexadecimal digits of a WPA key
 constexpr std::size_t MOST_STATIONS = 1024;
 constexpr int HIGHEST_LEVEL = 100;
 
@@ -37,7 +38,7 @@ std::vector<stApInfo_tag> toList(const board::NetworkStations &stations)
         const auto &[id, level, name, note, security] = board::fieldsOf(station);
         const bool isSound = isLevel(level) && name.size() <= LONGEST_NAME && security >= 0;
         if (isSound && list.size() < MOST_STATIONS)
-            list.push_back({id, level, toText(name), note, security});
+            list.push_back({id, level, toText(name), board::toldText(note), security});
     }
     return list;
 }
@@ -74,8 +75,10 @@ int getStatus(WIFI_STATE_T &state, bool flag, unsigned int timeoutMs)
 
 int getConnectInfo(stUserInfo_tag &info, bool flag, unsigned int timeoutMs)
 {
-    return askWifi(flag, timeoutMs, [&](const NetworkWifi &wifi) {
+    return askWifi(flag, timeoutMs, [&](const NetworkWifi &wifi) -> int {
         const auto &[state, name, password, security, id, level] = board::fieldsOf(wifi);
+        if (name.size() > LONGEST_NAME || password.size() > LONGEST_PASSWORD)
+            return ERR_FAILED;
         info = {toText(name), toText(password), security, id};
         return 0;
     });

@@ -98,7 +98,8 @@ private:
     void JoinNetwork() override {}
     board::NetworkModem GetModem(const bool &) override
     {
-        return {m_isNonsense ? 50 : 31, "iccid", "imei", "network", true};
+        return {m_isNonsense ? 50 : 31, m_isNonsense ? std::string(1000000, '9') : "iccid", "imei",
+                "network", true};
     }
     board::NetworkApn GetApn(const bool &) override { return m_apn; }
     void SetApn(const board::NetworkApn &apn, const bool &) override { m_apn = apn; }

@@ -161,6 +161,7 @@ private slots:
               "| nonsense | getSignal | -1",
               "| nonsense | getCsqSignal | -1",
               "| nonsense | setDevPriority | -1",
+              "| nonsense | getCCID | 0",
               "eth0 | nonsense | netTping | -1"});
     }
     void answers()
