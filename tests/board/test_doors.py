@@ -21,7 +21,12 @@ ALLOWED = {"org.freedesktop.timedate1.set-time": "panel words",
            MANAGE.format("start", "sysset-reset"): "panel",
            MANAGE.format("stop", "sysset-remount@rw"): "",
            MANAGE.format("start", "sysset-remount@exec"): "",
-           MANAGE.format("start", "sysset-words"): ""}
+           MANAGE.format("start", "sysset-words"): "",
+           "org.freedesktop.NetworkManager.network-control": "netserver",
+           "org.freedesktop.NetworkManager.settings.modify.system": "netserver",
+           "org.freedesktop.NetworkManager.settings.modify.hostname": "",
+           "org.freedesktop.ModemManager1.Device.Control": "netserver",
+           "org.freedesktop.ModemManager1.Control": ""}
 
 # Methods as they are called, and users who may not.
 CALLS = [("org.freedesktop.timedate1 /org/freedesktop/timedate1 org.freedesktop.timedate1 SetTime xbb 1 true false",
@@ -29,14 +34,17 @@ CALLS = [("org.freedesktop.timedate1 /org/freedesktop/timedate1 org.freedesktop.
          ("org.freedesktop.login1 /org/freedesktop/login1 org.freedesktop.login1.Manager Reboot b false",
           "nobody words"),
          ("org.freedesktop.systemd1 /org/freedesktop/systemd1 org.freedesktop.systemd1.Manager "
-          "StartUnit ss sysset-reset.service replace", "nobody words")]
+          "StartUnit ss sysset-reset.service replace", "nobody words"),
+         ("org.sysset.Network1 /org/sysset/Network1 org.sysset.Network1 GetPreferred b false",
+          "root nobody words netserver")]
 
 # Owner, group and mode of what the panel is made of.
 NODES = {"/dev/fb0": "root video 660", "/dev/input/event*": "root input 660", "/dev/ttyS1": "root dialout 660",
          "/dev/tty1": "panel tty 620", "/sys/class/backlight/*/brightness": "root video 664",
          "/sys/class/backlight/*/bl_power": "root video 664", "/mnt/data/sysset/words": "words words 700",
-         "/mnt/data/etc/tz": "panel panel 755", "/mnt/data/prj": "panel panel 755"}
-GROUPS = {"panel": {"panel", "video", "input", "dialout"}, "words": {"words"}}
+         "/mnt/data/etc/tz": "panel panel 755", "/mnt/data/prj": "panel panel 755",
+         "/mnt/data/network/profiles": "root root 700", "/mnt/data/network/netserver": "netserver netserver 700"}
+GROUPS = {"panel": {"panel", "video", "input", "dialout"}, "words": {"words"}, "netserver": {"netserver"}}
 
 
 def test_nothing_listens_off_the_loopback(delivered):
@@ -47,7 +55,7 @@ def test_nothing_listens_off_the_loopback(delivered):
 
 def test_polkit_gives_each_user_what_it_needs(delivered):
     delivered.shell("systemd-run -q --unit stranger --uid nobody sleep 600")
-    units = {"panel": "sysset", "words": "sysset-words", "nobody": "stranger"}
+    units = {"panel": "sysset", "words": "sysset-words", "netserver": "sysset-network", "nobody": "stranger"}
     asked = "".join(f"(for u in {' '.join(units.values())}; do pkcheck -p $(systemctl show -P MainPID $u) -a {action} "
                     f">/dev/null 2>&1 && echo $u; done) >/run/asked.{number} &\n"
                     for number, action in enumerate(ALLOWED))
@@ -74,7 +82,7 @@ def test_devices_and_settings_are_open_to_their_groups_alone(delivered):
 def test_our_services_are_fenced_in_and_not_root(delivered):
     listed = delivered.shell("systemctl list-units --type=service --state=active --plain --no-legend 'sysset*'")
     services = [line.split()[0] for line in listed.splitlines()] + ONE_SHOTS
-    assert "sysset.service" in services and "sysset-words.service" in services
+    assert {"sysset.service", "sysset-words.service", "sysset-network.service"} <= set(services)
     for service in services:
         told = delivered.shell(f"systemd-analyze security --no-pager {service} | tail -1")
         level = float(re.search(r"service: ([0-9.]+)", told).group(1))
