@@ -106,11 +106,14 @@ void dialWith(NMConnection *profile, const Apn &apn)
 {
     auto *gsm = need(profile, nm_connection_get_setting_gsm(profile), nm_setting_gsm_new);
     const bool login = usesLogin(apn);
+    // Without a password NetworkManager would ask for one, unless it need not be.
+    const NMSettingSecretFlags flags =
+        apn.password.empty() ? NM_SETTING_SECRET_FLAG_NOT_REQUIRED : NM_SETTING_SECRET_FLAG_NONE;
     g_object_set(gsm, NM_SETTING_GSM_AUTO_CONFIG, FALSE,                          //
                  NM_SETTING_GSM_APN, apn.own ? orNull(apn.name) : nullptr,        //
                  NM_SETTING_GSM_USERNAME, login ? orNull(apn.user) : nullptr,     //
                  NM_SETTING_GSM_PASSWORD, login ? orNull(apn.password) : nullptr, //
-                 NM_SETTING_GSM_PASSWORD_FLAGS, NM_SETTING_SECRET_FLAG_NONE, nullptr);
+                 NM_SETTING_GSM_PASSWORD_FLAGS, flags, nullptr);
 }
 
 void authenticateBy(NMConnection *profile, const std::string &auth)
@@ -165,8 +168,12 @@ bool applyApn(NMConnection *profile, const Apn &wanted)
 
 const char *apnSecretSetting(NMConnection *profile)
 {
-    const bool isKept = nm_connection_get_setting_802_1x(profile) != nullptr;
-    return isKept ? NM_SETTING_802_1X_SETTING_NAME : NM_SETTING_GSM_SETTING_NAME;
+    if (nm_connection_get_setting_802_1x(profile) != nullptr)
+        return NM_SETTING_802_1X_SETTING_NAME;
+    NMSettingGsm *gsm = nm_connection_get_setting_gsm(profile);
+    const bool none = gsm == nullptr || (nm_setting_gsm_get_password_flags(gsm) &
+                                         NM_SETTING_SECRET_FLAG_NOT_REQUIRED) != 0;
+    return none ? nullptr : NM_SETTING_GSM_SETTING_NAME;
 }
 
 Apn readApn(NMConnection *profile)

@@ -36,9 +36,10 @@ struct Apn
 // "-" inside of blanks, which are cut off.
 bool applyApn(NMConnection *profile, const Apn &apn);
 
-// The setting whose secret the password is, as nm_remote_connection_get_secrets_async() takes it,
-// whether there is one or not. A profile from NMClient has its secrets only after that and
-// nm_connection_update_secrets().
+// The setting whose secret the password is, as nm_remote_connection_get_secrets_async() takes it;
+// nullptr if there is none. A profile from NMClient has its secrets only after that and
+// nm_connection_update_secrets(). For one of another origin without a password that call fails with
+// NM_AGENT_MANAGER_ERROR_NO_SECRETS.
 const char *apnSecretSetting(NMConnection *profile);
 
 // What applyApn() was given last, or what a profile of another origin dials with.

@@ -9,6 +9,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto RETRY_TIME = 5s;
+constexpr int TIMEOUT = int(std::chrono::milliseconds(Modems::ENABLE_TIME).count());
 constexpr int UNKNOWN_CSQ = 99;
 constexpr int MAX_CSQ = 31;
 constexpr const char *NO_SIM = "/";
@@ -36,13 +37,12 @@ bool isRegistered(GDBusObject *object)
     }
 }
 
-// An old value stands for the present one, as a modem that is dialled in over its only port cannot
-// be asked; 0 that is not recent is none yet.
+// ModemManager has no value for "unknown" but 0, which it also has until it has asked. An old value
+// stands for the present one, as a modem that is dialled in over its only port cannot be asked.
 int signalOf(MMModem *modem)
 {
-    gboolean recent = FALSE;
-    const guint percent = mm_modem_get_signal_quality(modem, &recent);
-    return percent == 0 && recent == FALSE ? UNKNOWN_CSQ : toCsq(percent);
+    const guint percent = mm_modem_get_signal_quality(modem, nullptr);
+    return percent == 0 ? UNKNOWN_CSQ : toCsq(percent);
 }
 
 } // namespace
@@ -254,8 +254,7 @@ void Modems::enable(const std::string &path, bool on, Done done)
     MMModem *modem = m_session == nullptr ? nullptr : m_session->modem(path);
     if (modem == nullptr)
         return done(false);
-    g_dbus_proxy_set_default_timeout(
-        G_DBUS_PROXY(modem), static_cast<int>(std::chrono::milliseconds(ENABLE_TIME).count()));
+    g_dbus_proxy_set_default_timeout(G_DBUS_PROXY(modem), TIMEOUT);
     const auto finish = on ? mm_modem_enable_finish : mm_modem_disable_finish;
     (on ? mm_modem_enable : mm_modem_disable)(
         modem, m_calls.cancellable(), Calls::answer,
@@ -263,6 +262,35 @@ void Modems::enable(const std::string &path, bool on, Done done)
             Error error;
             done(finish(MM_MODEM(source), result, &error) != FALSE);
         }));
+}
+
+void Modems::renew(const std::string &path, Done done)
+{
+    MMModem *modem = m_session == nullptr ? nullptr : m_session->modem(path);
+    if (modem == nullptr)
+        return done(false);
+    const std::string device = toString(mm_modem_get_device(modem));
+    inhibit(device, true, [this, device, done = std::move(done)](bool worked) {
+        if (worked)
+            inhibit(device, false, done);
+        else
+            done(false);
+    });
+}
+
+void Modems::inhibit(const std::string &device, bool on, Done done)
+{
+    const auto finish = [done = std::move(done)](GObject *source, GAsyncResult *result) {
+        Error error;
+        const Variant answer(
+            g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, &error));
+        done(answer != nullptr);
+    };
+    g_dbus_connection_call(m_connection.get(), MM_DBUS_SERVICE, MM_DBUS_PATH, MM_DBUS_INTERFACE,
+                           "InhibitDevice",
+                           g_variant_new("(sb)", device.c_str(), on ? TRUE : FALSE), nullptr,
+                           G_DBUS_CALL_FLAGS_NO_AUTO_START, TIMEOUT, m_calls.cancellable(),
+                           Calls::answer, m_calls.expect(finish));
 }
 
 } // namespace network

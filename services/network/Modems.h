@@ -52,6 +52,12 @@ public:
     // not called any more when this has ended.
     void enable(const std::string &path, bool on, Done done);
 
+    // Has ModemManager probe the modem anew: it vanishes, and comes back some seconds later under
+    // another path. `done` is told whether that has begun; else as above. A cure for
+    // ModemManager 1.20, which never asks a modem for its signal again that has been disabled and
+    // enabled, unless the modem tells of it by itself: csq stays 99.
+    void renew(const std::string &path, Done done);
+
     // A modem that searches all bands takes half a minute and more.
     static constexpr std::chrono::seconds ENABLE_TIME{90};
 
@@ -60,6 +66,7 @@ private:
 
     static void onAppeared(GDBusConnection *, const gchar *, const gchar *, gpointer self);
     static void onVanished(GDBusConnection *, const gchar *, gpointer self);
+    void inhibit(const std::string &device, bool on, Done done);
     void take(std::map<std::string, Modem> modems);
 
     Object<GDBusConnection> m_connection;

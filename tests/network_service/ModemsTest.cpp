@@ -19,7 +19,14 @@ class FakeModemManager
 public:
     FakeModemManager()
     {
-        m_service.add("/org/freedesktop/ModemManager1").addObjectManager();
+        m_manager.addObjectManager();
+        m_manager.registerMethod("InhibitDevice")
+            .onInterface(MM_DBUS_INTERFACE)
+            .implementedAs([this](const std::string &device, bool on) {
+                inhibited += (on ? " +" : " -") + device;
+            });
+        m_manager.finishRegistration();
+        add(m_modem, MM_DBUS_INTERFACE_MODEM, "Device", std::string("usb1"));
         add(m_modem, MM_DBUS_INTERFACE_MODEM, "State", std::int32_t(MM_MODEM_STATE_DISABLED));
         add(m_modem, MM_DBUS_INTERFACE_MODEM, "StateFailedReason", std::uint32_t(0));
         add(m_modem, MM_DBUS_INTERFACE_MODEM, "SignalQuality", sdbus::make_struct(0U, false));
@@ -38,6 +45,7 @@ public:
         m_sim.finishRegistration();
     }
     void answer() { m_service.answer(); }
+    std::string inhibited; // read once the answer is there
     template <typename Value>
     void set(const std::string &name, Value value)
     {
@@ -62,6 +70,7 @@ private:
     std::mutex m_lock;
     std::map<std::string, sdbus::Variant> m_values;
     BusService m_service{MM_DBUS_SERVICE};
+    sdbus::IObject &m_manager = m_service.add(MM_DBUS_PATH);
     sdbus::IObject &m_modem = m_service.add(MODEM);
     sdbus::IObject &m_sim = m_service.add(SIM.c_str());
 };
@@ -130,6 +139,10 @@ private Q_SLOTS:
             QTRY_COMPARE(last, "490154 8986 24 M2M registered 8"_s);
             manager.set("State", std::int32_t(MM_MODEM_STATE_FAILED));
             QTRY_COMPARE(last, "490154 8986 99  - -1"_s);
+            done.reset();
+            modems.renew(MODEM, finished);
+            QTRY_VERIFY(done && *done);
+            QCOMPARE(manager.inhibited, std::string(" +usb1 -usb1"));
             modems.enable("no path", true, finished);
             QVERIFY(!*done);
             last = "unchanged"_s;
