@@ -14,6 +14,17 @@ void onSignal(gpointer handler)
     (*static_cast<std::function<void()> *>(handler))();
 }
 
+void work(GTask *task, gpointer, gpointer data, GCancellable *)
+{
+    (*static_cast<std::function<void()> *>(data))();
+    g_task_return_boolean(task, TRUE);
+}
+
+void freeWork(gpointer data)
+{
+    delete static_cast<std::function<void()> *>(data);
+}
+
 void freeHandler(gpointer handler, GClosure *)
 {
     delete static_cast<std::function<void()> *>(handler);
@@ -69,6 +80,15 @@ void Calls::answer(GObject *source, GAsyncResult *result, gpointer data)
     const std::unique_ptr<Expected> expected(static_cast<Expected *>(data));
     if (!expected->alive.expired())
         expected->taken(source, result);
+}
+
+void Calls::inThread(std::function<void()> work, std::function<void()> then) const
+{
+    const Object<GTask> task(
+        g_task_new(nullptr, nullptr, answer,
+                   expect([then = std::move(then)](GObject *, GAsyncResult *) { then(); })));
+    g_task_set_task_data(task.get(), new std::function<void()>(std::move(work)), freeWork);
+    g_task_run_in_thread(task.get(), network::work);
 }
 
 } // namespace network

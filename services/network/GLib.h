@@ -119,6 +119,8 @@ public:
     // The data that belongs to `answer` below, freed by it.
     gpointer expect(Answer taken) const;
     static void answer(GObject *source, GAsyncResult *result, gpointer data);
+    // Does the work, which may block, in a thread of its own, and calls `then` in the main loop.
+    void inThread(std::function<void()> work, std::function<void()> then) const;
 
 private:
     Object<GCancellable> m_cancellable;

@@ -1,7 +1,12 @@
 #include "services/network/Links.h"
 
+#include "platform/posix/FileDescriptor.h"
 #include "services/common/Journal.h"
 #include "services/network/Profile.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace network {
 namespace {
@@ -124,12 +129,28 @@ void Links::keep(NMRemoteConnection *profile, NMConnection *changed, Then then)
     nm_remote_connection_update2(
         profile, nm_connection_to_dbus(changed, NM_CONNECTION_SERIALIZE_ALL),
         NM_SETTINGS_UPDATE2_FLAG_TO_DISK, nullptr, m_calls.cancellable(), Calls::answer,
-        m_calls.expect([then = std::move(then)](GObject *source, GAsyncResult *result) {
+        m_calls.expect([this, then = std::move(then)](GObject *source, GAsyncResult *result) {
             Error error;
             const Variant answer(
                 nm_remote_connection_update2_finish(NM_REMOTE_CONNECTION(source), result, &error));
-            then(isDone(error, "a profile is not changed"));
+            if (isDone(error, "a profile is not changed"))
+                sync([then] { then(true); });
+            else
+                then(false);
         }));
+}
+
+// NetworkManager 1.42 syncs neither a new profile nor the folder that it renames it in.
+void Links::sync(std::function<void()> then)
+{
+    m_calls.inThread(
+        [folder = m_folder] {
+            const os::FileDescriptor file(::open(folder.c_str(), O_RDONLY | O_CLOEXEC));
+            if (!file.isOpen() || ::syncfs(file.get()) != 0)
+                service::warn("a profile may be lost by a power failure: " +
+                              service::reason(errno));
+        },
+        std::move(then));
 }
 
 void Links::add(const Device &device, NMConnection *profile, const Then &then,
@@ -143,12 +164,14 @@ void Links::add(const Device &device, NMConnection *profile, const Then &then,
             Error error;
             const Object<NMRemoteConnection> added(
                 nm_client_add_connection2_finish(NM_CLIENT(source), result, nullptr, &error));
-            const bool done = isDone(error, "a profile is not kept");
-            then(done);
-            if (done)
+            if (!isDone(error, "a profile is not kept")) {
+                then(false);
+                return next();
+            }
+            sync([this, &device, then, next] {
+                then(true);
                 putInForce(device, next);
-            else
-                next();
+            });
         }));
 }
 

@@ -16,7 +16,11 @@ public:
     using Then = std::function<void(bool done)>;
     using Edit = std::function<bool(NMConnection *profile)>;
 
-    explicit Links(NMClient *client) : m_client(share(client)) {}
+    // `folder` is on the file system that keeps the profiles.
+    Links(NMClient *client, std::string folder)
+        : m_client(share(client)), m_folder(std::move(folder))
+    {
+    }
 
     NMClient *client() const { return m_client.get(); }
 
@@ -50,10 +54,12 @@ private:
                     const Queue::Next &next);
     void add(const Device &device, NMConnection *profile, const Then &then,
              const Queue::Next &next);
+    void sync(std::function<void()> then);
     void putInForce(const Device &device, const Queue::Next &next);
     bool isProfileOf(const Device &device, NMRemoteConnection *profile) const;
 
     Object<NMClient> m_client;
+    std::string m_folder;
     Queue m_changes{32};
     Calls m_calls;
 };

@@ -27,11 +27,12 @@ void callWith(const Done &done, bool succeeded)
 
 } // namespace
 
-Network::Network(GDBusConnection *bus, Modems &modems, Settings settings, std::string ethernet,
-                 std::function<void(const std::vector<Record> &)> told)
+Network::Network(GDBusConnection *bus, Modems &modems, Settings settings, std::string folder,
+                 std::string ethernet, std::function<void(const std::vector<Record> &)> told)
     : m_bus(share(bus)),
       m_modems(modems),
       m_settings(std::move(settings)),
+      m_folder(std::move(folder)),
       m_ethernet(std::move(ethernet)),
       m_told(std::move(told))
 {
@@ -62,7 +63,7 @@ void Network::onConnected(GObject *source, GAsyncResult *result)
         return m_retry.start(RETRY_TIME, [this] { connect(); });
     }
     NMClient *client = NM_CLIENT(made.get());
-    m_links = std::make_unique<Links>(client);
+    m_links = std::make_unique<Links>(client, m_folder);
     m_handlers.add(client, "notify::" NM_CLIENT_NM_RUNNING, [this] { onRunning(); });
     m_handlers.add(client, "notify::" NM_CLIENT_DEVICES, [this] { adoptAll(); });
     m_handlers.add(client, "notify::" NM_CLIENT_CONNECTIONS, [this] { changed(); });

@@ -23,10 +23,10 @@ class Network
 {
 public:
     // `told` is called with the records of all devices when they have changed, at most 300 ms late,
-    // or when something has ended that a record is waited for. The Ethernet device of that name, or
-    // the first one, comes last of its kind.
-    Network(GDBusConnection *bus, Modems &modems, Settings settings, std::string ethernet,
-            std::function<void(const std::vector<Record> &)> told);
+    // or when something has ended that a record is waited for. `folder` is where profiles are kept.
+    // The Ethernet device of that name, or the first one, comes last of its kind.
+    Network(GDBusConnection *bus, Modems &modems, Settings settings, std::string folder,
+            std::string ethernet, std::function<void(const std::vector<Record> &)> told);
     ~Network();
 
     std::vector<Record> records() const;
@@ -88,6 +88,7 @@ private:
     Object<GDBusConnection> m_bus;
     Modems &m_modems;
     Settings m_settings;
+    std::string m_folder;
     std::string m_ethernet;
     std::function<void(const std::vector<Record> &)> m_told;
 

@@ -5,13 +5,15 @@
 namespace network {
 namespace {
 
+constexpr const char *FOLDER = "/mnt/data/network";
 constexpr const char *SETTINGS = "/mnt/data/network/netserver/settings.conf";
 
 } // namespace
 
 Service::Service(GDBusConnection *bus, const Configuration &configuration)
     : m_modems(bus, [this] { m_cellular.modemChanged(); }),
-      m_network(bus, m_modems, Settings(panelPath(SETTINGS)), configuration.ethernet,
+      m_network(bus, m_modems, Settings(panelPath(SETTINGS)), panelPath(FOLDER),
+                configuration.ethernet,
                 [this](const std::vector<Record> &records) { m_door.tellDevices(records); }),
       m_cellular(m_network, m_modems, [this] { m_door.tellModem(); }),
       m_door(bus, m_network, m_cellular, m_pinger)

@@ -8,6 +8,7 @@
 #include <glib-unix.h>
 #include <stdexcept>
 #include <string_view>
+#include <systemd/sd-daemon.h>
 
 namespace {
 
@@ -34,6 +35,19 @@ gboolean onSignal(gpointer loop)
     return G_SOURCE_CONTINUE;
 }
 
+gboolean onWatchdog(gpointer)
+{
+    sd_notify(0, "WATCHDOG=1");
+    return G_SOURCE_CONTINUE;
+}
+
+void feedWatchdog()
+{
+    std::uint64_t time = 0; // us
+    if (sd_watchdog_enabled(0, &time) > 0)
+        g_timeout_add_seconds(static_cast<guint>(time / 2000000), onWatchdog, nullptr);
+}
+
 // Another one that has the name is not pushed aside; systemd starts this one again.
 void onNameLost(GDBusConnection *, const char *, gpointer loop)
 {
@@ -54,6 +68,7 @@ void serve()
                                    network::readConfiguration(panelPath("/etc/sysset/panel.conf")));
     g_bus_own_name_on_connection(bus.get(), NAME, G_BUS_NAME_OWNER_FLAGS_DO_NOT_QUEUE, nullptr,
                                  onNameLost, loop.get(), nullptr);
+    feedWatchdog();
     g_main_loop_run(loop.get());
 }
 

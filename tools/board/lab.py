@@ -308,10 +308,8 @@ class Panel:
     # What a technician does.
 
     def open_pages(self, timeout=60):
-        """Waits for the pages behind the notice that no network service runs, and takes it away."""
+        """Waits for the pages."""
         wait_for(lambda: self.widget("stackedWidget"), "the pages", timeout)
-        self.touch("btn_Ok")
-        wait_for(lambda: not self.is_seen("btn_Ok"), "no notice")
 
     def power_cycle(self):
         """Cuts the power, without a word to the board, and switches it on again."""
