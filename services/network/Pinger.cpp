@@ -214,8 +214,8 @@ void Pinger::ping(const std::string &interface, const std::string &target, int c
     GThread *thread = g_thread_try_new("ping", Work::inThread, work.get(), nullptr);
     if (thread == nullptr)
         return done(std::nullopt);
-    static_cast<void>(work.release());
     g_thread_unref(thread);
+    [[maybe_unused]] const Work *theirs = work.release(); // the thread's
     ++m_state->running;
     State::Waiting &waiting = m_state->waiting[number];
     waiting.done = std::move(done);

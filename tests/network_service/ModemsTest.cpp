@@ -1,6 +1,5 @@
 // What is known of the modems of a ModemManager that comes late, is silent, dies and comes back.
-// Qt's "signals" is a field of GLib's.
-#define QT_NO_KEYWORDS
+#define QT_NO_KEYWORDS // GLib has a field named "signals"
 #include "services/network/Modems.h"
 
 #include "tests/support/TestBus.h"
@@ -11,6 +10,7 @@ using network::Modems;
 
 namespace {
 
+constexpr const char *MODEM_INTERFACE = MM_DBUS_INTERFACE_MODEM;
 constexpr const char *MODEM = "/org/freedesktop/ModemManager1/Modem/7";
 const sdbus::ObjectPath SIM = "/org/freedesktop/ModemManager1/SIM/3";
 
@@ -26,17 +26,17 @@ public:
                 inhibited += (on ? " +" : " -") + device;
             });
         m_manager.finishRegistration();
-        add(m_modem, MM_DBUS_INTERFACE_MODEM, "Device", std::string("usb1"));
-        add(m_modem, MM_DBUS_INTERFACE_MODEM, "State", std::int32_t(MM_MODEM_STATE_DISABLED));
-        add(m_modem, MM_DBUS_INTERFACE_MODEM, "StateFailedReason", std::uint32_t(0));
-        add(m_modem, MM_DBUS_INTERFACE_MODEM, "SignalQuality", sdbus::make_struct(0U, false));
-        add(m_modem, MM_DBUS_INTERFACE_MODEM, "EquipmentIdentifier", std::string("490154"));
-        add(m_modem, MM_DBUS_INTERFACE_MODEM, "Sim", SIM);
+        add(m_modem, MODEM_INTERFACE, "Device", std::string("usb1"));
+        add(m_modem, MODEM_INTERFACE, "State", std::int32_t(MM_MODEM_STATE_DISABLED));
+        add(m_modem, MODEM_INTERFACE, "StateFailedReason", std::uint32_t(0));
+        add(m_modem, MODEM_INTERFACE, "SignalQuality", sdbus::make_struct(0U, false));
+        add(m_modem, MODEM_INTERFACE, "EquipmentIdentifier", std::string("490154"));
+        add(m_modem, MODEM_INTERFACE, "Sim", SIM);
         add(m_modem, MM_DBUS_INTERFACE_MODEM_MODEM3GPP, "RegistrationState", std::uint32_t(1));
         add(m_modem, MM_DBUS_INTERFACE_MODEM_MODEM3GPP, "OperatorName", std::string("M2M"));
         add(m_sim, MM_DBUS_INTERFACE_SIM, "SimIdentifier", std::string("8986"));
         m_modem.registerMethod("Enable")
-            .onInterface(MM_DBUS_INTERFACE_MODEM)
+            .onInterface(MODEM_INTERFACE)
             .implementedAs([this](bool on) {
                 set("State",
                     std::int32_t(on ? MM_MODEM_STATE_REGISTERED : MM_MODEM_STATE_DISABLED));
@@ -46,19 +46,19 @@ public:
     }
     void answer() { m_service.answer(); }
     std::string inhibited; // read once the answer is there
-    template <typename Value>
-    void set(const std::string &name, Value value)
+    void set(const std::string &name, const sdbus::Variant &value)
     {
         {
             const std::lock_guard<std::mutex> locked(m_lock);
             m_values[name] = value;
         }
-        m_modem.emitPropertiesChangedSignal(MM_DBUS_INTERFACE_MODEM, {name});
+        m_modem.emitPropertiesChangedSignal(MODEM_INTERFACE, {name});
     }
 
 private:
     template <typename Value>
-    void add(sdbus::IObject &object, const char *interface, const std::string &name, Value value)
+    void add(sdbus::IObject &object, const char *interface, const std::string &name,
+             const Value &value)
     {
         m_values[name] = value;
         object.registerProperty(name).onInterface(interface).withGetter([this, name] {
@@ -131,13 +131,13 @@ private Q_SLOTS:
             modems.enable(MODEM, true, finished);
             QTRY_COMPARE(last, "490154 8986 99 M2M registered 8"_s);
             QTRY_VERIFY(done && *done);
-            manager.set("SignalQuality", sdbus::make_struct(77U, true));
+            manager.set("SignalQuality", sdbus::Variant(sdbus::make_struct(77U, true)));
             QTRY_COMPARE(last, "490154 8986 24 M2M registered 8"_s);
-            manager.set("Sim", sdbus::ObjectPath("/"));
+            manager.set("Sim", sdbus::Variant(sdbus::ObjectPath("/")));
             QTRY_COMPARE(last, "490154  24 M2M registered 8"_s);
-            manager.set("Sim", SIM);
+            manager.set("Sim", sdbus::Variant(SIM));
             QTRY_COMPARE(last, "490154 8986 24 M2M registered 8"_s);
-            manager.set("State", std::int32_t(MM_MODEM_STATE_FAILED));
+            manager.set("State", sdbus::Variant(std::int32_t(MM_MODEM_STATE_FAILED)));
             QTRY_COMPARE(last, "490154 8986 99  - -1"_s);
             done.reset();
             modems.renew(MODEM, finished);
