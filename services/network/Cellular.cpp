@@ -48,6 +48,8 @@ void Cellular::apn(std::function<void(Outcome outcome, const Apn &apn)> told)
     if (profile == nullptr)
         return told(Outcome::Done, {});
     const char *setting = apnSecretSetting(NM_CONNECTION(profile));
+    if (setting == nullptr)
+        return told(Outcome::Done, readApn(NM_CONNECTION(profile)));
     nm_remote_connection_get_secrets_async(
         profile, setting, m_calls.cancellable(), Calls::answer,
         m_calls.expect([told = std::move(told), setting](GObject *source, GAsyncResult *result) {

@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 constexpr auto BURST_TIME = 40ms;
 constexpr auto RETRY_TIME = 1s;
 // NetworkManager, or ModemManager, is started again meanwhile.
-constexpr auto ABSENCE_TIME = 20s;
+constexpr auto ABSENCE_TIME = 30s;
 
 constexpr int BEST_METRIC = 100;
 constexpr int METRIC_STEP = 100;
@@ -107,6 +107,8 @@ void Network::adopt(NMDevice *nm)
     if (device.get() == nm)
         return;
     device.attach(nm, [this, &device] { onDeviceChanged(device); });
+    if (*kind == Kind::Modem)
+        m_isProbed = false;
     if (*kind == Kind::Wifi && (!m_wifi || !m_wifi->device().isPresent()))
         m_wifi = std::make_unique<Wifi>(*m_links, device, [this] { tellChange(); });
     putInOrder(device);
@@ -132,7 +134,7 @@ bool Network::isStillThere(const Device &device) const
 {
     if (device.kind() != Kind::Modem)
         return ::if_nametoindex(device.name().c_str()) != 0;
-    return !m_modems.isRunning() ||
+    return m_isProbed || !m_modems.isRunning() ||
            m_modems.all().count(toString(nm_device_get_udi(device.get()))) != 0;
 }
 
@@ -146,6 +148,7 @@ std::optional<Record> Network::lastTold(const Device &device) const
 
 void Network::dropAbsent()
 {
+    m_isProbed = false;
     for (const auto &device : m_devices) {
         if (!device->isPresent())
             device->detach(std::nullopt);
@@ -273,12 +276,22 @@ void Network::finishSwitch(Device &device, bool on)
     });
 }
 
+// Switched on, it is probed anew, and dialled by NetworkManager when it is back: ModemManager 1.20
+// would never ask one again for its signal that it has only disabled and enabled.
 void Network::powerModem(const Device &device, bool on, std::function<void()> then)
 {
     if (device.kind() != Kind::Modem || !device.isPresent())
         return then();
-    m_modems.enable(toString(nm_device_get_udi(device.get())), on,
-                    [then = std::move(then)](bool) { then(); });
+    const std::string path = toString(nm_device_get_udi(device.get()));
+    if (!on)
+        return m_modems.enable(path, false, [then = std::move(then)](bool) { then(); });
+    m_isProbed = true;
+    m_modems.renew(path, [this, path, then = std::move(then)](bool begun) {
+        if (begun)
+            return;
+        m_isProbed = false;
+        m_modems.enable(path, true, [then](bool) { then(); });
+    });
 }
 
 // --- Addressing --------------------------------------------------------------------------------

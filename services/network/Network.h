@@ -96,6 +96,7 @@ private:
     std::unique_ptr<Links> m_links;
     std::unique_ptr<Wifi> m_wifi;
     std::vector<Record> m_lastTold;
+    bool m_isProbed = false; // the modem vanishes and comes back
     bool m_isForced = false; // the next records are told even if nothing in them has changed
     Handlers m_handlers;     // of the client
     Handlers m_unmanaged;    // of devices that NetworkManager does not manage yet

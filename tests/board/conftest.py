@@ -51,6 +51,7 @@ def at_work(request, machine, built):
         shutil.rmtree(folder, ignore_errors=True)
         lab.evidence(panel, folder)
         print(f"What it left behind is in {folder}")
+    panel.put_away()
     kept.remove(machine)
 
 
@@ -69,8 +70,8 @@ def panel(request, developers, built):
 @pytest.fixture
 def networked(request, networks, built):
     """A running panel with networks to join."""
-    with restored(request, networks, built) as restored_panel:
-        yield restored_panel
+    with restored(request, networks, built, has_desk=False) as restored_panel:
+        yield restored_panel.with_modem()
 
 
 @pytest.fixture

@@ -90,17 +90,18 @@ def _radio(number):
 
 
 def _net(network):
-    return f"192.168.{100 + NETWORKS.index(network)}"
+    return f"10.1.{NETWORKS.index(network)}"
 
 
 def _addresses():
     return "".join(f"address add {_net(network)}.1/24 dev {interface(network)}\n" for network in NETWORKS)
 
 
-def _dhcp():
+def _dhcp(name_servers):
     ranges = "".join(f"dhcp-range={_net(network)}.10,{_net(network)}.99,1h\n"
                      for network in NETWORKS if network.has_addresses)
-    return ("port=0\nno-ping\ninterface=air*\nbind-dynamic\ndhcp-authoritative\nlog-facility=/run/far/air-dhcp.log\n"
+    return ("port=0\nno-ping\ninterface=air*\nbind-dynamic\ndhcp-authoritative\n"
+            f"log-facility=/run/far/air-dhcp.log\ndhcp-option=6,{name_servers}\n"
             f"dhcp-leasefile=/run/far/air.leases\npid-file=/run/far/air-dhcp.pid\n{ranges}")
 
 
@@ -114,10 +115,11 @@ def usual_strengths():
     return {address(network): network.level for network in NETWORKS}
 
 
-def configuration():
-    """Files of the far ends by their names."""
+def configuration(name_servers):
+    """Files of the access points by their names."""
     radios = {f"air{number}.conf": _radio(number) for number in CHANNELS}
-    return {**radios, "addresses": _addresses(), "air-dhcp.conf": _dhcp(), "levels": levels(usual_strengths())}
+    return {**radios, "air-addresses": _addresses(), "air-dhcp.conf": _dhcp(",".join(name_servers)),
+            "levels": levels(usual_strengths())}
 
 
 class Air:

@@ -5,22 +5,30 @@ import shutil
 import time
 
 import air
+import ethernet
+import modem
 from virtualboard import cache
 from virtualboard.commands import run
 
 HERE = pathlib.Path(__file__).resolve().parent
 SOURCES = HERE / "far"
 MODULES = [HERE / "farends.py", HERE / "air.py"]
-MODULES = [HERE / "farends.py", HERE / "air.py"]
-PROGRAMS = ["air"]
+MODULES = [HERE / f"{name}.py" for name in ("farends", "air", "ethernet", "modem", "ppp")]
+PROGRAMS = ["air", "far"]
 PLACE = "usr/local/lib/far"
 
-START = "tar -xf - -C / && systemctl daemon-reload && systemctl -q enable --now far"
+START = """set -e
+tar -xf - -C /
+systemctl daemon-reload
+udevadm control --reload
+systemctl -q enable --now far
+udevadm trigger --settle --subsystem-match=tty
+"""
 
 
 def overlay_step():
     """A tar of programs and configuration."""
-    files = air.configuration()
+    files = {**air.configuration(ethernet.NAME_SERVERS), **ethernet.configuration()}
 
     def make(out):
         tree = out / "tree"
@@ -39,10 +47,22 @@ def overlay_step():
     return cache.step("far", "Preparing the far ends", [SOURCES, str(files)], make) / "overlay.tar"
 
 
-def set_up(board, overlay):
+def set_up(board, hands, overlay):
     """Puts the far ends in place; they come up with every further start of the board by themselves."""
-    board.agent.run(START, stdin=overlay.read_bytes(), timeout=120)
-    board.wait_until(lambda: len(seen(board.agent.run)) == len(air.NETWORKS), 60, "list of all stations")
+    mobile = modem.Modem(hands)
+    try:
+        board.agent.run(START, stdin=overlay.read_bytes(), timeout=120)
+        board.wait_until(lambda: len(seen(board.agent.run)) == len(air.NETWORKS), 60, "list of all stations")
+        board.wait_until(lambda: modem_state(board.agent.try_run) == "registered", 60, "modem in its network")
+    finally:
+        mobile.close()
+
+
+def modem_state(try_shell):
+    """As ModemManager tells it: failed, locked, searching, registered, connected ...; none for no modem."""
+    status, told = try_shell("mmcli -m any -K")
+    lines = dict(line.split(":", 1) for line in told.splitlines() if ":" in line) if status == 0 else {}
+    return {key.strip(): value.strip() for key, value in lines.items()}.get("modem.generic.state", "none")
 
 
 def seen(shell):

@@ -6,13 +6,17 @@ be played on a real board by other hands. Names of widgets are told by the devel
 import contextlib
 import json
 import os
+import socket
 import time
 
 import air
+import ethernet
 import farends
+import modem
 from virtualboard import developer, image, kept, packages, screen, sound, sticks
 from virtualboard.jsonlines import JsonLines
 from virtualboard.machine import Screen, raw_disk
+from wire import Wire
 
 SIZE = Screen()
 
@@ -96,6 +100,26 @@ class VirtualHands:
         """Output of a command that root runs where the far ends of the networks are."""
         return self.machine.agent.run(command, timeout, stdin)
 
+    def wire(self, name):
+        """The laboratory's own end of what a network cable, or the mobile network, leads to."""
+        return Wire(self.machine.folder, f"{name}-line")
+
+    def serial_line(self, name):
+        """The modem's end of one of its lines; OSError while the board is off."""
+        line = socket.socket(socket.AF_UNIX)
+        try:
+            line.connect(str(self.machine.folder / name))
+        except OSError:
+            line.close()
+            raise
+        return line
+
+    def pull_modem(self):
+        self.machine.pull_modem()
+
+    def plug_modem(self):
+        self.machine.plug_modem()
+
     def cable(self, name, plugged):
         self.machine.cable(name, plugged)
 
@@ -176,6 +200,19 @@ class Panel:
         self.shell = hands.shell
         self.try_shell = hands.try_shell
         self.air = air.Air(hands)
+        self.far = ethernet.Far(hands)
+        self.modem = None
+
+    def with_modem(self):
+        """Has the modem in it that it was kept with."""
+        self.modem = modem.Modem(self.hands, is_settled=True)
+        return self
+
+    def put_away(self):
+        """Ends what the laboratory does for this panel."""
+        self.far.close()
+        if self.modem is not None:
+            self.modem.close()
 
     # What is seen.
 
@@ -344,6 +381,8 @@ def evidence(panel, folder):
         (folder / "journal.txt").write_text(panel.shell("journalctl -b --no-pager | tail -400"))
     with contextlib.suppress(Exception):
         (folder / "widgets.json").write_text(json.dumps(panel.hands.ask("ui", "dump"), indent=1))
+    if panel.modem is not None:
+        (folder / "modem.txt").write_text("\n".join(panel.modem.said))
     with contextlib.suppress(Exception):
         (folder / "console.log").write_bytes((panel.hands.machine.folder / "console.log").read_bytes())
 
@@ -381,6 +420,7 @@ def networked_board(system):
 
     def prepare(board):
         _with_pages(system, overlay)(board)
-        farends.set_up(board, networks)
+        farends.set_up(board, VirtualHands(board), networks)
 
-    return kept.kept_step("networked", system, SIZE, prepare, [overlay, networks, *farends.MODULES])
+    return kept.kept_step("networked", system, SIZE, prepare, [overlay, networks, *farends.MODULES],
+                          has_desk=False)

@@ -15,7 +15,7 @@ SYSTEM = ["systemd", "systemd-sysv", "dbus", "udev", "kmod", "polkitd", "iproute
 
 # What only the virtual board needs: the agent through which its far end is reached, and what the networks
 # are made of that it is joined to.
-BOARD = ["qemu-guest-agent", "hostapd", "dnsmasq-base", "iw"]
+BOARD = ["qemu-guest-agent", "hostapd", "dnsmasq-base", "iw", "iputils-ping"]
 
 # Drivers for OpenGL and character sets of the C library come with Qt and are never loaded on a
 # framebuffer: without them, documents and translations the image has 340 MB instead of 520.

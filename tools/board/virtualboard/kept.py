@@ -22,9 +22,9 @@ def scratch_folder():
     return pathlib.Path(tempfile.mkdtemp(prefix="panel-"))
 
 
-def cold_machine(image, size, **options):
+def cold_machine(image, size, has_desk=True, **options):
     """A board with factory-new disks, switched on just now."""
-    board = Machine(scratch_folder(), size)
+    board = Machine(scratch_folder(), size, has_desk)
     make_overlay(board.folder / "root.qcow2", image.root, "raw")
     make_overlay(board.folder / "data.qcow2", image.data, "raw")
     board.start(image, **options)
@@ -67,9 +67,9 @@ def _freeze(board, state):
     board.wait_until(lambda: board.monitor.call("query-migrate").get("status") == "completed", 60, "kept state")
 
 
-def _make(image, size, prepare):
+def _make(image, size, prepare, has_desk):
     def make(out):
-        board = cold_machine(image, size, memory=(out / "memory", True))
+        board = cold_machine(image, size, has_desk, memory=(out / "memory", True))
         try:
             wait_until_booted(board)
             if prepare is not None:
@@ -83,19 +83,19 @@ def _make(image, size, prepare):
     return make
 
 
-def kept_step(name, image, size, prepare=None, inputs=()):
+def kept_step(name, image, size, prepare=None, inputs=(), has_desk=True):
     """Folder of the kept board. prepare(board) brings a booted board to where stories begin; inputs
     are what that depends on."""
     devices = inspect.getsource(machine)
     qemu = run([machine.QEMU, "--version"]).decode().splitlines()[0]
     everything = [image.key, image.kernel, image.initrd, size, devices, qemu, inspect.getsource(_freeze), *inputs]
     title = f"Booting a board of {size} to keep it as {name}"
-    return cache.step(f"{name}-{size}", title, everything, _make(image, size, prepare))
+    return cache.step(f"{name}-{size}", title, everything, _make(image, size, prepare, has_desk))
 
 
-def restore(kept, image, size, display="none", data=None):
+def restore(kept, image, size, display="none", data=None, has_desk=True):
     """A fresh copy of a kept board, running, its clock set."""
-    board = Machine(scratch_folder(), size)
+    board = Machine(scratch_folder(), size, has_desk)
     for name in ("root.qcow2", "data.qcow2"):
         make_overlay(board.folder / name, kept / name, "qcow2")
     shutil.copy(kept / "backlight", board.folder)

@@ -28,8 +28,13 @@ COMMAND_LINE = ("root=/dev/vda console=ttyS0 quiet loglevel=4 mitigations=off no
 # What the board's firmware says that it is.
 SMBIOS = "type=1,manufacturer=Panels,product=KV070T,version=1,serial=A2108150042"
 
-SOCKETS = ("qmp", "agent", "control", "console", "com1", "com2")
+MODEM_PORTS = ("modem-at", "modem-data")
+SOCKETS = ("qmp", "agent", "control", "console", "com1", "com2", *MODEM_PORTS)
 NETWORKS = {"eth0": "virtio-net-pci", "eth1": "e1000"}
+
+# Cards of the far ends, which are in the same QEMU: the other end of each cable, and of the mobile network.
+FAR_CARD = "e1000e"
+LINES = ("eth0-line.board", "eth1-line.board", "mobile-line.board")
 
 
 class GaveUp(Exception):
@@ -88,13 +93,30 @@ def _sockets(folder):
             "-device virtserialport,chardev=control,name=panel.control"]
 
 
-def _networks():
+def _card(model, wire, name, mac):
+    return f"-device {model},netdev={wire},id={name}-card,mac={mac},romfile="
+
+
+def _line(folder, name):
+    """A wire whose other end is a socket that a program of the laboratory may bind."""
+    return (f"-netdev dgram,id={name},local.type=unix,local.path={folder}/{name}.board,"
+            f"remote.type=unix,remote.path={folder}/{name}.lab")
+
+
+def _networks(folder, has_desk):
+    """Each cable ends in a hub, on which are the far end's card, a line to the laboratory, and, on a board
+    to play with, a network of this computer's."""
     lines = []
     for number, (name, model) in enumerate(NETWORKS.items()):
-        mac = f"52:54:00:00:00:{number + 1:02}"
-        lines.append(f"-netdev user,id={name},net=10.0.{number + 2}.0/24 "
-                     f"-device {model},netdev={name},id={name}-card,mac={mac},romfile=")
-    return lines
+        hub = f"hubid={number + 1}"
+        lines += [f"-netdev hubport,id={name},{hub}", _card(model, name, name, f"52:54:00:00:00:{number + 1:02}"),
+                  f"-netdev hubport,id={name}-far,{hub}",
+                  _card(FAR_CARD, f"{name}-far", f"{name}-far", f"02:00:00:00:f0:{number:02}"),
+                  _line(folder, f"{name}-line"), f"-netdev hubport,id={name}-hub,{hub},netdev={name}-line"]
+        if has_desk:
+            lines += [f"-netdev user,id={name}-desk,net=10.0.{number + 2}.0/24",
+                      f"-netdev hubport,id={name}-desk-hub,{hub},netdev={name}-desk"]
+    return lines + [_line(folder, "mobile-line"), _card(FAR_CARD, "mobile-line", "mobile", "02:00:00:00:f0:04")]
 
 
 def _devices(folder, screen):
@@ -103,7 +125,20 @@ def _devices(folder, screen):
             f"-chardev file,id=backlight,path={folder}/backlight,append=on "
             "-device isa-debugcon,iobase=0x900,chardev=backlight",
             "-device qemu-xhci,id=usb -device i6300esb -action watchdog=reset",
-            "-device pcie-root-port,id=slot1,chassis=1 -device pcie-root-port,id=slot2,chassis=2"]
+            "-device pcie-root-port,id=slot1,chassis=1 -device pcie-root-port,id=slot2,chassis=2",
+            *_modem(folder)]
+
+
+def _modem_port(name):
+    return {"driver": "pci-serial", "id": f"{name}-port", "chardev": name, "bus": f"{name}-slot"}
+
+
+def _modem(folder):
+    """Two serial lines that can be pulled. One of USB could not be kept: QEMU does not save its state."""
+    for number, name in enumerate(MODEM_PORTS):
+        port = ",".join(f"{key}={value}".removeprefix("driver=") for key, value in _modem_port(name).items())
+        yield (f"-chardev socket,id={name},path={folder}/{name},server=on,wait=off "
+               f"-device pcie-root-port,id={name}-slot,chassis={number + 3},addr={0x18 + number:#x} -device {port}")
 
 
 def _memory(path, shared):
@@ -119,7 +154,7 @@ def _clock(ticks):
     return f" tsc_early_khz={run([ticks]).decode().strip()}" if ticks.exists() else ""
 
 
-def command_line(folder, image, screen, memory, display, data, clock):
+def command_line(folder, image, screen, memory, display, data, clock, has_desk):
     """QEMU's arguments. Both sides of a kept state must have the same devices in the same order."""
     arguments = [QEMU, "-accel", "tcg,thread=multi", "-cpu", "Nehalem", "-smp", "2", "-m", str(MEMORY_MB),
                  "-nodefaults", "-no-user-config", "-name", "panel", "-display", display,
@@ -135,17 +170,19 @@ def command_line(folder, image, screen, memory, display, data, clock):
                  "-device", "virtio-blk-pci,drive=root,id=root-disk",
                  "-blockdev", json.dumps({**data, "node-name": "data"}),
                  "-device", "virtio-blk-pci,drive=data,id=data-disk,serial=data"]
-    for line in _sockets(folder) + _networks() + _devices(folder, screen):
+    for line in _sockets(folder) + _networks(folder, has_desk) + _devices(folder, screen):
         arguments += line.split()
     return arguments
 
 
 class Machine:
-    """A running board in a folder of its own, which has its disks, sockets and logs."""
+    """A running board in a folder of its own, which has its disks, sockets and logs. has_desk: its cables
+    lead to networks of this computer's, with addresses for who asks."""
 
-    def __init__(self, folder, screen):
+    def __init__(self, folder, screen, has_desk=True):
         self.folder = pathlib.Path(folder)
         self.screen = screen
+        self.has_desk = has_desk
         self.agent = Agent(self.folder / "agent")
         self.monitor = None
         self.pid = None
@@ -154,10 +191,11 @@ class Machine:
     def start(self, image, *, memory=(None, False), display="none", data=None, incoming=False):
         """Starts QEMU on the disk root.qcow2 of the folder, with data.qcow2 unless another data disk
         is given. memory is a file to keep the memory in, and whether to change that file."""
-        for name in SOCKETS:
+        for name in SOCKETS + LINES:
             (self.folder / name).unlink(missing_ok=True)
         data = data or overlay_disk(self.folder / "data.qcow2")
-        arguments = command_line(self.folder, image, self.screen, memory, display, data, self._kept_clock())
+        arguments = command_line(self.folder, image, self.screen, memory, display, data, self._kept_clock(),
+                                 self.has_desk)
         if incoming:
             arguments += ["-incoming", "defer"]
         with open(self.folder / "qemu.log", "ab") as log:
@@ -292,6 +330,16 @@ class Machine:
         self.monitor.call("device_del", id=f"{name}-stick")
         self.monitor.event("DEVICE_DELETED", device=f"{name}-stick")
         self.monitor.call("blockdev-del", node_name=name)
+
+    def pull_modem(self):
+        for name in MODEM_PORTS:
+            self.monitor.call("device_del", id=f"{name}-port")
+        for name in MODEM_PORTS:
+            self.monitor.event("DEVICE_DELETED", device=f"{name}-port")
+
+    def plug_modem(self):
+        for name in MODEM_PORTS:
+            self.monitor.call("device_add", **_modem_port(name))
 
     def press_reset(self):
         """The reset button."""
