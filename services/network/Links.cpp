@@ -51,7 +51,7 @@ NMRemoteConnection *Links::profileOf(const Device &device) const
     return found;
 }
 
-void Links::change(const Device &device, Edit edit, Then then)
+void Links::change(const Device &device, Edit edit, const Then &then)
 {
     const bool taken =
         m_changes.add([this, &device, edit = std::move(edit), then](const Queue::Next &next) {
@@ -83,7 +83,7 @@ void Links::changeNow(const Device &device, const Edit &edit, const Then &then,
     });
 }
 
-void Links::rewrite(const Device &device, Edit edit, Then then)
+void Links::rewrite(const Device &device, Edit edit, const Then &then)
 {
     const bool taken =
         m_changes.add([this, &device, edit = std::move(edit), then](const Queue::Next &next) {

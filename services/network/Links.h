@@ -31,10 +31,10 @@ public:
     // it kept; `then` is called as soon as it is. After that it is put in force, where the device
     // is on. Changes follow one another. Not done if `edit` returns false, if there is too much to
     // do, or if NetworkManager refuses.
-    void change(const Device &device, Edit edit, Then then);
+    void change(const Device &device, Edit edit, const Then &then);
 
     // Changes the device's profile and has it kept, no more; not done where there is none.
-    void rewrite(const Device &device, Edit edit, Then then);
+    void rewrite(const Device &device, Edit edit, const Then &then);
 
     // Lets NetworkManager bring the device up by itself again: an operator's word had ended that.
     void letAutomatic(const Device &device);

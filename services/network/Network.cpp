@@ -228,7 +228,7 @@ void Network::onDeviceChanged(const Device &device)
     changed();
 }
 
-void Network::switchDevice(const std::string &name, bool on, Done done)
+void Network::switchDevice(const std::string &name, bool on, const Done &done)
 {
     Device *device = findPresent(name);
     if (device == nullptr)
@@ -425,6 +425,7 @@ Record Network::recordOf(const Device &device) const
 std::vector<Record> Network::records() const
 {
     std::vector<Record> records;
+    records.reserve(m_devices.size());
     for (const auto &device : m_devices)
         records.push_back(recordOf(*device));
     return records;

@@ -34,7 +34,7 @@ public:
     Outcome record(const std::string &device, Record &record) const;
 
     // `done` is called once the choice is kept.
-    void switchDevice(const std::string &device, bool on, Done done);
+    void switchDevice(const std::string &device, bool on, const Done &done);
 
     // `done` is called once the profile is kept.
     void useDhcp(const std::string &device, Done done);

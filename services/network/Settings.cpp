@@ -72,6 +72,7 @@ bool Settings::write() const
     const KeyFile file(g_key_file_new());
     g_key_file_set_string(file.get(), GROUP, PREFERRED, nameOf(m_preferred));
     std::vector<const char *> off;
+    off.reserve(m_off.size());
     for (const std::string &name : m_off)
         off.push_back(name.c_str());
     g_key_file_set_string_list(file.get(), GROUP, OFF, off.data(), off.size());

@@ -70,7 +70,7 @@ WifiLogin Wifi::loginOf(NMConnection *profile) const
     return {networkName(profile), networkPassword(profile), securityOf(profile), false};
 }
 
-void Wifi::status(std::function<void(const WifiStatus &)> told)
+void Wifi::status(const std::function<void(const WifiStatus &)> &told)
 {
     WifiStatus status;
     status.state = state();

@@ -43,7 +43,7 @@ public:
     // Failed while it is off. Asks for a scan.
     Outcome networks(std::vector<WifiNetwork> &found);
     // Calls `told` once, soon; the password may have to be asked for.
-    void status(std::function<void(const WifiStatus &)> told);
+    void status(const std::function<void(const WifiStatus &)> &told);
 
     // The network that join() joins. Failed for a name that no network has.
     Outcome setNetwork(const std::string &name, const std::string &password);

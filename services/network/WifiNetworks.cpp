@@ -55,6 +55,7 @@ std::vector<Station> stationsOf(NMDeviceWifi *device)
 {
     const GPtrArray *all = nm_device_wifi_get_access_points(device);
     std::vector<Station> stations;
+    stations.reserve(all->len);
     for (guint index = 0; index < all->len; ++index)
         stations.push_back(toStation(NM_ACCESS_POINT(g_ptr_array_index(all, index))));
     return stations;
@@ -85,6 +86,7 @@ std::vector<WifiNetwork> networksOf(const std::vector<Station> &stations)
             network = {station.name, std::min(station.level, 100), securityOf(station)};
     }
     std::vector<WifiNetwork> networks;
+    networks.reserve(strongest.size());
     for (auto &[name, network] : strongest)
         networks.push_back(std::move(network));
     return networks;

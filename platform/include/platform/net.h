@@ -121,8 +121,8 @@ int startDhcp(const std::string &device, bool flag, unsigned int timeoutMs);
 int stopDhcp(const std::string &device, bool flag, unsigned int timeoutMs);
 // 0 if the device takes its address by DHCP, 1 if it is static, negative on failure.
 int isNetDeviceDhcp(const std::string &device, bool flag, unsigned int timeoutMs);
-// Static address. All texts dotted; the gateway may be empty or 0.0.0.0, for none. ERR_FAILED if one
-// is no IPv4 address, or if they do not fit each other: platform/posix/Ipv4.h has what fits.
+// Static address. All texts dotted; the gateway may be empty or 0.0.0.0, for none. ERR_FAILED if
+// one is no IPv4 address, or if they do not fit each other: platform/posix/Ipv4.h has what fits.
 int setIp(const std::string &device, const std::string &ip, const std::string &mask,
           const std::string &gateway, bool flag, unsigned int timeoutMs);
 int getIp(const std::string &device, std::string &ip, std::string &mask, std::string &gateway,
