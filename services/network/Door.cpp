@@ -199,7 +199,7 @@ void Door::getDevice(GDBusMethodInvocation *call, const char *device, gboolean)
 void Door::switchDevice(GDBusMethodInvocation *call, const char *device, gboolean on, gboolean)
 {
     if (Done done = later(call))
-        m_network.switchDevice(device, on != FALSE, std::move(done));
+        m_network.switchDevice(device, on != FALSE, done);
 }
 
 void Door::useDhcp(GDBusMethodInvocation *call, const char *device, gboolean)
