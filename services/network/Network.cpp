@@ -34,7 +34,11 @@ Network::Network(GDBusConnection *bus, Modems &modems, Settings settings, std::s
       m_settings(std::move(settings)),
       m_folder(std::move(folder)),
       m_ethernet(std::move(ethernet)),
-      m_told(std::move(told))
+      m_told(std::move(told)),
+      m_supplicant(bus, [this] {
+          if (m_wifi)
+              m_wifi->refused();
+      })
 {
     connect();
 }

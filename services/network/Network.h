@@ -8,6 +8,7 @@
 #include "services/network/Outcome.h"
 #include "services/network/Profile.h"
 #include "services/network/Settings.h"
+#include "services/network/Supplicant.h"
 #include "services/network/Wifi.h"
 
 #include <functional>
@@ -95,6 +96,7 @@ private:
     std::vector<std::unique_ptr<Device>> m_devices; // none is ever removed
     std::unique_ptr<Links> m_links;
     std::unique_ptr<Wifi> m_wifi;
+    Supplicant m_supplicant;
     std::vector<Record> m_lastTold;
     bool m_isProbed = false; // the modem vanishes and comes back
     bool m_isForced = false; // the next records are told even if nothing in them has changed

@@ -266,6 +266,12 @@ void Wifi::stateChanged()
         m_rejoin.start(REJOIN_TIME, [this] { rejoinLater(); });
 }
 
+void Wifi::refused()
+{
+    if (m_trial)
+        fail("it refuses the password");
+}
+
 void Wifi::rejoinLater()
 {
     NMRemoteConnection *profile = m_links.profileOf(m_device);

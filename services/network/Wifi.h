@@ -54,6 +54,8 @@ public:
     void forget();
     // To be called when the device's state may have changed.
     void stateChanged();
+    // To be called when a network has refused the panel.
+    void refused();
 
 private:
     WifiState state() const;

@@ -3,7 +3,7 @@ are told."""
 
 import dataclasses
 
-PASSWORD = "right-password"
+PASSWORD = "12345678"   # of one page of the keyboard
 BEACON_MS = {1: 200, 2: 200, 3: 1000}   # rare ones cost an emulated board less
 CHANNELS = {1: 1, 2: 6, 3: 11}          # of the radios
 ALL_CHANNELS = range(1, 12)
