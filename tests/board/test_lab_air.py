@@ -11,8 +11,8 @@ JOINED = "nmcli -t -f GENERAL.STATE,IP4.ADDRESS dev show wlan0"
 
 def profile(panel, name, more=""):
     """A profile for a network; its name is an argument of its own, whatever is in it."""
-    panel.shell(f"read -r name; nmcli con add type wifi con-name trial ifname wlan0 autoconnect no ipv6.method disabled "
-                f"ssid \"$name\" {more}", f"{name}\n".encode())
+    panel.shell("read -r name; nmcli con add type wifi con-name trial ifname wlan0 autoconnect no "
+                f"ipv6.method disabled ssid \"$name\" {more}", f"{name}\n".encode())
 
 
 def with_key(kind, word=air.PASSWORD):

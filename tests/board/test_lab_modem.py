@@ -6,8 +6,8 @@ import farends
 import modem
 from lab import wait_for
 
-PROFILE = ("nmcli con add type gsm con-name trial ifname '*' autoconnect no ipv6.method disabled gsm.apn factory "
-           "ppp.refuse-eap yes ")
+PROFILE = ("nmcli con add type gsm con-name trial ifname '*' autoconnect no ipv6.method disabled "
+           "gsm.apn factory ppp.refuse-eap yes ")
 
 
 def state(panel):

@@ -53,7 +53,7 @@ NETWORKS = [
     _named(b"bad\xff\xfe\x01\nline", 40, OPEN, 2),
     _named("$(reboot); %s %n", 40, OPEN, 2),
     _named("Works", 35, WPA2, 2),
-    *[_named(f"Net {number:02}", 100 - 5 * number, OPEN if number % 4 == 0 else WPA2) for number in range(1, 15)],
+    *[_named(f"Net {number:02}", 100 - 5 * number, WPA2 if number % 4 else OPEN) for number in range(1, 15)],
 ]
 
 

@@ -1,4 +1,4 @@
-"""A DHCP server that gets it wrong (RFC 2131, RFC 2132), on a bare wire."""
+"""A DHCP server that is slow or gets it wrong (RFC 2131, RFC 2132), on the bare wire of eth0."""
 
 import contextlib
 import os
@@ -22,8 +22,11 @@ def _bytes(address):
 RIGHT = {"address": _bytes("192.168.10.77"), MASK: _bytes("255.255.255.0"), ROUTER: _bytes("192.168.10.1"),
          DNS: _bytes("10.99.0.53"), LEASE_TIME: struct.pack(">I", 3600), SERVER: _bytes(SERVER_ADDRESS)}
 
-# What it answers otherwise than a server should; None leaves an option out.
+SLOW_S = 8
+
+# What it does otherwise than a server should; None leaves an option out.
 NONSENSE = {
+    "slow": {"delay": SLOW_S},
     "address 0.0.0.0": {"address": _bytes("0.0.0.0")},
     "address 127.0.0.2": {"address": _bytes("127.0.0.2")},
     "address 224.0.0.1": {"address": _bytes("224.0.0.1")},
@@ -68,7 +71,8 @@ def _option(frame, wanted):
 
 def request_in(frame):
     """Kind of the request that is in an Ethernet frame, or None."""
-    is_request = len(frame) > 282 and frame[12:14] == b"\x08\0" and frame[23] == 17 and frame[36:38] == b"\0\x43"
+    is_udp = len(frame) > 282 and frame[12:14] == b"\x08\0" and frame[23] == 17
+    is_request = is_udp and frame[36:38] == b"\0\x43"
     kind = _option(frame, KIND) if is_request else None
     return kind[0] if kind else None
 
@@ -93,13 +97,14 @@ def reply(request, wrong):
         return None
     message = _message(request, kinds[asked], {**RIGHT, **wrong})
     udp = struct.pack(">HHHH", 67, 68, 8 + len(message), 0) + message
-    head = struct.pack(">BBHHHBBH", 0x45, 0, 20 + len(udp), 1, 0, 64, 17, 0) + _bytes(SERVER_ADDRESS) + b"\xff" * 4
+    head = struct.pack(">BBHHHBBH", 0x45, 0, 20 + len(udp), 1, 0, 64, 17, 0)
+    head += _bytes(SERVER_ADDRESS) + b"\xff" * 4
     head = head[:10] + struct.pack(">H", _checksum(head)) + head[12:]
     return b"\xff" * 6 + SERVER_MAC + b"\x08\0" + head + udp
 
 
 class WrongServer:
-    """Answers every request on a wire, a pair of functions, until it is closed."""
+    """Answers every request on a wire until it is closed."""
 
     def __init__(self, wire, wrong):
         self._wire = wire
@@ -111,7 +116,11 @@ class WrongServer:
             while frame := self._wire.receive():
                 answer = reply(frame, self._wrong)
                 if answer is not None:
-                    self._wire.send(answer)
+                    threading.Timer(self._wrong.get("delay", 0), self._send, [answer]).start()
+
+    def _send(self, answer):
+        with contextlib.suppress(OSError):
+            self._wire.send(answer)
 
     def close(self):
         self._wire.close()

@@ -10,7 +10,6 @@ HOST = "10.99.0.1"                      # answers over every network: HTTP, and 
 NAME_SERVERS = ("10.99.0.53", "10.99.0.54")
 PLACE = "/usr/local/lib/far"
 COUNTS = "/run/far/counts"
-SLOW_S = 8
 IN_FAR = "ip netns exec far "
 
 # By the panel's name of a link: the far end's card, its address, and the addresses that it serves.
@@ -81,16 +80,18 @@ class Far:
         self._wrong = {}
 
     def dhcp(self, port, how="normal"):
-        """Has the port's DHCP server be normal, slow (SLOW_S to each answer) or silent, or answer one of
-        dhcp.NONSENSE."""
+        """Has the port's DHCP server be normal or silent; that of eth0 also "slow" (dhcp.SLOW_S to each
+        answer), or one that answers something else of dhcp.NONSENSE."""
         if port in self._wrong:
             self._wrong.pop(port).close()
-        self._hands.far(f"pkill -F /run/far/{port}-dhcp.pid; rm -f /run/far/{port}-dhcp.pid /run/far/{port}.leases")
+        own = f"/run/far/{port}"
+        self._hands.far(f"pkill -F {own}-dhcp.pid; rm -f {own}-dhcp.pid {own}.leases")
         if how in dhcp.NONSENSE:
             self._wrong[port] = dhcp.WrongServer(self._hands.wire(port), dhcp.NONSENSE[how])
+        elif how == "normal":
+            self._hands.far(f"{IN_FAR}dnsmasq -C {PLACE}/{port}-dhcp.conf")
         elif how != "silent":
-            delay = {"normal": "", "slow": f" --dhcp-reply-delay={SLOW_S}"}[how]
-            self._hands.far(f"{IN_FAR}dnsmasq -C {PLACE}/{port}-dhcp.conf{delay}")
+            raise KeyError(how)
 
     def close(self):
         for server in self._wrong.values():
@@ -108,7 +109,8 @@ class Far:
     def _vanish(self, link, place, where, is_cut):
         place += list(WHO).index(link)
         verb = "add" if is_cut else "del"
-        self._hands.far(f"ip -n far rule {verb} pref {place} {WHO[link]} {where} blackhole; ip -n far route flush cache")
+        self._hands.far(f"ip -n far rule {verb} pref {place} {WHO[link]} {where} blackhole\n"
+                        "ip -n far route flush cache")
 
     def claim(self, port, address):
         """Another host of the port's network has this address."""

@@ -2,7 +2,6 @@
 
 import pathlib
 import shutil
-import time
 
 import air
 import ethernet
@@ -12,7 +11,6 @@ from virtualboard.commands import run
 
 HERE = pathlib.Path(__file__).resolve().parent
 SOURCES = HERE / "far"
-MODULES = [HERE / "farends.py", HERE / "air.py"]
 MODULES = [HERE / f"{name}.py" for name in ("farends", "air", "ethernet", "modem", "ppp")]
 PROGRAMS = ["air", "far"]
 PLACE = "usr/local/lib/far"
@@ -21,6 +19,7 @@ START = """set -e
 tar -xf - -C /
 systemctl daemon-reload
 udevadm control --reload
+nmcli general reload conf
 systemctl -q enable --now far
 udevadm trigger --settle --subsystem-match=tty
 """

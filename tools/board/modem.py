@@ -24,12 +24,14 @@ CONTEXTS = "\r\n".join(f'+CGDCONT: (1-16),"{kind}",,,(0-2),(0-4)' for kind in ("
 FIXED = {
     "": "", "I": "Testwell TW-LTE1", "+GCAP": "+GCAP: +CGSM,+DS,+ES", "+WS46=?": "+WS46: (12,22,25,28)",
     "+CGMI": "Testwell", "+CGMM": "TW-LTE1", "+CGMR": "TW-LTE1-1.0.3", "+CGDCONT=?": CONTEXTS,
-    "+CFUN=?": "+CFUN: (0,1,4)", "+CREG=?": "+CREG: (0-2)", "+CGREG=?": "+CGREG: (0-2)", "+CEREG=?": "+CEREG: (0-2)",
-    "+CSCS=?": '+CSCS: ("GSM","IRA","UCS2")', "+CSCS?": '+CSCS: "IRA"', "+WS46?": "+WS46: 28", "+CPIN=?": "", "%IPSYS?": "",
+    "+CFUN=?": "+CFUN: (0,1,4)", "+CREG=?": "+CREG: (0-2)", "+CGREG=?": "+CGREG: (0-2)",
+    "+CEREG=?": "+CEREG: (0-2)", "+CSCS=?": '+CSCS: ("GSM","IRA","UCS2")', "+CSCS?": '+CSCS: "IRA"',
+    "+WS46?": "+WS46: 28", "+CPIN=?": "", "%IPSYS?": "",
 }
 
 # Settings that make no difference here.
-TAKEN = re.compile(r"[VXQZH]\d?$|&[CDF]\d?$|S0=|\+(CREG|CGREG|CEREG|CSCS|IFC|CGACT|CGATT|CMER|CTZU|CTZR|WS46)=|\+CGATT")
+TAKEN = re.compile(r"[VXQZH]\d?$|&[CDF]\d?$|S0=|\+CGATT|"
+                   r"\+(CREG|CGREG|CEREG|CSCS|IFC|CGACT|CMER|CTZU|CTZR|WS46)=")
 
 
 # Whatever stands before a command's prefix is skipped (V.250, 5.2.1). After a call that is where pppd's last
@@ -94,7 +96,8 @@ class Modem:
     def register(self, state):
         """HOME, SEARCHING, DENIED or ROAMING; 0 for not even searching. Without a network a call ends."""
         self.registration = state
-        self._write(AT, "".join(f"\r\n{kind}: {self._registration()}\r\n" for kind in ("+CREG", "+CGREG", "+CEREG")))
+        for kind in ("+CREG", "+CGREG", "+CEREG"):
+            self._write(AT, f"\r\n{kind}: {self._registration()}\r\n")
         if state not in (HOME, ROAMING):
             self.drop_call()
 
@@ -131,6 +134,9 @@ class Modem:
     def _write(self, port, data):
         with contextlib.suppress(OSError, KeyError):
             self._sockets[port].sendall(data if isinstance(data, bytes) else data.encode())
+
+    def _write_frame(self, frame):
+        self._write(DATA, frame)
 
     def _connect(self, port):
         """Waits for the board's end of a line."""
@@ -192,7 +198,7 @@ class Modem:
         self._tell(port, command, "->", said.replace("\r\n", "|"))
         self._write(port, (f"AT{command}\r" if self._has_echo else "") + f"\r\n{said}\r\n")
         if said.startswith("CONNECT"):
-            self._link = ppp.Link(self._terms, lambda frame: self._write(DATA, frame), self._carry, self._tell)
+            self._link = ppp.Link(self._terms, self._write_frame, self._carry, self._tell)
 
     # Commands.
 

@@ -201,8 +201,9 @@ class Link:
             self._answer_ipcp(number, data)
 
     def _answer_ipcp(self, number, data):
-        given = dict(zip((ADDRESS, FIRST_SERVER, SECOND_SERVER), (self._terms.address, *self._terms.name_servers)))
-        given = {kind: bytes([kind, 6]) + socket.inet_aton(address) for kind, address in given.items()}
+        mine = (self._terms.address, *self._terms.name_servers)
+        given = {kind: bytes([kind, 6]) + socket.inet_aton(address)
+                 for kind, address in zip((ADDRESS, FIRST_SERVER, SECOND_SERVER), mine)}
         asked = list(_options(data))
         unknown = b"".join(whole for kind, whole in asked if kind not in given)
         wrong = b"".join(given[kind] for kind, whole in asked if kind in given and whole != given[kind])
