@@ -60,7 +60,7 @@ def test_a_transfer_moves_to_the_link_that_leads_somewhere(networked):
 
 def test_another_host_has_the_address(networked):
     networked.far.claim("eth1", "192.168.20.5")
-    networked.shell(STATIC + "1000")
+    networked.shell(STATIC + "3000")
     assert networked.try_shell("nmcli -w 20 con up static")[0] != 0
     networked.far.release("eth1", "192.168.20.5")
     networked.shell("nmcli -w 20 con up static")

@@ -19,7 +19,6 @@ START = """set -e
 tar -xf - -C /
 systemctl daemon-reload
 udevadm control --reload
-nmcli general reload conf
 systemctl -q enable --now far
 udevadm trigger --settle --subsystem-match=tty
 """
