@@ -3,8 +3,6 @@
 import re
 import time
 
-import pytest
-
 import air
 from lab import wait_for
 
@@ -14,9 +12,8 @@ SOON_S = 8                  # a wrong password is told
 JOIN_S = 15                 # the page gives a join up
 BACK_S = 25                 # the network before is joined again
 SCAN_S = 10                 # the page asks for the list so often
+STALL_MS = 100
 PROFILES = "/mnt/data/network/profiles"
-
-OPEN = {network.name for network in air.NETWORKS if network.security == air.OPEN}
 
 
 def open_page(panel):
@@ -135,45 +132,44 @@ def slowest(panel, seconds):
     return longest * 1000
 
 
-def test_the_list_moves_and_two_hundred_rows_do_not_hold_the_page_up(networked):
+def test_the_list_and_what_is_chosen_in_it(networked):
+    """One board, as what is to be waited for takes long: the list moves while the network before comes back."""
     panel, strengths = networked, air.usual_strengths()
     open_page(panel)
     wait_for(lambda: is_list(panel, expected(strengths)), "the list")
     rows = seen_rows(panel)
     assert rows.keys() == expected(strengths).keys()
     for network in air.NETWORKS:
-        if shown(network) in rows:
+        if not network.is_hidden:
             assert rows[shown(network)].startswith("wifi1_" if network.security == air.OPEN else "wifi2_")
     assert rows["Works"] == "wifi2_4.png" and rows["Net 14"] == "wifi2_2.png"
-    calm = slowest(panel, SCAN_S + 1)
-    panel.air.level("Works", 20)
-    panel.air.gone("Guests")
-    panel.air.crowd(200)
-    total = wait_for(lambda: len(rows := panel.items("list_Wifi")) > 190 and "Guests" not in rows and len(rows),
-                     "a crowd", 60)
-    busy = [slowest(panel, SCAN_S + 1) for _ in range(2)]
-    print(f"{total} rows; calm {calm:.0f} ms, with them {busy}")
-    assert min(busy) - calm < 100
-    assert panel.items("list_Wifi").index("Works") > 100
 
-
-# Joining.
-
-def test_networks_are_joined_and_what_is_wrong_is_told(networked):
-    panel = networked
-    open_page(panel)
-    times = {"Guests": join(panel, "Guests"), "Works 3": join(panel, "Works 3", air.PASSWORD),
-             "Works": join(panel, "Works", air.PASSWORD)}
-    assert "Works" not in panel.items("list_Wifi") and "Guests" in panel.items("list_Wifi")
+    times = {"Guests": join(panel, "Guests"), "Works 3": join(panel, "Works 3", air.PASSWORD)}
+    wait_for(lambda: "WiFiInPut" in panel.widget("lab_wifi").style, "the icon")
     times["wrong"] = told(panel, choose(panel, "厂区 – Büro", WRONG), SOON_S)
     began = time.monotonic()
-    wait_joined(panel, "Works", BACK_S)
-    times["back"] = time.monotonic() - began
-    times["wrong, WPA3"] = told(panel, choose(panel, "Works 3", WRONG), SOON_S)
-    times["enterprise"] = told(panel, choose(panel, "Head office", WRONG), SOON_S)
+    panel.air.level("Works", 20)
+    panel.air.gone("Guests")
+    calm = slowest(panel, SCAN_S + 1)
+    times["back"] = wait_joined(panel, "Works 3", BACK_S - (time.monotonic() - began)) + SCAN_S + 1
+    panel.shell("nmcli dev wifi rescan")
+    moved = {**expected(strengths), "Works": 20}
+    del moved["Guests"], moved["Works 3"]   # gone, and joined
+    wait_for(lambda: is_list(panel, moved), "a list that has moved")
+
+    panel.air.crowd(200)
     times["no address"] = told(panel, choose(panel, "No address"), JOIN_S)
-    wait_for(lambda: "Works" in panel.shell("nmcli -t -f IN-USE,SSID dev wifi | grep '^\\*' || :"), "Works again")
-    print(times)
+    total = wait_for(lambda: len(rows := panel.items("list_Wifi")) > 190 and len(rows), "a crowd", 60)
+    busy = slowest(panel, SCAN_S + 1)
+    if busy - calm >= STALL_MS:     # a stall of the list comes with each refresh, one of the computer's does not
+        busy = slowest(panel, SCAN_S + 1)
+    print(f"{total} rows; page held up {busy:.0f} ms, before {calm:.0f} ms")
+    assert busy - calm < STALL_MS
+    times["enterprise"] = told(panel, choose(panel, "Head office", WRONG), SOON_S)
+    times["wrong, WPA3"] = told(panel, choose(panel, "Works 2+3", WRONG), SOON_S)
+    wait_for(lambda: "yes:Works 3\n" in panel.shell("nmcli -t -f ACTIVE,SSID dev wifi list --rescan no"),
+             "the network before")
+    print({what: round(seconds, 1) for what, seconds in times.items()})
     assert profiles(panel) == ["panel-wlan0", "600 root"]
     for word in (air.PASSWORD, WRONG):
         assert panel.shell(f"journalctl -b --no-pager | grep -c {word} || :") == "0"
