@@ -49,6 +49,12 @@ def records(panel):
     return status == 0 and json.loads(told)["data"]
 
 
+def settled(panel):
+    former = records(panel)
+    time.sleep(2)
+    return former == records(panel) and former
+
+
 def is_same(now, before):
     differences = [pair for pair in zip(now[0], before[0]) if pair[0] != pair[1]] if now else ["no answer"]
     if differences or len(now[0]) != len(before[0]):
@@ -61,7 +67,7 @@ def test_services_of_the_network_killed_under_a_working_finger(networked):
     print(f"seed {seed}")
     open_page(panel)
     join(panel, "Guests")
-    before = wait_for(lambda: records(panel), "records")
+    before = wait_for(lambda: settled(panel), "records that stand still")
     healthy = max(network_pages(panel))
     program = panel.shell("systemctl show -P MainPID -P NRestarts sysset")
     panel.shell("cat >/run/killer", stdin="\n".join(killer(random.Random(seed))).encode())

@@ -196,7 +196,8 @@ def test_a_network_goes_and_comes_and_is_kept(networked):
     panel.air.plug_adapter()
     timed("plugged", lambda: is_joined(panel, "Works 2+3"))
     panel.air.gone("Works 2+3")
-    timed("gone", lambda: not top_row(panel), 45)
+    # NetworkManager may have the station in its list still, and try it for 25 s: the row is there, without a tick.
+    timed("gone", lambda: not (row := top_row(panel)) or not row[1], 45)
     panel.air.level("Works 2+3", 60)
     timed("back", lambda: is_joined(panel, "Works 2+3"), 45)
     new = set_last_octet(panel, 200)
