@@ -70,7 +70,8 @@ void Network::onConnected(GObject *source, GAsyncResult *result)
     m_links = std::make_unique<Links>(client, m_folder);
     m_handlers.add(client, "notify::" NM_CLIENT_NM_RUNNING, [this] { onRunning(); });
     m_handlers.add(client, "notify::" NM_CLIENT_DEVICES, [this] { adoptAll(); });
-    m_handlers.add(client, "notify::" NM_CLIENT_CONNECTIONS, [this] { changed(); });
+    m_handlers.add(client, "notify::" NM_CLIENT_CONNECTIONS, [this] { watchProfiles(); });
+    watchProfiles();
     adoptAll();
     onRunning();
 }
@@ -80,7 +81,24 @@ void Network::onRunning()
     if (nm_client_get_nm_running(m_links->client()) != FALSE)
         return adoptAll();
     service::say("NetworkManager is away");
+    m_takenOver.clear();
     m_absence.start(ABSENCE_TIME, [this] { dropAbsent(); });
+}
+
+// A profile that was changed is read again some time after the answer that it is kept.
+void Network::watchProfiles()
+{
+    m_profiles.clear();
+    const GPtrArray *all = nm_client_get_connections(m_links->client());
+    for (guint index = 0; index < all->len; ++index)
+        m_profiles.add(g_ptr_array_index(all, index), NM_CONNECTION_CHANGED, [this] { changed(); });
+    for (const auto &device : m_devices) {
+        if (!device->isPresent() || m_links->profileOf(*device) == nullptr)
+            continue;
+        putInOrder(*device);
+        takeOver(*device);
+    }
+    changed();
 }
 
 void Network::adoptAll()
@@ -229,7 +247,24 @@ void Network::onDeviceChanged(const Device &device)
 {
     if (m_wifi && &m_wifi->device() == &device)
         m_wifi->stateChanged();
+    takeOver(device);
     changed();
+}
+
+// NetworkManager, started again after it has died, leaves a cable's address as it finds it: nothing
+// renews its lease, and there are no name servers.
+void Network::takeOver(const Device &device)
+{
+    NMActiveConnection *active = device.isActive() && device.isOn()
+                                     ? nm_device_get_active_connection(device.get())
+                                     : nullptr;
+    if (device.kind() != Kind::Ethernet || active == nullptr ||
+        m_links->profileOf(device) == nullptr)
+        return;
+    const unsigned flags = nm_active_connection_get_state_flags(active);
+    if ((flags & NM_ACTIVATION_STATE_FLAG_EXTERNAL) != 0 &&
+        m_takenOver.insert(toString(nm_object_get_path(NM_OBJECT(active)))).second)
+        m_links->activate(device, [](bool) {});
 }
 
 void Network::switchDevice(const std::string &name, bool on, const Done &done)

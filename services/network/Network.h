@@ -13,6 +13,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -66,6 +67,7 @@ public:
 private:
     void connect();
     void onConnected(GObject *source, GAsyncResult *result);
+    void watchProfiles();
     void adoptAll();
     void adopt(NMDevice *device);
     Device &deviceOf(Kind kind, const std::string &name);
@@ -75,6 +77,7 @@ private:
     std::optional<Record> lastTold(const Device &device) const;
     Device *findPresent(const std::string &name) const;
     void onDeviceChanged(const Device &device);
+    void takeOver(const Device &device);
     void onRunning();
     void dropAbsent();
     void putInOrder(Device &device);
@@ -100,8 +103,10 @@ private:
     std::vector<Record> m_lastTold;
     bool m_isProbed = false; // the modem vanishes and comes back
     bool m_isForced = false; // the next records are told even if nothing in them has changed
-    Handlers m_handlers;     // of the client
-    Handlers m_unmanaged;    // of devices that NetworkManager does not manage yet
+    std::set<std::string> m_takenOver; // paths of connections that NetworkManager has found
+    Handlers m_handlers;               // of the client
+    Handlers m_profiles;               // of all profiles
+    Handlers m_unmanaged;              // of devices that NetworkManager does not manage yet
     Timer m_burst;
     Timer m_retry;
     Timer m_absence; // of NetworkManager

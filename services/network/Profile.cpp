@@ -58,6 +58,21 @@ void clearServers(NMSettingIPConfig *setting)
     g_object_set(setting, NM_SETTING_IP_CONFIG_IGNORE_AUTO_DNS, FALSE, nullptr);
 }
 
+// Always the same one, so that NetworkManager refuses a second profile for a device whose first one
+// is not known here yet. Of Wi-Fi two stand side by side for a moment. The form is that of RFC
+// 4122.
+std::string uuidOf(Kind kind, const std::string &device)
+{
+    using Text = std::unique_ptr<char, decltype(&g_free)>;
+    if (kind == Kind::Wifi)
+        return Text(nm_utils_uuid_generate(), g_free).get();
+    const Text digest(
+        g_compute_checksum_for_string(G_CHECKSUM_SHA1, profileName(device).c_str(), -1), g_free);
+    const std::string hex = digest.get();
+    return hex.substr(0, 8) + '-' + hex.substr(8, 4) + "-5" + hex.substr(13, 3) + "-8" +
+           hex.substr(17, 3) + '-' + hex.substr(20, 12);
+}
+
 bool hasMethod(NMConnection *profile, const char *method)
 {
     return toString(nm_setting_ip_config_get_method(ipv4(profile))) == method;
@@ -78,12 +93,11 @@ std::string trialName(const std::string &device)
 Object<NMConnection> newProfile(Kind kind, const std::string &device)
 {
     Object<NMConnection> profile(nm_simple_connection_new());
-    const std::unique_ptr<char, decltype(&g_free)> uuid(nm_utils_uuid_generate(), g_free);
     NMSetting *connection = nm_setting_connection_new();
     g_object_set(connection, NM_SETTING_CONNECTION_ID, profileName(device).c_str(),
-                 NM_SETTING_CONNECTION_UUID, uuid.get(), NM_SETTING_CONNECTION_TYPE, typeOf(kind),
-                 NM_SETTING_CONNECTION_INTERFACE_NAME, device.c_str(),
-                 NM_SETTING_CONNECTION_AUTOCONNECT_RETRIES, FOR_EVER, nullptr);
+                 NM_SETTING_CONNECTION_UUID, uuidOf(kind, device).c_str(),
+                 NM_SETTING_CONNECTION_TYPE, typeOf(kind), NM_SETTING_CONNECTION_INTERFACE_NAME,
+                 device.c_str(), NM_SETTING_CONNECTION_AUTOCONNECT_RETRIES, FOR_EVER, nullptr);
     nm_connection_add_setting(profile.get(), connection);
     nm_connection_add_setting(profile.get(), newDeviceSetting(kind));
     NMSetting *ip4 = nm_setting_ip4_config_new();

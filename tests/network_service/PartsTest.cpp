@@ -1,6 +1,7 @@
 // What netServer decides without a bus: addresses, profiles, networks in range, its own settings.
 #include "services/network/Profile.h"
 #include "services/network/Settings.h"
+#include "services/network/Supplicant.h"
 #include "services/network/WifiNetworks.h"
 #include "tests/support/Text.h"
 
@@ -36,6 +37,8 @@ private slots:
     void checksAddresses_data();
     void checksAddresses();
     void keepsAddressing();
+    void makesOneProfileADevice();
+    void knowsARefusal();
     void listsEachNetworkOnce();
     void tellsSecurity_data();
     void tellsSecurity();
@@ -118,6 +121,29 @@ void PartsTest::keepsAddressing()
     QVERIFY(verifies(profile.get()) && usesDhcp(profile.get()));
     QCOMPARE(serversOf(profile.get()).preferred, std::string());
     QCOMPARE(metricOf(profile.get()), 300);
+}
+
+void PartsTest::makesOneProfileADevice()
+{
+    const auto uuid = [](Kind kind, const char *device) {
+        return std::string(nm_connection_get_uuid(newProfile(kind, device).get()));
+    };
+    QCOMPARE(uuid(Kind::Ethernet, "eth0"), uuid(Kind::Ethernet, "eth0"));
+    QVERIFY(uuid(Kind::Ethernet, "eth0") != uuid(Kind::Ethernet, "eth1"));
+    QVERIFY(uuid(Kind::Wifi, "wlan0") != uuid(Kind::Wifi, "wlan0")); // joined, and being tried
+}
+
+void PartsTest::knowsARefusal()
+{
+    const auto isRefusal = [](const char *properties) {
+        return network::isRefusal(
+            Variant(g_variant_parse(nullptr, properties, nullptr, nullptr, nullptr)).get());
+    };
+    for (const char *code : {"1", "15"})
+        QVERIFY(isRefusal(("{'AuthStatusCode': <" + std::string(code) + ">}").c_str()));
+    for (const char *code : {"0", "76", "77", "126", "'1'"})
+        QVERIFY(!isRefusal(("{'AuthStatusCode': <" + std::string(code) + ">}").c_str()));
+    QVERIFY(!isRefusal("{'State': <'scanning'>}"));
 }
 
 void PartsTest::listsEachNetworkOnce()
