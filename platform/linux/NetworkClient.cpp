@@ -207,8 +207,15 @@ std::string toldText(const std::string &text)
 std::vector<netT::stAllNetInfo_tag> toRecords(const NetworkRecords &records)
 {
     std::vector<netT::stAllNetInfo_tag> list;
-    for (std::size_t i = 0; i < std::min(records.size(), MOST_RECORDS); ++i)
-        list.push_back(toRecord(records[i]));
+    for (std::size_t i = 0; i < std::min(records.size(), MOST_RECORDS); ++i) {
+        const netT::stAllNetInfo_tag record = toRecord(records[i]);
+        const auto former = std::find_if(list.begin(), list.end(), [&](const auto &listed) {
+            return listed.sNetType == record.sNetType;
+        });
+        if (former != list.end())
+            list.erase(former);
+        list.push_back(record);
+    }
     return list;
 }
 

@@ -137,7 +137,9 @@ std::string asText(const std::string &text);
 // page would lay out for seconds.
 std::string toldText(const std::string &text);
 
-// As the program takes them: of a list no more than a panel can have.
+// As the program takes them: of a list no more than a panel can have, and of each kind the last
+// one. A page would show them one after the other, and put each one's address over what is being
+// typed.
 std::vector<netT::stAllNetInfo_tag> toRecords(const NetworkRecords &records);
 netT::tag_atCollect toModemNews(const NetworkModem &modem);
 const char *toSwitch(bool on); // "enable", "disable"

@@ -357,7 +357,8 @@ void Network::change(const Device &device, Links::Edit edit, Done done)
             return edit(profile);
         },
         [this, done = std::move(done)](bool kept) {
-            tellChange();
+            if (kept)
+                tellChange();
             callWith(done, kept);
         });
 }

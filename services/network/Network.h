@@ -58,7 +58,9 @@ public:
     Device *findKind(Kind kind) const;
     // Null while there is none.
     NMRemoteConnection *profileOf(const Device &device) const;
-    // Changes the profile of a device that is there, as Links::change() does.
+    // Changes the profile of a device that is there, as Links::change() does. Nothing is told of a
+    // change that is refused: a page has it half typed, and a record would put the former text
+    // back.
     void change(const Device &device, Links::Edit edit, Done done);
 
     // Something that only other answers tell has changed.

@@ -62,7 +62,10 @@ private:
             throw sdbus::Error("org.freedesktop.DBus.Error.LimitsExceeded", "");
     }
 
-    board::NetworkRecords GetDevices(const bool &) override { return {record("eth0")}; }
+    board::NetworkRecords GetDevices(const bool &) override
+    {
+        return {record("eth1"), record("eth0")};
+    }
     board::NetworkRecord GetDevice(Text name, const bool &) override
     {
         behave(name);
