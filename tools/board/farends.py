@@ -46,14 +46,21 @@ def overlay_step():
 
 
 def set_up(board, hands, overlay):
-    """Puts the far ends in place; they come up with every further start of the board by themselves."""
+    """Puts the far ends in place; they come up with every further start of the board by themselves. The
+    network service dials as soon as there is a modem: the board is kept with the call."""
     mobile = modem.Modem(hands)
     try:
         board.agent.run(START, stdin=overlay.read_bytes(), timeout=120)
         board.wait_until(lambda: len(seen(board.agent.run)) == len(air.NETWORKS), 60, "list of all stations")
-        board.wait_until(lambda: modem_state(board.agent.try_run) == "registered", 60, "modem in its network")
+        board.wait_until(lambda: modem_state(board.agent.try_run) == "connected", 90, "modem that is dialled")
+        board.wait_until(lambda: has_address(board.agent.run), 30, "address of the call")
     finally:
         mobile.close()
+
+
+def has_address(shell):
+    """Whether NetworkManager has brought the modem's link up."""
+    return "gsm:connected" in shell("nmcli -t -f TYPE,STATE dev")
 
 
 def modem_state(try_shell):

@@ -44,8 +44,8 @@ class Failed(Exception):
 
 
 class Modem:
-    """A modem that is plugged in while the board runs. is_settled: ModemManager knows it already, as on a
-    board that was kept with it."""
+    """A modem that is plugged in while the board runs. is_settled: ModemManager knows it already and has
+    dialled, as on a board that was kept with it."""
 
     IMEI, IMSI, ICCID = "866758041234567", "460001234567890", "89860012345678901234"
 
@@ -65,7 +65,7 @@ class Modem:
         self._sockets = {}
         self._switch_on()
         if is_settled:
-            self._has_echo, self._has_numbers = False, True
+            self._has_echo, self._has_numbers, self._link = False, True, self._call()
         for port in (AT, DATA):
             threading.Thread(target=self._serve, args=(port,), daemon=True).start()
         threading.Thread(target=self._receive, daemon=True).start()
@@ -198,7 +198,10 @@ class Modem:
         self._tell(port, command, "->", said.replace("\r\n", "|"))
         self._write(port, (f"AT{command}\r" if self._has_echo else "") + f"\r\n{said}\r\n")
         if said.startswith("CONNECT"):
-            self._link = ppp.Link(self._terms, self._write_frame, self._carry, self._tell)
+            self._link = self._call()
+
+    def _call(self):
+        return ppp.Link(self._terms, self._write_frame, self._carry, self._tell)
 
     # Commands.
 
