@@ -78,19 +78,19 @@ public:
     // Null, and the call refused, if too many are open.
     static std::shared_ptr<Request> open(Door &door, GDBusMethodInvocation *call)
     {
-        if (door.m_open < MOST_REQUESTS)
+        if (*door.m_open < MOST_REQUESTS)
             return std::make_shared<Request>(door, call);
         refuse(call, Outcome::Failed);
         return nullptr;
     }
 
-    Request(Door &door, GDBusMethodInvocation *call) : m_door(door), m_call(call)
+    Request(Door &door, GDBusMethodInvocation *call) : m_open(door.m_open), m_call(call)
     {
-        ++m_door.m_open;
+        ++*m_open;
     }
     ~Request()
     {
-        --m_door.m_open;
+        --*m_open;
         if (m_call != nullptr)
             refuse(m_call, Outcome::Failed);
     }
@@ -103,7 +103,7 @@ public:
     }
 
 private:
-    Door &m_door;
+    std::shared_ptr<int> m_open; // may outlive the door
     GDBusMethodInvocation *m_call;
 };
 

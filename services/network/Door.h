@@ -57,7 +57,7 @@ private:
     Cellular &m_cellular;
     Pinger &m_pinger;
     Object<PanelNetwork1> m_interface;
-    int m_open = 0; // requests that wait for something
+    std::shared_ptr<int> m_open = std::make_shared<int>(0); // requests that wait for something
 };
 
 } // namespace network

@@ -132,8 +132,18 @@ void Network::adopt(NMDevice *nm)
     if (*kind == Kind::Modem)
         m_isProbed = false;
     if (*kind == Kind::Wifi && (!m_wifi || !m_wifi->device().isPresent()))
-        m_wifi = std::make_unique<Wifi>(*m_links, device, [this] { tellChange(); });
+        m_wifi = &wifiOf(device);
     putInOrder(device);
+}
+
+Wifi &Network::wifiOf(const Device &device)
+{
+    for (const auto &wifi : m_wifis) {
+        if (&wifi->device() == &device)
+            return *wifi;
+    }
+    m_wifis.push_back(std::make_unique<Wifi>(*m_links, device, [this] { tellChange(); }));
+    return *m_wifis.back();
 }
 
 // A device is not unplugged because the service that knows it is away for a moment.

@@ -49,7 +49,7 @@ public:
     Outcome setPreferred(Kind kind);
 
     // Null where there never was a Wi-Fi device.
-    Wifi *wifi() { return m_wifi.get(); }
+    Wifi *wifi() { return m_wifi; }
     Outcome joinWifi();
 
     // The device of that name, null if there is none.
@@ -73,6 +73,7 @@ private:
     void adoptAll();
     void adopt(NMDevice *device);
     Device &deviceOf(Kind kind, const std::string &name);
+    Wifi &wifiOf(const Device &device);
     void release(Device &device);
     bool isAway() const;
     bool isStillThere(const Device &device) const;
@@ -100,7 +101,8 @@ private:
 
     std::vector<std::unique_ptr<Device>> m_devices; // none is ever removed
     std::unique_ptr<Links> m_links;
-    std::unique_ptr<Wifi> m_wifi;
+    std::vector<std::unique_ptr<Wifi>> m_wifis; // as the devices
+    Wifi *m_wifi = nullptr;                     // of the device that is plugged in, or was last
     Supplicant m_supplicant;
     std::vector<Record> m_lastTold;
     bool m_isProbed = false; // the modem vanishes and comes back
