@@ -134,6 +134,7 @@ void Network::adopt(NMDevice *nm)
     if (*kind == Kind::Wifi && (!m_wifi || !m_wifi->device().isPresent()))
         m_wifi = std::make_unique<Wifi>(*m_links, device, [this] { tellChange(); });
     putInOrder(device);
+    takeOver(device);
 }
 
 // A device is not unplugged because the service that knows it is away for a moment.
