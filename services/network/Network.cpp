@@ -134,6 +134,7 @@ void Network::adopt(NMDevice *nm)
     if (*kind == Kind::Wifi && (!m_wifi || !m_wifi->device().isPresent()))
         m_wifi = &wifiOf(device);
     putInOrder(device);
+    takeOver(device);
 }
 
 Wifi &Network::wifiOf(const Device &device)
