@@ -27,8 +27,9 @@ def page(panel):
 def fields(panel):
     """Address, mask, gateway and both servers as they are seen, or the hint in their place."""
     texts = page(panel)
-    hint = texts.get("lab_replacwidgetEth")
-    return hint or [".".join(texts[f"line_{group}{i}"] for i in range(1, 5)).strip(".") for group in GROUPS]
+    if "lab_replacwidgetEth" in texts:
+        return texts["lab_replacwidgetEth"]
+    return [".".join(texts[f"line_{group}{i}"] for i in range(1, 5)).strip(".") for group in GROUPS]
 
 
 def wait_fields(panel, wanted, timeout=RECORD_S):
