@@ -40,7 +40,8 @@ def wait_lease(panel, timeout=LEASE_S):
     """The fields, once they show what the far end's server has given."""
     def leased():
         seen = fields(panel)
-        return seen[0].startswith(f"{NET}1") and seen[1:] == ["255.255.255.0", f"{NET}1", "10.99.0.53", "10.99.0.54"] and seen
+        rest = ["255.255.255.0", f"{NET}1", "10.99.0.53", "10.99.0.54"]
+        return seen[0].startswith(f"{NET}1") and seen[1:] == rest and seen
     return wait_for(leased, "a lease", timeout)
 
 
@@ -126,7 +127,7 @@ def test_a_static_address_is_typed_while_records_arrive(networked):
         put(networked, f"Ip{number}", octet)
         typed.append(octet)
         networked.hands.cable("eth1", number % 2 == 0)
-        wait_for(lambda: "eth1" in networked.shell("ip -4 route show default") or number % 2, "the other port")
+        wait_for(lambda: number % 2 or "eth1" in networked.shell("ip -4 route show default"), "the other")
         time.sleep(0.5)
         assert fields(networked)[0] == ".".join(typed)
 
@@ -150,7 +151,8 @@ def test_an_address_of_another_network_is_typed_and_all_is_kept(networked):
 
     networked.touch("tab_Net", 3)
     networked.choose("combox", 2)
-    wait_for(lambda: "preferred=4G" in networked.shell("cat /mnt/data/network/netserver/settings.conf"), "4G kept")
+    kept = "cat /mnt/data/network/netserver/settings.conf"
+    wait_for(lambda: "preferred=4G" in networked.shell(kept), "4G kept")
     networked.power_cycle()
     networked.open_pages()
     open_page(networked)

@@ -32,7 +32,8 @@ def taken(panel):
 
 def all_up(panel):
     """All three links, joined as their pages would."""
-    panel.shell(f"{CALL} SetNetwork ayayb 6 {' '.join(str(b) for b in b'Guests')} 0 false; {CALL} JoinNetwork")
+    name = " ".join(str(byte) for byte in b"Guests")
+    panel.shell(f"{CALL} SetNetwork ayayb 6 {name} 0 false; {CALL} JoinNetwork")
     open_page(panel)
     wait_lease(panel)
     wait_for(lambda: {"eth0", "wlan0", "4g"} <= set(routes(panel)), "three ways out", 60)
