@@ -23,7 +23,7 @@ SIZE = Screen()
 PATIENCE_S = 30      # an emulated board is some thirty times slower than a panel
 LIFTED_S = 0.1       # between two touches, as a quick finger does it
 KEY_PAUSE_S = 0.16   # the keyboard takes presses that follow faster for one
-VISIBLE_CHOICES = 8  # rows of an open combo box
+VISIBLE_CHOICES = 8  # rows of an open combo box, if it has so many
 
 
 class NotSeen(AssertionError):
@@ -304,7 +304,8 @@ class Panel:
         self.touch(name)
         choices = wait_for(lambda: self.widget(name).find("QComboBoxListView"), f"{name} opens")
         x, y, width, height = choices.rect
-        self.touch_at(x + width // 2, y + height * (2 * row + 1) // (2 * VISIBLE_CHOICES))
+        rows = min(VISIBLE_CHOICES, len(self.items(name)))
+        self.touch_at(x + width // 2, y + height * (2 * row + 1) // (2 * rows))
         wait_for(lambda: self.widget(name).index == row, f"{name} has row {row}")
 
     def press_through(self):
