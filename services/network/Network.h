@@ -68,6 +68,7 @@ private:
     void adoptAll();
     void adopt(NMDevice *device);
     Device &deviceOf(Kind kind, const std::string &name);
+    void dialProbed(const Device &device);
     void release(Device &device);
     bool isAway() const;
     bool isStillThere(const Device &device) const;
@@ -97,6 +98,7 @@ private:
     std::unique_ptr<Wifi> m_wifi;
     std::vector<Record> m_lastTold;
     bool m_isProbed = false; // the modem vanishes and comes back
+    bool m_isToDial = false; // the modem, once it is back
     bool m_isForced = false; // the next records are told even if nothing in them has changed
     Handlers m_handlers;     // of the client
     Handlers m_unmanaged;    // of devices that NetworkManager does not manage yet
