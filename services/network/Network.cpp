@@ -129,12 +129,13 @@ void Network::adopt(NMDevice *nm)
     if (device.get() == nm)
         return;
     device.attach(nm, [this, &device] { onDeviceChanged(device); });
-    if (*kind == Kind::Modem)
-        m_isProbed = false;
+    if (*kind == Kind::Modem && std::exchange(m_isProbed, false))
+        m_isToDial = true;
     if (*kind == Kind::Wifi && (!m_wifi || !m_wifi->device().isPresent()))
         m_wifi = &wifiOf(device);
     putInOrder(device);
     takeOver(device);
+    dialProbed(device);
 }
 
 Wifi &Network::wifiOf(const Device &device)
@@ -145,6 +146,18 @@ Wifi &Network::wifiOf(const Device &device)
     }
     m_wifis.push_back(std::make_unique<Wifi>(*m_links, device, [this] { tellChange(); }));
     return *m_wifis.back();
+}
+
+// By itself NetworkManager would not: the operator's word that ended the last call counts for the
+// profile, and outlives the device.
+void Network::dialProbed(const Device &device)
+{
+    const bool isReady = device.state() >= NM_DEVICE_STATE_DISCONNECTED;
+    if (device.kind() != Kind::Modem || !isReady || !std::exchange(m_isToDial, false))
+        return;
+    const bool isIdle = device.state() == NM_DEVICE_STATE_DISCONNECTED;
+    if (device.isOn() && isIdle && profileOf(device) != nullptr)
+        m_links->activate(device, [](bool) {});
 }
 
 // A device is not unplugged because the service that knows it is away for a moment.
@@ -259,6 +272,7 @@ void Network::onDeviceChanged(const Device &device)
     if (m_wifi && &m_wifi->device() == &device)
         m_wifi->stateChanged();
     takeOver(device);
+    dialProbed(device);
     changed();
 }
 
@@ -326,8 +340,8 @@ void Network::finishSwitch(Device &device, bool on)
     });
 }
 
-// Switched on, it is probed anew, and dialled by NetworkManager when it is back: ModemManager 1.20
-// would never ask one again for its signal that it has only disabled and enabled.
+// Switched on, it is probed anew, and dialled when it is back: ModemManager 1.20 would never ask one
+// again for its signal that it has only disabled and enabled.
 void Network::powerModem(const Device &device, bool on, std::function<void()> then)
 {
     if (device.kind() != Kind::Modem || !device.isPresent())

@@ -74,6 +74,7 @@ private:
     void adopt(NMDevice *device);
     Device &deviceOf(Kind kind, const std::string &name);
     Wifi &wifiOf(const Device &device);
+    void dialProbed(const Device &device);
     void release(Device &device);
     bool isAway() const;
     bool isStillThere(const Device &device) const;
@@ -106,6 +107,7 @@ private:
     Supplicant m_supplicant;
     std::vector<Record> m_lastTold;
     bool m_isProbed = false; // the modem vanishes and comes back
+    bool m_isToDial = false; // the modem, once it is back
     bool m_isForced = false; // the next records are told even if nothing in them has changed
     std::set<std::string> m_takenOver; // paths of connections that NetworkManager has found
     Handlers m_handlers;               // of the client

@@ -151,7 +151,7 @@ def test_every_fault_is_named(networked):
     panel.modem.signal(9)
     panel.far.gateway("eth0", False)
     panel.far.gateway("wlan0", False)
-    panel.air.level("Guests", 90)
+    panel.air.level("Guests", 100)
     diagnosis.says("√", "√ √ √ ×", "√ √ √ Strong ×", "√ √ Weak √ √ √ ×")
 
     panel.far.gateway("wlan0", True)

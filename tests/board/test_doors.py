@@ -25,8 +25,8 @@ ALLOWED = {"org.freedesktop.timedate1.set-time": "panel words",
            "org.freedesktop.NetworkManager.network-control": "netserver",
            "org.freedesktop.NetworkManager.settings.modify.system": "netserver",
            "org.freedesktop.NetworkManager.settings.modify.hostname": "",
-           "org.freedesktop.ModemManager1.Device.Control": "netserver",
-           "org.freedesktop.ModemManager1.Control": ""}
+           "org.freedesktop.ModemManager1.Control": "netserver",
+           "org.freedesktop.ModemManager1.Device.Control": "netserver"}
 
 # Methods as they are called, and users who may not.
 CALLS = [("org.freedesktop.timedate1 /org/freedesktop/timedate1 org.freedesktop.timedate1 SetTime xbb 1 true false",
