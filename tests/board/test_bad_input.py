@@ -98,6 +98,7 @@ def test_a_clock_of_another_time(panel, year, told_by, line):
     panel.hands.press_reset()
     panel.wait_started()
     panel.open_pages()
+    panel.try_shell("systemctl is-system-running --wait")   # timedated is slow while the network starts
     assert panel.shell(f"journalctl -b -o cat --no-pager | grep -cF '{line}'") == "1", told_by
     panel.touch("btn_Sysset")
     panel.touch("line_Year")
