@@ -2,8 +2,6 @@
 
 import time
 
-import pytest
-
 import farends
 import modem
 from ethernet import HOST
