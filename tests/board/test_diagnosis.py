@@ -2,8 +2,8 @@
 
 import json
 import pathlib
+import time
 
-import ethernet
 import modem
 from lab import wait_for
 
@@ -38,6 +38,7 @@ class Diagnosis:
 
     def __init__(self, panel, language=1):
         self.panel = panel
+        self.has_region = False         # the cloud's file has been read, and names Europe
         self.speak(language)
 
     def speak(self, language):
@@ -88,7 +89,9 @@ class Diagnosis:
         marks = " - ".join(links)
         for word, translated in LEVELS.items():
             marks = marks.replace(word, translated) if self.language else marks
+        began = time.monotonic()
         wait_for(lambda: self.run() == marks, f"the diagnosis says {marks}", SETTLED_S)
+        print(f"{time.monotonic() - began:5.1f} s: {marks}")
         assert [key for key in ORDER if key in self.seen] == list(self.seen)
         for key, row in self.seen.items():
             assert row == self.expected(key, row["lab_state"], is_checked), key
@@ -106,8 +109,6 @@ class Diagnosis:
         if mark in ("×", "Weak", "弱"):
             row["lab_solution"] = texts["Solution"]
         return row
-
-    has_region = False
 
 
 def cloud(panel, text):

@@ -2,8 +2,6 @@
 
 import time
 
-import pytest
-
 import farends
 import modem
 from ethernet import HOST
@@ -46,10 +44,8 @@ def timed(what, condition, seconds):
 
 def wait_dialled(panel, seconds=DIALLED_S):
     """Until the page shows the address and a far host answers over the link."""
-    took = timed("dialled", lambda: address(panel) == modem.ADDRESS, seconds)
-    assert panel.shell("ip -4 -br address show ppp0").split()[2].startswith(modem.ADDRESS)
-    panel.shell(f"ping -c1 -W5 -I ppp0 {HOST}")
-    return took
+    return timed("dialled", lambda: address(panel) == modem.ADDRESS
+                 and panel.try_shell(f"ping -c1 -W5 -I ppp0 {HOST}")[0] == 0, seconds)
 
 
 def wait_hung_up(panel, seconds=GONE_S):
@@ -110,7 +106,9 @@ def test_the_own_access_point_and_its_login(networked):
     enter(panel, "line_ApnPwd", RIGHT)
     assert wait_dialled(panel) < AT_ONCE_S
     panel.modem.login("chap", USER, RIGHT)
+    panel.modem.said.clear()
     enter(panel, "line_ApnAuth", "chap")
+    wait_for(lambda: any("login right" in line for line in panel.modem.said), "a login by chap", DIALLED_S)
     wait_dialled(panel)
     assert kept(panel, "gsm.apn", "gsm.username", "gsm.password", "ppp.refuse-pap") == ["factory", USER, RIGHT, "yes"]
     for word in (RIGHT, WRONG):

@@ -291,6 +291,12 @@ class Modem:
         self._apns[int(number)] = (kind or "IP", apn or "")
         return ""
 
+    def _deactivate(self):
+        """A call that pppd has not taken over yet ends with its context."""
+        if self._link is not None:
+            self._end_call()
+        return ""
+
     def _tell_contexts(self):
         return "\r\n".join(f'+CGDCONT: {number},"{kind}","{apn}","0.0.0.0",0,0'
                            for number, (kind, apn) in self._apns.items())
@@ -320,6 +326,7 @@ COMMANDS = [(re.compile(pattern + "$", re.I), handler) for pattern, handler in (
     (r"\+CRSM=176,28589,.*", lambda modem: '+CRSM: 144,0,"00000002"'),
     (r'\+CGDCONT=(\d+)(?:,"([^"]*)"(?:,"([^"]*)")?)?.*', Modem._set_context),
     (r"\+CGDCONT\?", Modem._tell_contexts),
+    (r"\+CGACT=0(?:,\d+)?", Modem._deactivate),
     (r"\+CGACT\?", lambda modem: f"+CGACT: 1,{int(modem._link is not None)}"),
     (r"D\*99(?:\*\*\*(\d+))?#", Modem._dial),
 )]
