@@ -340,8 +340,8 @@ void Network::finishSwitch(Device &device, bool on)
     });
 }
 
-// Switched on, it is probed anew, and dialled when it is back: ModemManager 1.20 would never ask one
-// again for its signal that it has only disabled and enabled.
+// Switched on, it is probed anew, and dialled when it is back: ModemManager 1.20 would never ask
+// one again for its signal that it has only disabled and enabled.
 void Network::powerModem(const Device &device, bool on, std::function<void()> then)
 {
     if (device.kind() != Kind::Modem || !device.isPresent())
