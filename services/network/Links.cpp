@@ -181,8 +181,9 @@ void Links::putInForce(const Device &device, const Queue::Next &next)
     if (!device.isOn() || state < NM_DEVICE_STATE_DISCONNECTED)
         return next();
     // NetworkManager 1.42 takes the address away from a call that is reapplied: it is dialled anew.
-    const bool isCall = device.kind() == Kind::Modem;
-    if (isCall || state < NM_DEVICE_STATE_PREPARE || state > NM_DEVICE_STATE_ACTIVATED)
+    // And a device that is still looking whether another host has its address never comes to an end
+    // of that.
+    if (device.kind() == Kind::Modem || state != NM_DEVICE_STATE_ACTIVATED)
         return activate(device, [next](bool) { next(); });
     nm_device_reapply_async(
         device.get(), nullptr, 0, 0, m_calls.cancellable(), Calls::answer,

@@ -9,7 +9,7 @@ WAITING, OFF = "正在等待分配地址。", "以太网已关闭。"
 GROUPS = ["Ip", "Mask", "GateWay", "Dns1_", "Dns2_"]
 NET = "192.168.10."
 RECORD_S = 10   # from what happens on the board to what the page shows of it
-LEASE_S = 25    # the far end's server answers, and NetworkManager may just have begun to wait longer
+LEASE_S = 40    # the far end's server answers, and NetworkManager may just have begun to wait longer
 ICON_S = 20     # its ping is every 2 s, and waits for an answer of its own
 
 
