@@ -109,7 +109,7 @@ def test_off_and_on_and_a_server_that_is_silent_slow_or_wrong(networked):
         assert_alive(networked)
     switch_off_and_on(networked, "slow")
     wait_fields(networked, WAITING)
-    wait_lease(networked, 60)
+    wait_for(lambda: fields(networked)[0] == f"{NET}77", "a lease of a slow server", 60)
 
 
 def test_a_static_address_is_typed_while_records_arrive(networked):

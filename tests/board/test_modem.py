@@ -75,6 +75,7 @@ def test_it_is_dialled_and_switched_off_and_on(networked):
     wait_dialled(panel)
     assert (panel.text("label_Imei"), panel.text("label_iccid")) == (modem.Modem.IMEI, modem.Modem.ICCID)
     assert bars(panel) == 3
+    wait_for(lambda: "dev eth0" in panel.shell(f"ip route get {HOST}"), "the way over Ethernet")
     with panel.far.transfer() as transfer:
         wait_for(lambda: transfer.link() == "eth0", "the transfer over Ethernet, which is preferred")
         panel.hands.cable("eth0", False)
