@@ -73,6 +73,9 @@ def test_a_start_without_any_service(panel, signal):
     told = [line for line in panel.told("sysset") if "words" in line]
     assert told == ["the words service does not answer: its settings cannot be read or written"]
     panel.open_pages()
+    if signal == "KILL":    # a notice says that no network service runs
+        panel.touch("btn_Ok")
+        wait_for(lambda: not panel.is_seen("btn_Ok"), "no notice")
     panel.touch("btn_Sysset")
     assert panel.text("line_Backlightness") == "" and not panel.widget("comboBox").enabled
     panel.touch("tab_System", 1)
