@@ -7,7 +7,6 @@ import air
 from lab import wait_for
 
 WIFI = 1                    # tab
-PROFILES = "/mnt/data/network/profiles"
 
 
 def open_page(panel):
