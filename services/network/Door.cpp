@@ -205,27 +205,27 @@ void Door::switchDevice(GDBusMethodInvocation *call, const char *device, gboolea
 void Door::useDhcp(GDBusMethodInvocation *call, const char *device, gboolean)
 {
     if (Done done = later(call))
-        m_network.useDhcp(device, std::move(done));
+        m_addressing.useDhcp(device, std::move(done));
 }
 
 void Door::keepAddress(GDBusMethodInvocation *call, const char *device, gboolean)
 {
     if (Done done = later(call))
-        m_network.keepAddress(device, std::move(done));
+        m_addressing.keepAddress(device, std::move(done));
 }
 
 void Door::setAddress(GDBusMethodInvocation *call, const char *device, const char *address,
                       const char *mask, const char *gateway, gboolean)
 {
     if (Done done = later(call))
-        m_network.setAddress(device, address, mask, gateway, std::move(done));
+        m_addressing.setAddress(device, address, mask, gateway, std::move(done));
 }
 
 void Door::setDns(GDBusMethodInvocation *call, const char *device, const char *preferred,
                   const char *alternate, gboolean)
 {
     if (Done done = later(call))
-        m_network.setDns(device, {preferred, alternate}, std::move(done));
+        m_addressing.setDns(device, {preferred, alternate}, std::move(done));
 }
 
 // --- Wi-Fi -------------------------------------------------------------------------------------

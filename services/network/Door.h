@@ -1,6 +1,7 @@
 // The service on the bus: org.sysset.Network1 at /org/sysset/Network1.
 #pragma once
 
+#include "services/network/Addressing.h"
 #include "services/network/Cellular.h"
 #include "services/network/GLib.h"
 #include "services/network/Network.h"
@@ -54,6 +55,7 @@ private:
     Done later(GDBusMethodInvocation *call);
 
     Network &m_network;
+    Addressing m_addressing{m_network};
     Cellular &m_cellular;
     Pinger &m_pinger;
     Object<PanelNetwork1> m_interface;

@@ -358,16 +358,6 @@ void Network::powerModem(const Device &device, bool on, std::function<void()> th
     });
 }
 
-// --- Addressing --------------------------------------------------------------------------------
-
-void Network::changeAddressing(const std::string &name, Links::Edit edit, Done done)
-{
-    const Device *device = findPresent(name);
-    if (device == nullptr)
-        return done(Outcome::NoDevice);
-    change(*device, std::move(edit), std::move(done));
-}
-
 void Network::change(const Device &device, Links::Edit edit, Done done)
 {
     if (device.kind() == Kind::Wifi && m_links->profileOf(device) == nullptr)
@@ -386,60 +376,6 @@ void Network::change(const Device &device, Links::Edit edit, Done done)
                 tellChange();
             callWith(done, kept);
         });
-}
-
-void Network::useDhcp(const std::string &device, Done done)
-{
-    changeAddressing(
-        device,
-        [](NMConnection *profile) {
-            network::useDhcp(profile);
-            return true;
-        },
-        std::move(done));
-}
-
-void Network::keepAddress(const std::string &name, Done done)
-{
-    Record now;
-    if (const Outcome outcome = record(name, now); outcome != Outcome::Done)
-        return done(outcome);
-    changeAddressing(
-        name,
-        [now](NMConnection *profile) {
-            if (!usesDhcp(profile))
-                return true;
-            useStatic(profile, os::checkAddress(now.address, now.mask, now.gateway));
-            setServers(profile, {now.preferredDns, now.alternateDns});
-            return true;
-        },
-        std::move(done));
-}
-
-void Network::setAddress(const std::string &device, const std::string &address,
-                         const std::string &mask, const std::string &gateway, Done done)
-{
-    const auto checked = os::checkAddress(address, mask, gateway);
-    changeAddressing(
-        device,
-        [checked](NMConnection *profile) {
-            if (checked)
-                useStatic(profile, checked);
-            return checked.has_value();
-        },
-        std::move(done));
-}
-
-void Network::setDns(const std::string &device, const Servers &servers, Done done)
-{
-    const bool isRight =
-        os::isServerOrEmpty(servers.preferred) && os::isServerOrEmpty(servers.alternate);
-    changeAddressing(
-        device,
-        [isRight, servers](NMConnection *profile) {
-            return isRight && setServers(profile, servers);
-        },
-        std::move(done));
 }
 
 // --- Preferred link ----------------------------------------------------------------------------

@@ -38,13 +38,6 @@ public:
     // `done` is called once the choice is kept.
     void switchDevice(const std::string &device, bool on, const Done &done);
 
-    // `done` is called once the profile is kept.
-    void useDhcp(const std::string &device, Done done);
-    void keepAddress(const std::string &device, Done done);
-    void setAddress(const std::string &device, const std::string &address, const std::string &mask,
-                    const std::string &gateway, Done done);
-    void setDns(const std::string &device, const Servers &servers, Done done);
-
     Kind preferred() const { return m_settings.preferred(); }
     Outcome setPreferred(Kind kind);
 
@@ -89,7 +82,6 @@ private:
     int metricOf(Kind kind) const;
     Record recordOf(const Device &device) const;
     void powerModem(const Device &device, bool on, std::function<void()> then);
-    void changeAddressing(const std::string &device, Links::Edit edit, Done done);
     void changed();
     void tell();
 

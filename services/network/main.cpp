@@ -1,18 +1,16 @@
 // netServer: the network service of an operator panel.
 #include "platform/paths.h"
 #include "services/common/Journal.h"
+#include "services/common/Options.h"
 #include "services/network/Configuration.h"
 #include "services/network/Service.h"
 
-#include <cstdio>
 #include <glib-unix.h>
 #include <stdexcept>
-#include <string_view>
 #include <systemd/sd-daemon.h>
 
 namespace {
 
-constexpr int BAD_USAGE = 2;
 constexpr const char *NAME = "org.sysset.Network1";
 
 constexpr const char *HELP =
@@ -72,23 +70,12 @@ void serve()
     g_main_loop_run(loop.get());
 }
 
-int answerOptions(std::string_view option)
-{
-    if (option == "--help")
-        std::fputs(HELP, stdout);
-    else if (option == "--version")
-        std::puts("netServer " SYSSET_VERSION);
-    else
-        std::fprintf(stderr, "netServer: unknown option; try --help\n");
-    return option == "--help" || option == "--version" ? 0 : BAD_USAGE;
-}
-
 } // namespace
 
 int main(int argc, char **argv)
 {
     if (argc > 1)
-        return answerOptions(argv[1]);
+        return service::answerOption(argv[1], HELP, "netServer", SYSSET_VERSION);
     try {
         serve();
         return 0;

@@ -1,16 +1,13 @@
 // sysset-words: the settings words over Modbus/TCP.
 #include "platform/paths.h"
+#include "services/common/Options.h"
 #include "services/words/Journal.h"
 #include "services/words/Service.h"
 
 #include <csignal>
-#include <cstdio>
-#include <string_view>
 #include <systemd/sd-daemon.h>
 
 namespace {
-
-constexpr int BAD_USAGE = 2;
 
 constexpr const char *HELP =
     "Usage: sysset-words [--help] [--version]\n"
@@ -56,23 +53,12 @@ void serve()
     sd_notify(0, "STOPPING=1");
 }
 
-int answerOptions(std::string_view option)
-{
-    if (option == "--help")
-        std::fputs(HELP, stdout);
-    else if (option == "--version")
-        std::puts("sysset-words " SYSSET_VERSION);
-    else
-        std::fprintf(stderr, "sysset-words: unknown option; try --help\n");
-    return option == "--help" || option == "--version" ? 0 : BAD_USAGE;
-}
-
 } // namespace
 
 int main(int argc, char **argv)
 {
     if (argc > 1)
-        return answerOptions(argv[1]);
+        return service::answerOption(argv[1], HELP, "sysset-words", SYSSET_VERSION);
     try {
         serve();
         return 0;
