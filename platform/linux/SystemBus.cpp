@@ -2,7 +2,6 @@
 
 #include "platform/posix/threads.h"
 
-#include <atomic>
 #include <cstdint>
 #include <utility>
 
@@ -14,6 +13,9 @@ using std::chrono::milliseconds;
 // How long an answer may take as far as the library is concerned: whoever waits has a time of his
 // own, and the bus itself ends a call whose service dies.
 constexpr std::uint64_t FOREVER = UINT64_MAX;
+
+// In which a service that runs answers the question; until then nobody is refused for its sake.
+constexpr milliseconds QUESTION_TIME{50};
 
 } // namespace
 
@@ -44,9 +46,10 @@ private:
 // A service that has not answered, and the question that waits for it.
 struct SystemBus::Silent
 {
+    Clock::time_point asked = Clock::now();
     Connection connection; // before the proxy, which uses it
     std::unique_ptr<sdbus::IProxy> proxy;
-    std::atomic<bool> isOver{false};
+    bool isOver = false;
 };
 
 std::string SystemBus::exchange(const BusMethod &method, milliseconds timeout, const Begin &begin)
@@ -147,13 +150,16 @@ bool SystemBus::isLate()
 
 bool SystemBus::isSilent(const std::string &service)
 {
-    const std::lock_guard lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     const auto found = m_silent.find(service);
     if (found == m_silent.end())
         return false;
-    if (!found->second->isOver)
+    const std::shared_ptr<Silent> silent = found->second;
+    m_changed.wait_until(lock, silent->asked + QUESTION_TIME, [&] { return silent->isOver; });
+    if (!silent->isOver)
         return true;
-    m_silent.erase(found);
+    if (const auto now = m_silent.find(service); now != m_silent.end() && now->second == silent)
+        m_silent.erase(now);
     return false;
 }
 
@@ -168,10 +174,13 @@ void SystemBus::noteSilence(const Connection &connection, const BusMethod &metho
         sdbus::MethodCall question =
             silent->proxy->createMethodCall("org.freedesktop.DBus.Properties", "GetAll");
         question << std::string(method.interface);
-        silent->proxy->callMethod(question, [watched = std::weak_ptr(silent)](
+        silent->proxy->callMethod(question, [this, watched = std::weak_ptr(silent)](
                                                 sdbus::MethodReply &, const sdbus::Error *) {
-            if (const auto alive = watched.lock())
+            if (const auto alive = watched.lock()) {
+                const std::lock_guard lock(m_mutex);
                 alive->isOver = true;
+                m_changed.notify_all();
+            }
         });
     } catch (const sdbus::Error &) {
         return; // the connection is being lost

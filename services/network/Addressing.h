@@ -2,6 +2,7 @@
 #pragma once
 
 #include "services/network/Network.h"
+#include "services/network/Profile.h"
 
 #include <string>
 

@@ -1,6 +1,7 @@
 #include "services/network/Apn.h"
 
 #include "services/network/GLib.h"
+#include "services/network/Profile.h"
 
 #include <algorithm>
 
@@ -64,12 +65,6 @@ Setting *need(NMConnection *profile, Setting *setting, NMSetting *(*make)())
     NMSetting *made = make();
     nm_connection_add_setting(profile, made);
     return reinterpret_cast<Setting *>(made);
-}
-
-NMSettingUser *userSetting(NMConnection *profile)
-{
-    return reinterpret_cast<NMSettingUser *>(
-        nm_connection_get_setting(profile, NM_TYPE_SETTING_USER));
 }
 
 std::string kept(NMConnection *profile, const char *key)

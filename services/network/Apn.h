@@ -18,9 +18,8 @@ struct Apn
 // What is dialled with, and what is only kept:
 //   own, "pap" "chap"  gsm.apn, gsm.username, gsm.password; ppp refuses the other ways
 //   own, ""            the same, ppp refuses nothing
-//   own, "none"        gsm.apn; user and password kept. ppp refuses nothing, as many modems ask for
-//   a
-//                      login themselves and take any, an empty one too
+//   own, "none"        gsm.apn; user and password kept. ppp refuses nothing, as many modems ask
+//                      for a login themselves and take any, an empty one too
 //   default            none of it; all kept
 // gsm.apn is left out for a default: the modem's or the network's subscription decides (3GPP TS
 // 23.060, 9.2.1). gsm.auto-config is off, as it fails without mobile-broadband-provider-info.
@@ -32,8 +31,7 @@ struct Apn
 // False, and the profile as it was: an authentication of another kind; a text that is not UTF-8,
 // has control characters or more than 255 bytes (pppd(8), MAXNAMELEN, MAXSECRETLEN); for own
 // settings a name that NetworkManager refuses: over 64 characters, or others than letters, digits,
-// ".", "_" and
-// "-" inside of blanks, which are cut off.
+// ".", "_" and "-" inside of blanks, which are cut off.
 bool applyApn(NMConnection *profile, const Apn &apn);
 
 // The setting whose secret the password is, as nm_remote_connection_get_secrets_async() takes it;

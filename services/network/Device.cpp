@@ -5,6 +5,7 @@
 namespace network {
 namespace {
 
+constexpr gint64 PENALTY = 20000; // NetworkManager.conf(5), [connectivity]
 constexpr const char *WATCHED[] = {"notify::" NM_DEVICE_STATE, "notify::" NM_DEVICE_HW_ADDRESS};
 constexpr const char *LEASE[] = {"notify::" NM_IP_CONFIG_ADDRESSES, "notify::" NM_IP_CONFIG_GATEWAY,
                                  "notify::" NM_IP_CONFIG_NAMESERVERS};
@@ -55,7 +56,7 @@ std::optional<Kind> kindOf(NMDevice *device)
 
 void Device::attach(NMDevice *device, const std::function<void()> &changed)
 {
-    detach();
+    letGo();
     m_device = share(device);
     for (const char *signal : WATCHED)
         m_handlers.add(device, signal, changed);
@@ -78,12 +79,27 @@ void Device::watchLease(const std::function<void()> &changed)
     }
 }
 
-void Device::detach(std::optional<Record> told)
+void Device::letGo()
 {
-    m_told = std::move(told);
+    m_hold.stop();
     m_lease.clear();
     m_handlers.clear();
     m_device.reset();
+}
+
+void Device::hold(std::chrono::milliseconds time, std::function<void()> ended)
+{
+    letGo();
+    if (m_told)
+        m_hold.start(time, std::move(ended));
+    else
+        ended();
+}
+
+void Device::detach()
+{
+    letGo();
+    m_told.reset();
 }
 
 NMDeviceState Device::state() const
@@ -106,15 +122,34 @@ bool Device::isLinked() const
     return false;
 }
 
+bool Device::isPenalised() const
+{
+    NMIPConfig *config = isActive() ? nm_device_get_ip4_config(get()) : nullptr;
+    if (config == nullptr || nm_device_get_connectivity(get(), AF_INET) != NM_CONNECTIVITY_FULL)
+        return false;
+    const GPtrArray *routes = nm_ip_config_get_routes(config);
+    for (guint index = 0; index < routes->len; ++index) {
+        auto *route = static_cast<NMIPRoute *>(g_ptr_array_index(routes, index));
+        if (nm_ip_route_get_prefix(route) == 0 && nm_ip_route_get_metric(route) >= PENALTY)
+            return true;
+    }
+    return false;
+}
+
 std::string Device::ipInterface() const
 {
     return isPresent() ? toString(nm_device_get_ip_iface(get())) : std::string();
 }
 
+NMActiveConnection *Device::connection() const
+{
+    return isPresent() ? nm_device_get_active_connection(get()) : nullptr;
+}
+
 Record Device::record(NMConnection *profile) const
 {
-    if (m_told)
-        return *m_told;
+    if (isHeld())
+        return heldRecord();
     Record record;
     record.device = m_name;
     record.kind = nameOf(m_kind);
@@ -127,9 +162,24 @@ Record Device::record(NMConnection *profile) const
     record.isLinked = isLinked();
     record.isUp = m_on && (m_kind == Kind::Ethernet || state() >= NM_DEVICE_STATE_DISCONNECTED ||
                            m_kind == Kind::Modem);
-    record.isNormal = m_on && isActive() && record.isLinked;
     if (m_on)
         fillAddress(record, profile);
+    record.isNormal = m_on && isActive() && record.isLinked && !record.address.empty();
+    return record;
+}
+
+// The operator may have switched it meanwhile.
+Record Device::heldRecord() const
+{
+    if (m_told->isOn == m_on)
+        return *m_told;
+    Record record;
+    record.device = m_name;
+    record.kind = nameOf(m_kind);
+    record.mac = m_told->mac;
+    record.isPresent = true;
+    record.isOn = m_on;
+    record.usesDhcp = m_told->usesDhcp;
     return record;
 }
 

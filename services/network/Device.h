@@ -22,13 +22,20 @@ public:
 
     Kind kind() const { return m_kind; }
     const std::string &name() const { return m_name; }
+    // What the operator's choice and the profile are kept under.
+    std::string key() const { return keyOf(m_kind, m_name); }
 
     // Plugged in; `changed` is called after what the record tells may have changed.
     void attach(NMDevice *device, const std::function<void()> &changed);
-    // Unplugged; with a record that is told instead where that is not certain.
-    void detach(std::optional<Record> told = std::nullopt);
+    // Who knows the device is away for a moment: the record that was told last stands for at most
+    // that time. Then, or if none was told, it is unplugged, and `ended` is called.
+    void hold(std::chrono::milliseconds time, std::function<void()> ended);
+    void detach();
     bool isPresent() const { return m_device != nullptr; }
-    // Null while it is unplugged.
+    bool isHeld() const { return m_hold.isRunning(); }
+    // Not unplugged, as far as can be told.
+    bool isKnown() const { return isPresent() || isHeld(); }
+    // Null unless it is present.
     NMDevice *get() const { return m_device.get(); }
 
     bool isOn() const { return m_on; }
@@ -37,14 +44,22 @@ public:
     NMDeviceState state() const;
     bool isActive() const { return state() == NM_DEVICE_STATE_ACTIVATED; }
     bool isLinked() const;
+    // It leads somewhere, and its way out has NetworkManager's penalty for one that does not.
+    bool isPenalised() const;
     // Where packets leave: for a modem another interface than the device's own; "" without one.
     std::string ipInterface() const;
+    // What it is connected by, or is about to be; null without.
+    NMActiveConnection *connection() const;
 
     // With the addressing of its profile, which may be null.
     Record record(NMConnection *profile) const;
+    // The record that was told.
+    void remember(const Record &told) { m_told = told; }
 
 private:
     void watchLease(const std::function<void()> &changed);
+    void letGo();
+    Record heldRecord() const;
     std::string ownAddress() const;
     void fillAddress(Record &record, NMConnection *profile) const;
 
@@ -52,7 +67,8 @@ private:
     std::string m_name;
     bool m_on;
     Object<NMDevice> m_device;
-    std::optional<Record> m_told; // in the place of a device that is not there
+    std::optional<Record> m_told; // last
+    Timer m_hold;
     Handlers m_handlers;
     Handlers m_lease; // of the address in force
 };

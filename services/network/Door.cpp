@@ -173,11 +173,9 @@ void Door::tellDevices(const std::vector<Record> &records)
     panel_network1_emit_devices_changed(m_interface.get(), network::toVariant(records));
 }
 
-void Door::tellModem()
+void Door::tellModem(const ModemStatus &status)
 {
-    ModemStatus status;
-    if (m_cellular.status(status) == Outcome::Done)
-        panel_network1_emit_modem_changed(m_interface.get(), network::toVariant(status));
+    panel_network1_emit_modem_changed(m_interface.get(), network::toVariant(status));
 }
 
 // --- Devices and addresses ---------------------------------------------------------------------
@@ -244,7 +242,7 @@ void Door::getAccessPoints(GDBusMethodInvocation *call, gboolean)
 void Door::getWifi(GDBusMethodInvocation *call, gboolean)
 {
     Wifi *wifi = m_network.wifi();
-    if (wifi == nullptr || !wifi->device().isPresent())
+    if (wifi == nullptr || !wifi->device().isKnown())
         return refuse(call, Outcome::NoDevice);
     if (const auto request = Request::open(*this, call))
         wifi->status([request](const WifiStatus &status) {

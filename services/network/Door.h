@@ -21,7 +21,7 @@ public:
     Door &operator=(const Door &) = delete;
 
     void tellDevices(const std::vector<Record> &records);
-    void tellModem();
+    void tellModem(const ModemStatus &status);
 
 private:
     class Request;

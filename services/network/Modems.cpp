@@ -83,7 +83,7 @@ private:
     };
 
     void connect();
-    void connected(GAsyncResult *result);
+    void connected();
     Object<GDBusObject> find(const std::string &path) const;
     void refresh();
     Modem read(GDBusObject *object);
@@ -99,18 +99,30 @@ private:
     Calls m_calls;
 };
 
+// GDBusObjectManagerClient's asynchronous start works in a thread, with a name that the main loop's
+// thread frees if the service dies meanwhile (GLib 2.74). The other one waits for two answers of a
+// service that has just shown that it answers.
 void Modems::Session::connect()
 {
-    mm_manager_new(m_modems.m_connection.get(),
-                   G_DBUS_OBJECT_MANAGER_CLIENT_FLAGS_DO_NOT_AUTO_START, m_calls.cancellable(),
-                   Calls::answer,
-                   m_calls.expect([this](GObject *, GAsyncResult *result) { connected(result); }));
+    g_dbus_connection_call(m_modems.m_connection.get(), MM_DBUS_SERVICE, MM_DBUS_PATH,
+                           "org.freedesktop.DBus.ObjectManager", "GetManagedObjects", nullptr,
+                           nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, m_calls.cancellable(),
+                           Calls::answer,
+                           m_calls.expect([this](GObject *source, GAsyncResult *result) {
+                               const Variant answer(g_dbus_connection_call_finish(
+                                   G_DBUS_CONNECTION(source), result, nullptr));
+                               if (answer)
+                                   connected();
+                               else
+                                   m_retry.start(RETRY_TIME, [this] { connect(); });
+                           }));
 }
 
-void Modems::Session::connected(GAsyncResult *result)
+void Modems::Session::connected()
 {
-    Error error;
-    m_manager.reset(mm_manager_new_finish(result, &error));
+    m_manager.reset(mm_manager_new_sync(m_modems.m_connection.get(),
+                                        G_DBUS_OBJECT_MANAGER_CLIENT_FLAGS_DO_NOT_AUTO_START,
+                                        nullptr, nullptr));
     if (m_manager == nullptr) {
         m_retry.start(RETRY_TIME, [this] { connect(); });
         return;

@@ -1,29 +1,21 @@
 #include "services/network/Network.h"
 
 #include "services/common/Journal.h"
+#include "services/network/Profile.h"
 
 #include <algorithm>
-#include <net/if.h>
-#include <set>
-#include <tuple>
 
 namespace network {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto BURST_TIME = 40ms;
 constexpr auto RETRY_TIME = 1s;
-// NetworkManager, or ModemManager, is started again meanwhile.
-constexpr auto ABSENCE_TIME = 30s;
 
 constexpr int BEST_METRIC = 100;
 constexpr int METRIC_STEP = 100;
 
-void callWith(const Done &done, bool succeeded)
-{
-    done(succeeded ? Outcome::Done : Outcome::Failed);
-}
+void ignore(bool) {}
 
 } // namespace
 
@@ -33,12 +25,20 @@ Network::Network(GDBusConnection *bus, Modems &modems, Settings settings, std::s
       m_modems(modems),
       m_settings(std::move(settings)),
       m_folder(std::move(folder)),
-      m_ethernet(std::move(ethernet)),
       m_told(std::move(told)),
-      m_supplicant(bus, [this] {
-          if (m_wifi)
-              m_wifi->refused();
-      })
+      m_devices(modems, std::move(ethernet),
+                {[this](Kind kind, const std::string &name) {
+                     return m_settings.isOn(keyOf(kind, name));
+                 },
+                 [this](Device &device) { onAttached(device); },
+                 [this](Device &device) { onDeviceChanged(device); }}),
+      m_supplicant(bus,
+                   [this] {
+                       if (Wifi *shown = wifi())
+                           shown->refused();
+                   }),
+      m_burst([this] { tell(); }),
+      m_penalties([this](const Device &device) { m_links->renewRoutes(device); })
 {
     connect();
 }
@@ -69,20 +69,17 @@ void Network::onConnected(GObject *source, GAsyncResult *result)
     NMClient *client = NM_CLIENT(made.get());
     m_links = std::make_unique<Links>(client, m_folder);
     m_handlers.add(client, "notify::" NM_CLIENT_NM_RUNNING, [this] { onRunning(); });
-    m_handlers.add(client, "notify::" NM_CLIENT_DEVICES, [this] { adoptAll(); });
     m_handlers.add(client, "notify::" NM_CLIENT_CONNECTIONS, [this] { watchProfiles(); });
     watchProfiles();
-    adoptAll();
-    onRunning();
+    m_devices.watch(client);
 }
 
 void Network::onRunning()
 {
     if (nm_client_get_nm_running(m_links->client()) != FALSE)
-        return adoptAll();
+        return;
     service::say("NetworkManager is away");
     m_takenOver.clear();
-    m_absence.start(ABSENCE_TIME, [this] { dropAbsent(); });
 }
 
 // A profile that was changed is read again some time after the answer that it is kept.
@@ -91,156 +88,80 @@ void Network::watchProfiles()
     m_profiles.clear();
     const GPtrArray *all = nm_client_get_connections(m_links->client());
     for (guint index = 0; index < all->len; ++index)
-        m_profiles.add(g_ptr_array_index(all, index), NM_CONNECTION_CHANGED, [this] { changed(); });
-    for (const auto &device : m_devices) {
-        if (!device->isPresent() || m_links->profileOf(*device) == nullptr)
+        m_profiles.add(g_ptr_array_index(all, index), NM_CONNECTION_CHANGED, [this] {
+            for (const auto &wifi : m_wifis)
+                wifi->profilesChanged();
+            m_burst.changed();
+        });
+    for (Device *device : m_devices.all()) {
+        if (!device->isPresent() || profileOf(*device) == nullptr)
             continue;
         putInOrder(*device);
         takeOver(*device);
     }
-    changed();
-}
-
-void Network::adoptAll()
-{
-    const GPtrArray *all = nm_client_get_devices(m_links->client());
-    std::set<NMDevice *> there;
-    m_unmanaged.clear();
-    for (guint index = 0; index < all->len; ++index) {
-        auto *device = NM_DEVICE(g_ptr_array_index(all, index));
-        there.insert(device);
-        adopt(device);
-    }
-    for (const auto &device : m_devices) {
-        if (device->isPresent() && there.count(device->get()) == 0)
-            release(*device);
-    }
-    changed();
-}
-
-void Network::adopt(NMDevice *nm)
-{
-    const auto kind = kindOf(nm);
-    if (!kind)
-        return;
-    if (nm_device_get_state(nm) <= NM_DEVICE_STATE_UNMANAGED)
-        return m_unmanaged.add(nm, "notify::" NM_DEVICE_STATE, [this] { adoptAll(); });
-    Device &device = deviceOf(*kind, toString(nm_device_get_iface(nm)));
-    if (device.get() == nm)
-        return;
-    device.attach(nm, [this, &device] { onDeviceChanged(device); });
-    if (*kind == Kind::Modem && std::exchange(m_isProbed, false))
-        m_isToDial = true;
-    if (*kind == Kind::Wifi && (!m_wifi || !m_wifi->device().isPresent()))
-        m_wifi = &wifiOf(device);
-    putInOrder(device);
-    takeOver(device);
-    dialProbed(device);
-}
-
-Wifi &Network::wifiOf(const Device &device)
-{
-    for (const auto &wifi : m_wifis) {
-        if (&wifi->device() == &device)
-            return *wifi;
-    }
-    m_wifis.push_back(std::make_unique<Wifi>(*m_links, device, [this] { tellChange(); }));
-    return *m_wifis.back();
-}
-
-// By itself NetworkManager would not: the operator's word that ended the last call counts for the
-// profile, and outlives the device.
-void Network::dialProbed(const Device &device)
-{
-    const bool isReady = device.state() >= NM_DEVICE_STATE_DISCONNECTED;
-    if (device.kind() != Kind::Modem || !isReady || !std::exchange(m_isToDial, false))
-        return;
-    const bool isIdle = device.state() == NM_DEVICE_STATE_DISCONNECTED;
-    if (device.isOn() && isIdle && profileOf(device) != nullptr)
-        m_links->activate(device, [](bool) {});
-}
-
-// A device is not unplugged because the service that knows it is away for a moment.
-void Network::release(Device &device)
-{
-    const bool isHeld = isAway() || isStillThere(device);
-    device.detach(isHeld ? lastTold(device) : std::nullopt);
-    if (isHeld)
-        m_absence.start(ABSENCE_TIME, [this] { dropAbsent(); });
-    if (m_wifi && &m_wifi->device() == &device)
-        m_wifi->forget();
-}
-
-bool Network::isAway() const
-{
-    return nm_client_get_dbus_name_owner(m_links->client()) == nullptr;
-}
-
-bool Network::isStillThere(const Device &device) const
-{
-    if (device.kind() != Kind::Modem)
-        return ::if_nametoindex(device.name().c_str()) != 0;
-    return m_isProbed || !m_modems.isRunning() ||
-           m_modems.all().count(toString(nm_device_get_udi(device.get()))) != 0;
-}
-
-std::optional<Record> Network::lastTold(const Device &device) const
-{
-    const auto found =
-        std::find_if(m_lastTold.begin(), m_lastTold.end(),
-                     [&](const Record &record) { return record.device == device.name(); });
-    return found == m_lastTold.end() ? std::nullopt : std::optional(*found);
-}
-
-void Network::dropAbsent()
-{
-    m_isProbed = false;
-    for (const auto &device : m_devices) {
-        if (!device->isPresent())
-            device->detach(std::nullopt);
-    }
-    changed();
+    m_burst.changed();
 }
 
 // --- Devices -----------------------------------------------------------------------------------
 
-Device &Network::deviceOf(Kind kind, const std::string &name)
+// What the operator has chosen holds after a start of either service, of the modem or of the panel.
+void Network::onAttached(Device &device)
 {
-    for (const auto &device : m_devices) {
-        if (device->kind() == kind && device->name() == name)
-            return *device;
-    }
-    m_devices.push_back(std::make_unique<Device>(kind, name, m_settings.isOn(name)));
-    std::sort(m_devices.begin(), m_devices.end(), [this](const auto &one, const auto &other) {
-        const auto place = [this](const Device &device) {
-            return std::tuple(device.kind(), device.name() == m_ethernet);
-        };
-        return std::pair(place(*one), other->name()) < std::pair(place(*other), one->name());
-    });
-    return deviceOf(kind, name);
+    if (device.kind() == Kind::Wifi && wifiOf(device) == nullptr)
+        m_wifis.push_back(std::make_unique<Wifi>(*m_links, m_supplicant, device, [this, &device] {
+            if (device.isPresent())
+                putInOrder(device); // a network that has just been joined
+            tellChange();
+        }));
+    learn(device);
+    putInOrder(device);
+    if (device.isOn())
+        bringUp(device);
+    takeOver(device);
+    if (Wifi *wifi = wifiOf(device))
+        wifi->attached();
+    m_penalties.changed(device);
+    m_burst.changed();
 }
 
-const Device *Network::find(const std::string &name) const
+void Network::onDeviceChanged(Device &device)
 {
-    const auto found = std::find_if(m_devices.begin(), m_devices.end(),
-                                    [&](const auto &device) { return device->name() == name; });
-    return found == m_devices.end() ? nullptr : found->get();
+    if (Wifi *wifi = wifiOf(device))
+        device.isPresent() ? wifi->stateChanged() : wifi->lost();
+    takeOver(device);
+    dialOnce(device);
+    m_penalties.changed(device);
+    m_burst.changed();
 }
 
-Device *Network::findKind(Kind kind) const
+Wifi *Network::wifiOf(const Device &device) const
 {
-    Device *found = nullptr;
-    for (const auto &device : m_devices) {
-        if (device->kind() == kind && (found == nullptr || device->isPresent()))
-            found = device.get();
-    }
-    return found;
+    const auto found = std::find_if(m_wifis.begin(), m_wifis.end(),
+                                    [&](const auto &wifi) { return &wifi->device() == &device; });
+    return found == m_wifis.end() ? nullptr : found->get();
 }
 
-// What the settings say, after a start of either service or of the panel.
+Wifi *Network::wifi() const
+{
+    const Device *device = findKind(Kind::Wifi);
+    return device == nullptr ? nullptr : wifiOf(*device);
+}
+
+// The profiles have what the settings had.
+void Network::learn(Device &device)
+{
+    NMRemoteConnection *profile = profileOf(device);
+    if (!m_settings.isLost() || profile == nullptr)
+        return;
+    m_settings.learn(device.key(), isAutomatic(NM_CONNECTION(profile)));
+    device.setOn(m_settings.isOn(device.key()));
+    if (network::metricOf(NM_CONNECTION(profile)) == BEST_METRIC)
+        m_settings.learn(device.kind());
+}
+
 void Network::putInOrder(Device &device)
 {
-    NMRemoteConnection *profile = m_links->profileOf(device);
+    NMRemoteConnection *profile = profileOf(device);
     const int metric = metricOf(device.kind());
     const bool on = device.isOn();
     const bool isRight = profile != nullptr && isAutomatic(NM_CONNECTION(profile)) == on &&
@@ -254,62 +175,65 @@ void Network::putInOrder(Device &device)
                 setMetric(changed, metric);
                 return true;
             },
-            [](bool) {});
+            ignore);
     if (!on)
         m_links->disconnect(device, [this, &device](bool) { powerModem(device, false, [] {}); });
 }
 
-Device *Network::findPresent(const std::string &name) const
+// What a service that has died has left half done. Of two profiles of a network one is too many.
+void Network::bringUp(const Device &device)
 {
-    const auto found = std::find_if(m_devices.begin(), m_devices.end(), [&](const auto &device) {
-        return device->name() == name && device->isPresent();
-    });
-    return found == m_devices.end() ? nullptr : found->get();
+    m_links->letAutomatic(device);
+    if (NMRemoteConnection *profile = profileOf(device))
+        m_links->removeOthers(device, profile);
+    if (device.kind() == Kind::Modem)
+        m_toDial.insert(&device);
+    dialOnce(device);
 }
 
-void Network::onDeviceChanged(const Device &device)
+// By itself NetworkManager would not: the operator's word that ended the last call counts for the
+// profile, and outlives the device.
+void Network::dialOnce(const Device &device)
 {
-    if (m_wifi && &m_wifi->device() == &device)
-        m_wifi->stateChanged();
-    takeOver(device);
-    dialProbed(device);
-    changed();
+    if (device.state() < NM_DEVICE_STATE_DISCONNECTED || m_toDial.erase(&device) == 0)
+        return;
+    const bool isIdle = device.state() == NM_DEVICE_STATE_DISCONNECTED;
+    if (device.isOn() && isIdle && profileOf(device) != nullptr)
+        m_links->activate(device, ignore);
 }
 
 // NetworkManager, started again after it has died, leaves a cable's address as it finds it: nothing
 // renews its lease, and there are no name servers.
 void Network::takeOver(const Device &device)
 {
-    NMActiveConnection *active = device.isActive() && device.isOn()
-                                     ? nm_device_get_active_connection(device.get())
-                                     : nullptr;
-    if (device.kind() != Kind::Ethernet || active == nullptr ||
-        m_links->profileOf(device) == nullptr)
+    NMActiveConnection *active = device.isActive() && device.isOn() ? device.connection() : nullptr;
+    if (device.kind() != Kind::Ethernet || active == nullptr || profileOf(device) == nullptr)
         return;
     const unsigned flags = nm_active_connection_get_state_flags(active);
     if ((flags & NM_ACTIVATION_STATE_FLAG_EXTERNAL) != 0 &&
         m_takenOver.insert(toString(nm_object_get_path(NM_OBJECT(active)))).second)
-        m_links->activate(device, [](bool) {});
+        m_links->activate(device, ignore);
 }
 
+// --- Switches ----------------------------------------------------------------------------------
+
+// The settings are the choice; the profile follows it when it can, at the latest when the device is
+// there again.
 void Network::switchDevice(const std::string &name, bool on, const Done &done)
 {
-    Device *device = findPresent(name);
-    if (device == nullptr)
+    Device *device = m_devices.find(name);
+    if (device == nullptr || !device->isKnown())
         return done(Outcome::NoDevice);
-    if (!m_settings.setOn(name, on))
+    if (!m_settings.setOn(device->key(), on))
         return done(Outcome::Failed);
-    if (m_wifi && &m_wifi->device() == device)
-        m_wifi->forget();
-    const auto finish = [this, device, on, done](bool kept) {
-        if (!kept)
-            m_settings.setOn(device->name(), device->isOn());
-        else
-            finishSwitch(*device, on);
-        callWith(done, kept);
+    if (Wifi *wifi = wifiOf(*device))
+        wifi->forget();
+    const auto finish = [this, device, on, done](bool) {
+        finishSwitch(*device, on);
+        done(Outcome::Done);
     };
-    if (m_links->profileOf(*device) == nullptr)
-        return finish(true);
+    if (profileOf(*device) == nullptr)
+        return finish(false);
     m_links->rewrite(
         *device,
         [on](NMConnection *profile) {
@@ -319,16 +243,11 @@ void Network::switchDevice(const std::string &name, bool on, const Done &done)
         finish);
 }
 
-// What cannot be done at once, without a cable or while a service is away, is done when it can: the
-// operator's choice is kept. A modem may take half a minute to find its network.
+// A modem may take half a minute to find its network.
 void Network::finishSwitch(Device &device, bool on)
 {
     if (!on)
-        return m_links->disconnect(device, [this, &device](bool) {
-            device.setOn(false);
-            tellChange();
-            powerModem(device, false, [] {});
-        });
+        return finishOff(device);
     device.setOn(true);
     tellChange();
     m_links->letAutomatic(device);
@@ -336,7 +255,18 @@ void Network::finishSwitch(Device &device, bool on)
         const bool canBe =
             device.state() >= NM_DEVICE_STATE_DISCONNECTED && profileOf(device) != nullptr;
         if (device.isOn() && canBe)
-            m_links->activate(device, [](bool) {});
+            m_links->activate(device, ignore);
+    });
+}
+
+void Network::finishOff(Device &device)
+{
+    m_links->disconnect(device, [this, &device](bool) {
+        if (m_settings.isOn(device.key())) // meanwhile
+            return;
+        device.setOn(false);
+        tellChange();
+        powerModem(device, false, [] {});
     });
 }
 
@@ -349,18 +279,19 @@ void Network::powerModem(const Device &device, bool on, std::function<void()> th
     const std::string path = toString(nm_device_get_udi(device.get()));
     if (!on)
         return m_modems.enable(path, false, [then = std::move(then)](bool) { then(); });
-    m_isProbed = true;
-    m_modems.renew(path, [this, path, then = std::move(then)](bool begun) {
+    m_devices.expectProbe(device);
+    m_modems.renew(path, [this, &device, path, then = std::move(then)](bool begun) {
         if (begun)
             return;
-        m_isProbed = false;
+        m_devices.forgetProbe(device);
         m_modems.enable(path, true, [then](bool) { then(); });
     });
 }
 
 void Network::change(const Device &device, Links::Edit edit, Done done)
 {
-    if (device.kind() == Kind::Wifi && m_links->profileOf(device) == nullptr)
+    const Wifi *wifi = wifiOf(device);
+    if (!m_links || (wifi != nullptr && (wifi->isJoining() || profileOf(device) == nullptr)))
         return done(Outcome::Failed);
     const bool on = device.isOn();
     const int metric = metricOf(device.kind());
@@ -374,7 +305,7 @@ void Network::change(const Device &device, Links::Edit edit, Done done)
         [this, done = std::move(done)](bool kept) {
             if (kept)
                 tellChange();
-            callWith(done, kept);
+            done(kept ? Outcome::Done : Outcome::Failed);
         });
 }
 
@@ -398,8 +329,8 @@ Outcome Network::setPreferred(Kind kind)
 {
     if (!m_settings.setPreferred(kind))
         return Outcome::Failed;
-    for (const auto &device : m_devices) {
-        if (m_links && device->isPresent())
+    for (Device *device : m_devices.all()) {
+        if (device->isPresent())
             putInOrder(*device);
     }
     return Outcome::Done;
@@ -407,7 +338,8 @@ Outcome Network::setPreferred(Kind kind)
 
 Outcome Network::joinWifi()
 {
-    return m_wifi ? m_wifi->join(metricOf(Kind::Wifi)) : Outcome::NoDevice;
+    Wifi *shown = wifi();
+    return shown == nullptr ? Outcome::NoDevice : shown->join(metricOf(Kind::Wifi));
 }
 
 // --- Records -----------------------------------------------------------------------------------
@@ -419,15 +351,14 @@ NMRemoteConnection *Network::profileOf(const Device &device) const
 
 Record Network::recordOf(const Device &device) const
 {
-    NMRemoteConnection *profile = profileOf(device);
+    NMRemoteConnection *profile = m_links ? m_links->inUse(device) : nullptr;
     return device.record(profile == nullptr ? nullptr : NM_CONNECTION(profile));
 }
 
 std::vector<Record> Network::records() const
 {
     std::vector<Record> records;
-    records.reserve(m_devices.size());
-    for (const auto &device : m_devices)
+    for (const Device *device : m_devices.all())
         records.push_back(recordOf(*device));
     return records;
 }
@@ -435,33 +366,26 @@ std::vector<Record> Network::records() const
 Outcome Network::record(const std::string &name, Record &record) const
 {
     const Device *device = find(name);
-    if (device == nullptr)
+    if (device == nullptr || !device->isKnown())
         return Outcome::NoDevice;
-    Record now = recordOf(*device);
-    if (!now.isPresent)
-        return Outcome::NoDevice;
-    record = std::move(now);
+    record = recordOf(*device);
     return Outcome::Done;
 }
 
 void Network::tellChange()
 {
     m_isForced = true;
-    changed();
+    m_burst.changed();
 }
 
-void Network::changed()
-{
-    if (!m_burst.isRunning())
-        m_burst.start(BURST_TIME, [this] { tell(); });
-}
-
-// What NetworkManager leaves behind when it dies says nothing about the devices.
 void Network::tell()
 {
-    if (m_links && isAway() && m_absence.isRunning())
-        return;
-    std::vector<Record> now = records();
+    std::vector<Record> now;
+    for (Device *device : m_devices.all()) {
+        now.push_back(recordOf(*device));
+        if (device->isKnown())
+            device->remember(now.back());
+    }
     if (!std::exchange(m_isForced, false) && now == m_lastTold)
         return;
     m_lastTold = std::move(now);

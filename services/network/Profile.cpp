@@ -8,7 +8,11 @@ namespace {
 constexpr int FOR_EVER = 0;               // connection.autoconnect-retries
 constexpr int INFINITE = 0x7FFFFFFF;      // ipv4.dhcp-timeout
 constexpr int CONFLICT_TIMEOUT_MS = 1000; // ipv4.dad-timeout
+constexpr int BY_DEFAULT = -1;            // ipv4.dad-timeout
 constexpr int NO_METRIC = -1;
+
+// NetworkManager takes no name servers for a device without an address: they wait here for one.
+constexpr const char *WAITING[] = {"panel-dns.preferred", "panel-dns.alternate"};
 
 NMSettingIPConfig *ipv4(NMConnection *profile)
 {
@@ -41,9 +45,14 @@ NMSetting *newDeviceSetting(Kind kind)
     return nullptr;
 }
 
+// Only a typed address is tried for another host that has it: a server's would be told a second
+// late.
 void setMethod(NMConnection *profile, const char *method)
 {
-    g_object_set(ipv4(profile), NM_SETTING_IP_CONFIG_METHOD, method, nullptr);
+    const bool isTyped = std::strcmp(method, NM_SETTING_IP4_CONFIG_METHOD_MANUAL) == 0;
+    g_object_set(ipv4(profile), NM_SETTING_IP_CONFIG_METHOD, method,
+                 NM_SETTING_IP_CONFIG_DAD_TIMEOUT, isTyped ? CONFLICT_TIMEOUT_MS : BY_DEFAULT,
+                 nullptr);
 }
 
 void clearAddresses(NMSettingIPConfig *setting)
@@ -52,22 +61,44 @@ void clearAddresses(NMSettingIPConfig *setting)
     nm_setting_ip_config_clear_addresses(setting);
 }
 
-void clearServers(NMSettingIPConfig *setting)
+Servers waitingServers(NMConnection *profile)
 {
-    nm_setting_ip_config_clear_dns(setting);
-    g_object_set(setting, NM_SETTING_IP_CONFIG_IGNORE_AUTO_DNS, FALSE, nullptr);
+    NMSettingUser *user = userSetting(profile);
+    if (user == nullptr)
+        return {};
+    return {toString(nm_setting_user_get_data(user, WAITING[0])),
+            toString(nm_setting_user_get_data(user, WAITING[1]))};
+}
+
+void letWait(NMConnection *profile, const Servers &servers)
+{
+    if (userSetting(profile) == nullptr)
+        nm_connection_add_setting(profile, nm_setting_user_new());
+    NMSettingUser *user = userSetting(profile);
+    nm_setting_user_set_data(user, WAITING[0], servers.preferred.c_str(), nullptr);
+    nm_setting_user_set_data(user, WAITING[1], servers.alternate.c_str(), nullptr);
+}
+
+void clearServers(NMConnection *profile)
+{
+    for (const char *key : WAITING) {
+        if (NMSettingUser *user = userSetting(profile))
+            nm_setting_user_set_data(user, key, nullptr, nullptr);
+    }
+    nm_setting_ip_config_clear_dns(ipv4(profile));
+    g_object_set(ipv4(profile), NM_SETTING_IP_CONFIG_IGNORE_AUTO_DNS, FALSE, nullptr);
 }
 
 // Always the same one, so that NetworkManager refuses a second profile for a device whose first one
 // is not known here yet. Of Wi-Fi two stand side by side for a moment. The form is that of RFC
 // 4122.
-std::string uuidOf(Kind kind, const std::string &device)
+std::string uuidOf(Kind kind, const std::string &key)
 {
     using Text = std::unique_ptr<char, decltype(&g_free)>;
     if (kind == Kind::Wifi)
         return Text(nm_utils_uuid_generate(), g_free).get();
-    const Text digest(
-        g_compute_checksum_for_string(G_CHECKSUM_SHA1, profileName(device).c_str(), -1), g_free);
+    const Text digest(g_compute_checksum_for_string(G_CHECKSUM_SHA1, profileName(key).c_str(), -1),
+                      g_free);
     const std::string hex = digest.get();
     return hex.substr(0, 8) + '-' + hex.substr(8, 4) + "-5" + hex.substr(13, 3) + "-8" +
            hex.substr(17, 3) + '-' + hex.substr(20, 12);
@@ -80,9 +111,15 @@ bool hasMethod(NMConnection *profile, const char *method)
 
 } // namespace
 
-std::string profileName(const std::string &device)
+NMSettingUser *userSetting(NMConnection *profile)
 {
-    return "panel-" + device;
+    NMSetting *setting = nm_connection_get_setting(profile, NM_TYPE_SETTING_USER);
+    return setting == nullptr ? nullptr : NM_SETTING_USER(setting);
+}
+
+std::string profileName(const std::string &key)
+{
+    return "panel-" + key;
 }
 
 std::string trialName(const std::string &device)
@@ -94,16 +131,18 @@ Object<NMConnection> newProfile(Kind kind, const std::string &device)
 {
     Object<NMConnection> profile(nm_simple_connection_new());
     NMSetting *connection = nm_setting_connection_new();
-    g_object_set(connection, NM_SETTING_CONNECTION_ID, profileName(device).c_str(),
-                 NM_SETTING_CONNECTION_UUID, uuidOf(kind, device).c_str(),
-                 NM_SETTING_CONNECTION_TYPE, typeOf(kind), NM_SETTING_CONNECTION_INTERFACE_NAME,
-                 device.c_str(), NM_SETTING_CONNECTION_AUTOCONNECT_RETRIES, FOR_EVER, nullptr);
+    const std::string key = keyOf(kind, device);
+    g_object_set(connection, NM_SETTING_CONNECTION_ID, profileName(key).c_str(),
+                 NM_SETTING_CONNECTION_UUID, uuidOf(kind, key).c_str(), NM_SETTING_CONNECTION_TYPE,
+                 typeOf(kind), NM_SETTING_CONNECTION_INTERFACE_NAME,
+                 kind == Kind::Modem ? nullptr : device.c_str(),
+                 NM_SETTING_CONNECTION_AUTOCONNECT_RETRIES, FOR_EVER, nullptr);
     nm_connection_add_setting(profile.get(), connection);
     nm_connection_add_setting(profile.get(), newDeviceSetting(kind));
     NMSetting *ip4 = nm_setting_ip4_config_new();
     g_object_set(ip4, NM_SETTING_IP_CONFIG_METHOD, NM_SETTING_IP4_CONFIG_METHOD_AUTO,
                  NM_SETTING_IP_CONFIG_DHCP_TIMEOUT, INFINITE, NM_SETTING_IP_CONFIG_MAY_FAIL, FALSE,
-                 NM_SETTING_IP_CONFIG_DAD_TIMEOUT, CONFLICT_TIMEOUT_MS, nullptr);
+                 nullptr);
     nm_connection_add_setting(profile.get(), ip4);
     NMSetting *ip6 = nm_setting_ip6_config_new();
     g_object_set(ip6, NM_SETTING_IP_CONFIG_METHOD, NM_SETTING_IP6_CONFIG_METHOD_DISABLED, nullptr);
@@ -143,18 +182,18 @@ bool usesDhcp(NMConnection *profile)
 void useDhcp(NMConnection *profile)
 {
     clearAddresses(ipv4(profile));
-    clearServers(ipv4(profile));
+    clearServers(profile);
     setMethod(profile, NM_SETTING_IP4_CONFIG_METHOD_AUTO);
 }
 
 void useStatic(NMConnection *profile, const std::optional<os::StaticAddress> &address)
 {
     NMSettingIPConfig *setting = ipv4(profile);
+    const Servers servers = serversOf(profile);
     clearAddresses(setting);
-    g_object_set(setting, NM_SETTING_IP_CONFIG_IGNORE_AUTO_DNS, FALSE, nullptr);
     if (!address) {
-        nm_setting_ip_config_clear_dns(setting);
-        return setMethod(profile, NM_SETTING_IP4_CONFIG_METHOD_DISABLED);
+        setMethod(profile, NM_SETTING_IP4_CONFIG_METHOD_DISABLED);
+        return setServers(profile, servers);
     }
     NMIPAddress *own =
         nm_ip_address_new(AF_INET, address->address.c_str(), address->prefix, nullptr);
@@ -163,6 +202,7 @@ void useStatic(NMConnection *profile, const std::optional<os::StaticAddress> &ad
     if (!address->gateway.empty())
         g_object_set(setting, NM_SETTING_IP_CONFIG_GATEWAY, address->gateway.c_str(), nullptr);
     setMethod(profile, NM_SETTING_IP4_CONFIG_METHOD_MANUAL);
+    setServers(profile, servers);
 }
 
 std::optional<os::StaticAddress> staticAddress(NMConnection *profile)
@@ -177,6 +217,8 @@ std::optional<os::StaticAddress> staticAddress(NMConnection *profile)
 
 Servers serversOf(NMConnection *profile)
 {
+    if (hasMethod(profile, NM_SETTING_IP4_CONFIG_METHOD_DISABLED))
+        return waitingServers(profile);
     NMSettingIPConfig *setting = ipv4(profile);
     const guint count = nm_setting_ip_config_get_num_dns(setting);
     const auto server = [&](int index) {
@@ -187,20 +229,19 @@ Servers serversOf(NMConnection *profile)
     return {server(0), server(1)};
 }
 
-bool setServers(NMConnection *profile, const Servers &servers)
+void setServers(NMConnection *profile, const Servers &servers)
 {
+    clearServers(profile);
     if (hasMethod(profile, NM_SETTING_IP4_CONFIG_METHOD_DISABLED))
-        return false;
+        return letWait(profile, servers);
     NMSettingIPConfig *setting = ipv4(profile);
-    clearServers(setting);
     for (const std::string &server : {servers.preferred, servers.alternate}) {
         if (!server.empty())
             nm_setting_ip_config_add_dns(setting, server.c_str());
     }
-    const bool bOwn = nm_setting_ip_config_get_num_dns(setting) > 0;
+    const bool hasOwn = nm_setting_ip_config_get_num_dns(setting) > 0;
     g_object_set(setting, NM_SETTING_IP_CONFIG_IGNORE_AUTO_DNS,
-                 bOwn && usesDhcp(profile) ? TRUE : FALSE, nullptr);
-    return true;
+                 hasOwn && usesDhcp(profile) ? TRUE : FALSE, nullptr);
 }
 
 void copyAddressing(NMConnection *from, NMConnection *to)

@@ -11,11 +11,15 @@ constexpr const char *SETTINGS = "/mnt/data/network/netserver/settings.conf";
 } // namespace
 
 Service::Service(GDBusConnection *bus, const Configuration &configuration)
-    : m_modems(bus, [this] { m_cellular.modemChanged(); }),
+    : m_modems(bus, [this] { m_cellular.changed(); }),
       m_network(bus, m_modems, Settings(panelPath(SETTINGS)), panelPath(FOLDER),
                 configuration.ethernet,
-                [this](const std::vector<Record> &records) { m_door.tellDevices(records); }),
-      m_cellular(m_network, m_modems, [this] { m_door.tellModem(); }),
+                [this](const std::vector<Record> &records) {
+                    m_door.tellDevices(records);
+                    m_cellular.changed(); // which of the modems is the one that is shown
+                }),
+      m_cellular(m_network, m_modems,
+                 [this](const ModemStatus &status) { m_door.tellModem(status); }),
       m_door(bus, m_network, m_cellular, m_pinger)
 {
 }

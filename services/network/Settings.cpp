@@ -43,6 +43,11 @@ bool kindOf(const std::string &name, Kind &kind)
     return false;
 }
 
+std::string keyOf(Kind kind, const std::string &device)
+{
+    return kind == Kind::Modem ? "modem" : device;
+}
+
 Settings::Settings(std::string path) : m_path(std::move(path))
 {
     read();
@@ -53,7 +58,8 @@ void Settings::read()
     const KeyFile file(g_key_file_new());
     Error error;
     if (!g_key_file_load_from_file(file.get(), m_path.c_str(), G_KEY_FILE_NONE, &error)) {
-        if (!error.is(G_FILE_ERROR, G_FILE_ERROR_NOENT))
+        m_isLost = !error.is(G_FILE_ERROR, G_FILE_ERROR_NOENT);
+        if (m_isLost)
             service::warn(m_path + " is not read: " + error.text());
         return;
     }
@@ -89,13 +95,28 @@ bool Settings::write() const
     return false;
 }
 
+void Settings::learn(const std::string &device, bool on)
+{
+    if (m_known.insert(device).second && !on)
+        m_off.insert(device);
+}
+
+void Settings::learn(Kind preferred)
+{
+    if (!std::exchange(m_isPreferenceKnown, true))
+        m_preferred = preferred;
+}
+
 bool Settings::setPreferred(Kind kind)
 {
+    // The program writes back at its start what it has read.
+    m_isPreferenceKnown = m_isPreferenceKnown || kind != m_preferred;
     return keep(kind, m_off);
 }
 
 bool Settings::setOn(const std::string &device, bool on)
 {
+    m_known.insert(device);
     std::set<std::string> off = m_off;
     if (on)
         off.erase(device);

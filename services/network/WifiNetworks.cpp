@@ -1,6 +1,7 @@
 #include "services/network/WifiNetworks.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 
 namespace network {
@@ -98,6 +99,16 @@ std::optional<WifiNetwork> findNetwork(const std::vector<WifiNetwork> &networks,
     const auto found = std::find_if(networks.begin(), networks.end(),
                                     [&](const WifiNetwork &each) { return each.name == name; });
     return found == networks.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<WifiNetwork> findToJoin(const std::vector<Station> &stations, const std::string &name,
+                                      bool hasPassword)
+{
+    std::vector<Station> secured;
+    std::copy_if(stations.begin(), stations.end(), std::back_inserter(secured),
+                 [](const Station &station) { return securityOf(station) >= WPA; });
+    const auto found = hasPassword ? findNetwork(networksOf(secured), name) : std::nullopt;
+    return found ? found : findNetwork(networksOf(stations), name);
 }
 
 bool setNetwork(NMConnection *profile, const WifiLogin &login)

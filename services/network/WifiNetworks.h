@@ -47,6 +47,11 @@ std::vector<WifiNetwork> networksOf(const std::vector<Station> &stations);
 std::optional<WifiNetwork> findNetwork(const std::vector<WifiNetwork> &networks,
                                        const std::string &name);
 
+// The same for a login: who types a password does not mean an open station of that name, if another
+// is there.
+std::optional<WifiNetwork> findToJoin(const std::vector<Station> &stations, const std::string &name,
+                                      bool hasPassword);
+
 // What joins a network with a password. One that is not in range may be hidden.
 struct WifiLogin
 {

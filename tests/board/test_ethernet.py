@@ -2,47 +2,11 @@
 
 import time
 
+from ethernet_page import ETHERNET, GROUPS, LEASE_S, NET, RECORD_S, fields, open_page, wait_fields, wait_lease
 from lab import wait_for
 
-ETHERNET = 0    # tab
 WAITING, OFF = "正在等待分配地址。", "以太网已关闭。"
-GROUPS = ["Ip", "Mask", "GateWay", "Dns1_", "Dns2_"]
-NET = "192.168.10."
-RECORD_S = 10   # from what happens on the board to what the page shows of it
-LEASE_S = 40    # the far end's server answers, and NetworkManager may just have begun to wait longer
 ICON_S = 20     # its ping is every 2 s, and waits for an answer of its own
-
-
-def open_page(panel):
-    panel.touch("btn_Net")
-    panel.touch("tab_Net", ETHERNET)
-    wait_for(lambda: panel.widget("wdg_Eth"), "the page")
-
-
-def page(panel):
-    """Texts of the page by their widgets' names; those that are seen."""
-    return {w.name: w.text for w in panel.widget("wdg_Eth").walk() if w.visible and w.text is not None}
-
-
-def fields(panel):
-    """Address, mask, gateway and both servers as they are seen, or the hint in their place."""
-    texts = page(panel)
-    if "lab_replacwidgetEth" in texts:
-        return texts["lab_replacwidgetEth"]
-    return [".".join(texts[f"line_{group}{i}"] for i in range(1, 5)).strip(".") for group in GROUPS]
-
-
-def wait_fields(panel, wanted, timeout=RECORD_S):
-    return wait_for(lambda: (seen := fields(panel)) == wanted and seen, f"fields {wanted}", timeout)
-
-
-def wait_lease(panel, timeout=LEASE_S):
-    """The fields, once they show what the far end's server has given."""
-    def leased():
-        seen = fields(panel)
-        rest = ["255.255.255.0", f"{NET}1", "10.99.0.53", "10.99.0.54"]
-        return seen[0].startswith(f"{NET}1") and seen[1:] == rest and seen
-    return wait_for(leased, "a lease", timeout)
 
 
 def is_online(panel):
@@ -115,6 +79,7 @@ def test_off_and_on_and_a_server_that_is_silent_slow_or_wrong(networked):
 def test_a_static_address_is_typed_while_records_arrive(networked):
     """From nothing at all; the other port has an address."""
     networked.far.dhcp("eth1")
+    networked.shell("nmcli -w 30 con up panel-eth1")    # it has asked for an address in vain until now
     networked.far.dhcp("eth0", "silent")
     networked.hands.cable("eth0", False)
     open_page(networked)
@@ -152,7 +117,10 @@ def test_an_address_of_another_network_is_typed_and_all_is_kept(networked):
     networked.touch("tab_Net", 3)
     networked.choose("combox", 2)
     kept = "cat /mnt/data/network/netserver/settings.conf"
-    wait_for(lambda: "preferred=4G" in networked.shell(kept), "4G kept")
+    for tab, switch in ((1, "btn_WifiSwitch"), (2, "btn_4G")):
+        networked.touch("tab_Net", tab)
+        networked.touch(switch)
+    wait_for(lambda: {"preferred=4G", "off=modem;wlan0;"} <= set(networked.shell(kept).split()), "all kept")
     networked.power_cycle()
     networked.open_pages()
     open_page(networked)
@@ -160,6 +128,10 @@ def test_an_address_of_another_network_is_typed_and_all_is_kept(networked):
     wait_in_force(networked, "192.168.30.5/24", "192.168.30.1", timeout=30)
     networked.touch("tab_Net", 3)
     wait_for(lambda: networked.widget("combox").index == 2, "4G")
+    for tab, status in ((1, "lab_WifiStatus"), (2, "lab_4gStatus")):
+        networked.touch("tab_Net", tab)
+        wait_for(lambda s=status: networked.is_seen(s), "off")
+    assert not {"wlan0", "ppp0"} & set(networked.shell("ip -4 -o addr | cut -d' ' -f2").split())
 
 
 def test_cable_and_another_host_of_the_address(networked):
@@ -184,3 +156,6 @@ def test_cable_and_another_host_of_the_address(networked):
     networked.far.release("eth0", f"{NET}66")
     wait_in_force(networked, f"{NET}66/24", f"{NET}1", timeout=30)
     wait_icon(networked, True)
+    networked.touch("radio_Dhcp")
+    wait_for(lambda: "method=auto" in profile(networked), "DHCP")
+    wait_for(lambda: fields(networked) == leased, "the lease again", LEASE_S)

@@ -33,7 +33,7 @@ def test_services_killed_ten_times_each_under_a_working_finger(panel):
     assert panel.shell("systemctl --failed --plain --no-legend") == ""
     panel.touch("tab_System", 0)
     panel.drag("slider_Backlightness", 33)
-    panel.touch("btn_SetTime")
+    panel.set_clock()
     wait_for(lambda: "clock set" in panel.told("sysset-words"), "a clock that is set")
     assert not panel.is_seen("btn_Ok")
     assert wait_for(lambda: panel.hands.backlight() == 33, "the light")

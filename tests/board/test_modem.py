@@ -4,33 +4,15 @@ import time
 
 import farends
 import modem
+from cellular_page import DIALLED_S, address, bars, enter, open_page
 from ethernet import HOST
 from lab import wait_for
 
-CELLULAR = 2            # tab
-DIALLED_S = 60          # a modem that is probed anew, found and dialled, on a busy board
 GONE_S = 30
 AT_ONCE_S = 25          # a login that is right, after one that was wrong
 LEVEL_S = 60            # ModemManager asks for the signal twice a minute
 
-USER, RIGHT, WRONG = "panel", "right", "wrong"
-
-
-def open_page(panel):
-    panel.touch("btn_Net")
-    panel.touch("tab_Net", CELLULAR)
-    wait_for(lambda: panel.widget("btn_4G").enabled, "the modem", DIALLED_S)
-
-
-def address(panel):
-    """The one that the page shows, or None."""
-    if not panel.is_seen("wdg_4gIP"):
-        return None
-    return ".".join(panel.text(f"lab_4gIP_{place}") for place in range(1, 5))
-
-
-def bars(panel):
-    return int(panel.widget("lab_4gSignal").style.split("4G_")[1][0])
+USER, RIGHT, WRONG = "panel", "kestrel", "sparrow"   # words that no journal has by chance
 
 
 def timed(what, condition, seconds):
@@ -60,13 +42,7 @@ def mm_state(panel):
 
 def kept(panel, *fields):
     """Of the profile, as NetworkManager has it."""
-    return panel.shell(f"nmcli -s -g {','.join(fields)} con show \"$(nmcli -g NAME con | grep ^panel-tty)\"").splitlines()
-
-
-def enter(panel, field, text):
-    panel.touch(field)
-    panel.type(text, "c")
-    wait_for(lambda: panel.text(field) == text, f"{field} says {text}")
+    return panel.shell(f"nmcli -s -g {','.join(fields)} con show \"$(nmcli -g NAME con | grep ^panel-modem)\"").splitlines()
 
 
 def test_it_is_dialled_and_switched_off_and_on(networked):
@@ -86,6 +62,11 @@ def test_it_is_dialled_and_switched_off_and_on(networked):
     assert panel.is_seen("lab_4gStatus") and bars(panel) == 0
     assert kept(panel, "connection.autoconnect") == ["no"]
     panel.modem.signal(9)
+    panel.touch("btn_4G")
+    wait_for(lambda: not panel.is_seen("lab_4gStatus"), "on")
+    panel.touch("btn_4G")   # the modem is being probed, and is off when it is back
+    wait_for(lambda: panel.is_seen("lab_4gStatus"), "off again", GONE_S)
+    wait_for(lambda: mm_state(panel) == "disabled", "a modem that is disabled", DIALLED_S)
     panel.touch("btn_4G")
     wait_dialled(panel)
     timed("the signal", lambda: bars(panel) == 2, LEVEL_S)
@@ -124,12 +105,11 @@ def test_modem_sim_and_network_go_and_come(networked):
     panel.modem.drop_call()
     wait_hung_up(panel)
     panel.modem.apn = None
-    panel.modem.register(modem.SEARCHING)
+    panel.modem.pull_sim()
     timed("no signal", lambda: bars(panel) == 0, GONE_S)
     panel.modem.pull()
     timed("pulled", lambda: panel.is_seen("lab_4gStatus") and panel.text("lab_4gStatus") == "未接入", GONE_S)
     assert not panel.widget("btn_4G").enabled and mm_state(panel) == "none"
-    panel.modem.has_sim = False
     panel.modem.plug()
     timed("no SIM", lambda: panel.widget("btn_4G").enabled and panel.text("label_iccid") == "", DIALLED_S)
     assert mm_state(panel) == "failed" and address(panel) is None

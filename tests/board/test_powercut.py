@@ -1,14 +1,13 @@
 """The power is cut at a hundred moments while an operator changes settings: each is the old or the new one."""
 
 import functools
-import shutil
 import time
 
 import pytest
 
 import conftest
 from lab import wait_for
-from virtualboard import kept, machine, powercut
+from virtualboard import powercut
 
 CUTS = 100
 KEPT_WITHIN_S = 1.0     # what the words service promises; the zone is synced at once
@@ -20,12 +19,8 @@ CUTS_DISK = "/dev/vdc"
 
 @pytest.fixture
 def logged(request, developers, built, tmp_path):
-    """A running panel, with the log of all writes of its data disk; before.raw is the disk as it was."""
-    kept.flat_copy(developers, tmp_path / "before.raw")
-    shutil.copy(tmp_path / "before.raw", tmp_path / "data.raw")
-    (tmp_path / "writes").touch()
-    data = machine.logged_disk(tmp_path / "data.raw", tmp_path / "writes")
-    with conftest.restored(request, developers, built, data=data) as panel:
+    """A running panel, and the folder with the log of its writes."""
+    with conftest.logged(request, developers, built, tmp_path) as panel:
         yield panel, tmp_path
 
 
@@ -82,6 +77,7 @@ def checked(cuts):
         assert powercut.recover(path) == "", f"cut after {number} requests"
 
 
+@pytest.mark.long
 def test_a_power_cut_leaves_each_setting_old_or_new(logged):
     panel, folder = logged
     histories = change_all(panel, folder / "writes")

@@ -32,6 +32,7 @@ def says_what_it_cannot_do(panel, language):
     panel.touch("btn_Ok")
 
 
+@pytest.mark.alone
 @pytest.mark.parametrize("fault, language", [("silent", "ENBtn"), ("dead", "CHBtn"), ("killed", "CHBtn")])
 def test_no_page_freezes_and_the_values_come_back(panel, fault, language):
     panel.touch("btn_Sysset")
@@ -62,6 +63,7 @@ def seconds_to_start(panel):
     return time.monotonic() - began
 
 
+@pytest.mark.alone
 @pytest.mark.parametrize("signal", ["STOP", "KILL"])
 def test_a_start_without_any_service(panel, signal):
     brightness = panel.widgets("line_Backlightness")[0].text
@@ -77,7 +79,8 @@ def test_a_start_without_any_service(panel, signal):
         panel.touch("btn_Ok")
         wait_for(lambda: not panel.is_seen("btn_Ok"), "no notice")
     panel.touch("btn_Sysset")
-    assert panel.text("line_Backlightness") == "" and not panel.widget("comboBox").enabled
+    panel.wait_text("line_Backlightness", "")
+    assert not panel.widget("comboBox").enabled
     panel.touch("tab_System", 1)
     assert not panel.widget("btn_ComR").enabled
     panel.shell(f"systemctl unmask -q --runtime {SERVICES}; systemctl kill -s CONT {SERVICES};"

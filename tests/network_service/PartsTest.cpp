@@ -96,7 +96,7 @@ void PartsTest::keepsAddressing()
     const Object<NMConnection> profile = newProfile(Kind::Ethernet, "eth0");
     setMetric(profile.get(), 300);
     QVERIFY(verifies(profile.get()) && usesDhcp(profile.get()));
-    QVERIFY(setServers(profile.get(), {"", "10.0.0.9"}));
+    setServers(profile.get(), {"", "10.0.0.9"});
     QVERIFY(verifies(profile.get()));
     QCOMPARE(serversOf(profile.get()).preferred, std::string("10.0.0.9"));
 
@@ -104,7 +104,7 @@ void PartsTest::keepsAddressing()
     QVERIFY(verifies(profile.get()) && !usesDhcp(profile.get()));
     QCOMPARE(toText(staticAddress(profile.get())), std::string("10.0.0.2/16 10.0.0.1"));
     QCOMPARE(serversOf(profile.get()).preferred, std::string("10.0.0.9"));
-    QVERIFY(setServers(profile.get(), {"10.0.0.8", "10.0.0.9"}));
+    setServers(profile.get(), {"10.0.0.8", "10.0.0.9"});
     useStatic(profile.get(), os::checkAddress("10.1.0.2", "255.255.0.0", ""));
     QVERIFY(verifies(profile.get()));
     QCOMPARE(toText(staticAddress(profile.get())), std::string("10.1.0.2/16 "));
@@ -116,7 +116,11 @@ void PartsTest::keepsAddressing()
 
     useStatic(profile.get(), std::nullopt);
     QVERIFY(verifies(profile.get()) && !usesDhcp(profile.get()) && !staticAddress(profile.get()));
-    QVERIFY(!setServers(profile.get(), {"10.0.0.8", ""}));
+    setServers(profile.get(), {"10.0.0.7", ""});
+    QVERIFY(verifies(profile.get()));
+    useStatic(profile.get(), os::checkAddress("10.1.0.2", "255.255.0.0", ""));
+    QVERIFY(verifies(profile.get()));
+    QCOMPARE(serversOf(profile.get()).preferred, std::string("10.0.0.7"));
     useDhcp(profile.get());
     QVERIFY(verifies(profile.get()) && usesDhcp(profile.get()));
     QCOMPARE(serversOf(profile.get()).preferred, std::string());
@@ -245,7 +249,13 @@ void PartsTest::keepsSettings()
     QVERIFY(file.open(QFile::WriteOnly) && file.write("[network]\npreferred=\xff\noff") > 0);
     file.close();
     Settings broken(path.toStdString());
-    QVERIFY(broken.isOn("wlan0") && broken.preferred() == Kind::Ethernet);
+    QVERIFY(broken.isLost() && broken.isOn("wlan0") && broken.preferred() == Kind::Ethernet);
+    broken.learn("eth0", false);
+    broken.learn(Kind::Wifi);
+    QVERIFY(!broken.isOn("eth0") && broken.preferred() == Kind::Wifi);
+    QVERIFY(broken.setOn("eth0", true));
+    broken.learn("eth0", false); // of a profile that has not followed yet
+    QVERIFY(broken.isOn("eth0"));
     QVERIFY(QFile::remove(path) && QDir().mkdir(path)); // cannot be written
     QVERIFY(!broken.setOn("wlan0", false) && broken.isOn("wlan0"));
 }

@@ -8,6 +8,9 @@ import modem
 
 HOST = "10.99.0.1"                      # answers over every network: HTTP, and a count of bytes
 NAME_SERVERS = ("10.99.0.53", "10.99.0.54")
+CLOUD_DOMAIN = "cloud.test"             # its hosts have addresses of their own, every other name has HOST's
+CLOUD_HOSTS = {f"mqtt.{CLOUD_DOMAIN}": "10.99.0.11", f"cert.{CLOUD_DOMAIN}": "10.99.0.12",
+               f"ntp.{CLOUD_DOMAIN}": "10.99.0.13"}
 PLACE = "/usr/local/lib/far"
 COUNTS = "/run/far/counts"
 IN_FAR = "ip netns exec far "
@@ -31,12 +34,13 @@ def _dhcp(port):
 
 def _names():
     servers = "".join(f"listen-address={address}\n" for address in NAME_SERVERS)
-    return (f"no-resolv\nno-hosts\nbind-interfaces\nexcept-interface=lo\n{servers}address=/#/{HOST}\n"
-            "pid-file=/run/far/names.pid\n").replace("except-interface=lo\n", "")
+    cloud = "".join(f"host-record={name},{address}\n" for name, address in CLOUD_HOSTS.items())
+    return (f"no-resolv\nno-hosts\nbind-interfaces\n{servers}address=/#/{HOST}\nlocal=/{CLOUD_DOMAIN}/\n{cloud}"
+            "pid-file=/run/far/names.pid\n")
 
 
 def _addresses():
-    on_lo = "".join(f"address add {address}/32 dev lo\n" for address in (HOST, *NAME_SERVERS))
+    on_lo = "".join(f"address add {address}/32 dev lo\n" for address in (HOST, *NAME_SERVERS, *CLOUD_HOSTS.values()))
     on_cards = "".join(f"address add {address}/24 dev {card}\n" for card, address in LINKS.values())
     return (f"{on_lo}{on_cards}address add {modem.GATEWAY}/32 peer {modem.ADDRESS} dev mobile\n"
             f"neighbor add {modem.ADDRESS} lladdr {modem.LINE_MAC.hex(':')} dev mobile nud permanent\n")

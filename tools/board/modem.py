@@ -38,6 +38,10 @@ TAKEN = re.compile(r"[VXQZH]\d?$|&[CDF]\d?$|S0=|\+CGATT|"
 # frame is, which comes when the network has hung up already.
 COMMAND = re.compile(rb"AT([^~]*)$", re.I)
 
+# A command within a call, perhaps behind a frame that its program has not lived to end: DTR fell, which a
+# socket does not tell.
+WITHIN_CALL = re.compile(rb"(?:^|[^A-Z])(AT[ -}]*\r)$", re.I)
+
 
 class Failed(Exception):
     """A command ends with an error; the number is that of +CME ERROR, None for a plain ERROR."""
@@ -58,8 +62,10 @@ class Modem:
         self.registration = HOME
         self.csq = 20
         self.said = []
+        self.listeners = []             # each is called with every packet of the panel
         self._wire = hands.wire("mobile")
         self._link = None
+        self._call_port = DATA          # on which the last call was dialled
         self._is_closed = False
         self._began = time.monotonic()
         self._sockets = {}
@@ -120,6 +126,8 @@ class Modem:
         self._lose_power()
 
     def plug(self):
+        """ModemManager has let go of the one before: what comes while it does so it may not see."""
+        self._hands.shell("for i in $(seq 50); do mmcli -L 2>&1 | grep -q /Modem/ || break; sleep 0.2; done")
         self._hands.plug_modem()
 
     def _lose_power(self):
@@ -136,7 +144,7 @@ class Modem:
             self._sockets[port].sendall(data if isinstance(data, bytes) else data.encode())
 
     def _write_frame(self, frame):
-        self._write(DATA, frame)
+        self._write(self._call_port, frame)
 
     def _connect(self, port):
         """Waits for the board's end of a line."""
@@ -164,41 +172,46 @@ class Modem:
                     self._link.packet(frame[14:14 + length])
 
     def _carry(self, packet):
+        for listener in self.listeners:
+            listener(packet)
         with contextlib.suppress(OSError):
             self._wire.send(FAR_MAC + LINE_MAC + b"\x08\0" + packet)
 
     def _take(self, port, rest, data):
         """Takes what came over a line; returns what is left of a command that has not ended yet."""
-        if port == DATA and self._link is not None:
+        if self._is_calling(port):
             rest = self._take_call(data)
         else:
             rest += data
-        while b"\r" in rest and self._link is None or port == AT and b"\r" in rest:
+        while b"\r" in rest and not self._is_calling(port):
             line, rest = rest.split(b"\r", 1)
             if command := COMMAND.search(line):
                 self._answer(port, command[1].strip().decode(errors="replace"))
         return rest
 
+    def _is_calling(self, port):
+        return self._link is not None and port == self._call_port
+
     def _take_call(self, data):
         rest = self._link.feed(data)
         if self._link.is_over:
             self._end_call()
-        elif re.match(rb"AT[^~]*\r", self._link.between_frames(), re.I):
-            rest = self._link.between_frames()      # DTR fell, which a socket does not tell
+        elif found := WITHIN_CALL.search(self._link.between_frames()):
+            rest = found[1]
             self._end_call()
         return rest
 
     def _end_call(self):
         self._link = None
         self._tell("call ended")
-        self._write(DATA, "\r\nNO CARRIER\r\n")
+        self._write(self._call_port, "\r\nNO CARRIER\r\n")
 
     def _answer(self, port, command):
         said = self._run(command)
         self._tell(port, command, "->", said.replace("\r\n", "|"))
         self._write(port, (f"AT{command}\r" if self._has_echo else "") + f"\r\n{said}\r\n")
         if said.startswith("CONNECT"):
-            self._link = self._call()
+            self._call_port, self._link = port, self._call()
 
     def _call(self):
         return ppp.Link(self._terms, self._write_frame, self._carry, self._tell)

@@ -233,8 +233,10 @@ public:
     CAsyncClient &operator=(const CAsyncClient &) = delete;
 
     // Connects in the background and stays connected, over every loss of the link: the program
-    // calls it once. Subscribes to both topics of `config`; `handler` gets what arrives on them, on
-    // the service's thread. Returns 0; negative on failure, which is not asked for again.
+    // calls it once. Subscribes to the request topic of `config`; `handler` gets what arrives on
+    // it, one message at a time, on a thread of the client's, until the client is destroyed. What
+    // it returns is published on the response topic, as a decimal number. Returns 0; negative on
+    // failure, which is not asked for again.
     int start(const CloudConfig &config, MessageHandler handler, void *context);
 
     // 1 connected; 0 connecting; negative: the stage at which it stopped, -2 time

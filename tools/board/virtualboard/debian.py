@@ -14,8 +14,9 @@ SYSTEM = ["systemd", "systemd-sysv", "dbus", "udev", "kmod", "polkitd", "iproute
           "ca-certificates", "util-linux-extra", "dosfstools"]
 
 # What only the virtual board needs: the agent through which its far end is reached, and what the networks
-# are made of that it is joined to.
-BOARD = ["qemu-guest-agent", "hostapd", "dnsmasq-base", "iw", "iputils-ping"]
+# and the cloud are made of that it is joined to.
+BOARD = ["qemu-guest-agent", "hostapd", "dnsmasq-base", "iw", "iputils-ping", "mosquitto", "mosquitto-clients",
+         "python3"]
 
 # Drivers for OpenGL and character sets of the C library come with Qt and are never loaded on a
 # framebuffer: without them, documents and translations the image has 340 MB instead of 520.
@@ -24,7 +25,7 @@ LEFT_OUT = ["/usr/share/man/*", "/usr/share/doc/*", "/usr/share/locale/*", "/usr
             "/usr/share/lintian/*", "/usr/lib/udev/hwdb.d/*", f"{LIBRARIES}/dri/*",
             f"{LIBRARIES}/gconv/*", f"{LIBRARIES}/libLLVM*", f"{LIBRARIES}/libz3*"]
 
-PACKAGES = ["sysset", "sysset-network", "sysset-services"]
+PACKAGES = ["sysset", "sysset-cloud", "sysset-network", "sysset-services"]
 
 # fontconfig knows a folder's cache by the folder's time to the nanosecond; mmdebstrap's tar and mke2fs
 # change times that are new or not whole seconds. Without this each start reads all fonts.

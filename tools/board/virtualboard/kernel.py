@@ -14,7 +14,8 @@ INIT = HERE / "init.c"
 TICKS = HERE / "ticks.c"
 BACKLIGHT = HERE / "backlight.asl"
 
-INITRD_MODULES = ["crc32c_generic", "virtio_pci", "virtio_blk", "ext4"]
+# virtio_net, too: its card is eth0 whatever else udev finds first.
+INITRD_MODULES = ["crc32c_generic", "virtio_pci", "virtio_blk", "ext4", "virtio_net"]
 
 MODULES = """
     virtio_pci virtio_blk virtio_net virtio_console virtio_input virtio_rng e1000 bochs video

@@ -90,12 +90,12 @@ def length(log):
     return sum(1 for _ in read_log(log))
 
 
-def cuts(log, before, scratch, count, seed=1):
-    """Disks after a power cut, at count moments spread over the log: the number of requests until
-    then, and a path, which the next call overwrites. before is the disk when the log began, scratch a
-    folder."""
+def cuts(log, before, scratch, count, seed=1, first=0):
+    """Disks after a power cut, at count moments spread over the log from request first on: the number of
+    requests until then, and a path, which the next call overwrites. before is the disk when the log began,
+    scratch a folder."""
     entries = list(read_log(log))
-    moments = {round((i + 1) * len(entries) / count) for i in range(count)}
+    moments = {first + round((i + 1) * (len(entries) - first) / count) for i in range(count)}
     chance = random.Random(seed)
     shutil.copy(before, scratch / "replay.raw")
     replay = _Replay(scratch / "replay.raw")
@@ -158,6 +158,21 @@ class SideBySide:
 def _check(path, *options):
     return subprocess.run(["/sbin/e2fsck", *options, path], stdin=subprocess.DEVNULL,
                           stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
+
+
+def _debugfs(path, request):
+    return subprocess.run(["/sbin/debugfs", "-R", request, path], stdin=subprocess.DEVNULL, check=True,
+                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
+
+
+def files_in(path, folder):
+    """Files of a folder on a disk that is recovered: mode as octal digits, and bytes, by name."""
+    found = {}
+    for line in _debugfs(path, f"ls -p {folder}").decode().splitlines():
+        fields = line.split("/")        # inode, mode, owner, group, name, size, one empty on either side
+        if len(fields) > 5 and fields[2].startswith("100"):
+            found[fields[5]] = fields[2][3:], _debugfs(path, f"cat {folder}/{fields[5]}")
+    return found
 
 
 def recover(path):

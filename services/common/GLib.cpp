@@ -1,6 +1,6 @@
-#include "services/network/GLib.h"
+#include "services/common/GLib.h"
 
-namespace network {
+namespace service {
 namespace {
 
 struct Expected
@@ -88,7 +88,7 @@ void Calls::inThread(std::function<void()> work, std::function<void()> then) con
         g_task_new(nullptr, nullptr, answer,
                    expect([then = std::move(then)](GObject *, GAsyncResult *) { then(); })));
     g_task_set_task_data(task.get(), new std::function<void()>(std::move(work)), freeWork);
-    g_task_run_in_thread(task.get(), network::work);
+    g_task_run_in_thread(task.get(), service::work);
 }
 
-} // namespace network
+} // namespace service
