@@ -1,13 +1,35 @@
-// netT, cloud: its configuration; there is no client yet, and no service that would be one.
+// netT, cloud: its configuration, and the client, which is one for the process.
+#include "platform/linux/CloudLink.h"
+#include "platform/linux/Journal.h"
 #include "platform/net.h"
 #include "platform/paths.h"
 #include "platform/posix/CloudFile.h"
 
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
 namespace netT {
 namespace {
 
+constexpr std::size_t LONGEST_DEVICE_ID = 64;                       // the service's
 constexpr const char *CLOUD_FILE = "/mnt/data/prj/cloud/cloud.xml"; // where a project brings it
-constexpr int NOT_STARTED = -1;                                     // getConnectedStatus()
+
+// It is the client's name, a part of both topics, and a user's name before a colon.
+bool isDeviceId(const std::string &id)
+{
+    return !id.empty() && id.size() <= LONGEST_DEVICE_ID &&
+           std::all_of(id.begin(), id.end(), [](char c) {
+               return c > ' ' && c <= '~' &&
+                      std::string_view("+#:").find(c) == std::string_view::npos;
+           });
+}
+
+int refuse(const char *why)
+{
+    board::journal(board::Severity::Warning, std::string("no cloud: ") + why);
+    return ERR_FAILED;
+}
 
 } // namespace
 
@@ -27,16 +49,24 @@ int loadCloudXML(const std::string &path, CloudConfig &config, std::string &text
 }
 
 CAsyncClient::CAsyncClient() = default;
-CAsyncClient::~CAsyncClient() {} // nothing has been started
-
-int CAsyncClient::start(const CloudConfig &, MessageHandler, void *)
+CAsyncClient::~CAsyncClient()
 {
-    return ERR_NO_SERVICE;
+    board::cloudLink().detach();
+}
+
+int CAsyncClient::start(const CloudConfig &config, MessageHandler handler, void *context)
+{
+    std::string trust;
+    if (os::readCloudTrust(panelPath(CLOUD_FILE), trust) != 0)
+        return refuse("its file, or the resource file, cannot be read");
+    if (!isDeviceId(config.sDeviceId))
+        return refuse("the device id is too long, or has signs that none may have");
+    return board::cloudLink().start(config, std::move(trust), handler, context) ? 0 : ERR_FAILED;
 }
 
 int CAsyncClient::getConnectedStatus() const
 {
-    return NOT_STARTED;
+    return board::cloudLink().status();
 }
 
 } // namespace netT

@@ -11,6 +11,7 @@ namespace {
 using netT::CloudConfig;
 
 constexpr qint64 LARGEST_FILE = 65536;
+constexpr qint64 LARGEST_RESOURCE = 262144;
 constexpr int LARGEST_TCP_PORT = 65535;
 
 // What the file says; a port that is missing or makes no sense is 0.
@@ -88,30 +89,59 @@ bool isPlainName(const QString &name)
     return !name.isEmpty() && !name.contains(QLatin1Char('/')) && name != QLatin1String("..");
 }
 
-} // namespace
-
-int readCloudFile(const std::string &path, CloudConfig &config, std::string &region)
+bool isResource(const QFileInfo &file)
 {
-    const QFileInfo info(QString::fromStdString(path));
+    return file.isFile() && file.isReadable() && file.size() > 0 && file.size() <= LARGEST_RESOURCE;
+}
+
+// 0 or a CloudFileError.
+int load(const QFileInfo &info, CloudFile &file)
+{
     QFile source(info.filePath());
     // A folder or a pipe of that name is no file.
     if (!info.isFile() || !source.open(QIODevice::ReadOnly))
         return CLOUD_NO_FILE;
     const QByteArray bytes = source.read(LARGEST_FILE + 1);
-    CloudFile file;
     if (bytes.size() > LARGEST_FILE || !readDocument(bytes, file) || !isComplete(file))
         return CLOUD_BAD_FILE;
     if (file.namesResource && !isPlainName(file.resource))
         return CLOUD_BAD_FILE;
-    if (file.namesResource && !QFileInfo(info.dir(), file.resource).isFile())
+    if (file.namesResource && !isResource(QFileInfo(info.dir(), file.resource)))
         return CLOUD_NO_RESOURCE;
+    return 0;
+}
 
+} // namespace
+
+int readCloudFile(const std::string &path, CloudConfig &config, std::string &region)
+{
+    CloudFile file;
+    if (const int error = load(QFileInfo(QString::fromStdString(path)), file))
+        return error;
     config.sUrl = file.config.sUrl;
     config.sCertUrl = file.config.sCertUrl;
     config.sNtpUrl = file.config.sNtpUrl;
     config.nPort = file.config.nPort;
     config.nCertPort = file.config.nCertPort;
     region = file.region;
+    return 0;
+}
+
+int readCloudTrust(const std::string &path, std::string &pem)
+{
+    const QFileInfo info(QString::fromStdString(path));
+    CloudFile file;
+    if (const int error = load(info, file))
+        return error;
+    QByteArray bytes;
+    if (file.namesResource) {
+        QFile resource(info.dir().filePath(file.resource));
+        if (resource.open(QIODevice::ReadOnly))
+            bytes = resource.read(LARGEST_RESOURCE);
+        if (bytes.isEmpty())
+            return CLOUD_NO_RESOURCE;
+    }
+    pem = bytes.toStdString();
     return 0;
 }
 

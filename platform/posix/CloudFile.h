@@ -10,9 +10,10 @@ namespace os {
 
 // Why a cloud file gives no configuration.
 enum CloudFileError {
-    CLOUD_NO_FILE = -1,     // there is none, or it cannot be read
-    CLOUD_BAD_FILE = -2,    // not such a file, incomplete, or above 64 KiB
-    CLOUD_NO_RESOURCE = -3, // the resource file that it names is not beside it
+    CLOUD_NO_FILE = -1,  // there is none, or it cannot be read
+    CLOUD_BAD_FILE = -2, // not such a file, incomplete, or above 64 KiB
+    // The resource file that it names is not beside it, cannot be read, is empty or above 256 KiB.
+    CLOUD_NO_RESOURCE = -3,
 };
 
 // Reads the file at `path`:
@@ -31,5 +32,10 @@ enum CloudFileError {
 // entity of the file's own, is refused. Returns 0 and fills addresses and ports of `config` and
 // `region`, or a CloudFileError, both untouched. Blocks for the reading. Any thread.
 int readCloudFile(const std::string &path, netT::CloudConfig &config, std::string &region);
+
+// The certificates that alone vouch for the cloud's servers: the bytes of the resource file that
+// the file at `path` names; empty if it names none. Returns 0, or a CloudFileError, `pem`
+// untouched. Blocks for the reading. Any thread.
+int readCloudTrust(const std::string &path, std::string &pem);
 
 } // namespace os

@@ -1,12 +1,13 @@
 """Boards for the stories: kept ones, restored for each story, and what is left of those that fail."""
 
 import contextlib
+import fcntl
 import shutil
 
 import pytest
 
 import lab
-from virtualboard import cache, kept
+from virtualboard import cache, kept, machine
 
 
 @pytest.hookimpl(hookwrapper=True)
@@ -15,6 +16,20 @@ def pytest_runtest_makereport(item, call):
     result = (yield).get_result()
     if result.when == "call":
         item.failed = result.failed
+
+
+def pytest_collection_modifyitems(items):
+    """The long ones first: two stories are played at a time, and neither player is to end much later."""
+    items.sort(key=lambda item: item.get_closest_marker("long") is None)
+
+
+@pytest.fixture(autouse=True)
+def turn(request):
+    """One whose times are strict has the computer to itself."""
+    is_alone = request.node.get_closest_marker("alone") is not None
+    with open(cache.folder() / "stories.lock", "w", encoding="utf-8") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX if is_alone else fcntl.LOCK_SH)
+        yield
 
 
 @pytest.fixture(scope="session")
@@ -42,9 +57,9 @@ def networks(built):
 
 
 @contextlib.contextmanager
-def at_work(request, machine, built):
+def at_work(request, board, built):
     """The panel of a board, for one story."""
-    panel = lab.Panel(lab.VirtualHands(machine), built)
+    panel = lab.Panel(lab.VirtualHands(board), built)
     yield panel
     if getattr(request.node, "failed", False):
         folder = cache.folder() / "failed" / request.node.name
@@ -52,12 +67,20 @@ def at_work(request, machine, built):
         lab.evidence(panel, folder)
         print(f"What it left behind is in {folder}")
     panel.put_away()
-    kept.remove(machine)
+    kept.remove(board)
 
 
 def restored(request, base, built, **options):
     """A fresh copy of a kept board for one story."""
     return at_work(request, kept.restore(base, built, lab.SIZE, **options), built)
+
+
+def logged(request, base, built, folder, **options):
+    """The same with a log of all writes of its data disk, folder/writes; before.raw is the disk as it was."""
+    kept.flat_copy(base, folder / "before.raw")
+    shutil.copy(folder / "before.raw", folder / "data.raw")
+    (folder / "writes").touch()
+    return restored(request, base, built, data=machine.logged_disk(folder / "data.raw", folder / "writes"), **options)
 
 
 @pytest.fixture

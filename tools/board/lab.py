@@ -10,6 +10,7 @@ import socket
 import time
 
 import air
+import cloud
 import ethernet
 import farends
 import modem
@@ -202,10 +203,18 @@ class Panel:
         self.air = air.Air(hands)
         self.far = ethernet.Far(hands)
         self.modem = None
+        self.cloud = None
 
     def with_modem(self):
         """Has the modem in it that it was kept with."""
         self.modem = modem.Modem(self.hands, is_settled=True)
+        return self
+
+    def with_cloud(self):
+        """Has its networks lead to a cloud, and lets it be reached; it is not bound to it yet."""
+        self.cloud = cloud.Cloud(self.hands)
+        self.cloud.let_in()
+        self.open_pages()
         return self
 
     def put_away(self):
@@ -267,6 +276,13 @@ class Panel:
         index = [] if row is None else [row]
         x, y = wait_for(lambda: self.hands.ask("ui", "where", name, *index), f"{name} can be touched")
         self.touch_at(x, y)
+
+    def set_clock(self):
+        """Has the clock take what the page shows, once those who do it are up: every touch wakes them, and on an
+        emulated board their start takes longer than the program waits."""
+        for service in ("systemd-timedated", "polkit"):
+            wait_for(lambda: self.service_is(service) == "active", f"{service} is up")
+        self.touch("btn_SetTime")
 
     def drag(self, name, value):
         """Drags a slider's handle to a value that it takes."""
