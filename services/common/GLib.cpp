@@ -1,5 +1,7 @@
 #include "services/common/GLib.h"
 
+#include <mutex>
+
 namespace service {
 namespace {
 
@@ -14,14 +16,26 @@ void onSignal(gpointer handler)
     (*static_cast<std::function<void()> *>(handler))();
 }
 
+// Work goes to its thread and back under this lock: how GLib hands it over is made of its own
+// locks, which a thread sanitizer cannot see.
+std::mutex s_handOver;
+
 void work(GTask *task, gpointer, gpointer data, GCancellable *)
 {
-    (*static_cast<std::function<void()> *>(data))();
+    {
+        std::unique_lock lock(s_handOver);
+        const std::function<void()> blocking =
+            std::move(*static_cast<std::function<void()> *>(data));
+        lock.unlock();
+        blocking();
+    }
+    std::unique_lock(s_handOver).unlock(); // what the work has written
     g_task_return_boolean(task, TRUE);
 }
 
 void freeWork(gpointer data)
 {
+    const std::lock_guard lock(s_handOver);
     delete static_cast<std::function<void()> *>(data);
 }
 
@@ -84,10 +98,14 @@ void Calls::answer(GObject *source, GAsyncResult *result, gpointer data)
 
 void Calls::inThread(std::function<void()> work, std::function<void()> then) const
 {
-    const Object<GTask> task(
-        g_task_new(nullptr, nullptr, answer,
-                   expect([then = std::move(then)](GObject *, GAsyncResult *) { then(); })));
+    const Object<GTask> task(g_task_new(nullptr, nullptr, answer,
+                                        expect([then = std::move(then)](GObject *, GAsyncResult *) {
+                                            std::unique_lock(s_handOver).unlock();
+                                            then();
+                                        })));
+    std::unique_lock lock(s_handOver);
     g_task_set_task_data(task.get(), new std::function<void()>(std::move(work)), freeWork);
+    lock.unlock();
     g_task_run_in_thread(task.get(), service::work);
 }
 

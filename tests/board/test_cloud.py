@@ -83,7 +83,7 @@ def test_an_empty_panel_is_connected_and_speaks_with_nobody_else(clouded):
         diagnosis.has_region = True
         diagnosis.says("√", "√ √ √ √ √ ms")
     assert set(cloud.granted()[2:]) == {"simpleenroll"}
-    assert set(re.findall(r"\((\S+?)\)\.", panel.journal("systemd-timesyncd"))) <= {"127.0.0.1", TIME}
+    assert set(re.findall(r":\d+ \((\S+?)\)\.", panel.journal("systemd-timesyncd"))) <= {"127.0.0.1", TIME}
     assert {contact for contact in wire.contacts if not is_local(contact)} == CLOUD
     assert wire.names == set(CLOUD_HOSTS)
 

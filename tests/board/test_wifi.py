@@ -13,6 +13,7 @@ SOON_S = 8                  # a wrong password is told
 JOIN_S = 15                 # the page gives a join up
 BACK_S = 25                 # the network before is joined again
 SCAN_S = 10                 # the page asks for the list so often
+FORGOTTEN_S = 60            # NetworkManager's list keeps a network that is gone
 STALL_MS = 100
 PROFILES = "/mnt/data/network/profiles"
 
@@ -107,7 +108,7 @@ def test_the_list_and_what_is_chosen_in_it(networked):
     panel.shell("nmcli dev wifi rescan")
     moved = {**expected(strengths), "Works": 20}
     del moved["Guests"], moved["Works 3"]   # gone, and joined
-    wait_for(lambda: is_list(panel, moved), "a list that has moved")
+    wait_for(lambda: is_list(panel, moved), "a list that has moved", FORGOTTEN_S)
 
     panel.air.crowd(200)
     times["no address"] = told(panel, choose(panel, "No address"), JOIN_S)
