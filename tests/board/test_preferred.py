@@ -11,7 +11,7 @@ EXTEND = 3      # tab
 ROWS = {"eth0": 0, "wlan0": 1, "4g": 2}
 GIVES_WAY_S = 30
 PENALTY = 20000     # NetworkManager's, for one that leads nowhere
-ORDER_S = 20    # from a touch to the routes; a call is dialled anew
+ORDER_S = 30    # from a touch to the routes; a call is dialled anew, and then asked whether it leads anywhere
 CALL = "runuser -u panel -- busctl call org.sysset.Network1 /org/sysset/Network1 org.sysset.Network1 "
 
 
@@ -59,7 +59,7 @@ def prefer(panel, link, others=ROWS):
         wait_for(lambda: [r for r in routes(panel) if r in ROWS] == order and taken(panel) == link,
                  f"order {order}", ORDER_S)
     except Exception:
-        print(panel.shell("ip -4 route; nmcli dev; nmcli -f NAME,ipv4.route-metric con show panel-wlan0"))
+        print(panel.shell("ip -4 route; nmcli dev; nmcli con show panel-wlan0 | grep metric"))
         raise
 
 

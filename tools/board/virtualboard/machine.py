@@ -239,8 +239,7 @@ class Machine:
             self.monitor.receive(20)
             self.monitor.call("qmp_capabilities")
         except (OSError, EOFError, TimeoutError) as error:
-            log = (self.folder / "qemu.log").read_text(errors="replace")
-            raise GaveUp(f"QEMU did not start: {error}\n{log[-2000:]}") from error
+            raise GaveUp(f"QEMU did not start: {error}\n{self._last_words()}") from error
 
     def is_running(self):
         """Whether QEMU is there; false too once its number belongs to another program."""
@@ -250,6 +249,11 @@ class Machine:
             return QEMU.encode() in pathlib.Path(f"/proc/{self.pid}/cmdline").read_bytes()
         except OSError:
             return False
+
+    def _last_words(self):
+        """How QEMU ended, and what it said."""
+        status = "" if self._process is None else f"status {self._process.returncode}\n"
+        return status + (self.folder / "qemu.log").read_text(errors="replace")[-2000:]
 
     def cut_power(self):
         """Ends QEMU at once: what the board had not written is lost. The hardware clock goes on, as one
@@ -303,7 +307,7 @@ class Machine:
             if result:
                 return result
             if not self.is_running():
-                raise GaveUp(f"QEMU ended while waiting for {what}")
+                raise GaveUp(f"QEMU ended while waiting for {what}: {self._last_words()}")
             if time.monotonic() > end:
                 raise GaveUp(f"no {what} within {timeout} s")
             time.sleep(0.02)
