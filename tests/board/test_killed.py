@@ -34,6 +34,5 @@ def test_services_killed_ten_times_each_under_a_working_finger(panel):
     panel.touch("tab_System", 0)
     panel.drag("slider_Backlightness", 33)
     panel.set_clock()
-    wait_for(lambda: "clock set" in panel.told("sysset-words"), "a clock that is set")
     assert not panel.is_seen("btn_Ok")
     assert wait_for(lambda: panel.hands.backlight() == 33, "the light")

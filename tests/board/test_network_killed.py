@@ -12,6 +12,7 @@ from wifi_page import WIFI, is_joined, join, open_page
 KILLS = 50
 PROGRAMS = ["netServer", "NetworkManager", "wpa_supplicant", "ModemManager"]
 UNITS = ["sysset-network", "NetworkManager", "wpa_supplicant", "ModemManager"]
+HANGS_S = 300       # all kills, on a computer that does something else besides
 TIMEOUT_S = 5       # of a call of the network pages
 RECORDS = ("runuser -u panel -- busctl -j call org.sysset.Network1 /org/sysset/Network1 org.sysset.Network1 "
            "GetDevices b 0")
@@ -79,7 +80,7 @@ def test_services_of_the_network_killed_under_a_working_finger(networked):
     began = time.monotonic()
     while panel.service_is("killer") == "active":
         took += network_pages(panel)
-        assert time.monotonic() - began < 120, "a service does not come back"
+        assert time.monotonic() - began < HANGS_S, "a service does not come back"
     lasted, began = time.monotonic() - began, time.monotonic()
     assert panel.shell("systemctl show -P MainPID -P NRestarts sysset") == program
     wait_for(lambda: is_same(records(panel), before), "the records as before", 60)
