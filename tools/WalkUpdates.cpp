@@ -42,7 +42,7 @@ void Stick::make(const char *tool, const QString &name, const QStringList &optio
 void Stick::makeUpdate(const QString &name, const QStringList &options) const
 {
     const QString model = m_panel.process().get(utf8("machine.hmiType")).toString();
-    make("make-update-file", name, QStringList{utf8("--model"), model} + options);
+    make("make-update-file", name, QStringList{utf8("sample"), utf8("--model"), model} + options);
 }
 
 void fill(const Stick &stick)

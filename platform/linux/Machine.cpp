@@ -2,7 +2,7 @@
 #include "platform/machine.h"
 
 #include "platform/board.h"
-#include "platform/linux/Facts.h"
+#include "platform/posix/Facts.h"
 #include "platform/linux/PanelConf.h"
 
 #include <array>

@@ -1,7 +1,7 @@
 #include "platform/linux/PanelConf.h"
 
 #include "platform/linux/Journal.h"
-#include "platform/linux/SmallFile.h"
+#include "platform/posix/SmallFile.h"
 #include "platform/paths.h"
 
 #include <algorithm>

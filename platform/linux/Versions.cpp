@@ -1,6 +1,6 @@
 #include "platform/linux/Versions.h"
 
-#include "platform/linux/SmallFile.h"
+#include "platform/posix/SmallFile.h"
 #include "platform/paths.h"
 
 #include <map>

@@ -1,7 +1,7 @@
 // CBB: requests to the panel's local services go over a real socket, here as on a panel.
 #include "platform/local_udp.h"
+#include "platform/posix/Bytes.h"
 #include "platform/posix/LocalUdp.h"
-#include "platform/sim/Bytes.h"
 #include "platform/sim/Panel.h"
 
 using sim::Json;
@@ -13,7 +13,7 @@ int CbbLocalUdp::request(const std::string &endpoint, const std::string &body, s
                          unsigned int timeoutMs)
 {
     const bool hasCommand = body.size() >= 4;
-    const Json command = hasCommand ? Json(static_cast<int>(sim::numberFrom(body, 0))) : Json();
+    const Json command = hasCommand ? Json(static_cast<int>(os::numberFrom(body, 0))) : Json();
     const std::string payload = hasCommand ? body.substr(4) : std::string();
     reply.clear();
     return panel().callOutside("CBB.request", Json::array({endpoint, command, payload, timeoutMs}),

@@ -1,6 +1,6 @@
 // The PLC download library: a PLC that answers as ordered, whatever comes before.
 #include "platform/plc.h"
-#include "platform/sim/OpenFile.h"
+#include "platform/posix/OpenFile.h"
 #include "platform/sim/Panel.h"
 
 #include <algorithm>
@@ -107,7 +107,7 @@ int readProgram(const std::string &path, Plc5VDownLoadInfo &info, tag &extension
         ordered = file.at("read").get<int>();
     if (ordered != 0)
         return ordered;
-    const std::string content = sim::OpenFile(path).read(0, LARGEST_PROGRAM);
+    const std::string content = os::OpenFile(path).read(0, LARGEST_PROGRAM);
     if (content.empty())
         return ERR_UNREADABLE;
     info = infoOf(file, content);

@@ -5,59 +5,60 @@
 namespace sim {
 namespace {
 
-enum Command { START = 6, POLL = 7, CHECK = 12 };
-
-constexpr int ERR_UNREADABLE = -1;
-constexpr int ERR_IDLE = -3;
-constexpr int ERR_VERSION = -9;
 constexpr int UNDER_WAY = 1;
 constexpr int WHOLE = 100; // percent
 
-std::string modelOf(const UpdateFile &file, const Json &update)
+std::string modelOf(const os::UpdateFile &file, const Json &update)
 {
-    return file.kind == UpdateFile::Plain ? update.at("model").get<std::string>() : file.model;
+    return file.kind == os::UpdateFile::Plain ? update.at("model").get<std::string>() : file.model;
 }
 
 // A firmware must not be newer than the project that is installed, and the other way round.
-bool versionsFit(const UpdateFile &file, const std::string &path, const Json &update)
+bool versionsFit(const os::UpdateFile &file, const std::string &path, const Json &update)
 {
-    const char *installed = isFirmware(path) ? "projectVersion" : "firmwareVersion";
+    const char *installed = os::isFirmware(path) ? "projectVersion" : "firmwareVersion";
     return file.version <= update.at(installed).get<std::uint32_t>();
 }
 
-UpdateStatus check(const Json &update, const std::string &path)
+os::UpdateStatus check(const Json &update, const std::string &path)
 {
-    const UpdateFile file = readUpdateFile(path);
+    const os::UpdateFile file = os::readUpdateFile(path);
     int error = 0;
     if (!update.at("error").is_null())
         error = update.at("error").get<int>();
-    else if (file.kind == UpdateFile::Unusable)
-        error = ERR_UNREADABLE;
+    else if (file.kind == os::UpdateFile::Unusable)
+        error = os::UPDATE_BAD_FILE;
     else if (!versionsFit(file, path, update))
-        error = ERR_VERSION;
+        error = os::UPDATE_UNFIT_VERSION;
     return {0, 0, error, modelOf(file, update)};
 }
 
 void noteInstalled(const UpdateInstall &install)
 {
-    const std::string kind = isFirmware(install.path()) ? "firmware" : "project";
+    const std::string kind = os::isFirmware(install.path()) ? "firmware" : "project";
     panel().locked([&](Json &state) {
-        state["update"]["installed"][kind] = fileName(install.path());
-        if (install.file().kind == UpdateFile::Headed)
+        state["update"]["installed"][kind] = os::fileName(install.path());
+        if (install.file().kind == os::UpdateFile::Headed)
             state["update"][kind + "Version"] = install.file().version;
     });
 }
 
 } // namespace
 
+void UpdateDesk::abandon()
+{
+    m_install.reset();
+    m_result = {0, 0, os::UPDATE_IDLE, {}};
+}
+
 UpdateAnswer UpdateDesk::answer(const Json &update, int command, const std::string &payload)
 {
     switch (command) {
-    case CHECK:
+    case os::UPDATE_CHECK:
         return {true, false, check(update, payload)};
-    case START:
+    case os::UPDATE_START:
         return start(update, payload);
-    case POLL:
+    case os::UPDATE_POLL:
         return poll(update);
     default:
         return {};
@@ -79,7 +80,7 @@ UpdateAnswer UpdateDesk::start(const Json &update, const std::string &path)
 UpdateAnswer UpdateDesk::poll(const Json &update)
 {
     if (!m_install)
-        return {true, false, {0, 0, ERR_IDLE, {}}};
+        return {true, false, m_result};
     const std::size_t step = nextStep(update);
     const Json &steps = update.at("steps");
     const bool last = step >= steps.size();
@@ -104,7 +105,8 @@ UpdateAnswer UpdateDesk::advance(int percent)
     if (error == 0)
         return {true, false, {UNDER_WAY, percent, 0, m_model}};
     m_install.reset();
-    return {true, false, {0, percent, error, m_model}};
+    m_result = {0, percent, error, m_model};
+    return {true, false, m_result};
 }
 
 UpdateAnswer UpdateDesk::finish(const Json &update)
@@ -115,7 +117,8 @@ UpdateAnswer UpdateDesk::finish(const Json &update)
     if (error == 0)
         noteInstalled(*m_install);
     m_install.reset();
-    return {true, false, {0, WHOLE, error, m_model}};
+    m_result = {0, WHOLE, error, m_model};
+    return {true, false, m_result};
 }
 
 } // namespace sim

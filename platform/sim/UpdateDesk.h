@@ -15,7 +15,7 @@ struct UpdateAnswer
 {
     bool replies = false;
     bool dies = false; // as update.dieAt orders
-    UpdateStatus status = {};
+    os::UpdateStatus status = {};
 };
 
 // The update service's answers to requests, without the socket. One thread. The panel is not
@@ -25,8 +25,8 @@ class UpdateDesk
 public:
     // `update` is that part of the panel's state, without the requests.
     UpdateAnswer answer(const Json &update, int command, const std::string &payload);
-    // Gives up a running install.
-    void abandon() { m_install.reset(); }
+    // Gives up a running install, and forgets the result of the last one.
+    void abandon();
 
 private:
     UpdateAnswer start(const Json &update, const std::string &path);
@@ -36,6 +36,7 @@ private:
     std::size_t nextStep(const Json &update);
 
     std::optional<UpdateInstall> m_install;
+    os::UpdateStatus m_result{0, 0, os::UPDATE_IDLE, {}}; // of the last one
     // Of the install:
     std::string m_model;
     std::chrono::steady_clock::time_point m_started;

@@ -24,16 +24,16 @@ std::string partPath()
 
 std::string installedPath(const std::string &path)
 {
-    const std::string name = fileName(path);
+    const std::string name = os::fileName(path);
     const std::size_t dot = name.rfind('.');
-    return folder() + (isFirmware(path) ? "firmware" : "project") +
+    return folder() + (os::isFirmware(path) ? "firmware" : "project") +
            (dot == std::string::npos ? std::string() : name.substr(dot));
 }
 
 } // namespace
 
 UpdateInstall::UpdateInstall(const std::string &path)
-    : m_path(path), m_file(readUpdateFile(path)), m_source(path)
+    : m_path(path), m_file(os::readUpdateFile(path)), m_source(path)
 {
     std::error_code error; // the open fails then
     std::filesystem::create_directories(folder(), error);
@@ -51,7 +51,7 @@ UpdateInstall::~UpdateInstall()
 // opened again.
 int UpdateInstall::copyTo(int percent)
 {
-    if (m_file.kind == UpdateFile::Unusable || !OpenFile(m_path).isSameAs(m_source))
+    if (m_file.kind == os::UpdateFile::Unusable || !os::OpenFile(m_path).isSameAs(m_source))
         return ERR_SOURCE;
     const std::uint64_t end = m_source.size() * static_cast<std::uint64_t>(percent) / 100;
     while (m_copied < end) {

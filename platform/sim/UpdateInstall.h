@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/sim/OpenFile.h"
-#include "platform/sim/UpdateFile.h"
+#include "platform/posix/OpenFile.h"
+#include "platform/posix/UpdateFile.h"
 
 #include <cstdint>
 #include <fstream>
@@ -26,7 +26,7 @@ public:
     UpdateInstall &operator=(const UpdateInstall &) = delete;
 
     const std::string &path() const { return m_path; }
-    const UpdateFile &file() const { return m_file; }
+    const os::UpdateFile &file() const { return m_file; }
 
     // Copies until `percent` of the file are there. Returns 0 or an Error.
     int copyTo(int percent);
@@ -35,8 +35,8 @@ public:
 
 private:
     const std::string m_path;
-    const UpdateFile m_file;
-    const OpenFile m_source;
+    const os::UpdateFile m_file;
+    const os::OpenFile m_source;
     std::ofstream m_copy;
     std::uint64_t m_copied = 0;
 };

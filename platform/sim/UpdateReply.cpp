@@ -1,15 +1,11 @@
 #include "platform/sim/UpdateReply.h"
 
-#include "platform/sim/Bytes.h"
-
 #include <random>
 
 namespace sim {
 namespace {
 
-constexpr std::size_t REPLY_MODEL_OFFSET = 12;
-constexpr std::size_t REPLY_MODEL_SIZE = 256;
-constexpr std::size_t REPLY_SIZE = REPLY_MODEL_OFFSET + REPLY_MODEL_SIZE;
+constexpr std::size_t REPLY_SIZE = os::UPDATE_MODEL_OFFSET + os::UPDATE_MODEL_SIZE;
 constexpr std::size_t SHORT_SIZE = 10; // within the error number
 constexpr std::size_t LONG_SIZE = 4096;
 
@@ -23,21 +19,11 @@ std::string noise(std::size_t size)
     return bytes;
 }
 
-std::string whole(const UpdateStatus &status)
-{
-    std::string bytes;
-    for (const int number : {status.state, status.percent, status.error})
-        bytes += toBytes(static_cast<std::uint32_t>(number));
-    bytes += status.model.substr(0, REPLY_MODEL_SIZE - 1);
-    bytes.resize(REPLY_SIZE, '\0');
-    return bytes;
-}
-
 } // namespace
 
-std::string encodeReply(const UpdateStatus &status, const std::string &how)
+std::string encodeReply(const os::UpdateStatus &status, const std::string &how)
 {
-    const std::string bytes = whole(status);
+    const std::string bytes = os::encodeUpdateStatus(status);
     if (how == "empty")
         return {};
     if (how == "short")
@@ -45,7 +31,7 @@ std::string encodeReply(const UpdateStatus &status, const std::string &how)
     if (how == "long")
         return bytes + noise(LONG_SIZE - REPLY_SIZE);
     if (how == "unterminated")
-        return bytes.substr(0, REPLY_MODEL_OFFSET) + std::string(REPLY_MODEL_SIZE, 'X');
+        return bytes.substr(0, os::UPDATE_MODEL_OFFSET) + std::string(os::UPDATE_MODEL_SIZE, 'X');
     return how == "noise" ? noise(REPLY_SIZE) : bytes;
 }
 

@@ -1,6 +1,6 @@
 #include "platform/sim/UpdateServer.h"
 
-#include "platform/sim/Bytes.h"
+#include "platform/posix/Bytes.h"
 #include "platform/sim/Panel.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ constexpr std::size_t COMMAND_SIZE = 4;
 
 int commandOf(const std::string &request)
 {
-    return static_cast<int>(numberFrom(request, 0));
+    return static_cast<int>(os::numberFrom(request, 0));
 }
 
 // Notes the request, and returns what the service is ordered to do: the state without the notes.
@@ -153,7 +153,7 @@ void UpdateServer::serve()
         answer(*request, update);
 }
 
-void UpdateServer::answer(const LoopbackSocket::Datagram &request, const Json &update)
+void UpdateServer::answer(const os::LoopbackSocket::Datagram &request, const Json &update)
 {
     const UpdateAnswer reply =
         m_desk.answer(update, commandOf(request.bytes), request.bytes.substr(COMMAND_SIZE));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sim/LoopbackSocket.h"
+#include "platform/posix/LoopbackSocket.h"
 #include "platform/sim/UpdateDesk.h"
 
 #include <chrono>
@@ -51,11 +51,11 @@ private:
     void die();
     void waitForWork() const;
     void serve();
-    void answer(const LoopbackSocket::Datagram &request, const Json &update);
+    void answer(const os::LoopbackSocket::Datagram &request, const Json &update);
     void sendDue();
 
     // Touched by the thread alone once it runs.
-    LoopbackSocket m_socket;
+    os::LoopbackSocket m_socket;
     UpdateDesk m_desk;
     std::multimap<Clock::time_point, HeldReply> m_held; // by the time when they are sent
 

@@ -1,7 +1,7 @@
 // What the kernel, the board and its maker say in files.
 #include "platform/board.h"
 #include "platform/linux/Backlight.h"
-#include "platform/linux/Facts.h"
+#include "platform/posix/Facts.h"
 #include "platform/linux/HotPlug.h"
 #include "platform/linux/Mounts.h"
 #include "platform/linux/PanelConf.h"

@@ -1,7 +1,7 @@
 #include "platform/posix/LocalUdp.h"
 
 #include "platform/local_udp.h"
-#include "platform/sim/LoopbackSocket.h"
+#include "platform/posix/LoopbackSocket.h"
 #include "tests/support/Rows.h"
 
 #include <csignal>
@@ -10,7 +10,7 @@
 #include <thread>
 
 using CBB::CbbLocalUdp;
-using sim::LoopbackSocket;
+using os::LoopbackSocket;
 
 namespace {
 

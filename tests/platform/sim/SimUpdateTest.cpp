@@ -1,7 +1,7 @@
 #include "platform/local_udp.h"
+#include "platform/posix/Bytes.h"
 #include "platform/posix/LocalUdp.h"
-#include "platform/sim/Bytes.h"
-#include "platform/sim/LoopbackSocket.h"
+#include "platform/posix/LoopbackSocket.h"
 #include "platform/sim/Panel.h"
 #include "tests/support/PanelRoot.h"
 #include "tests/support/Rows.h"
@@ -23,13 +23,13 @@ constexpr unsigned int SHORT = 100;  // for requests that nobody answers
 QString ask(int command, const QString &path = {}, unsigned int timeoutMs = LONG)
 {
     std::string reply;
-    const std::string body = sim::toBytes(std::uint32_t(command)) + path.toStdString();
+    const std::string body = os::toBytes(std::uint32_t(command)) + path.toStdString();
     const int result = CbbLocalUdp::request("DownLoad", body, reply, timeoutMs);
     if (result != 268)
         return QString::number(result);
     QString words;
     for (const std::size_t offset : {0U, 4U, 8U})
-        words += QString::number(int(sim::numberFrom(reply, offset))) + u' ';
+        words += QString::number(int(os::numberFrom(reply, offset))) + u' ';
     return (words + QLatin1String(reply.c_str() + 12)).trimmed();
 }
 
@@ -37,7 +37,7 @@ QString ask(int command, const QString &path = {}, unsigned int timeoutMs = LONG
 QByteArray headed(const QString &model, const QString &version, const QByteArray &content)
 {
     const auto number = [](unsigned int value) {
-        return QByteArray::fromStdString(sim::toBytes(value));
+        return QByteArray::fromStdString(os::toBytes(value));
     };
     return model.isEmpty()
                ? content
@@ -154,16 +154,16 @@ private slots:
     void lateRepliesStillGoOutInOrder()
     {
         ask(POLL);
-        const auto service = sim::loopbackAddress(panel().get("update.port").get<int>());
-        sim::LoopbackSocket client;
+        const auto service = os::loopbackAddress(panel().get("update.port").get<int>());
+        os::LoopbackSocket client;
         client.bind(0);
         panel().set("update.late", 80);
-        client.send(service, sim::toBytes(START) + make("a.tmt3"_s, "x").toStdString());
-        client.send(service, sim::toBytes(POLL));
+        client.send(service, os::toBytes(START) + make("a.tmt3"_s, "x").toStdString());
+        client.send(service, os::toBytes(POLL));
         QString percents;
         const auto take = [&] {
             if (const auto reply = client.receive())
-                percents += "%1 "_s.arg(sim::numberFrom(reply->bytes, 4));
+                percents += "%1 "_s.arg(os::numberFrom(reply->bytes, 4));
             return percents;
         };
         QTRY_COMPARE(take(), "0 10 "_s);
@@ -189,7 +189,7 @@ private slots:
 
     void portThatIsTaken()
     {
-        sim::LoopbackSocket other;
+        os::LoopbackSocket other;
         const int usual = os::localUdpPort("DownLoad");
         other.bind(usual); // it may be taken already
         QCOMPARE(ask(POLL), "0 0 -3"_s);
@@ -205,7 +205,7 @@ private slots:
     {
         std::string reply;
         const std::string bytes("\xFF\0<img>%s\n", 10);
-        CbbLocalUdp::request("DownLoad", sim::toBytes(99) + bytes, reply, 1);
+        CbbLocalUdp::request("DownLoad", os::toBytes(99) + bytes, reply, 1);
         QTRY_VERIFY(panel().get("update.requests") ==
                     Json({{{"command", 99}, {"payload", bytes}}}));
         QVERIFY(panel().calls().back()["args"] == Json({"DownLoad", 99, bytes, 1}));

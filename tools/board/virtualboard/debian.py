@@ -25,7 +25,7 @@ LEFT_OUT = ["/usr/share/man/*", "/usr/share/doc/*", "/usr/share/locale/*", "/usr
             "/usr/share/lintian/*", "/usr/lib/udev/hwdb.d/*", f"{LIBRARIES}/dri/*",
             f"{LIBRARIES}/gconv/*", f"{LIBRARIES}/libLLVM*", f"{LIBRARIES}/libz3*"]
 
-PACKAGES = ["sysset", "sysset-cloud", "sysset-network", "sysset-services"]
+PACKAGES = ["sysset", "sysset-cloud", "sysset-network", "sysset-services", "sysset-update"]
 
 # fontconfig knows a folder's cache by the folder's time to the nanosecond; mmdebstrap's tar and mke2fs
 # change times that are new or not whole seconds. Without this each start reads all fonts.

@@ -1,12 +1,12 @@
-#include "platform/sim/UpdateFile.h"
+#include "platform/posix/UpdateFile.h"
 
-#include "platform/sim/Bytes.h"
-#include "platform/sim/OpenFile.h"
+#include "platform/posix/Bytes.h"
+#include "platform/posix/OpenFile.h"
 
 #include <algorithm>
 #include <string_view>
 
-namespace sim {
+namespace os {
 namespace {
 
 constexpr std::string_view MAGIC = "SYSSETUP";
@@ -41,4 +41,4 @@ bool isFirmware(const std::string &path)
     return fileName(path).find(".osf") != std::string::npos;
 }
 
-} // namespace sim
+} // namespace os

@@ -1,6 +1,6 @@
-#include "platform/linux/Facts.h"
+#include "platform/posix/Facts.h"
 
-#include "platform/linux/SmallFile.h"
+#include "platform/posix/SmallFile.h"
 #include "platform/paths.h"
 
 #include <algorithm>

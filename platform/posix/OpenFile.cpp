@@ -1,10 +1,10 @@
-#include "platform/sim/OpenFile.h"
+#include "platform/posix/OpenFile.h"
 
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace sim {
+namespace os {
 namespace {
 
 int openToRead(const std::string &path)
@@ -62,4 +62,4 @@ std::string fileName(const std::string &path)
     return path.substr(path.rfind('/') + 1);
 }
 
-} // namespace sim
+} // namespace os

@@ -1,9 +1,9 @@
-#include "platform/sim/LoopbackSocket.h"
+#include "platform/posix/LoopbackSocket.h"
 
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace sim {
+namespace os {
 namespace {
 
 constexpr std::size_t LARGEST_DATAGRAM = 65507; // udp(7)
@@ -81,4 +81,4 @@ void LoopbackSocket::send(const sockaddr_in &to, const std::string &bytes) const
     ::sendto(m_fd, bytes.data(), bytes.size(), 0, generic(to), sizeof to);
 }
 
-} // namespace sim
+} // namespace os

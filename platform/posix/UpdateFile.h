@@ -1,10 +1,10 @@
-// What the simulated update service finds in a project or firmware file.
+// What an update service finds in a project or firmware file.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-namespace sim {
+namespace os {
 
 // The header of a file, see docs/porting: "SYSSETUP", the version (4 bytes), the model (32 bytes,
 // filled up with zeros), the number of the bytes that follow (4 bytes); numbers little-endian.
@@ -26,4 +26,4 @@ UpdateFile readUpdateFile(const std::string &path);
 // By its name: a firmware, else a project.
 bool isFirmware(const std::string &path);
 
-} // namespace sim
+} // namespace os

@@ -1,4 +1,4 @@
-#include "platform/linux/SmallFile.h"
+#include "platform/posix/SmallFile.h"
 
 #include "platform/cos_file.h"
 #include "platform/posix/FileDescriptor.h"

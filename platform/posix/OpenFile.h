@@ -6,7 +6,7 @@
 #include <string>
 #include <sys/stat.h>
 
-namespace sim {
+namespace os {
 
 // Never blocks: a pipe, a device or a folder of that name does not open.
 class OpenFile
@@ -35,4 +35,4 @@ private:
 // The name of a file without its folder.
 std::string fileName(const std::string &path);
 
-} // namespace sim
+} // namespace os

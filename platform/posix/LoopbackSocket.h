@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace sim {
+namespace os {
 
 sockaddr_in loopbackAddress(int port);
 
@@ -46,4 +46,4 @@ private:
     bool m_refusing = false;
 };
 
-} // namespace sim
+} // namespace os

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-namespace sim {
+namespace os {
 
 // `bytes` has four bytes from `offset` on.
 inline std::uint32_t numberFrom(const std::string &bytes, std::size_t offset)
@@ -24,4 +24,4 @@ inline std::string toBytes(std::uint32_t number)
     return bytes;
 }
 
-} // namespace sim
+} // namespace os

@@ -1,0 +1,128 @@
+#include "services/update/Desk.h"
+
+#include "services/common/Journal.h"
+
+#include <memory>
+#include <utility>
+
+namespace updates {
+namespace {
+
+constexpr int UNDER_WAY = 1;
+constexpr int UNPACKED = 95; // percent; the rest is the disk's
+constexpr int WHOLE = 100;
+
+constexpr int ANOTHER_MODEL = -5; // as the project's page is told
+
+// A file's name for the journal: one line, whatever it holds.
+std::string plainName(const std::string &path)
+{
+    std::string name = os::fileName(path);
+    for (char &letter : name)
+        if (static_cast<unsigned char>(letter) < 0x20 || letter == 0x7F)
+            letter = '?';
+    return name;
+}
+
+Checked checkedFile(const std::string &path, const Settings &settings)
+{
+    if (os::fileName(path).find(".osf3") != std::string::npos)
+        return {os::UPDATE_BAD_FILE, {}, "no firmware is installed here yet", nullptr, {}};
+    return checkProject(path, settings);
+}
+
+} // namespace
+
+Desk::Desk(sd_event *event, Settings settings)
+    : m_settings(std::move(settings)), m_checking(event), m_install(event)
+{
+    removeLeftovers();
+}
+
+Desk::~Desk()
+{
+    m_isStopping = true;
+}
+
+void Desk::answer(int command, const std::string &payload, const Reply &reply)
+{
+    switch (command) {
+    case os::UPDATE_CHECK:
+        return check(payload, reply);
+    case os::UPDATE_START:
+        return start(payload, reply);
+    case os::UPDATE_POLL:
+        return reply(status());
+    default:
+        return;
+    }
+}
+
+void Desk::check(const std::string &path, const Reply &reply)
+{
+    if (m_checking.isBusy())
+        return;
+    const auto found = std::make_shared<Checked>();
+    m_checking.start([this, path, found] { *found = checkedFile(path, m_settings); },
+                     [path, found, reply] {
+                         if (found->error != 0)
+                             service::warn(plainName(path) + " does not fit: " + found->why);
+                         reply({0, 0, found->error, found->model});
+                     });
+}
+
+// Looked at anew: between check and install a stick may have become another one.
+void Desk::start(const std::string &path, const Reply &reply)
+{
+    if (m_install.isBusy())
+        return;
+    m_name = plainName(path);
+    m_percent = 0;
+    const auto found = std::make_shared<Checked>();
+    m_install.start([this, path, found] { *found = checkedFile(path, m_settings); },
+                    [this, found, reply] {
+                        m_model = found->model;
+                        reply({UNDER_WAY, 0, 0, m_model});
+                        install(*found);
+                    });
+}
+
+void Desk::install(const Checked &checked)
+{
+    if (checked.error != 0)
+        return end(checked.error, checked.why);
+    if (checked.model != m_settings.model || checked.model.empty())
+        return end(ANOTHER_MODEL, "it is for the model " + checked.model);
+    struct Result
+    {
+        int error = 0;
+        std::string why;
+    };
+    const auto result = std::make_shared<Result>();
+    m_install.start(
+        [this, checked, result] {
+            const std::uint64_t all = checked.container.contentBytes;
+            const auto goesOn = [this, all](std::uint64_t bytes) {
+                m_percent = static_cast<int>(bytes * UNPACKED / all);
+                return !m_isStopping;
+            };
+            result->error = installProject(checked, goesOn, result->why);
+        },
+        [this, result] { end(result->error, result->why); });
+}
+
+void Desk::end(int error, const std::string &why)
+{
+    if (error == 0)
+        service::say(m_name + ": installed");
+    else
+        service::warn(m_name + " is not installed: " + why);
+    m_result = {0, error == 0 ? WHOLE : m_percent.load(), error, m_model};
+}
+
+os::UpdateStatus Desk::status() const
+{
+    return m_install.isBusy() ? os::UpdateStatus{UNDER_WAY, m_percent, 0, m_model} : m_result;
+}
+
+} // namespace updates

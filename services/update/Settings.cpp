@@ -1,0 +1,76 @@
+#include "services/update/Settings.h"
+
+#include "platform/paths.h"
+#include "platform/posix/Facts.h"
+#include "platform/posix/SmallFile.h"
+#include "services/common/Journal.h"
+
+#include <cerrno>
+#include <charconv>
+#include <ini.h>
+#include <sstream>
+#include <string_view>
+
+namespace updates {
+namespace {
+
+constexpr std::string_view VERSION_KEY = "IMAGE_VERSION=";
+
+bool take(Settings &settings, std::string_view name, std::string_view value)
+{
+    if (name == "keyring" && !value.empty() && value.front() == '/') {
+        settings.keyring = value;
+        return true;
+    }
+    settings.mayBeUnsigned = name == "unsigned" && value == "yes";
+    return name == "unsigned" && (value == "yes" || value == "no");
+}
+
+int onValue(void *kept, const char *section, const char *name, const char *value)
+{
+    auto &settings = *static_cast<Settings *>(kept);
+    if (std::string_view(section) == "machine" && std::string_view(name) == "model")
+        settings.model = value;
+    if (std::string_view(section) == "update" && !take(settings, name, value))
+        service::warn(std::string("panel.conf: [update] ") + name + "=" + value + " is not taken");
+    return 1;
+}
+
+} // namespace
+
+Settings readSettings(const std::string &path)
+{
+    Settings settings;
+    errno = 0;
+    const int line = ini_parse(path.c_str(), onValue, &settings);
+    if (line < 0 && errno != ENOENT)
+        service::warn(path + " cannot be read");
+    else if (line > 0)
+        service::warn(path + ": line " + std::to_string(line) + " is not understood");
+    if (settings.model.empty())
+        settings.model = board::boardModel();
+    settings.keyring = panelPath(settings.keyring);
+    return settings;
+}
+
+std::optional<std::uint32_t> firmwareVersion()
+{
+    auto text = board::readFile(panelPath("/etc/os-release"));
+    if (!text)
+        text = board::readFile(panelPath("/usr/lib/os-release"));
+    std::istringstream lines(text.value_or(std::string()));
+    for (std::string line; std::getline(lines, line);) {
+        if (line.compare(0, VERSION_KEY.size(), VERSION_KEY) != 0)
+            continue;
+        std::string value = line.substr(VERSION_KEY.size());
+        if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
+            value = value.substr(1, value.size() - 2);
+        std::uint32_t version = 0;
+        const char *const end = value.data() + value.size();
+        const auto [stop, error] = std::from_chars(value.data(), end, version);
+        return error == std::errc() && stop == end ? std::optional(version) : std::nullopt;
+    }
+    return std::nullopt;
+}
+
+} // namespace updates

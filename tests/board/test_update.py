@@ -1,0 +1,170 @@
+"""Projects from a stick: one that is installed, those that are not, and what a power cut leaves of them."""
+
+import random
+
+import pytest
+
+import conftest
+import update_page
+from lab import wait_for
+from update_page import choose, outcome, percent, plug, trust
+from virtualboard import powercut
+
+DONE = ("Download successfully!", "Updated, please restart HMI!")
+FAILED = "Download failure!"
+NO_PROJECT = (FAILED, "The project img file is not found in Udisk.")
+UNFIT = (FAILED, "Project file unmatched. Please select the project that matches HMI firmware.")
+NOT_DONE = (FAILED, "Failed to update, please restart HMI!")
+OTHER_MODEL = (FAILED, "HMI model: KV070T\nModel settings in project: KV100\nModel does not match, please modify it!")
+
+CLOUD = """<?xml version="1.0"?><cloud version="1"><region>Europe</region><server url="{}" port="8883"/></cloud>"""
+PROJECT = "/mnt/data/prj"
+TREE = f"cd {PROJECT} && find . -type f | sort | xargs sha256sum"
+FIRMWARE = 100
+PULLS = 10
+CUTS = 40
+WHOLE = 3_000_000       # bytes of a project that takes a while
+
+
+def noise(size, seed=1):
+    return random.Random(seed).randbytes(size)
+
+
+@pytest.fixture
+def maker(folder, tmp_path):
+    return update_page.Maker(tmp_path, folder)
+
+
+def at_updates(panel, maker):
+    """The panel knows the maker and its firmware's version, and shows its projects in English."""
+    trust(panel, maker)
+    panel.shell(f"echo IMAGE_VERSION={FIRMWARE} >>/usr/lib/os-release")
+    panel.touch("btn_Sysset")
+    panel.touch("tab_System", 2)
+    panel.touch("ENBtn")
+    panel.touch("btn_UpData")
+    panel.touch("tab_UpData", 0)
+    return panel
+
+
+@pytest.fixture
+def ready(panel, maker):
+    return at_updates(panel, maker)
+
+
+def test_a_project_is_installed_and_in_force_after_a_restart(ready, maker, folder):
+    panel = ready
+    maker.project("Line 1.tmt3", {"cloud/cloud.xml": CLOUD.format("one.example"), "pages/1": noise(WHOLE)})
+    maker.project("Line 2.tmt3", {"screens/a/b/c.bin": noise(500), "空": ""}, version=FIRMWARE)
+    plug(panel, folder)
+    choose(panel, "Line 1.tmt3")
+    values = set()
+    while not panel.is_seen("btn_Ok"):
+        values.add(percent(panel))
+    assert outcome(panel) == DONE
+    assert len(values - {None, 0, 100}) > 1, values
+    installed = panel.shell(TREE)
+    assert "./pages/1" in installed and "./LangugeSet.cof" in installed
+    assert panel.shell(f"stat -c %U {PROJECT} {PROJECT}/LangugeSet.cof") == "panel\npanel"
+    panel.touch("btn_Reboot")
+    panel.touch("btn_Ok")
+    panel.hands.wait_restart(60)
+    panel.wait_started()
+    panel.open_pages()
+    assert panel.shell(TREE) == installed
+    assert panel.text("btn_UpData") == "Update"     # in the language that was chosen
+    panel.touch("btn_UpData")
+    choose(panel, "Line 2.tmt3")
+    assert outcome(panel) == DONE
+    assert panel.shell(f"cd {PROJECT}; find . -type f -printf '%P ' | sort") != ""
+    assert panel.try_shell(f"test -e {PROJECT}/pages")[0] == 1
+    assert panel.shell("ls -A /mnt/data | grep '^[.]' || :") == ""
+
+
+def test_what_is_refused_leaves_the_project_as_it_is(ready, maker, folder, tmp_path):
+    panel = ready
+    before = panel.shell(TREE)
+    strangers = update_page.Maker(tmp_path / "strangers", folder)
+    small = {"a": "x"}
+    cases = {"model": OTHER_MODEL, "unsigned": NO_PROJECT, "stranger": NO_PROJECT, "tampered": NO_PROJECT,
+             "cut": NO_PROJECT, "newer": UNFIT, "room": NOT_DONE}
+    maker.project("model.tmt3", small, model="KV100")
+    maker.project("unsigned.tmt3", small, keys="none")
+    maker.project("stranger.tmt3", small, keys=strangers.keys)
+    maker.project("newer.tmt3", small, version=FIRMWARE + 1)
+    maker.project("room.tmt3", {"a": bytes(80 << 20)})
+    for name, spoil in {"tampered": lambda data: data[:-9] + b"!" + data[-8:],
+                        "cut": lambda data: data[:44] + (len(data) - 1048).to_bytes(4, "little") + data[48:-1000]
+                        }.items():
+        path = maker.project(f"{name}.tmt3", {"a": noise(WHOLE)})
+        path.write_bytes(spoil(path.read_bytes()))
+    plug(panel, folder)
+    for name, said in cases.items():
+        choose(panel, f"{name}.tmt3")
+        assert outcome(panel) == said, name
+        assert panel.shell(TREE) == before, name
+    assert panel.shell("ls -A /mnt/data | grep '^[.]' || :") == ""
+
+
+@pytest.mark.long
+def test_a_stick_pulled_while_it_is_read(ready, maker, folder):
+    panel = ready
+    before = panel.shell(TREE)
+    maker.project("Line 1.tmt3", {"a": noise(WHOLE)})
+    ends = []
+    for pull in range(PULLS):
+        plug(panel, folder, slow=True)
+        choose(panel, "Line 1.tmt3")
+        wait_for(lambda p=pull: panel.is_seen("btn_Ok") or (percent(panel) or 0) in range(9 * p, 100), "the bar")
+        panel.hands.pull("stick")
+        ends.append(outcome(panel))
+        is_whole = ends[-1] == DONE
+        assert is_whole or ends[-1] == NO_PROJECT
+        assert (panel.shell(TREE) == before) != is_whole
+        if is_whole:
+            break
+        wait_for(lambda: panel.items("list_Pro") == [], "an empty list")
+    assert ends.count(NO_PROJECT) > PULLS // 2, ends
+
+
+@pytest.fixture
+def logged(request, developers, built, tmp_path, maker):
+    """The same with the log of the writes of the data disk."""
+    with conftest.logged(request, developers, built, tmp_path) as panel:
+        yield at_updates(panel, maker)
+
+
+@pytest.mark.long
+def test_a_power_cut_leaves_the_old_or_the_new_one(logged, maker, folder, tmp_path):
+    panel, log = logged, tmp_path / "writes"
+    maker.project("Line 1.tmt3", {"old/a": noise(200_000), "version": "1"}, version=1)
+    maker.project("Line 2.tmt3", {"new/b": noise(900_000, 2), "version": "2"}, version=2)
+    plug(panel, folder)
+    trees = []
+    for name in ("Line 1.tmt3", "Line 2.tmt3"):
+        begun = powercut.length(log)
+        choose(panel, name)
+        assert outcome(panel) == DONE
+        trees.append(panel.shell(TREE))
+    ended = powercut.length(log)
+    panel.hands.cut_power()
+    disks = powercut.SideBySide(checked(powercut.cuts(log, tmp_path / "before.raw", tmp_path, CUTS, first=begun)),
+                                tmp_path / "all.raw")
+    panel.hands.power_on(panel.image)
+    panel.wait_started()
+    panel.hands.add_disk("cuts", tmp_path / "all.raw")
+    found = []
+    for index in range(CUTS):
+        panel.shell("systemctl stop sysset sysset-words sysset-update")
+        disks.put_in_place(panel.shell, "/dev/vdc", index, "/mnt/data")
+        panel.shell("systemctl start sysset-update")
+        found.append(trees.index(panel.shell(TREE)))
+        assert panel.shell("ls -A /mnt/data | grep '^[.]' || :") == ""
+    print(f"{ended - begun} requests; old or new: {found}")
+    assert found == sorted(found) and set(found) == {0, 1}
+
+
+def checked(cuts):
+    for number, path in cuts:
+        yield number, path
+        assert powercut.recover(path) == "", f"cut after {number} requests"

@@ -1,0 +1,79 @@
+"""The page with projects, as an operator uses it, and what a maker puts on the stick for it."""
+
+import pathlib
+import subprocess
+import sys
+
+from lab import NotSeen, wait_for
+from virtualboard import sticks
+
+TOOL = pathlib.Path(__file__).resolve().parents[1] / "make-update-file"
+MODEL = "KV070T"                # as the virtual board's firmware says
+KEYRING = "/etc/sysset/update-keys.pem"
+ENDS_S = 60
+
+
+def maker(*arguments):
+    """Has the maker's tool do something."""
+    subprocess.run([sys.executable, str(TOOL), *map(str, arguments)], check=True, stdout=subprocess.DEVNULL)
+
+
+class Maker:
+    """Who makes projects: a folder with keys, and one whose files are on the stick."""
+
+    def __init__(self, folder, stick):
+        self.keys = folder / "keys"
+        self._folder = folder
+        self._stick = stick
+        maker("keys", self.keys)
+
+    def keyring(self):
+        return (self.keys / "update-keys.pem").read_bytes()
+
+    def project(self, name, files, *, keys=None, model=MODEL, version=0):
+        """Makes a project of texts or bytes by name, and puts it on the stick; its path here."""
+        content = self._folder / "content" / name
+        for path, data in files.items():
+            (content / path).parent.mkdir(parents=True, exist_ok=True)
+            (content / path).write_bytes(data if isinstance(data, bytes) else data.encode())
+        signing = ["--keys", keys or self.keys] if keys != "none" else []
+        maker("project", "--model", model, "--version", version, *signing, content, self._stick / name)
+        return self._stick / name
+
+
+def trust(panel, maker_):
+    """Has the panel know a maker's keys."""
+    panel.shell(f"mkdir -p /etc/sysset; cat >{KEYRING}", stdin=maker_.keyring())
+
+
+def plug(panel, folder, **how):
+    """Plugs a stick with the files of a folder; the rows that are listed then."""
+    image = folder.parent / "stick.img"
+    sticks.make_fat_stick(image, folder)
+    panel.hands.plug("stick", image, **how)
+    return wait_for(lambda: panel.items("list_Pro"), "the stick's files")
+
+
+def choose(panel, name):
+    """Has the project installed that is listed so, once the page can be touched."""
+    rows = wait_for(lambda: panel.items("list_Pro"), "rows")
+    panel.touch("list_Pro", rows.index(f"U1/{name}"))
+    wait_for(lambda: name in panel.text("lab_Pro"), "the row is chosen")
+    panel.touch("btn_DownLoadPro")
+
+
+def outcome(panel, seconds=ENDS_S):
+    """What the box says at the end, which is closed."""
+    wait_for(lambda: panel.is_seen("btn_Ok"), "the end", seconds)
+    said = panel.text("label_3"), panel.text("label")
+    panel.touch("btn_Ok")
+    wait_for(lambda: not panel.is_seen("btn_Ok"), "the box closes")
+    return said
+
+
+def percent(panel):
+    """Of the bar; None while a box covers it."""
+    try:
+        return panel.widget("bar_Project").value
+    except NotSeen:
+        return None
