@@ -101,7 +101,7 @@ struct PlcSession::Order
     int number = 0;
     std::size_t size = 0;
     std::uint32_t sum = 0;
-    std::string text = {};
+    std::string text;
 
     std::string name() const { return COMMAND_NAMES[static_cast<int>(command)]; }
 };
@@ -142,11 +142,11 @@ PlcFault PlcSession::send(PlcSection section, const Bytes &content)
                                             std::to_string(content.size()) + " bytes, room for " +
                                             std::to_string(room));
     const std::uint32_t sum = sumOf(content);
-    PlcFault fault = follow({PlcCommand::Begin, number, content.size(), sum});
+    PlcFault fault = follow({PlcCommand::Begin, number, content.size(), sum, {}});
     if (fault == PlcFault::None)
         fault = sendRecords(section, content);
     if (fault == PlcFault::None)
-        fault = follow({PlcCommand::End, number, content.size(), sum});
+        fault = follow({PlcCommand::End, number, content.size(), sum, {}});
     return fault;
 }
 
@@ -166,7 +166,7 @@ PlcFault PlcSession::send(const devmemorydataitem_t &range)
         if (fault != PlcFault::None)
             return noted(fault, "memory from " + std::to_string(address));
     }
-    return follow({PlcCommand::Check, range.nAddress, values.size(), sumOf(bytesOf(values))});
+    return follow({PlcCommand::Check, range.nAddress, values.size(), sumOf(bytesOf(values)), {}});
 }
 
 PlcFault PlcSession::sendRecords(PlcSection section, const Bytes &content)

@@ -23,6 +23,7 @@ private slots:
         if (m_plc.state() == QProcess::NotRunning)
             startPlc();
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(at(NODE)), 10000);
+        QFile::link("com1-422"_s, at("/dev/THAL/tty/com1-232"));
     }
     void cleanupTestCase()
     {
@@ -119,7 +120,7 @@ private slots:
     }
     void silenceEnds()
     {
-        order(R"({"how": "silent", "at": ")" + cell(0).toLatin1() + "\"}");
+        order("{\"how\": \"silent\", \"at\": \"" + cell(0).toLatin1() + "\"}");
         make("--size 3001 --type 5 --version 3"_s);
         QElapsedTimer timer;
         timer.start();
@@ -173,7 +174,6 @@ private:
         m_plc.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_plc.start("/usr/bin/python3"_s,
                     {TOOLS_FOLDER "/board/plc.py"_s, "--pty"_s, at(NODE), at("/plc")});
-        QFile::link("com1-422"_s, at("/dev/THAL/tty/com1-232"));
     }
     void make(const QString &options) const
     {
