@@ -1,5 +1,6 @@
 #include "platform/paths.h"
 #include "platform/posix/FileDescriptor.h"
+#include "platform/posix/SerialNodes.h"
 #include "platform/serial_line.h"
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include <fcntl.h>
 #include <iterator>
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <system_error>
 #include <termios.h>
 
@@ -17,28 +17,7 @@ namespace {
 
 using os::FileDescriptor;
 
-// _IOW('w', 1, int) of the board's driver: 1 makes the line RS-422, 0 RS-485.
-constexpr unsigned long MODE_REQUEST = 0x40047701;
-constexpr int NO_SWITCH = -1;
-
 constexpr cc_t READ_TENTHS = 40;
-
-struct Port
-{
-    int port;
-    int mode;
-    const char *name;
-    const char *node;
-    int switchTo;
-};
-
-constexpr Port PORTS[] = {
-    {0, 0, "RS232_1", "/dev/THAL/tty/com1-232", NO_SWITCH},
-    {0, 1, "RS422_1", "/dev/THAL/tty/com1-422", 1},
-    {0, 2, "RS485_1", "/dev/THAL/tty/com1-422", 0},
-    {1, 0, "RS232_2", "/dev/THAL/tty/com2-232", NO_SWITCH},
-    {1, 2, "RS485_2", "/dev/THAL/tty/com2-485", NO_SWITCH},
-};
 
 struct Rate
 {
@@ -63,12 +42,16 @@ int reportOpenFailure(int error)
     return reportFailure("OpenDev", "Can't Open Serial Port", error);
 }
 
-bool switchMode(int fd, int switchTo)
+int openNode(const os::SerialNode *node)
 {
-    if (switchTo == NO_SWITCH || ioctl(fd, MODE_REQUEST, &switchTo) == 0)
-        return true;
-    // A line that has no switch, such as a pseudo-terminal, needs none.
-    return errno == ENOTTY;
+    if (node == nullptr)
+        return reportOpenFailure(ENODEV);
+    // Without O_NONBLOCK a port with modem lines would wait here for a carrier.
+    const int flags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
+    FileDescriptor line(open(panelPath(node->path).c_str(), flags));
+    if (!line.isOpen() || !os::switchSerialMode(line.get(), *node))
+        return reportOpenFailure(errno);
+    return line.release();
 }
 
 bool setDataBits(termios &line, int dataBits)
@@ -152,15 +135,6 @@ void makeRaw(termios &line)
     line.c_cc[VMIN] = 0;
 }
 
-// Empty if there is no such port.
-std::string portNameOf(int port, int mode)
-{
-    const auto *found = std::find_if(std::begin(PORTS), std::end(PORTS), [=](const Port &known) {
-        return known.port == port && known.mode == mode;
-    });
-    return found == std::end(PORTS) ? "" : found->name;
-}
-
 int setUp(int fd, const SerialSettings &settings)
 {
     const int result = setSpeed(fd, settings.baud);
@@ -177,16 +151,7 @@ bool isForNow(int error)
 
 int openDev(const std::string &portName)
 {
-    const auto *port = std::find_if(std::begin(PORTS), std::end(PORTS),
-                                    [&](const Port &known) { return known.name == portName; });
-    if (port == std::end(PORTS))
-        return reportOpenFailure(ENODEV);
-    // Without O_NONBLOCK a port with modem lines would wait here for a carrier.
-    const int flags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
-    FileDescriptor line(open(panelPath(port->node).c_str(), flags));
-    if (!line.isOpen() || !switchMode(line.get(), port->switchTo))
-        return reportOpenFailure(errno);
-    return line.release();
+    return openNode(os::serialNode(portName));
 }
 
 int setSpeed(int fd, int baud)
@@ -222,7 +187,7 @@ int setParity(int fd, int dataBits, int stopBits, int parity)
 int openPort(int closeOnFailure, int &fd, const SerialSettings &settings)
 {
     FileDescriptor given(closeOnFailure);
-    FileDescriptor line(openDev(portNameOf(settings.port, settings.mode)));
+    FileDescriptor line(openNode(os::serialNode(settings.port, settings.mode)));
     const int result = line.isOpen() ? setUp(line.get(), settings) : -1;
     fd = result == 0 ? line.release() : -1;
     if (result == 0)

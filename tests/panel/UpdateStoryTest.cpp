@@ -24,7 +24,7 @@ private slots:
         for (int i = 0; i < PROGRAM_SIZE; ++i)
             m_program += static_cast<char>(i * 7 + i / 256);
         QVERIFY(m_panel.write("/raw"_s, m_program));
-        makeProgram({"--from"_s, m_panel.file("/raw"_s)});
+        makeProgram({"--older"_s, "--from"_s, m_panel.file("/raw"_s)});
         QVERIFY(m_panel.writeEnglish() && m_panel.start());
         openPage();
         QVERIFY(insertStick());
@@ -50,7 +50,7 @@ private slots:
     // The line would take a quarter of an hour.
     void endDuringTransfer()
     {
-        makeProgram({"--size"_s, "400000"_s, "--baud"_s, "9600"_s});
+        makeProgram({"--older"_s, "--size"_s, "400000"_s, "--baud"_s, "9600"_s});
         QVERIFY(m_panel.set("plc.line.paced"_s, "true"));
         m_panel.ask({"usb"_s, "remove"_s, m_stick.path()});
         QVERIFY(PanelProcess::wait([this] { return m_panel.items("list_PlcPro"_s).isEmpty(); }));
