@@ -52,7 +52,7 @@ DEFAULTS = {
     # or "any" of them. "after" so many that go well, so many "times", -1 always. HOW has how.
     "at": None, "how": "silent", "after": 0, "times": -1,
 }
-HOW = ("silent", "refuse", "exception", "nonsense", "cut", "foreign", "hang up")
+HOW = ("silent", "refuse", "exception", "nonsense", "cut", "foreign", "restart", "hang up")
 
 
 class Exceptional(Exception):
@@ -78,11 +78,11 @@ class Plc:
     def answer(self, request):
         """(response, how it is spoilt, if it is) to a request."""
         self._read_orders()
-        if time.monotonic() - self._last > LOCKED_AFTER_S:
-            self._is_unlocked = False
-        self._last = time.monotonic()
         name = self._name(request)
         trouble = self._trouble(name)
+        if time.monotonic() - self._last > LOCKED_AFTER_S or trouble == "restart":
+            self._is_unlocked = False
+        self._last = time.monotonic()
         with open(self.folder / "log", "a") as log:
             log.write(name + (f" ({trouble})" if trouble else "") + "\n")
         try:

@@ -73,7 +73,7 @@ private slots:
               R"({"at": "protect", "how": "refuse"} | -34 | SetUpLoadPasswd | --upload-password b)",
               R"({"version": 4} | -19 | CheckVer)", R"({"type": 4} | -16 | CheckVer)",
               R"({"type": 4} | 0 | | --type 0)",
-              R"({"at": "stop", "how": "refuse"} | -6 | StopPLC)",
+              R"({"at": "stop", "how": "refuse"} | -6 | StopPLC)", R"({"busy": 9} | -6 | StopPLC)",
               R"({"at": "identity", "how": "cut", "after": 3} | -7 | ReadPlcVer)",
               R"({"capacity": {"program": 2000}} | -32 | DownLoadPro)",
               R"({"at": "records program", "how": "exception"} | -9 | DownLoadPro)",
@@ -93,6 +93,8 @@ private slots:
               R"({"at": "records program", "how": "cut", "after": 3, "times": 1} | 0)",
               R"({"at": "begin program", "how": "silent", "times": 1} | 0)",
               R"({"at": "begin cam", "how": "foreign", "times": 1} | 0)",
+              R"({"password": "b", "at": "begin program", "how": "restart", "times": 1} | 0 | |
+                  --password b)",
               R"({"at": "records program", "how": "exception", "after": 5, "times": 2} | 0)",
               R"({"at": "end program", "how": "refuse", "times": 2} | 0)"});
     }
