@@ -31,10 +31,10 @@ private:
 
 void Stick::make(const char *tool, const QString &name, const QStringList &options) const
 {
-    const QStringList arguments{utf8(SOURCE_FOLDER "/tools/") + utf8(tool), utf8("--size"),
-                                utf8("4096")};
+    const QStringList program{utf8(SOURCE_FOLDER "/tools/") + utf8(tool)};
+    const QStringList rest{utf8("--size"), utf8("4096"), file(name)};
     QProcess process;
-    process.start(utf8("/usr/bin/python3"), arguments + options + QStringList{file(name)});
+    process.start(utf8("/usr/bin/python3"), program + options + rest);
     if (!process.waitForFinished() || process.exitCode() != 0)
         throw Stuck(std::string(tool) + " makes no " + name.toStdString());
 }

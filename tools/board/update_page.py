@@ -65,7 +65,7 @@ def choose(panel, name):
 def outcome(panel, seconds=ENDS_S):
     """What the box says at the end, which is closed."""
     wait_for(lambda: panel.is_seen("btn_Ok"), "the end", seconds)
-    said = panel.text("label_3"), panel.text("label")
+    said = panel.text("label")
     panel.touch("btn_Ok")
     wait_for(lambda: not panel.is_seen("btn_Ok"), "the box closes")
     return said
