@@ -2,8 +2,8 @@
 
 #include "platform/linux/Journal.h"
 #include "platform/linux/PanelConf.h"
-#include "platform/posix/SmallFile.h"
 #include "platform/paths.h"
+#include "platform/posix/SmallFile.h"
 
 #include <algorithm>
 #include <string>

@@ -1,7 +1,7 @@
 #include "platform/linux/Beeper.h"
 
-#include "platform/posix/SmallFile.h"
 #include "platform/paths.h"
+#include "platform/posix/SmallFile.h"
 
 #include <array>
 #include <fcntl.h>

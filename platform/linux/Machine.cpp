@@ -2,8 +2,8 @@
 #include "platform/machine.h"
 
 #include "platform/board.h"
-#include "platform/posix/Facts.h"
 #include "platform/linux/PanelConf.h"
+#include "platform/posix/Facts.h"
 
 #include <array>
 #include <systemd/sd-id128.h>

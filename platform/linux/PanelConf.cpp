@@ -1,8 +1,8 @@
 #include "platform/linux/PanelConf.h"
 
 #include "platform/linux/Journal.h"
-#include "platform/posix/SmallFile.h"
 #include "platform/paths.h"
+#include "platform/posix/SmallFile.h"
 
 #include <algorithm>
 #include <ini.h>

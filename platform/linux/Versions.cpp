@@ -1,7 +1,7 @@
 #include "platform/linux/Versions.h"
 
-#include "platform/posix/SmallFile.h"
 #include "platform/paths.h"
+#include "platform/posix/SmallFile.h"
 
 #include <map>
 #include <sstream>

@@ -1,7 +1,7 @@
 #include "platform/posix/Facts.h"
 
-#include "platform/posix/SmallFile.h"
 #include "platform/paths.h"
+#include "platform/posix/SmallFile.h"
 
 #include <algorithm>
 #include <initializer_list>

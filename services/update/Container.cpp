@@ -98,7 +98,7 @@ std::uint64_t Content::bytesRead() const
 std::optional<std::string> Content::next()
 {
     const std::uint64_t size = std::min(CHUNK, m_container.contentBytes - bytesRead());
-    const std::string bytes = m_file.read(m_container.contentOffset + bytesRead(), size);
+    std::string bytes = m_file.read(m_container.contentOffset + bytesRead(), size);
     if (bytes.size() != size)
         return std::nullopt;
     Digest digest{};

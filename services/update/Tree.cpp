@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -29,10 +30,11 @@ struct ArchiveDeleter
 };
 
 // What ends the unpacking.
-struct Failure
+struct Failure : std::runtime_error
 {
+    Failure(Outcome how, const std::string &why) : std::runtime_error(why), outcome(how) {}
+
     Outcome outcome;
-    std::string why;
 };
 
 Failure badContent(const std::string &why)
@@ -134,7 +136,7 @@ la_ssize_t Unpacking::nextChunk(const void **bytes)
     if (m_content.isAtEnd())
         return 0;
     if (!m_goesOn(m_content.bytesRead())) {
-        m_reading = {Outcome::STOPPED, "stopped"};
+        m_reading = Failure(Outcome::STOPPED, "stopped");
         return ARCHIVE_FATAL;
     }
     auto chunk = m_content.next();
@@ -252,7 +254,7 @@ Outcome unpack(const os::OpenFile &file, const Container &container, const std::
         Unpacking(file, container, path, goesOn).run();
         return Outcome::DONE;
     } catch (const Failure &failure) {
-        why = failure.why;
+        why = failure.what();
         return failure.outcome;
     }
 }

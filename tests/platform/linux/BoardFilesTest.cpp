@@ -1,12 +1,12 @@
 // What the kernel, the board and its maker say in files.
 #include "platform/board.h"
 #include "platform/linux/Backlight.h"
-#include "platform/posix/Facts.h"
 #include "platform/linux/HotPlug.h"
 #include "platform/linux/Mounts.h"
 #include "platform/linux/PanelConf.h"
 #include "platform/linux/Versions.h"
 #include "platform/machine.h"
+#include "platform/posix/Facts.h"
 #include "tests/support/PanelRoot.h"
 #include "tests/support/Rows.h"
 #include "tests/support/Text.h"
