@@ -2,6 +2,7 @@
 
 #include "platform/local_udp.h"
 #include "platform/posix/FileDescriptor.h"
+#include "platform/posix/LoopbackSocket.h"
 
 #include <algorithm>
 #include <array>
@@ -26,7 +27,6 @@ using CBB::CbbLocalUdp;
 using Clock = std::chrono::steady_clock;
 
 constexpr int LARGEST_PORT = 65535;
-constexpr std::size_t LARGEST_DATAGRAM = 65507;
 constexpr std::size_t PARKED_SOCKETS = 64;
 
 struct Endpoint
@@ -66,15 +66,6 @@ std::optional<int> portFromEnvironment(const char *variable)
     return whole && isPort(port) ? std::optional(port) : std::nullopt;
 }
 
-sockaddr_in loopback(int port)
-{
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return address;
-}
-
 // Of the ports that the kernel picks by itself it may pick the very one that is asked: the socket
 // would then answer itself.
 bool talksToItself(int fd, const sockaddr_in &service)
@@ -94,7 +85,7 @@ int errorOf(int number)
 // 0 or an Error.
 int connectTo(int fd, int port)
 {
-    const sockaddr_in service = loopback(port);
+    const sockaddr_in service = loopbackAddress(port);
     if (::connect(fd, reinterpret_cast<const sockaddr *>(&service), sizeof service) != 0)
         return errorOf(errno);
     return talksToItself(fd, service) ? CbbLocalUdp::ERR_NO_SERVICE : 0;

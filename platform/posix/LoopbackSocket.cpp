@@ -6,8 +6,6 @@
 namespace os {
 namespace {
 
-constexpr std::size_t LARGEST_DATAGRAM = 65507; // udp(7)
-
 const sockaddr *generic(const sockaddr_in &address)
 {
     return reinterpret_cast<const sockaddr *>(&address);

@@ -1,11 +1,14 @@
 // A service's end of a UDP socket on the loopback interface.
 #pragma once
 
+#include <cstddef>
 #include <netinet/in.h>
 #include <optional>
 #include <string>
 
 namespace os {
+
+constexpr std::size_t LARGEST_DATAGRAM = 65507; // bytes, udp(7)
 
 sockaddr_in loopbackAddress(int port);
 
