@@ -7,6 +7,7 @@
 #include <archive.h>
 #include <archive_entry.h>
 #include <cerrno>
+#include <clocale>
 #include <fcntl.h>
 #include <memory>
 #include <optional>
@@ -23,6 +24,29 @@ namespace {
 constexpr std::size_t LONGEST_PATH = 1024;
 constexpr mode_t FILE_MODE = 0644;
 constexpr mode_t FOLDER_MODE = 0755;
+
+// An archive's names are UTF-8, and so are the disk's: libarchive converts between them by the
+// thread's locale, and refuses what that cannot hold.
+class Utf8Names
+{
+public:
+    Utf8Names()
+        : m_locale(::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)), m_before(::uselocale(m_locale))
+    {
+    }
+    ~Utf8Names()
+    {
+        ::uselocale(m_before);
+        if (m_locale != nullptr)
+            ::freelocale(m_locale);
+    }
+    Utf8Names(const Utf8Names &) = delete;
+    Utf8Names &operator=(const Utf8Names &) = delete;
+
+private:
+    locale_t m_locale; // null without such a locale, which leaves the thread's own
+    locale_t m_before;
+};
 
 struct ArchiveDeleter
 {
@@ -83,6 +107,7 @@ private:
     void writeTo(int file, const void *bytes, std::size_t size, la_int64_t offset);
     [[noreturn]] void fail();
 
+    const Utf8Names m_names;
     const Container &m_container;
     Content m_content;
     const std::function<bool(std::uint64_t)> &m_goesOn;

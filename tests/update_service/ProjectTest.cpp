@@ -87,8 +87,9 @@ private slots:
             return isMore;
         };
         QCOMPARE(installProject(checked, goesOn, why), 0);
-        const QString big =
-            cell(1) == "yes"_s ? "prj/big prj/cloud prj/cloud/cloud.xml=<cloud/>"_s : "prj/a=x"_s;
+        const QString big = cell(1) == "yes"_s
+                                ? "prj/big prj/cloud prj/cloud/cloud.xml=<cloud/> prj/空=x"_s
+                                : "prj/a=x"_s;
         QCOMPARE(tree(),
                  "prj prj/.project=version=5 model=KV070T prj/LangugeSet.cof=ours "_s + big);
     }

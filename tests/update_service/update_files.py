@@ -49,21 +49,21 @@ def main():
         (folder / f"{name}.tmt3").write_bytes(change(tool.sealed(kind, args, content, entries, unpacked)))
 
     tree = archive((entry("./cloud", type=tarfile.DIRTYPE), b""), (entry("cloud/cloud.xml"), b"<cloud/>"),
-                   (entry("big"), BIG), (entry("LangugeSet.cof"), b"theirs"))
+                   (entry("big"), BIG), (entry("LangugeSet.cof"), b"theirs"), (entry("空"), b"x"))
     for packing in ("gz", "xz"):
         args = (entry("a"), b"x")
         project(packing, archive(args, mode=f"w:{packing}"))
-    project("good", tree, 4, len(BIG) + 14)
-    project("unsigned", tree, 4, len(BIG) + 14, keys=None)
+    project("good", tree, 5, len(BIG) + 15)
+    project("unsigned", tree, 5, len(BIG) + 15, keys=None)
     project("newer", files("a"), version=101)
     project("stranger", files("a"), keys=strangers)
     project("logo", files("a"), kind="logo")
-    project("tampered", tree, 4, len(BIG) + 14, change=lambda data: data[:-2000] + b"!" + data[-1999:])
+    project("tampered", tree, 5, len(BIG) + 15, change=lambda data: data[:-2000] + b"!" + data[-1999:])
     project("other version", files("a"), change=lambda data: data[:8] + b"\4" + data[9:])
     project("other signature", files("a"), change=lambda data: data.replace(b"Signer", b"Singer"))
-    project("cut", tree, 4, len(BIG) + 14, change=lambda data: data[:-1])
-    project("longer", tree, 4, len(BIG) + 14, change=lambda data: data + b"x")
-    project("cut, told so", tree, 4, len(BIG) + 14,
+    project("cut", tree, 5, len(BIG) + 15, change=lambda data: data[:-1])
+    project("longer", tree, 5, len(BIG) + 15, change=lambda data: data + b"x")
+    project("cut, told so", tree, 5, len(BIG) + 15,
             change=lambda data: data[:44] + struct.pack("<I", len(data) - 1048) + data[48:-1000])
     project("no archive", b"x" * 5000)
     project("climbs", files("a/../../b"))

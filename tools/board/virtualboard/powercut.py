@@ -126,6 +126,7 @@ exit 1
 # The disks have the label of the board's own: systemd may have taken that one away when they came.
 PUT_IN_PLACE = """set -e
 if mountpoint -q {place}; then umount {place}; fi
+while [ -n "$(losetup -j {device})" ]; do sleep 0.05; done   # the kernel lets a loop device go a little later
 mount -o loop,offset={at},sizelimit={size},nodev,nosuid,noatime {device} {place}
 """
 
