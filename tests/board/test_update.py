@@ -138,7 +138,7 @@ def logged(request, developers, built, tmp_path, maker):
 def test_a_power_cut_leaves_the_old_or_the_new_one(logged, maker, folder, tmp_path):
     panel, log = logged, tmp_path / "writes"
     maker.project("Line 1.tmt3", {"old/a": noise(200_000), "version": "1"}, version=1)
-    maker.project("Line 2.tmt3", {"new/b": noise(900_000, 2), "version": "2"}, version=2)
+    maker.project("Line 2.tmt3", {**{f"new/{n}": noise(40_000, n) for n in range(50)}, "version": "2"}, version=2)
     plug(panel, folder)
     trees = []
     for name in ("Line 1.tmt3", "Line 2.tmt3"):
@@ -154,6 +154,7 @@ def test_a_power_cut_leaves_the_old_or_the_new_one(logged, maker, folder, tmp_pa
     panel.wait_started()
     panel.hands.add_disk("cuts", tmp_path / "all.raw")
     found = []
+    assert len(disks.numbers) == CUTS
     for index in range(CUTS):
         panel.shell("systemctl stop sysset sysset-words sysset-update")
         disks.put_in_place(panel.shell, "/dev/vdc", index, "/mnt/data")

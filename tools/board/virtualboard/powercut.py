@@ -126,12 +126,7 @@ exit 1
 # The disks have the label of the board's own: systemd may have taken that one away when they came.
 PUT_IN_PLACE = """set -e
 if mountpoint -q {place}; then umount {place}; fi
-# The kernel may still be letting the loop device go that it gives for the next mount: that one fails then.
-for attempt in 1 2 3 4 5; do
-    mount -o loop,offset={at},sizelimit={size},nodev,nosuid,noatime {device} {place} && exit
-    sleep 0.3
-done
-exit 1
+mount -o loop,offset={at},sizelimit={size},nodev,nosuid,noatime {device} {place}
 """
 
 
