@@ -1,6 +1,7 @@
 #include "services/update/Container.h"
 
 #include "platform/posix/Bytes.h"
+#include "platform/posix/UpdateFile.h"
 
 #include <algorithm>
 #include <openssl/sha.h>
@@ -8,13 +9,6 @@
 
 namespace updates {
 namespace {
-
-constexpr std::string_view MAGIC = "SYSSETUP";
-constexpr std::size_t VERSION_OFFSET = 8;
-constexpr std::size_t MODEL_OFFSET = 12;
-constexpr std::size_t MODEL_SIZE = 32;
-constexpr std::size_t LENGTH_OFFSET = 44;
-constexpr std::size_t HEADER_SIZE = 48;
 
 // Behind the header.
 constexpr std::size_t FORMAT_OFFSET = 48;
@@ -39,13 +33,15 @@ std::uint64_t longFrom(const std::string &bytes, std::size_t offset)
 // The fixed part; false if that cannot be one.
 bool takeFixed(const std::string &bytes, std::uint64_t fileSize, Container &container)
 {
-    if (bytes.size() < DIGESTS_OFFSET || bytes.compare(0, MAGIC.size(), MAGIC) != 0 ||
+    if (bytes.size() < DIGESTS_OFFSET ||
+        bytes.compare(0, os::UPDATE_MAGIC.size(), os::UPDATE_MAGIC) != 0 ||
         os::numberFrom(bytes, FORMAT_OFFSET) != FORMAT ||
-        os::numberFrom(bytes, LENGTH_OFFSET) + HEADER_SIZE != fileSize)
+        os::numberFrom(bytes, os::UPDATE_LENGTH_OFFSET) + os::UPDATE_HEADER_SIZE != fileSize)
         return false;
-    const std::string model = bytes.substr(MODEL_OFFSET, MODEL_SIZE);
+    const std::string model =
+        bytes.substr(os::UPDATE_FILE_MODEL_OFFSET, os::UPDATE_FILE_MODEL_SIZE);
     container.model = model.substr(0, model.find('\0'));
-    container.version = os::numberFrom(bytes, VERSION_OFFSET);
+    container.version = os::numberFrom(bytes, os::UPDATE_VERSION_OFFSET);
     const std::uint32_t kind = os::numberFrom(bytes, KIND_OFFSET);
     container.kind = static_cast<Kind>(kind);
     container.entries = os::numberFrom(bytes, ENTRIES_OFFSET);
@@ -85,8 +81,8 @@ std::optional<Container> readContainer(const os::OpenFile &file)
         return std::nullopt;
     container.signature = file.read(signatureOffset, signatureSize);
     container.digests = digestsIn(rest.substr(0, size));
-    container.signedBytes =
-        fixed.substr(0, LENGTH_OFFSET) + fixed.substr(HEADER_SIZE) + rest.substr(0, size);
+    container.signedBytes = fixed.substr(0, os::UPDATE_LENGTH_OFFSET) +
+                            fixed.substr(os::UPDATE_HEADER_SIZE) + rest.substr(0, size);
     return container.signature.size() == signatureSize ? std::optional(container) : std::nullopt;
 }
 
