@@ -32,7 +32,7 @@ def test_services_killed_ten_times_each_under_a_working_finger(panel):
     assert int(panel.shell("systemctl show -P NRestarts sysset-words")) >= KILLS
     # One that was killed behind the last touch is started by the next.
     wait_for(lambda: panel.press_through() and panel.shell("systemctl --failed --plain --no-legend") == "",
-             "all services without a failure")
+             "all services without a failure", 60)
     panel.touch("tab_System", 0)
     panel.drag("slider_Backlightness", 33)
     panel.set_clock()
