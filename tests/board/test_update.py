@@ -39,11 +39,7 @@ def at_updates(panel, maker):
     """The panel knows the maker and its firmware's version, and shows its projects in English."""
     trust(panel, maker)
     panel.shell(f"echo IMAGE_VERSION={FIRMWARE} >>/usr/lib/os-release")
-    panel.touch("btn_Sysset")
-    panel.touch("tab_System", 2)
-    panel.touch("ENBtn")
-    panel.touch("btn_UpData")
-    panel.touch("tab_UpData", 0)
+    update_page.open_page(panel)
     return panel
 
 

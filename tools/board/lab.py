@@ -14,7 +14,7 @@ import cloud
 import ethernet
 import farends
 import modem
-from virtualboard import developer, image, kept, packages, screen, sound, sticks
+from virtualboard import developer, image, kept, packages, screen, sound, sticks, uart
 from virtualboard.jsonlines import JsonLines
 from virtualboard.machine import Screen, raw_disk
 from wire import Wire
@@ -106,7 +106,7 @@ class VirtualHands:
         return Wire(self.machine.folder, f"{name}-line")
 
     def serial_line(self, name):
-        """The modem's end of one of its lines; OSError while the board is off."""
+        """The far end of one of the modem's lines, or of the first port's, com1; OSError while the board is off."""
         line = socket.socket(socket.AF_UNIX)
         try:
             line.connect(str(self.machine.folder / name))
@@ -114,6 +114,15 @@ class VirtualHands:
             line.close()
             raise
         return line
+
+    def plc_line(self):
+        """The far end of the first port, as options of plc.py."""
+        return ["--socket", self.machine.folder / "com1"]
+
+    def framing(self):
+        """A context whose set has, at its end, how the bytes were framed that left the serial ports within it:
+        bits a second, parity, data bits, stop bits."""
+        return uart.framing(self.machine)
 
     def pull_modem(self):
         self.machine.pull_modem()

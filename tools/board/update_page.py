@@ -1,4 +1,4 @@
-"""The page with projects, as an operator uses it, and what a maker puts on the stick for it."""
+"""The update pages as an operator uses them, and what a maker puts on the stick for projects."""
 
 import pathlib
 import subprocess
@@ -7,15 +7,25 @@ import sys
 from lab import NotSeen, wait_for
 from virtualboard import sticks
 
-TOOL = pathlib.Path(__file__).resolve().parents[1] / "make-update-file"
+TOOLS = pathlib.Path(__file__).resolve().parents[1]
+PROJECT, PLC = "Pro", "PlcPro"  # pages, as they are in the names of their widgets
+TABS = {PROJECT: 0, PLC: 2}
+BARS = {PROJECT: "bar_Project", PLC: "bar_PlcPro"}
+LANGUAGE = 2                    # tab
 MODEL = "KV070T"                # as the virtual board's firmware says
 KEYRING = "/etc/sysset/update-keys.pem"
 ENDS_S = 60
 
 
+def have(tool, *arguments, folder=None):
+    """Has a tool of the maker's do something, in a folder."""
+    subprocess.run([sys.executable, str(TOOLS / tool), *map(str, arguments)], check=True, cwd=folder,
+                   stdout=subprocess.DEVNULL)
+
+
 def maker(*arguments):
-    """Has the maker's tool do something."""
-    subprocess.run([sys.executable, str(TOOL), *map(str, arguments)], check=True, stdout=subprocess.DEVNULL)
+    """Has the maker's tool for projects do something."""
+    have("make-update-file", *arguments)
 
 
 class Maker:
@@ -46,20 +56,29 @@ def trust(panel, maker_):
     panel.shell(f"mkdir -p /etc/sysset; cat >{KEYRING}", stdin=maker_.keyring())
 
 
-def plug(panel, folder, **how):
-    """Plugs a stick with the files of a folder; the rows that are listed then."""
+def open_page(panel, page=PROJECT, language="EN"):
+    """One of the pages, in a language, "EN" or "CH"."""
+    panel.touch("btn_Sysset")
+    panel.touch("tab_System", LANGUAGE)
+    panel.touch(f"{language}Btn")
+    panel.touch("btn_UpData")
+    panel.touch("tab_UpData", TABS[page])
+
+
+def plug(panel, folder, page=PROJECT, **how):
+    """Plugs a stick with the files of a folder; the rows that the open page lists then."""
     image = folder.parent / "stick.img"
     sticks.make_fat_stick(image, folder)
     panel.hands.plug("stick", image, **how)
-    return wait_for(lambda: panel.items("list_Pro"), "the stick's files")
+    return wait_for(lambda: panel.items(f"list_{page}"), "the stick's files")
 
 
-def choose(panel, name):
-    """Has the project installed that is listed so, once the page can be touched."""
-    rows = wait_for(lambda: panel.items("list_Pro"), "rows")
-    panel.touch("list_Pro", rows.index(f"U1/{name}"))
-    wait_for(lambda: name in panel.text("lab_Pro"), "the row is chosen")
-    panel.touch("btn_DownLoadPro")
+def choose(panel, name, page=PROJECT):
+    """Has the file installed that is listed so, once the page can be touched."""
+    rows = wait_for(lambda: panel.items(f"list_{page}"), "rows")
+    panel.touch(f"list_{page}", rows.index(f"U1/{name}"))
+    wait_for(lambda: name in panel.text(f"lab_{page}"), "the row is chosen")
+    panel.touch(f"btn_DownLoad{page}")
 
 
 def outcome(panel, seconds=ENDS_S):
@@ -71,9 +90,9 @@ def outcome(panel, seconds=ENDS_S):
     return said
 
 
-def percent(panel):
+def percent(panel, page=PROJECT):
     """Of the bar; None while a box covers it."""
     try:
-        return panel.widget("bar_Project").value
+        return panel.widget(BARS[page]).value
     except NotSeen:
         return None
