@@ -45,6 +45,7 @@ def stick(panel, folder, files):
     plug(panel, folder, PLC)
 
 
+@pytest.mark.alone
 def test_a_plc_holds_every_byte_and_the_result_speaks_the_panels_language(ready, plc, folder):
     panel = ready
     stick(panel, folder, FILES)
