@@ -11,6 +11,7 @@ import sys
 import threading
 import time
 
+import ppp
 from update_page import PLC, have, percent
 
 PLC_TOOL = pathlib.Path(__file__).resolve().with_name("plc.py")
@@ -127,19 +128,9 @@ class OlderPlc:
         elif function == DATA and number != self._last:
             self.program += data
         elif function == END:
-            length, check = len(self.program), crc_16(self.program)
+            length, check = len(self.program), ppp.check(self.program)   # CRC-16 of ISO 3309, as PPP's
             if data != length.to_bytes(4, "little") + check.to_bytes(2, "little"):
                 code = WRONG_SUM
         self._last = number
         answer = bytes([function | ANSWER, number, code])
         self._line.sendall(b":%s\r\n" % (answer + bytes([-sum(answer) % 0x100])).hex().upper().encode())
-
-
-def crc_16(data):
-    """That of ISO 3309."""
-    value = 0xFFFF
-    for byte in data:
-        value ^= byte
-        for _ in range(8):
-            value = value >> 1 ^ 0x8408 * (value & 1)
-    return value ^ 0xFFFF
