@@ -19,6 +19,8 @@ public:
     OpenFile &operator=(const OpenFile &) = delete;
 
     bool isOpen() const { return m_fd != -1; }
+    // -1 if it is not open.
+    int fd() const { return m_fd; }
     // 0 if it is not open.
     std::uint64_t size() const;
     // Whether both are open and the same, unchanged in size.

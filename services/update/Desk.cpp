@@ -1,6 +1,8 @@
 #include "services/update/Desk.h"
 
 #include "services/common/Journal.h"
+#include "services/update/Firmware.h"
+#include "services/update/Trial.h"
 
 #include <memory>
 #include <utility>
@@ -12,7 +14,9 @@ constexpr int UNDER_WAY = 1;
 constexpr int UNPACKED = 95; // percent; the rest is the disk's
 constexpr int WHOLE = 100;
 
-constexpr int ANOTHER_MODEL = -5; // as the project's page is told
+// As the pages are told.
+constexpr int PROJECT_OF_ANOTHER_MODEL = -5;
+constexpr int FIRMWARE_OF_ANOTHER_MODEL = -11;
 
 // A file's name for the journal: one line, whatever it holds.
 std::string plainName(const std::string &path)
@@ -27,16 +31,17 @@ std::string plainName(const std::string &path)
 Checked checkedFile(const std::string &path, const Settings &settings)
 {
     if (os::fileName(path).find(".osf3") != std::string::npos)
-        return {os::UPDATE_BAD_FILE, {}, "no firmware is installed here yet", nullptr, {}};
+        return checkFirmware(path, settings);
     return checkProject(path, settings);
 }
 
 } // namespace
 
 Desk::Desk(sd_event *event, Settings settings)
-    : m_settings(std::move(settings)), m_checking(event), m_install(event)
+    : m_settings(std::move(settings)), m_telling(event), m_checking(event), m_install(event)
 {
     removeLeftovers();
+    m_telling.start([] { Trial().tellOutcome(); }, [] {});
 }
 
 Desk::~Desk()
@@ -91,8 +96,10 @@ void Desk::install(const Checked &checked)
 {
     if (checked.error != 0)
         return end(checked.error, checked.why);
-    if (checked.model != m_settings.model || checked.model.empty())
-        return end(ANOTHER_MODEL, "it is for the model " + checked.model);
+    const bool isFirmware = std::holds_alternative<Bundle>(checked.content);
+    if (checked.model.empty() || checked.model != (isFirmware ? m_settings.board : m_settings.model))
+        return end(isFirmware ? FIRMWARE_OF_ANOTHER_MODEL : PROJECT_OF_ANOTHER_MODEL,
+                   "it is for the model " + checked.model);
     struct Result
     {
         int error = 0;
@@ -101,14 +108,25 @@ void Desk::install(const Checked &checked)
     const auto result = std::make_shared<Result>();
     m_install.start(
         [this, checked, result] {
-            const std::uint64_t all = checked.container.contentBytes;
-            const auto goesOn = [this, all](std::uint64_t bytes) {
-                m_percent = static_cast<int>(bytes * UNPACKED / all);
-                return !m_isStopping;
-            };
-            result->error = installProject(checked, goesOn, result->why);
+            result->error = installChecked(checked, result->why);
         },
         [this, result] { end(result->error, result->why); });
+}
+
+// In the install's thread.
+int Desk::installChecked(const Checked &checked, std::string &why)
+{
+    const auto isAt = [this](int percent) {
+        m_percent = percent;
+        return !m_isStopping;
+    };
+    const auto *const project = std::get_if<Container>(&checked.content);
+    if (project == nullptr)
+        return installFirmware(checked, isAt, why);
+    const std::uint64_t all = project->contentBytes;
+    return installProject(
+        checked,
+        [&](std::uint64_t bytes) { return isAt(static_cast<int>(bytes * UNPACKED / all)); }, why);
 }
 
 void Desk::end(int error, const std::string &why)

@@ -32,6 +32,7 @@ private:
     void check(const std::string &path, const Reply &reply);
     void start(const std::string &path, const Reply &reply);
     void install(const Checked &checked);
+    int installChecked(const Checked &checked, std::string &why);
     void end(int error, const std::string &why);
     os::UpdateStatus status() const;
 
@@ -42,7 +43,8 @@ private:
     std::string m_model;
     std::atomic<int> m_percent{0};
     std::atomic<bool> m_isStopping{false};
-    Work m_checking; // these last: their threads use the others
+    Work m_telling; // what became of the last firmware. These last: their threads use the others
+    Work m_checking;
     Work m_install;
 };
 

@@ -63,11 +63,6 @@ Kind kindOf(const std::string &path)
     return os::isFirmware(path) ? Kind::LOGO : Kind::PROJECT;
 }
 
-Checked refused(int error, const std::string &why, const std::string &model)
-{
-    return {error, model, why, nullptr, {}};
-}
-
 std::string modelIn(const std::string &path)
 {
     const os::UpdateFile file = os::readUpdateFile(path);
@@ -202,7 +197,7 @@ Checked checkProject(const std::string &path, const Settings &settings)
     if (!hasRoom(*container))
         return refused(os::UPDATE_NO_PLACE, "there is no room for it", model);
     const bool isNewer = container->kind == Kind::PROJECT &&
-                         container->version > firmwareVersion().value_or(UINT32_MAX);
+                         container->version > firmwareVersion().value_or(UINT64_MAX);
     return {isNewer ? os::UPDATE_UNFIT_VERSION : os::UPDATE_DONE, model,
             isNewer ? "it is newer than the firmware" : "", std::move(file), std::move(*container)};
 }
@@ -210,18 +205,29 @@ Checked checkProject(const std::string &path, const Settings &settings)
 int installProject(const Checked &checked, const std::function<bool(std::uint64_t)> &goesOn,
                    std::string &why)
 {
-    const char *const folder = folderOf(checked.container.kind);
+    const auto &container = std::get<Container>(checked.content);
+    const char *const folder = folderOf(container.kind);
     int error = makeNew(folder);
     const Outcome outcome =
         error != 0 ? Outcome::NO_PLACE
-                   : unpack(*checked.file, checked.container, newPlaceOf(folder), goesOn, why);
+                   : unpack(*checked.file, container, newPlaceOf(folder), goesOn, why);
     if (outcome == Outcome::DONE)
-        error = putInForce(folder, checked.container);
+        error = putInForce(folder, container);
     std::error_code none;
     fs::remove_all(newPlaceOf(folder), none); // what was in force, or what has failed
     if (error != 0)
         why = "the disk: " + service::reason(error);
     return error != 0 ? os::UPDATE_NO_PLACE : errorOf(outcome);
+}
+
+std::optional<std::uint64_t> projectVersion()
+{
+    constexpr std::string_view KEY = "version=";
+    const std::string note =
+        board::readFile(placeOf(PROJECT) + "/" + NOTE).value_or(std::string());
+    if (note.compare(0, KEY.size(), KEY) != 0)
+        return std::nullopt;
+    return wholeNumber(std::string_view(note).substr(KEY.size(), note.find('\n') - KEY.size()));
 }
 
 void removeLeftovers()

@@ -29,8 +29,11 @@ bool take(Settings &settings, std::string_view name, std::string_view value)
 int onValue(void *kept, const char *section, const char *name, const char *value)
 {
     auto &settings = *static_cast<Settings *>(kept);
-    if (std::string_view(section) == "machine" && std::string_view(name) == "model")
+    const bool isMachine = std::string_view(section) == "machine";
+    if (isMachine && std::string_view(name) == "model")
         settings.model = value;
+    if (isMachine && std::string_view(name) == "board")
+        settings.board = value;
     if (std::string_view(section) == "update" && !take(settings, name, value))
         service::warn(std::string("panel.conf: [update] ") + name + "=" + value + " is not taken");
     return 1;
@@ -49,11 +52,21 @@ Settings readSettings(const std::string &path)
         service::warn(path + ": line " + std::to_string(line) + " is not understood");
     if (settings.model.empty())
         settings.model = board::boardModel();
+    if (settings.board.empty())
+        settings.board = board::boardModel();
     settings.keyring = panelPath(settings.keyring);
     return settings;
 }
 
-std::optional<std::uint32_t> firmwareVersion()
+std::optional<std::uint64_t> wholeNumber(std::string_view text)
+{
+    std::uint64_t number = 0;
+    const char *const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
+
+std::optional<std::uint64_t> firmwareVersion()
 {
     auto text = board::readFile(panelPath("/etc/os-release"));
     if (!text)
@@ -65,10 +78,7 @@ std::optional<std::uint32_t> firmwareVersion()
         std::string value = line.substr(VERSION_KEY.size());
         if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
             value = value.substr(1, value.size() - 2);
-        std::uint32_t version = 0;
-        const char *const end = value.data() + value.size();
-        const auto [stop, error] = std::from_chars(value.data(), end, version);
-        return error == std::errc() && stop == end ? std::optional(version) : std::nullopt;
+        return wholeNumber(value);
     }
     return std::nullopt;
 }

@@ -55,6 +55,19 @@ Store openStore(const std::string &keyring)
     return store;
 }
 
+// `content`: what a detached one is over, else null.
+std::string faultOf(CMS_ContentInfo *cms, BIO *content, const std::string &keyring)
+{
+    const Store store = openStore(keyring);
+    if (!store) {
+        ERR_clear_error();
+        return "there is no keyring " + keyring;
+    }
+    if (CMS_verify(cms, nullptr, store.get(), content, nullptr, CMS_BINARY) != 1)
+        return "its signature does not hold: " + lastError();
+    return {};
+}
+
 } // namespace
 
 std::string signatureFault(const std::string &bytes, const std::string &signature,
@@ -62,20 +75,24 @@ std::string signatureFault(const std::string &bytes, const std::string &signatur
 {
     if (signature.empty())
         return "it is not signed";
-    const Store store = openStore(keyring);
-    if (!store) {
-        ERR_clear_error();
-        return "there is no keyring " + keyring;
-    }
     const Cms cms = parse(signature);
     if (!cms || CMS_is_detached(cms.get()) != 1) {
         ERR_clear_error();
         return "its signature is damaged";
     }
-    const Bio content = reading(bytes);
-    if (CMS_verify(cms.get(), nullptr, store.get(), content.get(), nullptr, CMS_BINARY) != 1)
-        return "its signature does not hold: " + lastError();
-    return {};
+    return faultOf(cms.get(), reading(bytes).get(), keyring);
+}
+
+std::optional<SignedText> openSigned(const std::string &cms, const std::string &keyring)
+{
+    const Cms opened = parse(cms);
+    ASN1_OCTET_STRING **const content = opened ? CMS_get0_content(opened.get()) : nullptr;
+    ERR_clear_error();
+    if (content == nullptr || *content == nullptr)
+        return std::nullopt;
+    const auto *bytes = reinterpret_cast<const char *>(ASN1_STRING_get0_data(*content));
+    const auto size = static_cast<std::size_t>(ASN1_STRING_length(*content));
+    return SignedText{std::string(bytes, size), faultOf(opened.get(), nullptr, keyring)};
 }
 
 } // namespace updates

@@ -6,7 +6,7 @@ import re
 LIMIT = 3.0
 CLOUD_LIMIT = 2.5
 AS_ROOT = "sysset-update.service"     # what it exchanges belongs to others
-ONE_SHOTS = ["sysset-remount@rw.service", "sysset-reset.service"]
+ONE_SHOTS = ["sysset-remount@rw.service", "sysset-reset.service", "sysset-good.service", "sysset-trial.service"]
 
 # What polkit lets the users do, by the names of its actions; all else is refused. timedated's own policy
 # gives the zone to whoever may set the clock.

@@ -14,7 +14,6 @@ KEPT_WITHIN_S = 1.0     # what the words service promises; the zone is synced at
 FIRST_ZONE = "UTC+08:00 Beijing"
 DATA = "/mnt/data"
 ZONE_FILE = f"{DATA}/etc/tz/tz.conf"
-CUTS_DISK = "/dev/vdc"
 
 
 @pytest.fixture
@@ -83,15 +82,15 @@ def test_a_power_cut_leaves_each_setting_old_or_new(logged):
     histories = change_all(panel, folder / "writes")
     cuts = powercut.cuts(folder / "writes", folder / "before.raw", folder, CUTS)
     disks = powercut.SideBySide(checked(cuts), folder / "all.raw")
-    panel.hands.add_disk("cuts", folder / "all.raw")
-    trees = disks.trees(panel.shell, CUTS_DISK)
+    device = panel.hands.add_disk("cuts", folder / "all.raw")
+    trees = disks.trees(panel.shell, device)
     assert len(trees) == len(disks.numbers) == CUTS
 
     @functools.cache
     def start_on(tree):
         """What is shown with such a tree on the data disk, equal ones being started on once."""
         panel.shell("systemctl stop sysset sysset-words")
-        disks.put_in_place(panel.shell, CUTS_DISK, trees.index(tree), DATA)
+        disks.put_in_place(panel.shell, device, trees.index(tree), DATA)
         zone_size = panel.shell(f"stat -c %s {ZONE_FILE} && systemctl start sysset")
         values = {name: wait_for(lambda n=name: shown(panel, n), name) for name in histories}
         return values, zone_size == "0"

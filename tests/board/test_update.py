@@ -148,12 +148,12 @@ def test_a_power_cut_leaves_the_old_or_the_new_one(logged, maker, folder, tmp_pa
                                 tmp_path / "all.raw")
     panel.hands.power_on(panel.image)
     panel.wait_started()
-    panel.hands.add_disk("cuts", tmp_path / "all.raw")
+    device = panel.hands.add_disk("cuts", tmp_path / "all.raw")
     found = []
     assert len(disks.numbers) == CUTS
     for index in range(CUTS):
         panel.shell("systemctl stop sysset sysset-words sysset-update")
-        disks.put_in_place(panel.shell, "/dev/vdc", index, "/mnt/data")
+        disks.put_in_place(panel.shell, device, index, "/mnt/data")
         panel.shell("systemctl start sysset-update")
         found.append(trees.index(panel.shell(TREE)))
         assert panel.shell("ls -A /mnt/data | grep '^[.]' || :") == ""

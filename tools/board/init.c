@@ -1,7 +1,11 @@
 /*
- * The virtual board's first process: loads the modules of its initrd in the order of their names,
- * mounts the root file system that the kernel's command line names (root=, "ro" as a word of its
- * own for read-only), and goes on as its /sbin/init.
+ * The virtual board's first process, and its boot loader: loads the modules of its initrd in the order
+ * of their names, chooses one of the two slots, mounts its root file system, and goes on as the
+ * /sbin/init there. /run/slot tells the system which slot it is.
+ *
+ * What it chooses by is on a disk of its own, four digits and letters as in "BA29": the order of the
+ * slots, then of A and of B how often they may still be tried. 0: not at all. 9: it has proved itself,
+ * and is not counted. guest/usr/libexec/board-slots is the system's side of it.
  */
 #include <dirent.h>
 #include <fcntl.h>
@@ -12,7 +16,9 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-enum { WAIT_MS = 5000 };
+enum { WAIT_MS = 5000, PROVED = '9' };
+
+static const char CHOICE[] = "/dev/vdd";
 
 static int failed(const char *what)
 {
@@ -40,41 +46,66 @@ static void load_all(void)
             load(entries[i]->d_name);
 }
 
-static void read_command_line(char *line, size_t size)
+static void wait_for(const char *device)
 {
-    const int fd = open("/proc/cmdline", O_RDONLY | O_CLOEXEC);
-    const ssize_t length = read(fd, line, size - 1);
-    line[length > 0 ? length : 0] = '\0';
-    close(fd);
-}
-
-static int mount_root(char *line)
-{
-    const char *device = "/dev/vda";
-    unsigned long flags = 0;
-    for (char *word = strtok(line, " \n"); word != NULL; word = strtok(NULL, " \n")) {
-        if (strncmp(word, "root=", 5) == 0)
-            device = word + 5;
-        else if (strcmp(word, "ro") == 0)
-            flags = MS_RDONLY;
-    }
     for (int ms = 0; ms < WAIT_MS && access(device, F_OK) != 0; ms += 10)
         usleep(10000);
-    return mount(device, "/root", "ext4", flags, NULL);
+}
+
+/* The slot to start, one of its tries less. The first one if both have none left, or nothing is known. */
+static char choose_slot(void)
+{
+    char choice[5] = "";
+    wait_for(CHOICE);
+    const int fd = open(CHOICE, O_RDWR | O_SYNC | O_CLOEXEC);
+    if (read(fd, choice, 4) != 4 || (strncmp(choice, "AB", 2) != 0 && strncmp(choice, "BA", 2) != 0))
+        return 'A';
+    char *tries = choice + 2;
+    for (int i = 0; i < 2; i++) {
+        char *left = &tries[choice[i] - 'A'];
+        if (*left < '1' || *left > '9')
+            continue;
+        if (*left != PROVED) {
+            --*left;
+            if (pwrite(fd, choice, 4, 0) != 4)
+                perror(CHOICE);
+        }
+        close(fd);
+        return choice[i];
+    }
+    close(fd);
+    return choice[0];
+}
+
+static int mount_root(char slot)
+{
+    const char *device = slot == 'A' ? "/dev/vda" : "/dev/vdc";
+    wait_for(device);
+    return mount(device, "/root", "ext4", 0, NULL);
+}
+
+static void tell_slot(char slot)
+{
+    mount("run", "/root/run", "tmpfs", MS_NODEV | MS_NOSUID, "mode=755");
+    FILE *file = fopen("/root/run/slot", "w");
+    if (file == NULL || fprintf(file, "SLOT=%c\n", slot) < 0)
+        perror("/run/slot");
+    if (file != NULL)
+        fclose(file);
 }
 
 int main(void)
 {
-    char line[4096];
     mkdir("/proc", 0755);
     mkdir("/dev", 0755);
     mkdir("/root", 0755);
     mount("proc", "/proc", "proc", 0, NULL);
     mount("dev", "/dev", "devtmpfs", 0, NULL);
-    read_command_line(line, sizeof line);
     load_all();
-    if (mount_root(line) != 0)
+    const char slot = choose_slot();
+    if (mount_root(slot) != 0)
         return failed("root file system");
+    tell_slot(slot);
     mount("/dev", "/root/dev", NULL, MS_MOVE, NULL);
     umount2("/proc", MNT_DETACH);
     if (chdir("/root") != 0 || mount(".", "/", NULL, MS_MOVE, NULL) != 0 || chroot(".") != 0)

@@ -142,9 +142,11 @@ class VirtualHands:
         self.machine.pull(name)
 
     def add_disk(self, name, image):
-        """A further disk, /dev/vdc, that is in a file."""
+        """A further disk that is in a file; what the board calls it."""
         self.machine.monitor.call("blockdev-add", **{"node_name": name, **raw_disk(image)})
-        self.machine.monitor.call("device_add", driver="virtio-blk-pci", id=f"{name}-disk", drive=name, bus="slot1")
+        self.machine.monitor.call("device_add", driver="virtio-blk-pci", id=f"{name}-disk", drive=name, serial=name,
+                                  bus="slot1")
+        return f"/dev/disk/by-id/virtio-{name}"
 
     def backlight(self):
         """Percent of the light behind the screen."""

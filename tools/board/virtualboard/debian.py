@@ -9,9 +9,10 @@ from .commands import CommandFailed, roomy_folder, run
 
 SUITE = "bookworm"
 
-# What makes a Debian that boots; the packages of the panel bring what they need themselves.
+# What makes a Debian that boots; the packages of the panel bring what they need themselves. RAUC, for a board
+# with two slots, is only recommended by them.
 SYSTEM = ["systemd", "systemd-sysv", "dbus", "udev", "kmod", "polkitd", "iproute2", "procps",
-          "ca-certificates", "util-linux-extra", "dosfstools"]
+          "ca-certificates", "util-linux-extra", "dosfstools", "rauc-service"]
 
 # What only the virtual board needs: the agent through which its far end is reached, and what the networks
 # and the cloud are made of that it is joined to.

@@ -1,5 +1,7 @@
-"""The board's two disks: root, and the data disk that /mnt/data is mounted from."""
+"""The board's disks as they leave the factory: the first slot's root, a second slot that is empty, the data disk
+that /mnt/data is mounted from, and what the boot loader remembers."""
 
+import os
 import pathlib
 
 from . import cache
@@ -8,7 +10,9 @@ from .commands import run, scratch
 HERE = pathlib.Path(__file__).resolve().parent.parent
 GUEST = HERE / "guest"
 UNITS_OFF = HERE / "guest-off"
-ROOT_SIZE = "900M"
+SLOT_BYTES = 900 << 20
+# Order of the slots, then of A and of B: how many starts are left to try, 0 none, 9 it has proved itself.
+BOOT_CHOICE, BOOT_BYTES = b"AB90", 4096
 DATA_SIZE = "64M"
 
 # Runs under fakeroot, so that owners and device nodes of the tar survive without being root.
@@ -34,7 +38,7 @@ def _make_root(system, kernel, out):
         run(["fakeroot", "sh", "-c", MAKE_ROOT],
             env={"OUT": str(out), "TREE": str(tree), "SYSTEM": f"{system}/system.tar",
                  "MODULES": f"{kernel}/tree", "GUEST": str(GUEST), "UNITS_OFF": str(UNITS_OFF),
-                 "SIZE": ROOT_SIZE})
+                 "SIZE": f"{SLOT_BYTES >> 20}M"})
 
 
 def make_data_disk(path, size=DATA_SIZE):
@@ -43,10 +47,18 @@ def make_data_disk(path, size=DATA_SIZE):
          "lazy_itable_init=0,lazy_journal_init=0,root_owner=0:0", path, size])
 
 
+def files(folder):
+    """Files of the disks, by the names that the machine has for them."""
+    return {"slot-a": folder / "root.ext4", "data": folder / "data.ext4", "slot-b": folder / "empty", "boot": folder / "boot"}
+
+
 def disks_step(system, kernel):
-    """Folder with root.ext4 and data.ext4."""
+    """Folder with the disks."""
     def make(out):
         _make_root(system, kernel, out)
         make_data_disk(out / "data.ext4")
-    inputs = [system.name, kernel.name, GUEST, UNITS_OFF, MAKE_ROOT, ROOT_SIZE, DATA_SIZE]
+        (out / "empty").touch()
+        os.truncate(out / "empty", SLOT_BYTES)
+        (out / "boot").write_bytes(BOOT_CHOICE.ljust(BOOT_BYTES, b"\0"))
+    inputs = [system.name, kernel.name, GUEST, UNITS_OFF, MAKE_ROOT, SLOT_BYTES, DATA_SIZE, BOOT_CHOICE]
     return cache.step("disks", "Making the disks", inputs, make)

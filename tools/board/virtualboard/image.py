@@ -14,8 +14,7 @@ class Image:
     initrd: pathlib.Path
     firmware: pathlib.Path
     ticks: pathlib.Path
-    root: pathlib.Path
-    data: pathlib.Path
+    disks: dict     # what is on each when the board is new, by the names of machine.DISKS
     key: str
 
 
@@ -27,4 +26,4 @@ def build(debs_folder):
     linux = kernel.kernel_step(plain)
     place = disks.disks_step(system, linux)
     return Image(linux / "vmlinux", linux / "initrd", linux / "backlight.aml", linux / "ticks",
-                 place / "root.ext4", place / "data.ext4", place.name)
+                 disks.files(place), place.name)

@@ -9,7 +9,7 @@ import time
 
 from . import cache, machine, screen
 from .commands import run
-from .machine import Machine, make_overlay, overlay_disk
+from .machine import DISKS, Machine, copy_disks, disk_file, make_disks
 
 # The memory file is mapped, not sent: what is kept of the devices is a few megabytes.
 CAPABILITIES = [{"capability": "x-ignore-shared", "state": True}]
@@ -25,8 +25,7 @@ def scratch_folder():
 def cold_machine(image, size, has_desk=True, **options):
     """A board with factory-new disks, switched on just now."""
     board = Machine(scratch_folder(), size, has_desk)
-    make_overlay(board.folder / "root.qcow2", image.root, "raw")
-    make_overlay(board.folder / "data.qcow2", image.data, "raw")
+    make_disks(board.folder, image)
     board.start(image, **options)
     return board
 
@@ -57,6 +56,8 @@ def wait_until_booted(board):
     board.agent.run("findmnt /mnt/data")   # a busy computer may have let the data disk come too late
     wait_for_picture(board)
     wait_until_still(board)
+    board.wait_until(lambda: board.agent.try_run("test -e /run/sysset-good/done")[0] == 0, BOOT_TIMEOUT_S,
+                     "firmware that has proved itself")
 
 
 def _freeze(board, state):
@@ -77,7 +78,7 @@ def _make(image, size, prepare, has_desk):
             _freeze(board, board.folder / "state")
         finally:
             board.quit()
-        for name in ("state", "root.qcow2", "data.qcow2", "backlight", "console.log"):
+        for name in ("state", *(disk_file(out, disk).name for disk in DISKS), "backlight", "console.log"):
             shutil.move(board.folder / name, out / name)
         shutil.rmtree(board.folder)
     return make
@@ -96,10 +97,8 @@ def kept_step(name, image, size, prepare=None, inputs=(), has_desk=True):
 def restore(kept, image, size, display="none", data=None, has_desk=True):
     """A fresh copy of a kept board, running, its clock set."""
     board = Machine(scratch_folder(), size, has_desk)
-    for name in ("root.qcow2", "data.qcow2"):
-        make_overlay(board.folder / name, kept / name, "qcow2")
+    copy_disks(board.folder, kept)
     shutil.copy(kept / "backlight", board.folder)
-    data = data or overlay_disk(board.folder / "data.qcow2")
     board.start(image, memory=(kept / "memory", False), display=display, data=data, incoming=True)
     board.monitor.call("migrate-set-capabilities", capabilities=CAPABILITIES)
     board.monitor.call("migrate-incoming", uri=f"exec:cat {kept}/state")
@@ -118,7 +117,7 @@ def _is_running(board):
 
 def flat_copy(kept, path):
     """The kept board's data disk as one plain image."""
-    run(["qemu-img", "convert", "-O", "raw", kept / "data.qcow2", path])
+    run(["qemu-img", "convert", "-O", "raw", disk_file(kept, "data"), path])
 
 
 def remove(board):

@@ -23,6 +23,7 @@ MODULES = """
     xhci_pci usb_storage uas sd_mod sr_mod usbhid hid_generic usbserial ftdi_sio
     ext4 vfat exfat isofs udf nls_ascii nls_utf8 nls_cp437 nls_iso8859_1
     e1000e mac80211_hwsim ccm cmac gcm ctr ppp_async ppp_deflate
+    dm_verity squashfs
 """.split()
 
 

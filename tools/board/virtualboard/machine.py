@@ -20,7 +20,7 @@ from .commands import run
 MEMORY_MB = 768
 QEMU = "qemu-system-x86_64"
 
-COMMAND_LINE = ("root=/dev/vda console=ttyS0 quiet loglevel=4 mitigations=off nokaslr no_timer_check "
+COMMAND_LINE = ("console=ttyS0 panic=1 quiet loglevel=4 mitigations=off nokaslr no_timer_check "
                 "tsc=reliable clocksource=tsc rcupdate.rcu_expedited=1 cryptomgr.notests audit=0 "
                 "apparmor=0 net.ifnames=0 8250.nr_uarts=8 acpi_backlight=video "
                 "systemd.show_status=0 vt.global_cursor_default=0")
@@ -31,6 +31,10 @@ SMBIOS = "type=1,manufacturer=Panels,product=KV070T,version=1,serial=A2108150042
 MODEM_PORTS = ("modem-at", "modem-data")
 SOCKETS = ("qmp", "agent", "control", "console", "com1", "com2", *MODEM_PORTS)
 NETWORKS = {"eth0": "virtio-net-pci", "eth1": "e1000"}
+
+# Where each disk stands on the bus: the kernel numbers them in this order, vda first. The two slots of the
+# firmware, the data disk, and what the boot loader remembers.
+DISKS = {"slot-a": 0x01, "data": 0x02, "slot-b": 0x1A, "boot": 0x1B}
 
 # Cards of the far ends, which are in the same QEMU: the other end of each cable, and of the mobile network.
 FAR_CARD = "e1000e"
@@ -60,15 +64,33 @@ class Screen:
         return f"{self.width}x{self.height}"
 
 
-def make_overlay(path, backing, form):
+def _make_overlay(path, backing, form):
     """A disk that holds only what differs from the one behind it."""
     path.unlink(missing_ok=True)
     run(["qemu-img", "create", "-q", "-f", "qcow2", "-b", backing, "-F", form, path])
 
 
+def disk_file(folder, name):
+    """Where a board has one of its disks."""
+    return folder / f"{name}.qcow2"
+
+
+def make_disks(folder, image):
+    """Disks of a new board, as the factory fills them."""
+    for name, backing in image.disks.items():
+        _make_overlay(disk_file(folder, name), backing, "raw")
+
+
+def copy_disks(folder, kept):
+    """Disks that begin as those of another board."""
+    for name in DISKS:
+        _make_overlay(disk_file(folder, name), disk_file(kept, name), "qcow2")
+
+
 def overlay_disk(path):
-    """A disk for QEMU: the overlay at path."""
-    return {"driver": "qcow2", "file": {"driver": "file", "filename": str(path)}}
+    """A disk for QEMU: the overlay at path. What is filled with zeros takes no room."""
+    return {"driver": "qcow2", "file": {"driver": "file", "filename": str(path)}, "discard": "unmap",
+            "detect-zeroes": "unmap"}
 
 
 def raw_disk(path):
@@ -154,7 +176,17 @@ def _clock(ticks):
     return f" tsc_early_khz={run([ticks]).decode().strip()}" if ticks.exists() else ""
 
 
-def command_line(folder, image, screen, memory, display, data, clock, has_desk):
+def _disks(folder, others):
+    """All disks. Only the data disk has its flushes carried out on this computer: power cuts are those of QEMU."""
+    for name, slot in DISKS.items():
+        own = {**overlay_disk(disk_file(folder, name)), "cache": {"direct": False, "no-flush": True}}
+        if name == "data":
+            own = overlay_disk(disk_file(folder, name))
+        yield from ("-blockdev", json.dumps({**(others.get(name) or own), "node-name": name}), "-device",
+                    f"virtio-blk-pci,drive={name},id={name}-disk,serial={name},addr={slot:#x}")
+
+
+def command_line(folder, image, screen, memory, display, others, clock, has_desk):
     """QEMU's arguments. Both sides of a kept state must have the same devices in the same order."""
     arguments = [QEMU, "-accel", "tcg,thread=multi", "-cpu", "Nehalem", "-smp", "2", "-m", str(MEMORY_MB),
                  "-nodefaults", "-no-user-config", "-name", "panel", "-display", display,
@@ -165,11 +197,7 @@ def command_line(folder, image, screen, memory, display, data, clock, has_desk):
                  "-smbios", SMBIOS, "-rtc", f"base={clock},clock=host",
                  "-acpitable", f"file={image.firmware}",
                  "-audiodev", f"wav,id=speaker,path={folder}/beeper.wav",
-                 "-blockdev", json.dumps({**overlay_disk(folder / "root.qcow2"), "node-name": "root",
-                                          "cache": {"direct": False, "no-flush": True}}),
-                 "-device", "virtio-blk-pci,drive=root,id=root-disk",
-                 "-blockdev", json.dumps({**data, "node-name": "data"}),
-                 "-device", "virtio-blk-pci,drive=data,id=data-disk,serial=data"]
+                 *_disks(folder, others)]
     for line in _sockets(folder) + _networks(folder, has_desk) + _devices(folder, screen):
         arguments += line.split()
     return arguments
@@ -189,12 +217,11 @@ class Machine:
         self._process = None
 
     def start(self, image, *, memory=(None, False), display="none", data=None, incoming=False):
-        """Starts QEMU on the disk root.qcow2 of the folder, with data.qcow2 unless another data disk
-        is given. memory is a file to keep the memory in, and whether to change that file."""
+        """Starts QEMU on the disks of the folder, but another data disk if one is given. memory is a file to
+        keep the memory in, and whether to change that file."""
         for name in SOCKETS + LINES:
             (self.folder / name).unlink(missing_ok=True)
-        data = data or overlay_disk(self.folder / "data.qcow2")
-        arguments = command_line(self.folder, image, self.screen, memory, display, data, self._kept_clock(),
+        arguments = command_line(self.folder, image, self.screen, memory, display, {"data": data}, self._kept_clock(),
                                  self.has_desk)
         if incoming:
             arguments += ["-incoming", "defer"]
