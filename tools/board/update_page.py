@@ -1,4 +1,4 @@
-"""The update pages as an operator uses them, and what a maker puts on the stick for projects."""
+"""The update pages as an operator uses them, and what a maker puts on the stick for them."""
 
 import pathlib
 import subprocess
@@ -8,9 +8,9 @@ from lab import NotSeen, wait_for
 from virtualboard import sticks
 
 TOOLS = pathlib.Path(__file__).resolve().parents[1]
-PROJECT, PLC = "Pro", "PlcPro"  # pages, as they are in the names of their widgets
-TABS = {PROJECT: 0, PLC: 2}
-BARS = {PROJECT: "bar_Project", PLC: "bar_PlcPro"}
+PROJECT, FIRMWARE, PLC = "Pro", "Image", "PlcPro"   # pages, as they are in the names of their widgets
+TABS = {PROJECT: 0, FIRMWARE: 1, PLC: 2}
+BARS = {PROJECT: "bar_Project", FIRMWARE: "bar_Image", PLC: "bar_PlcPro"}
 LANGUAGE = 2                    # tab
 MODEL = "KV070T"                # as the virtual board's firmware says
 KEYRING = "/etc/sysset/update-keys.pem"
@@ -48,6 +48,11 @@ class Maker:
             (content / path).write_bytes(data if isinstance(data, bytes) else data.encode())
         signing = ["--keys", keys or self.keys] if keys != "none" else []
         maker("project", "--model", model, "--version", version, *signing, content, self._stick / name)
+        return self._stick / name
+
+    def firmware(self, name, image, *, version, keys=None, model=MODEL):
+        """Makes a firmware of a slot's image, and puts it on the stick; its path here."""
+        maker("firmware", "--model", model, "--version", version, "--keys", keys or self.keys, image, self._stick / name)
         return self._stick / name
 
 

@@ -41,6 +41,28 @@ def _make_root(system, kernel, out):
                  "SIZE": f"{SLOT_BYTES >> 20}M"})
 
 
+def change_root(source, path, files):
+    """A root file system, one of the files of disks_step(), with some files changed: bytes by name, executable
+    if they begin as a script; None for one that is not there."""
+    run(["cp", "--sparse=always", source, path])
+    with scratch() as place:
+        requests = []
+        for number, (name, data) in enumerate(files.items()):
+            requests += [f"rm {name}"]
+            if data is not None:
+                (place / str(number)).write_bytes(data)
+                mode = "0100755" if data.startswith(b"#!") else "0100644"
+                requests += [f"write {place / str(number)} {name}", f"sif {name} mode {mode}", f"sif {name} uid 0",
+                             f"sif {name} gid 0"]
+        (place / "requests").write_text("\n".join(requests))
+        run(["/sbin/debugfs", "-w", "-f", place / "requests", path])
+
+
+def file_of_root(path, name):
+    """What a file of a root file system holds."""
+    return run(["/sbin/debugfs", "-R", f"cat {name}", path])
+
+
 def make_data_disk(path, size=DATA_SIZE):
     """An empty data disk, complete: nothing of it is left for the kernel to write later on."""
     run(["mke2fs", "-q", "-t", "ext4", "-L", "data", "-m", "0", "-E",

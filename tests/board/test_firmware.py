@@ -1,0 +1,145 @@
+"""Firmware from a stick: the panel starts it on trial, keeps it, or goes back to the one before."""
+
+import random
+
+import pytest
+
+import update_page
+from lab import wait_for
+from update_page import FIRMWARE, choose, outcome, percent, plug, trust
+from virtualboard import disks
+
+DONE = "Updated firmware\r\nPlease restart HMI!!"
+NO_FIRMWARE = "Failed to get Udisk HMI firmware."
+NO_MODEL = "Failed to get Udisk HMI model."
+NEWER = "Project file unmatched. Please select the project that matches HMI firmware."
+MODEL = "HMI model: KV070T\nModel settings in firmware: {}\nModel does not match, please re-select the firmware file!"
+ASKED = "The firmware is a newer version."
+
+OLD, NEW = 100, 102
+RELEASE = "/usr/lib/os-release"
+CHOICE = "head -c 4 /dev/disk/by-id/virtio-boot"   # tools/board/init.c tells what it says
+WRITTEN_S = 240
+TRIAL = {"/etc/systemd/system/timers.target.wants/sysset-trial.timer":
+         b"[Unit]\nConditionPathExists=!/var/lib/sysset/firmware-proved\n[Timer]\nOnBootSec=75s\n"}
+DATA = "cd /mnt/data && find . -path ./sysset -prune -o -path ./rauc -prune -o -type f -print | sort | xargs sha256sum"
+
+
+@pytest.fixture
+def maker(folder, tmp_path):
+    return update_page.Maker(tmp_path, folder)
+
+
+@pytest.fixture
+def at_firmware(panel, maker):
+    trust(panel, maker)
+    panel.shell(f"echo IMAGE_VERSION={OLD} >>{RELEASE}")
+    update_page.open_page(panel, FIRMWARE)
+    return panel
+
+
+def root(built, path, files):
+    """The image of a slot: the board's own with another version and some files changed."""
+    release = disks.file_of_root(built.disks["slot-a"], RELEASE) + f"IMAGE_VERSION={NEW}\n".encode()
+    disks.change_root(built.disks["slot-a"], path, {RELEASE: release, **files})
+    return path
+
+
+def ending(panel):
+    """Texts of the box that ends an install, without its heading; the values that the bar had until then."""
+    values = set()
+    while not panel.is_seen("btn_Ok"):
+        values.add(percent(panel, FIRMWARE))
+    return outcome(panel).split("\n", 1)[1], values - {None, 0, 100}
+
+
+def answer_question(panel, button):
+    wait_for(lambda: panel.text("label").startswith(ASKED), "the question")
+    panel.touch(button)
+
+
+def restart(panel):
+    panel.touch("btn_Reboot")
+    panel.touch("btn_Ok")
+    panel.hands.wait_restart(60)
+
+
+@pytest.mark.long
+def test_a_firmware_is_asked_about_started_and_kept(at_firmware, maker, folder, built, tmp_path):
+    panel = at_firmware
+    maker.firmware("panel.osf3", root(built, tmp_path / "root", {}), version=NEW)
+    panel.shell("mkdir -p /mnt/data/prj && echo version=101 >/mnt/data/prj/.project && sync")
+    plug(panel, folder, FIRMWARE)
+    choose(panel, "panel.osf3", FIRMWARE)
+    answer_question(panel, "btn_Cancel")
+    assert ending(panel)[0] == NEWER
+    assert panel.shell(CHOICE) == "AB90"
+    choose(panel, "panel.osf3", FIRMWARE)
+    answer_question(panel, "btn_Ok")
+    said, values = ending(panel)
+    assert said == DONE and len(values) > 5, values
+    assert panel.shell(CHOICE) == "BA93"
+    before = panel.shell(DATA)
+    restart(panel)
+    panel.wait_started()
+    assert "SLOT=B" in panel.shell("cat /run/slot") and f"IMAGE_VERSION={NEW}" in panel.shell(f"cat {RELEASE}")
+    wait_for(lambda: panel.shell(CHOICE) == "BA99", "the firmware has proved itself", 90)
+    assert panel.shell(DATA) == before
+    assert panel.shell("ls -A /mnt/data/sysset") == ""
+    assert panel.shell("systemctl --failed --plain --no-legend") == ""
+
+
+BROKEN = {
+    "does not start": ({"/usr/sbin/init": None}, 3),
+    "has a program that crashes": ({"/usr/bin/sysset": b"#!/bin/false\n", **TRIAL}, 1),
+    "does not find its data": ({"/etc/fstab": b"LABEL=none /mnt/data ext4 nofail,x-systemd.device-timeout=2s 0 2\n",
+                                **TRIAL}, 1),
+}
+
+
+@pytest.mark.long
+@pytest.mark.parametrize("fault", BROKEN)
+def test_the_one_before_comes_back_if_the_new_one(fault, at_firmware, maker, folder, built, tmp_path):
+    panel, (files, tries) = at_firmware, BROKEN[fault]
+    maker.firmware("panel.osf3", root(built, tmp_path / "root", files), version=NEW)
+    plug(panel, folder, FIRMWARE)
+    choose(panel, "panel.osf3", FIRMWARE)
+    assert ending(panel)[0] == DONE
+    panel.shell(f"printf BA9{tries} | dd of=/dev/disk/by-id/virtio-boot conv=notrunc,fsync status=none")
+    before = panel.shell(DATA)
+    restart(panel)
+    for _ in range(tries):
+        panel.hands.wait_restart(300)
+    panel.wait_started()
+    panel.open_pages()
+    assert "SLOT=A" in panel.shell("cat /run/slot") and panel.shell(CHOICE) == "BA90"
+    assert panel.shell(DATA) == before
+    rows = wait_for(lambda: [row for row in panel.items("list_Version") if str(NEW) in row], "the operator is told")
+    assert "did not start; the one before is back" in rows[0]
+
+
+@pytest.mark.long
+def test_what_is_refused_leaves_the_firmware_as_it_is(at_firmware, maker, folder, tmp_path):
+    panel = at_firmware
+    image = tmp_path / "image"
+    image.write_bytes(random.Random(1).randbytes(6 << 20))
+    strangers = update_page.Maker(tmp_path / "strangers", folder)
+    cases = {"model": MODEL.format("KV100"), "stranger": NO_FIRMWARE, "tampered": NO_FIRMWARE, "cut": NO_MODEL}
+    maker.firmware("model.osf3", image, version=NEW, model="KV100")
+    maker.firmware("stranger.osf3", image, version=NEW, keys=strangers.keys)
+    for name, spoil in {"tampered": lambda data: data[:3 << 20] + b"!!" + data[(3 << 20) + 2:],
+                        "cut": lambda data: data[:-5000]}.items():
+        path = maker.firmware(f"{name}.osf3", image, version=NEW)
+        path.write_bytes(spoil(path.read_bytes()))
+    maker.firmware("good.osf3", image, version=NEW)
+    plug(panel, folder, FIRMWARE, slow=True)
+    for name, said in cases.items():
+        choose(panel, f"{name}.osf3", FIRMWARE)
+        assert ending(panel)[0] == said, name
+        assert panel.shell(CHOICE) == "AB90", name
+    choose(panel, "good.osf3", FIRMWARE)
+    wait_for(lambda: (percent(panel, FIRMWARE) or 0) in range(10, 90), "the bar")
+    panel.hands.pull("stick")
+    assert ending(panel)[0] == NO_FIRMWARE
+    assert panel.shell(CHOICE) == "AB90"
+    assert panel.try_shell("ls /mnt/data/sysset/firmware-trial")[0] != 0
