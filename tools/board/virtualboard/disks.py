@@ -12,7 +12,7 @@ GUEST = HERE / "guest"
 UNITS_OFF = HERE / "guest-off"
 SLOT_BYTES = 900 << 20
 # Order of the slots, then of A and of B: how many starts are left to try, 0 none, 9 it has proved itself.
-BOOT_CHOICE, BOOT_BYTES = b"AB90", 4096
+BOOT_CHOICE, BOOT_BYTES = b"AB90", 64 << 10
 DATA_SIZE = "64M"
 
 # Runs under fakeroot, so that owners and device nodes of the tar survive without being root.
