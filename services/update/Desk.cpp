@@ -94,9 +94,10 @@ void Desk::start(const std::string &path, const Reply &reply)
 
 void Desk::install(const Checked &checked)
 {
-    if (checked.error != 0)
-        return end(checked.error, checked.why);
     const bool isFirmware = std::holds_alternative<Bundle>(checked.content);
+    // Firmware that is newer than the project comes here only once the operator has agreed.
+    if (checked.error != 0 && !(isFirmware && checked.error == os::UPDATE_UNFIT_VERSION))
+        return end(checked.error, checked.why);
     if (checked.model.empty() || checked.model != (isFirmware ? m_settings.board : m_settings.model))
         return end(isFirmware ? FIRMWARE_OF_ANOTHER_MODEL : PROJECT_OF_ANOTHER_MODEL,
                    "it is for the model " + checked.model);
