@@ -1,5 +1,7 @@
 #include "services/network/Modems.h"
 
+#include "services/common/Journal.h"
+
 #include <algorithm>
 #include <tuple>
 
@@ -272,7 +274,10 @@ void Modems::enable(const std::string &path, bool on, Done done)
         modem, m_calls.cancellable(), Calls::answer,
         m_calls.expect([finish, done = std::move(done)](GObject *source, GAsyncResult *result) {
             Error error;
-            done(finish(MM_MODEM(source), result, &error) != FALSE);
+            const bool isDone = finish(MM_MODEM(source), result, &error) != FALSE;
+            if (!isDone)
+                service::warn("a modem is not switched: " + error.text());
+            done(isDone);
         }));
 }
 

@@ -11,6 +11,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto RETRY_TIME = 1s;
+constexpr auto MODEM_RETRY_TIME = 5s;
 
 constexpr int BEST_METRIC = 100;
 constexpr int METRIC_STEP = 100;
@@ -278,13 +279,40 @@ void Network::powerModem(const Device &device, bool on, std::function<void()> th
         return then();
     const std::string path = toString(nm_device_get_udi(device.get()));
     if (!on)
-        return m_modems.enable(path, false, [then = std::move(then)](bool) { then(); });
+        return m_modems.enable(path, false, [this, then = std::move(then)](bool) {
+            modemsChanged();
+            then();
+        });
     m_devices.expectProbe(device);
     m_modems.renew(path, [this, &device, path, then = std::move(then)](bool begun) {
         if (begun)
             return;
         m_devices.forgetProbe(device);
         m_modems.enable(path, true, [then](bool) { then(); });
+    });
+}
+
+bool Network::mustDisable(const Device &device) const
+{
+    if (device.kind() != Kind::Modem || !device.isPresent() || device.isOn())
+        return false;
+    const auto found = m_modems.all().find(toString(nm_device_get_udi(device.get())));
+    return found != m_modems.all().end() && found->second.state >= MM_MODEM_STATE_ENABLING;
+}
+
+// ModemManager may refuse while it is at something else, or end something afterwards that enables
+// the modem.
+void Network::modemsChanged()
+{
+    const std::vector<Device *> devices = m_devices.all();
+    const auto isStillOn = [this](const Device *device) { return mustDisable(*device); };
+    if (m_modemRetry.isRunning() || std::none_of(devices.begin(), devices.end(), isStillOn))
+        return;
+    m_modemRetry.start(MODEM_RETRY_TIME, [this] {
+        for (const Device *device : m_devices.all()) {
+            if (mustDisable(*device))
+                powerModem(*device, false, [] {});
+        }
     });
 }
 

@@ -55,6 +55,8 @@ public:
 
     // Something that only other answers tell has changed.
     void tellChange();
+    // ModemManager tells something new.
+    void modemsChanged();
 
 private:
     void connect();
@@ -74,6 +76,7 @@ private:
     void finishSwitch(Device &device, bool on);
     void finishOff(Device &device);
     void powerModem(const Device &device, bool on, std::function<void()> then);
+    bool mustDisable(const Device &device) const;
     int metricOf(Kind kind) const;
 
     Record recordOf(const Device &device) const;
@@ -98,6 +101,7 @@ private:
     Burst m_burst;
     Penalties m_penalties;
     Timer m_retry;
+    Timer m_modemRetry;
     Calls m_calls;
 };
 

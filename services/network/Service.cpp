@@ -11,7 +11,11 @@ constexpr const char *SETTINGS = "/mnt/data/network/netserver/settings.conf";
 } // namespace
 
 Service::Service(GDBusConnection *bus, const Configuration &configuration)
-    : m_modems(bus, [this] { m_cellular.changed(); }),
+    : m_modems(bus,
+               [this] {
+                   m_network.modemsChanged();
+                   m_cellular.changed();
+               }),
       m_network(bus, m_modems, Settings(panelPath(SETTINGS)), panelPath(FOLDER),
                 configuration.ethernet,
                 [this](const std::vector<Record> &records) {
