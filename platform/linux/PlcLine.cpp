@@ -25,6 +25,10 @@ constexpr microseconds PATIENCE = 1s;
 constexpr int FAST_BAUD = 19200;
 constexpr microseconds FAST_SILENCE = 1750us;
 
+// As long as a USB adapter may keep back what has come.
+constexpr microseconds QUIET_AT_LEAST = 20ms;
+constexpr std::size_t LONGEST_FRAME = 256; // 2.5.1
+
 // Frames of function codes 3 and 16 without their words, request and answer together.
 constexpr std::size_t AROUND_READ = 8 + 5;
 constexpr std::size_t AROUND_WRITE = 9 + 8;
@@ -180,7 +184,9 @@ PlcFault PlcLine::request(std::size_t bytes, const std::function<bool()> &exchan
         m_lastFrame = Clock::now();
         if (done)
             return PlcFault::None;
-        if (error != ETIMEDOUT && faultOf(error) != PlcFault::Nonsense)
+        if (faultOf(error) == PlcFault::Nonsense)
+            awaitSilence();
+        else if (error != ETIMEDOUT)
             break;
     }
     return fail(faultOf(error), error == ETIMEDOUT ? "no answer" : modbus_strerror(error));
@@ -196,6 +202,19 @@ void PlcLine::keepSilence() const
 {
     const microseconds silence = m_baud > FAST_BAUD ? FAST_SILENCE : timeOf(7) / 2;
     std::this_thread::sleep_until(m_lastFrame + silence);
+}
+
+// What is left of a damaged answer would be taken for the one to the next request.
+void PlcLine::awaitSilence() const
+{
+    const auto quiet = std::max(QUIET_AT_LEAST, timeOf(4));
+    const int quietMs =
+        static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(quiet).count());
+    const auto deadline = Clock::now() + PATIENCE + timeOf(LONGEST_FRAME);
+    pollfd line{modbus_get_socket(m_modbus.get()), POLLIN, 0};
+    while (modbus_flush(m_modbus.get()) >= 0 && ::poll(&line, 1, quietMs) > 0 &&
+           Clock::now() < deadline) {
+    }
 }
 
 bool PlcLine::setTimeout(std::size_t bytes)

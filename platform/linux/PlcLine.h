@@ -59,6 +59,7 @@ private:
     PlcFault request(std::size_t bytes, const std::function<bool()> &exchange);
     PlcFault fail(PlcFault fault, const std::string &cause);
     void keepSilence() const;
+    void awaitSilence() const;
     bool setTimeout(std::size_t bytes);
     std::chrono::microseconds timeOf(std::size_t bytes) const;
     bool receiveEcho(const Bytes &sent, Clock::time_point deadline) const;
