@@ -153,7 +153,7 @@ private:
 
     PanelRoot m_root;
     QTemporaryDir m_files;
-    Settings m_settings{"KV070T", false, {}};
+    Settings m_settings{"KV070T", {}, false, {}};
 };
 
 QTEST_GUILESS_MAIN(ProjectTest)
