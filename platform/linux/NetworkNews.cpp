@@ -145,8 +145,7 @@ int NetworkNews::add(Listeners<Callback> &listeners, Listener<Callback> listener
     if (listener.callback == nullptr || !start())
         return netT::ERR_FAILED;
     listeners.push_back(listener);
-    const std::uint64_t once = 1;
-    return ::write(m_wake, &once, sizeof once) == sizeof once ? 0 : netT::ERR_FAILED;
+    return wake() ? 0 : netT::ERR_FAILED;
 }
 
 bool NetworkNews::start()
@@ -154,11 +153,28 @@ bool NetworkNews::start()
     if (m_wake != -1)
         return true;
     m_wake = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    if (m_wake != -1 && os::startThread("net", [this] { run(); }))
-        return true;
-    ::close(m_wake);
-    m_wake = -1;
-    return false;
+    if (m_wake == -1 || !os::startThread("net", [this] { run(); })) {
+        ::close(m_wake);
+        m_wake = -1;
+        return false;
+    }
+    systemBus().whenAnswering(NETWORK_SERVICE, [this] { tellAgain(); });
+    return true;
+}
+
+bool NetworkNews::wake() const
+{
+    const std::uint64_t once = 1;
+    return ::write(m_wake, &once, sizeof once) == sizeof once;
+}
+
+// A page that asked about a record meanwhile was refused, and took the device for unplugged.
+void NetworkNews::tellAgain()
+{
+    const std::lock_guard lock(m_mutex);
+    makeDue(m_recordListeners);
+    makeDue(m_modemListeners);
+    wake();
 }
 
 void NetworkNews::run()

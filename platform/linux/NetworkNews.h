@@ -43,6 +43,8 @@ private:
     template <typename Callback>
     int add(Listeners<Callback> &listeners, Listener<Callback> listener, int error);
     bool start();
+    bool wake() const;
+    void tellAgain();
     void run();
     bool flag();
 

@@ -174,19 +174,35 @@ void SystemBus::noteSilence(const Connection &connection, const BusMethod &metho
         sdbus::MethodCall question =
             silent->proxy->createMethodCall("org.freedesktop.DBus.Properties", "GetAll");
         question << std::string(method.interface);
-        silent->proxy->callMethod(question, [this, watched = std::weak_ptr(silent)](
+        silent->proxy->callMethod(question, [this, watched = std::weak_ptr(silent),
+                                             service = std::string(method.service)](
                                                 sdbus::MethodReply &, const sdbus::Error *) {
-            if (const auto alive = watched.lock()) {
-                const std::lock_guard lock(m_mutex);
-                alive->isOver = true;
-                m_changed.notify_all();
-            }
+            if (const auto alive = watched.lock())
+                endSilence(*alive, service);
         });
     } catch (const sdbus::Error &) {
         return; // the connection is being lost
     }
     const std::lock_guard lock(m_mutex);
     m_silent[method.service] = silent;
+}
+
+void SystemBus::endSilence(Silent &silent, const std::string &service)
+{
+    std::unique_lock lock(m_mutex);
+    silent.isOver = true;
+    m_changed.notify_all();
+    const auto answering = m_answering.find(service);
+    const auto told = answering == m_answering.end() ? nullptr : answering->second;
+    lock.unlock();
+    if (told)
+        told();
+}
+
+void SystemBus::whenAnswering(const std::string &service, std::function<void()> told)
+{
+    const std::lock_guard lock(m_mutex);
+    m_answering[service] = std::move(told);
 }
 
 SystemBus &systemBus()

@@ -72,6 +72,10 @@ public:
     Outcome call(const BusMethod &method, std::chrono::milliseconds timeout,
                  const Arguments &arguments = {});
 
+    // Has `told` called on the bus's thread whenever that service answers again, or has gone, after
+    // calls to it have failed at once. For the life of the process, one for a service.
+    void whenAnswering(const std::string &service, std::function<void()> told);
+
     // A property of the type T; nothing if it cannot be read.
     template <typename T>
     std::optional<T> property(const BusMethod &property, std::chrono::milliseconds timeout);
@@ -87,6 +91,7 @@ private:
     bool isLate();
     bool isSilent(const std::string &service);
     void noteSilence(const Connection &connection, const BusMethod &method);
+    void endSilence(Silent &silent, const std::string &service);
 
     Fault m_fault;
     std::mutex m_mutex;
@@ -96,6 +101,7 @@ private:
     bool m_isConnecting = false;
     bool m_isLate = false; // a call has waited in vain for the connection that is being made
     std::map<std::string, std::shared_ptr<Silent>> m_silent;
+    std::map<std::string, std::function<void()>> m_answering;
 };
 
 // The one of this process, never destroyed.

@@ -245,6 +245,20 @@ private slots:
         QVERIFY(heard.count == records + 3 && once.count == 1);
     }
 
+    // Who asked about a record meanwhile was refused, and is told it again.
+    void recordsAreToldAgainAfterSilence()
+    {
+        serve("sound"_s);
+        auto &heard = *new Heard;
+        QCOMPARE(listen(heard), 0);
+        QTRY_COMPARE(int(heard.count), 1);
+        const pid_t service = pid_t(m_service.processId());
+        ::kill(service, SIGSTOP);
+        QVERIFY(netT::netIsExist("eth0", false, TIMEOUT) == netT::ERR_TIMEOUT);
+        ::kill(service, SIGCONT);
+        QTRY_COMPARE(int(heard.count), 2);
+    }
+
 private:
     void serve(const QString &mood)
     {
