@@ -131,6 +131,7 @@ void Network::onDeviceChanged(Device &device)
         device.isPresent() ? wifi->stateChanged() : wifi->lost();
     takeOver(device);
     dialOnce(device);
+    disableModems();
     m_penalties.changed(device);
     m_burst.changed();
 }
@@ -178,7 +179,7 @@ void Network::putInOrder(Device &device)
             },
             ignore);
     if (!on)
-        m_links->disconnect(device, [this, &device](bool) { powerModem(device, false, [] {}); });
+        m_links->disconnect(device, [this](bool) { disableModems(); });
 }
 
 // What a service that has died has left half done. Of two profiles of a network one is too many.
@@ -252,7 +253,7 @@ void Network::finishSwitch(Device &device, bool on)
     device.setOn(true);
     tellChange();
     m_links->letAutomatic(device);
-    powerModem(device, true, [this, &device] {
+    wakeModem(device, [this, &device] {
         const bool canBe =
             device.state() >= NM_DEVICE_STATE_DISCONNECTED && profileOf(device) != nullptr;
         if (device.isOn() && canBe)
@@ -267,22 +268,17 @@ void Network::finishOff(Device &device)
             return;
         device.setOn(false);
         tellChange();
-        powerModem(device, false, [] {});
+        disableModems();
     });
 }
 
 // Switched on, it is probed anew, and dialled when it is back: ModemManager 1.20 would never ask
 // one again for its signal that it has only disabled and enabled.
-void Network::powerModem(const Device &device, bool on, std::function<void()> then)
+void Network::wakeModem(const Device &device, std::function<void()> then)
 {
     if (device.kind() != Kind::Modem || !device.isPresent())
         return then();
     const std::string path = toString(nm_device_get_udi(device.get()));
-    if (!on)
-        return m_modems.enable(path, false, [this, then = std::move(then)](bool) {
-            modemsChanged();
-            then();
-        });
     m_devices.expectProbe(device);
     m_modems.renew(path, [this, &device, path, then = std::move(then)](bool begun) {
         if (begun)
@@ -292,28 +288,29 @@ void Network::powerModem(const Device &device, bool on, std::function<void()> th
     });
 }
 
+// One that is off, and not dialled any more: if NetworkManager and this end a call at the same
+// time, one of them fails.
 bool Network::mustDisable(const Device &device) const
 {
-    if (device.kind() != Kind::Modem || !device.isPresent() || device.isOn())
+    const bool isOff = device.isPresent() && !device.isOn();
+    if (device.kind() != Kind::Modem || !isOff || device.state() > NM_DEVICE_STATE_DISCONNECTED)
         return false;
     const auto found = m_modems.all().find(toString(nm_device_get_udi(device.get())));
     return found != m_modems.all().end() && found->second.state >= MM_MODEM_STATE_ENABLING;
 }
 
 // ModemManager may refuse while it is at something else, or end something afterwards that enables
-// the modem.
-void Network::modemsChanged()
+// the modem: it is asked again until the modem is disabled.
+void Network::disableModems()
 {
-    const std::vector<Device *> devices = m_devices.all();
-    const auto isStillOn = [this](const Device *device) { return mustDisable(*device); };
-    if (m_modemRetry.isRunning() || std::none_of(devices.begin(), devices.end(), isStillOn))
+    if (m_modemRetry.isRunning())
         return;
-    m_modemRetry.start(MODEM_RETRY_TIME, [this] {
-        for (const Device *device : m_devices.all()) {
-            if (mustDisable(*device))
-                powerModem(*device, false, [] {});
-        }
-    });
+    for (const Device *device : m_devices.all()) {
+        if (!mustDisable(*device))
+            continue;
+        m_modems.enable(toString(nm_device_get_udi(device->get())), false, ignore);
+        m_modemRetry.start(MODEM_RETRY_TIME, [this] { disableModems(); });
+    }
 }
 
 void Network::change(const Device &device, Links::Edit edit, Done done)

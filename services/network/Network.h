@@ -55,8 +55,8 @@ public:
 
     // Something that only other answers tell has changed.
     void tellChange();
-    // ModemManager tells something new.
-    void modemsChanged();
+    // Has ModemManager disable the modems that are off; to be called when it tells something new.
+    void disableModems();
 
 private:
     void connect();
@@ -75,7 +75,7 @@ private:
 
     void finishSwitch(Device &device, bool on);
     void finishOff(Device &device);
-    void powerModem(const Device &device, bool on, std::function<void()> then);
+    void wakeModem(const Device &device, std::function<void()> then);
     bool mustDisable(const Device &device) const;
     int metricOf(Kind kind) const;
 

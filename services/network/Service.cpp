@@ -13,7 +13,7 @@ constexpr const char *SETTINGS = "/mnt/data/network/netserver/settings.conf";
 Service::Service(GDBusConnection *bus, const Configuration &configuration)
     : m_modems(bus,
                [this] {
-                   m_network.modemsChanged();
+                   m_network.disableModems();
                    m_cellular.changed();
                }),
       m_network(bus, m_modems, Settings(panelPath(SETTINGS)), panelPath(FOLDER),
