@@ -168,7 +168,6 @@ int UpdatePLCprogram(const std::string &path, char (&failed)[PLC_TRACE_SIZE])
     std::printf("Update PLC Program!\r\n");
     std::printf("on_UpdatePLCProgram_clicked start time %ld!\r\n",
                 static_cast<long>(COS::CosTime::GetTimeStamp()));
-    g_Progress.nPercent = 0; // it may have been left at 100
     COS::CosDir::MakeDir(panelPath("/tmp/unzip_temp")); // else the deciphering fails
     const int result = downloadCurrentFormat(path, failed);
     return result == NOT_THIS_FORMAT ? downloadLegacyProgram(path) : result;

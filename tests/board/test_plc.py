@@ -5,10 +5,9 @@ import itertools
 import pytest
 
 import plc_page
-from lab import wait_for
 from plc_page import (CAM, DONE, FAILED, MEMORY, NO_MASK, NO_PLC, NO_PROTECTION, PARAMETERS, PASSWORD, PROGRAM, TIMEOUT,
                       UNREADABLE, UPDATED, UPDATED_CH, content)
-from update_page import PLC, choose, open_page, outcome, percent, plug
+from update_page import PLC, choose, open_page, outcome, plug
 
 STILL_S = 2             # that the bar may stand still
 STOPPED, RUNNING = 0, 1
@@ -64,7 +63,6 @@ def test_a_plc_holds_every_byte_and_the_result_speaks_the_panels_language(ready,
     panel.wait_text("lab_PlcPro", UPDATED_CH)
     plc.order(busy=4, at="stop", how="refuse")
     choose(panel, "all.bin", PLC)
-    wait_for(lambda: (percent(panel, PLC) or 0) > 1, "the bar", STILL_S * 2)
     open_page(panel, PLC)
     panel.wait_text("lab_PlcPro", UPDATED)          # of the job before; this is intended
     assert outcome(panel) == FAILED.format("Unable to stop PLC！")
