@@ -8,6 +8,7 @@ import pytest
 
 import lab
 from virtualboard import cache, kept, machine
+from virtualboard.commands import run
 
 
 @pytest.hookimpl(hookwrapper=True)
@@ -75,12 +76,14 @@ def restored(request, base, built, **options):
     return at_work(request, kept.restore(base, built, lab.SIZE, **options), built)
 
 
-def logged(request, base, built, folder, **options):
-    """The same with a log of all writes of its data disk, folder/writes; before.raw is the disk as it was."""
-    kept.flat_copy(base, folder / "before.raw")
-    shutil.copy(folder / "before.raw", folder / "data.raw")
-    (folder / "writes").touch()
-    return restored(request, base, built, data=machine.logged_disk(folder / "data.raw", folder / "writes"), **options)
+def logged(request, base, built, logs, **options):
+    """The same with logs of all writes of some of its disks, powercut.Log by the disk's name."""
+    for name, log in logs.items():
+        kept.flat_copy(base, name, log.before)
+        run(["cp", "--sparse=always", log.before, log.disk])
+        log.writes.touch()
+    others = {name: machine.logged_disk(log.disk, log.writes) for name, log in logs.items()}
+    return restored(request, base, built, others=others, **options)
 
 
 @pytest.fixture

@@ -151,7 +151,7 @@ def test_a_read_only_data_disk(panel):
     before, machine = keep_brightness(panel), panel.hands.machine
     panel.shell("mount -o remount,ro /mnt/data")
     panel.hands.cut_power()
-    machine.start(panel.image, data={**overlay_disk(machine.folder / "data.qcow2"), "read-only": True})
+    machine.start(panel.image, others={"data": {**overlay_disk(machine.folder / "data.qcow2"), "read-only": True}})
     panel.wait_started()
     panel.open_pages()
     assert panel.hands.backlight() == 70

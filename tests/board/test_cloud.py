@@ -42,9 +42,10 @@ def clouded(networked):
 
 @pytest.fixture
 def logged(request, networks, built, tmp_path):
-    """The same, and the folder with the log of its writes."""
-    with conftest.logged(request, networks, built, tmp_path, has_desk=False) as panel:
-        yield panel.with_modem().with_cloud(), tmp_path
+    """The same, and the log of its writes."""
+    log = powercut.Log(tmp_path)
+    with conftest.logged(request, networks, built, {"data": log}, has_desk=False) as panel:
+        yield panel.with_modem().with_cloud(), log
 
 
 def is_local(contact):
@@ -147,17 +148,17 @@ def is_closing_not_hammered(panel):
 
 @pytest.mark.long
 def test_a_power_cut_leaves_a_whole_certificate(logged):
-    panel, folder = logged
-    log, kept, count = folder / "writes", [(0, 0)], 0
+    panel, log = logged
+    kept, count = [(0, 0)], 0
     panel.cloud.certificates(life_s=SHORT_S)
-    first = powercut.length(log)
+    first = log.length()
     panel.cloud.bind()
-    while powercut.length(log) < first + CUTS or len(kept) < 3:
+    while log.length() < first + CUTS or len(kept) < 3:
         count = issued(panel, count)
-        kept.append((powercut.length(log), FIRST_SERIAL + count - 1))
+        kept.append((log.length(), FIRST_SERIAL + count - 1))
         panel.shell("systemctl kill -s KILL sysset-cloud")
     panel.hands.cut_power()
-    cuts = list(found_after_cuts(folder, first))
+    cuts = list(found_after_cuts(log, first))
     print(f"{len(cuts)} cuts: {cuts}; kept: {kept}")
     assert len(cuts) == CUTS
     for number, serial in cuts:
@@ -170,9 +171,9 @@ def issued(panel, former):
                     "another certificate", FIRST_S)
 
 
-def found_after_cuts(folder, first):
+def found_after_cuts(log, first):
     """Requests before each cut, and the number of the certificate that it leaves, 0 for none."""
-    for number, disk in powercut.cuts(folder / "writes", folder / "before.raw", folder, CUTS, first=first):
+    for number, disk in log.cuts(CUTS, first=first):
         assert powercut.recover(disk) == "", f"cut after {number} requests"
         files = powercut.files_in(disk, "/cloud")
         assert {mode for mode, _ in files.values()} <= {"600"}

@@ -1,13 +1,16 @@
 """Firmware from a stick: the panel starts it on trial, keeps it, or goes back to the one before."""
 
+import filecmp
+import os
 import random
 
 import pytest
 
+import conftest
 import update_page
 from lab import wait_for
 from update_page import FIRMWARE, choose, outcome, percent, plug, trust
-from virtualboard import disks
+from virtualboard import disks, machine, powercut
 
 DONE = "Updated firmware\r\nPlease restart HMI!!"
 NO_FIRMWARE = "Failed to get Udisk HMI firmware."
@@ -20,6 +23,9 @@ OLD, NEW = 100, 102
 RELEASE = "/usr/lib/os-release"
 CHOICE = "head -c 4 /dev/disk/by-id/virtio-boot"   # tools/board/init.c tells what it says
 WRITTEN_S = 240
+CHOICES = ["AB90", "BA93", "BA92", "BA99"]              # in the course of an install and its first start
+CUTS = int(os.environ.get("SYSSET_CUTS", 20))
+STARTS = int(os.environ.get("SYSSET_STARTS", 1))      # of them, each on a board of its own
 TRIAL = {"/etc/systemd/system/timers.target.wants/sysset-trial.timer":
          b"[Unit]\nConditionPathExists=!/var/lib/sysset/firmware-proved\n[Timer]\nOnBootSec=75s\n"}
 DATA = "cd /mnt/data && find . -path ./sysset -prune -o -path ./rauc -prune -o -type f -print | sort | xargs sha256sum"
@@ -30,12 +36,16 @@ def maker(folder, tmp_path):
     return update_page.Maker(tmp_path, folder)
 
 
-@pytest.fixture
-def at_firmware(panel, maker):
+def at_page(panel, maker):
     trust(panel, maker)
     panel.shell(f"echo IMAGE_VERSION={OLD} >>{RELEASE}")
     update_page.open_page(panel, FIRMWARE)
     return panel
+
+
+@pytest.fixture
+def at_firmware(panel, maker):
+    return at_page(panel, maker)
 
 
 def root(built, path, files):
@@ -143,3 +153,80 @@ def test_what_is_refused_leaves_the_firmware_as_it_is(at_firmware, maker, folder
     assert ending(panel)[0] == NO_FIRMWARE
     assert panel.shell(CHOICE) == "AB90"
     assert panel.try_shell("ls /mnt/data/sysset/firmware-trial")[0] != 0
+
+
+@pytest.fixture
+def logged(request, developers, built, tmp_path, maker):
+    """The same, and the logs of the disks that an install writes to."""
+    logs = {name: powercut.Log(tmp_path, name) for name in ("boot", "slot-b", "data")}
+    with conftest.logged(request, developers, built, logs) as panel:
+        yield at_page(panel, maker), logs
+
+
+def spread(moments, count):
+    """So many of them, half of them from before the choice of the boot loader has changed first."""
+    turn = next(i for i, sizes in enumerate(moments) if sizes[0] > moments[0][0])
+    def some(part):
+        return [part[(2 * i + 1) * len(part) // count] for i in range(count // 2)]
+    return some(moments[:turn]) + some(moments[turn:])
+
+
+def cuts(logs, moments):
+    """The disk of the boot loader, slot and data disk at each of the moments; paths are overwritten."""
+    replays = [powercut.Replay(log) for log in logs.values()]
+    for sizes in moments:
+        for replay, size in zip(replays, sizes):
+            replay.go(lambda entry, most=size: entry.log_size <= most)
+        boot, slot, data = replays
+        yield boot.cut(), slot, data.cut()
+
+
+@pytest.mark.long
+def test_a_power_cut_leaves_the_old_or_the_new_one(logged, maker, folder, built, tmp_path):
+    panel, logs = logged
+    image = root(built, tmp_path / "root", {})
+    maker.firmware("panel.osf3", image, version=NEW)
+    plug(panel, folder, FIRMWARE)
+    before = panel.shell(DATA)
+    moments = powercut.Moments(logs.values())
+    choose(panel, "panel.osf3", FIRMWARE)
+    assert ending(panel)[0] == DONE
+    restart(panel)
+    panel.wait_started()
+    wait_for(lambda: panel.shell(CHOICE) == "BA99", "the firmware has proved itself", 90)
+    moments.end()
+    panel.hands.cut_power()
+    found = []
+
+    def data_disks():
+        for number, (boot, slot, data) in enumerate(cuts(logs, spread(moments.noted, CUTS))):
+            yield number, data
+            found.append(boot.read_bytes()[:4].decode())
+            if found[-1] == "BA93":
+                assert filecmp.cmp(slot.cut(), image, shallow=False), number
+            elif found[-1].startswith("BA"):
+                assert powercut.recover(slot.cut()) == "", number
+
+    everything = powercut.SideBySide(data_disks(), tmp_path / "all.raw")
+    print(f"{len(moments.noted)} moments: {found}")
+    assert found == sorted(found, key=CHOICES.index) and {"AB90", "BA92"} <= set(found)
+    panel.hands.power_on(panel.image)
+    panel.wait_started()
+    device = panel.hands.add_disk("cuts", tmp_path / "all.raw")
+    panel.shell("systemctl stop sysset sysset-words sysset-update")
+    for index in range(CUTS):
+        everything.put_in_place(panel.shell, device, index, "/mnt/data")
+        assert panel.shell(DATA) == before, index
+    for sizes in spread(moments.noted, 2 * STARTS):
+        start_from(panel, *next(cuts(logs, [sizes])))
+        assert panel.shell(DATA) == before
+
+
+def start_from(panel, boot, slot, data):
+    """Starts the board as a cut has left it; the slot that is chosen runs."""
+    panel.hands.cut_power()
+    left = {"boot": boot, "slot-b": slot.cut(), "data": data}
+    panel.hands.machine.start(panel.image, others={name: machine.raw_disk(path) for name, path in left.items()})
+    panel.wait_started()
+    runs, version = ("B", NEW) if panel.shell(CHOICE).startswith("BA") else ("A", OLD)
+    assert f"SLOT={runs}" in panel.shell("cat /run/slot") and f"IMAGE_VERSION={version}" in panel.shell(f"cat {RELEASE}")

@@ -18,9 +18,10 @@ ZONE_FILE = f"{DATA}/etc/tz/tz.conf"
 
 @pytest.fixture
 def logged(request, developers, built, tmp_path):
-    """A running panel, and the folder with the log of its writes."""
-    with conftest.logged(request, developers, built, tmp_path) as panel:
-        yield panel, tmp_path
+    """A running panel, and the log of its writes."""
+    log = powercut.Log(tmp_path)
+    with conftest.logged(request, developers, built, {"data": log}) as panel:
+        yield panel, log
 
 
 # The history of a setting: each value with the number of requests in the log before which the disk cannot
@@ -60,29 +61,21 @@ def change_all(panel, log):
     wait_for(lambda: panel.widget("comboBox"), "the page")
     histories = {name: [(-1, 0, shown(panel, name))] for name, *_ in CHANGES}
     for name, value in CHANGES:
-        before, begun = shown(panel, name), powercut.length(log)
+        before, begun = shown(panel, name), log.length()
         change(panel, name, value)
         wait_for(lambda n=name, b=before: shown(panel, n) != b, f"{name} changes")
         time.sleep(KEPT_WITHIN_S)
-        kept_by = float("inf") if name == NOT_PROMISED_AT_ONCE else powercut.length(log)
+        kept_by = float("inf") if name == NOT_PROMISED_AT_ONCE else log.length()
         histories[name].append((begun, kept_by, shown(panel, name)))
     return histories
 
 
-def checked(cuts):
-    """The same cuts; each must be whole once its journal is replayed."""
-    for number, path in cuts:
-        yield number, path
-        assert powercut.recover(path) == "", f"cut after {number} requests"
-
-
 @pytest.mark.long
-def test_a_power_cut_leaves_each_setting_old_or_new(logged):
-    panel, folder = logged
-    histories = change_all(panel, folder / "writes")
-    cuts = powercut.cuts(folder / "writes", folder / "before.raw", folder, CUTS)
-    disks = powercut.SideBySide(checked(cuts), folder / "all.raw")
-    device = panel.hands.add_disk("cuts", folder / "all.raw")
+def test_a_power_cut_leaves_each_setting_old_or_new(logged, tmp_path):
+    panel, log = logged
+    histories = change_all(panel, log)
+    disks = powercut.SideBySide(log.cuts(CUTS), tmp_path / "all.raw")
+    device = panel.hands.add_disk("cuts", tmp_path / "all.raw")
     trees = disks.trees(panel.shell, device)
     assert len(trees) == len(disks.numbers) == CUTS
 

@@ -94,12 +94,12 @@ def kept_step(name, image, size, prepare=None, inputs=(), has_desk=True):
     return cache.step(f"{name}-{size}", title, everything, _make(image, size, prepare, has_desk))
 
 
-def restore(kept, image, size, display="none", data=None, has_desk=True):
+def restore(kept, image, size, display="none", others=None, has_desk=True):
     """A fresh copy of a kept board, running, its clock set."""
     board = Machine(scratch_folder(), size, has_desk)
     copy_disks(board.folder, kept)
     shutil.copy(kept / "backlight", board.folder)
-    board.start(image, memory=(kept / "memory", False), display=display, data=data, incoming=True)
+    board.start(image, memory=(kept / "memory", False), display=display, others=others, incoming=True)
     board.monitor.call("migrate-set-capabilities", capabilities=CAPABILITIES)
     board.monitor.call("migrate-incoming", uri=f"exec:cat {kept}/state")
     board.wait_until(lambda: _is_running(board), 30, "restored board")
@@ -115,9 +115,9 @@ def _is_running(board):
     return state == "running"
 
 
-def flat_copy(kept, path):
-    """The kept board's data disk as one plain image."""
-    run(["qemu-img", "convert", "-O", "raw", disk_file(kept, "data"), path])
+def flat_copy(kept, name, path):
+    """One of the kept board's disks as a plain image."""
+    run(["qemu-img", "convert", "-O", "raw", disk_file(kept, name), path])
 
 
 def remove(board):

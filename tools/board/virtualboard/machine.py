@@ -216,12 +216,12 @@ class Machine:
         self.pid = None
         self._process = None
 
-    def start(self, image, *, memory=(None, False), display="none", data=None, incoming=False):
-        """Starts QEMU on the disks of the folder, but another data disk if one is given. memory is a file to
-        keep the memory in, and whether to change that file."""
+    def start(self, image, *, memory=(None, False), display="none", others=None, incoming=False):
+        """Starts QEMU on the disks of the folder, or on others, by name. memory is a file to keep the memory in,
+        and whether to change that file."""
         for name in SOCKETS + LINES:
             (self.folder / name).unlink(missing_ok=True)
-        arguments = command_line(self.folder, image, self.screen, memory, display, {"data": data}, self._kept_clock(),
+        arguments = command_line(self.folder, image, self.screen, memory, display, others or {}, self._kept_clock(),
                                  self.has_desk)
         if incoming:
             arguments += ["-incoming", "defer"]

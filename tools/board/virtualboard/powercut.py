@@ -1,16 +1,18 @@
-"""Power cuts without cutting: all writes of the data disk are logged, and the disk is built again as a
-cut at any moment would have left it.
+"""Power cuts without cutting: all writes of a disk are logged, and the disk is built again as a cut at any
+moment would have left it.
 
 What was written before the last flush is on the disk. Of what came after it a disk may have kept
 anything in any order, so a random part of it is. The log's format is that of the kernel's dm-log-writes
 (Documentation/admin-guide/device-mapper/log-writes.rst), which QEMU's blklogwrites writes."""
 
 import dataclasses
+import mmap
 import os
+import pathlib
 import random
-import shutil
 import struct
 import subprocess
+import threading
 
 from .commands import run
 
@@ -24,35 +26,41 @@ class BadLog(Exception):
     """The file is no log of writes."""
 
 
+class Damaged(Exception):
+    """A cut has left a file system that is not whole."""
+
+
 @dataclasses.dataclass(frozen=True)
 class Entry:
-    """One request: bytes at an offset of the disk, and whether all before, and it, had to be kept."""
+    """One request: bytes at an offset of the disk, and whether all before, and it, had to be kept; the size of the
+    log with it."""
 
     offset: int
-    data: bytes
+    data: memoryview
     flush: bool
     forced: bool
+    log_size: int
 
 
 def read_log(path):
     """All entries of a log, in order; an unfinished last one is left out."""
-    with open(path, "rb") as log:
-        first = log.read(HEAD.size)
-        if not first:
-            return      # the head comes with the first write
-        magic, _, _, sector = HEAD.unpack(first)
-        if magic != MAGIC:
-            raise BadLog(path)
-        log.seek(sector)
-        while len(head := log.read(sector)) == sector:
-            place, count, flags, _ = ENTRY.unpack_from(head)
-            if (place, count, flags) == (0, 0, 0):
-                return
-            size = 0 if flags & DISCARD else count * sector
-            data = log.read(size)
-            if len(data) < size:
-                return
-            yield Entry(place * sector, data, bool(flags & FLUSH), bool(flags & FUA))
+    if os.stat(path).st_size < HEAD.size:
+        return      # the head comes with the first write
+    with open(path, "rb") as file:
+        log = memoryview(mmap.mmap(file.fileno(), 0, prot=mmap.PROT_READ))
+    magic, _, _, sector = HEAD.unpack_from(log)
+    if magic != MAGIC:
+        raise BadLog(path)
+    at = sector
+    while at + sector <= len(log):
+        place, count, flags, _ = ENTRY.unpack_from(log, at)
+        if (place, count, flags) == (0, 0, 0):
+            return
+        begin = at + sector
+        at = begin if flags & DISCARD else begin + count * sector
+        if at > len(log):
+            return
+        yield Entry(place * sector, log[begin:at], bool(flags & FLUSH), bool(flags & FUA), at)
 
 
 def _write(image, entry):
@@ -60,14 +68,51 @@ def _write(image, entry):
     image.write(entry.data)
 
 
-class _Replay:
-    """The disk as its flushes leave it, and what is still under way."""
+class Log:
+    """The log of a disk's writes, the disk, and the same as it was before: files of a folder."""
 
-    def __init__(self, path):
-        self._path = path
+    def __init__(self, folder, name="data"):
+        self.writes, self.disk, self.before = (folder / f"{name}.{kind}" for kind in ("writes", "disk", "before"))
+
+    def length(self):
+        """Number of requests that it has now."""
+        return sum(1 for _ in read_log(self.writes))
+
+    def size(self):
+        """In bytes; more while a request is being noted than with Entry.log_size."""
+        return os.stat(self.writes).st_size
+
+    def cuts(self, count, first=0):
+        """Disks after a power cut, at count moments spread over the log from request first on: the number of
+        requests until then, and a path, which the next call overwrites."""
+        replay, all_of_them = Replay(self), self.length()
+        moments = {first + round((i + 1) * (all_of_them - first) / count) for i in range(count)}
+        for number in sorted(moments):
+            replay.go(lambda entry, n=number: replay.taken < n)
+            yield number, replay.cut()
+
+
+class Replay:
+    """The disk of a log as its flushes leave it, and what is still under way, at one moment after the other."""
+
+    def __init__(self, log, seed=1):
+        self._log = log
+        self._path = pathlib.Path(f"{log.disk}.replay")
+        run(["cp", "--sparse=always", log.before, self._path])
+        self._entries = read_log(log.writes)
+        self._next = next(self._entries, None)
+        self._chance = random.Random(seed)
         self._pending = []
+        self.taken = 0
 
-    def take(self, entry):
+    def go(self, is_before):
+        """On to the first request that is not before the moment."""
+        while self._next is not None and is_before(self._next):
+            self._take(self._next)
+            self._next = next(self._entries, None)
+            self.taken += 1
+
+    def _take(self, entry):
         if entry.flush:
             with open(self._path, "r+b") as image:
                 for waiting in self._pending:
@@ -76,34 +121,40 @@ class _Replay:
         if entry.data:
             self._pending.append(entry)
 
-    def cut(self, path, chance):
-        """The disk after a cut now: some of what was under way has arrived."""
+    def cut(self):
+        """The disk after a cut now: some of what was under way has arrived. The next call overwrites it."""
+        path = pathlib.Path(f"{self._log.disk}.cut")
         run(["cp", "--sparse=always", self._path, path])
         with open(path, "r+b") as image:
             for entry in self._pending:
-                if entry.forced or chance.random() < 0.5:
+                if entry.forced or self._chance.random() < 0.5:
                     _write(image, entry)
+        return path
 
 
-def length(log):
-    """Number of requests that a log has now."""
-    return sum(1 for _ in read_log(log))
+class Moments(threading.Thread):
+    """Notes how large some logs are, again and again, so that cuts of several disks are of one moment. What is
+    known of a log is never from after what is known of the next one: who writes to the first one last is seen in
+    that order."""
 
+    PAUSE_S = 0.02
 
-def cuts(log, before, scratch, count, seed=1, first=0):
-    """Disks after a power cut, at count moments spread over the log from request first on: the number of
-    requests until then, and a path, which the next call overwrites. before is the disk when the log began,
-    scratch a folder."""
-    entries = list(read_log(log))
-    moments = {first + round((i + 1) * (len(entries) - first) / count) for i in range(count)}
-    chance = random.Random(seed)
-    shutil.copy(before, scratch / "replay.raw")
-    replay = _Replay(scratch / "replay.raw")
-    for number, entry in enumerate(entries, 1):
-        replay.take(entry)
-        if number in moments:
-            replay.cut(scratch / "cut.raw", chance)
-            yield number, scratch / "cut.raw"
+    def __init__(self, logs):
+        super().__init__(daemon=True)
+        self._logs = logs
+        self._ended = threading.Event()
+        self.noted = []     # sizes of the logs, moments at which nothing has changed left out
+        self.start()
+
+    def run(self):
+        while not self._ended.wait(self.PAUSE_S):
+            sizes = tuple(log.size() for log in self._logs)
+            if sizes not in self.noted[-1:]:
+                self.noted.append(sizes)
+
+    def end(self):
+        self._ended.set()
+        self.join()
 
 
 # Mounts the disks one after the other, so that the kernel replays their journals, and tells a digest of
@@ -135,12 +186,15 @@ class SideBySide:
     once; what is empty takes no space. `shell` runs a command on the board."""
 
     def __init__(self, disks, path):
-        """disks: what cuts() gives. numbers are the requests before each."""
+        """disks: what cuts() gives. numbers are the requests before each. Damaged, if one is not whole once its
+        journal is replayed."""
         self.numbers, self._size = [], 0
         for number, disk in disks:
             self._size = disk.stat().st_size
             run(["dd", f"if={disk}", f"of={path}", "bs=1M", f"seek={len(self.numbers) * self._size}",
                  "oflag=seek_bytes", "conv=notrunc,sparse", "status=none"])
+            if wrong := recover(disk):
+                raise Damaged(f"cut after {number} requests: {wrong}")
             self.numbers.append(number)
             os.truncate(path, len(self.numbers) * self._size)
 
