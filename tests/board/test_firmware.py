@@ -134,7 +134,8 @@ def test_what_is_refused_leaves_the_firmware_as_it_is(at_firmware, maker, folder
     image = tmp_path / "image"
     image.write_bytes(random.Random(1).randbytes(6 << 20))
     strangers = update_page.Maker(tmp_path / "strangers", folder)
-    cases = {"model": MODEL.format("KV100"), "stranger": NO_FIRMWARE, "tampered": NO_FIRMWARE, "cut": NO_MODEL}
+    cases = {"model.osf3": MODEL.format("KV100"), "stranger.osf3": NO_FIRMWARE, "tampered.osf3": NO_FIRMWARE,
+             "cut.osf3": NO_MODEL, "logo.osf2": DONE, "logos.osf2": NO_FIRMWARE}
     maker.firmware("model.osf3", image, version=NEW, model="KV100")
     maker.firmware("stranger.osf3", image, version=NEW, keys=strangers.keys)
     for name, spoil in {"tampered": lambda data: data[:3 << 20] + b"!!" + data[(3 << 20) + 2:],
@@ -142,11 +143,14 @@ def test_what_is_refused_leaves_the_firmware_as_it_is(at_firmware, maker, folder
         path = maker.firmware(f"{name}.osf3", image, version=NEW)
         path.write_bytes(spoil(path.read_bytes()))
     maker.firmware("good.osf3", image, version=NEW)
+    maker.project("logo.osf2", {"logo.bmp": "a picture"}, kind="logo")
+    maker.project("logos.osf2", {"logo.bmp": "a stranger's"}, kind="logo", keys=strangers.keys)
     plug(panel, folder, FIRMWARE, slow=True)
     for name, said in cases.items():
-        choose(panel, f"{name}.osf3", FIRMWARE)
+        choose(panel, name, FIRMWARE)
         assert ending(panel)[0] == said, name
         assert panel.shell(CHOICE) == "AB90", name
+    assert panel.shell("cat /mnt/data/logo/logo.bmp") == "a picture"
     choose(panel, "good.osf3", FIRMWARE)
     wait_for(lambda: (percent(panel, FIRMWARE) or 0) in range(10, 90), "the bar")
     panel.hands.pull("stick")

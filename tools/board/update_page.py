@@ -40,14 +40,14 @@ class Maker:
     def keyring(self):
         return (self.keys / "update-keys.pem").read_bytes()
 
-    def project(self, name, files, *, keys=None, model=MODEL, version=0):
-        """Makes a project of texts or bytes by name, and puts it on the stick; its path here."""
+    def project(self, name, files, *, keys=None, model=MODEL, version=0, kind="project"):
+        """Makes a project, or a logo, of texts or bytes by name, and puts it on the stick; its path here."""
         content = self._folder / "content" / name
         for path, data in files.items():
             (content / path).parent.mkdir(parents=True, exist_ok=True)
             (content / path).write_bytes(data if isinstance(data, bytes) else data.encode())
         signing = ["--keys", keys or self.keys] if keys != "none" else []
-        maker("project", "--model", model, "--version", version, *signing, content, self._stick / name)
+        maker(kind, "--model", model, "--version", version, *signing, content, self._stick / name)
         return self._stick / name
 
     def firmware(self, name, image, *, version, keys=None, model=MODEL):
