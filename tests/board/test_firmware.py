@@ -27,7 +27,7 @@ CHOICES = ["AB90", "BA93", "BA92", "BA99"]              # in the course of an in
 CUTS = int(os.environ.get("SYSSET_CUTS", 20))
 STARTS = int(os.environ.get("SYSSET_STARTS", 1))      # of them, each on a board of its own
 TRIAL = {"/etc/systemd/system/timers.target.wants/sysset-trial.timer":
-         b"[Unit]\nConditionPathExists=!/var/lib/sysset/firmware-proved\n[Timer]\nOnBootSec=75s\n"}
+         b"[Unit]\nConditionPathExists=!/var/lib/sysset/firmware-proved\n[Timer]\nOnBootSec=45s\n"}
 NOTES = ["./rauc", "./sysset/firmware-trial", "./sysset/versions.d"]    # what an install leaves beside all else
 DATA = ("cd /mnt/data && find . " + "".join(f"-path {path} -prune -o " for path in NOTES) +
         "-type f -print | sort | xargs sha256sum")

@@ -52,7 +52,8 @@ class Maker:
 
     def firmware(self, name, image, *, version, keys=None, model=MODEL):
         """Makes a firmware of a slot's image, and puts it on the stick; its path here."""
-        maker("firmware", "--model", model, "--version", version, "--keys", keys or self.keys, image, self._stick / name)
+        maker("firmware", "--model", model, "--version", version, "--keys", keys or self.keys, "--compression", "lz4",
+              image, self._stick / name)
         return self._stick / name
 
 
