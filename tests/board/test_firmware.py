@@ -3,13 +3,14 @@
 import filecmp
 import os
 import random
+import time
 
 import pytest
 
 import conftest
 import update_page
 from lab import wait_for
-from update_page import FIRMWARE, choose, outcome, percent, plug, trust
+from update_page import FIRMWARE, KEYRING, choose, outcome, percent, plug, trust
 from virtualboard import disks, machine, powercut
 
 DONE = "Updated firmware\r\nPlease restart HMI!!"
@@ -25,7 +26,8 @@ CHOICE = "head -c 4 /dev/disk/by-id/virtio-boot"   # tools/board/init.c tells wh
 WRITTEN_S = 240
 CHOICES = ["AB90", "BA93", "BA92", "BA99"]              # in the course of an install and its first start
 CUTS = int(os.environ.get("SYSSET_CUTS", 20))
-STARTS = int(os.environ.get("SYSSET_STARTS", 1))      # of them, each on a board of its own
+STARTS = 1                                              # from before and from after the choice has changed
+REAL_CUTS = int(os.environ.get("SYSSET_REAL_CUTS", 0))
 TRIAL = {"/etc/systemd/system/timers.target.wants/sysset-trial.timer":
          b"[Unit]\nConditionPathExists=!/var/lib/sysset/firmware-proved\n[Timer]\nOnBootSec=45s\n"}
 NOTES = ["./rauc", "./sysset/firmware-trial", "./sysset/versions.d"]    # what an install leaves beside all else
@@ -236,3 +238,24 @@ def start_from(panel, boot, slot, data):
     panel.wait_started()
     runs, version = ("B", NEW) if panel.shell(CHOICE).startswith("BA") else ("A", OLD)
     assert f"SLOT={runs}" in panel.shell("cat /run/slot") and f"IMAGE_VERSION={version}" in panel.shell(f"cat {RELEASE}")
+
+
+@pytest.mark.long
+@pytest.mark.skipif(REAL_CUTS == 0, reason="takes an hour: ./test board-long")
+def test_the_power_is_cut_while_one_is_installed(at_firmware, maker, folder, built, tmp_path):
+    panel, chance = at_firmware, random.Random(1)
+    maker.firmware("panel.osf3", root(built, tmp_path / "root", {KEYRING: maker.keyring()}), version=NEW)
+    before = panel.shell(DATA)
+    for _ in range(REAL_CUTS):
+        plug(panel, folder, FIRMWARE)
+        choose(panel, "panel.osf3", FIRMWARE)
+        time.sleep(chance.uniform(0, 100))
+        if panel.is_seen("btn_Ok"):
+            assert ending(panel)[0] == DONE
+            restart(panel)
+            time.sleep(chance.uniform(0, 60))
+        panel.power_cycle()
+        choice, slot = panel.shell(CHOICE), panel.shell("cat /run/slot")
+        print(choice, slot)
+        assert slot == f"SLOT={choice[0]}" and panel.shell(DATA) == before
+        update_page.open_page(panel, FIRMWARE)

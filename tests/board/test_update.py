@@ -2,6 +2,7 @@
 
 import os
 import random
+import time
 
 import pytest
 
@@ -24,6 +25,7 @@ TREE = f"cd {PROJECT} && find . -type f | sort | xargs sha256sum"
 FIRMWARE = 100
 PULLS = 10
 CUTS = int(os.environ.get("SYSSET_CUTS", 20))
+REAL_CUTS = int(os.environ.get("SYSSET_REAL_CUTS", 0))
 WHOLE = 3_000_000       # bytes of a project that takes a while
 
 
@@ -160,3 +162,26 @@ def test_a_power_cut_leaves_the_old_or_the_new_one(logged, maker, folder, tmp_pa
         assert panel.shell("ls -A /mnt/data | grep '^[.]' || :") == ""
     print(f"{ended - begun} requests; old or new: {found}")
     assert found == sorted(found) and set(found) == {0, 1}
+
+
+@pytest.mark.long
+@pytest.mark.skipif(REAL_CUTS == 0, reason="takes half an hour: ./test board-long")
+def test_the_power_is_cut_while_one_is_installed(ready, maker, folder):
+    panel, chance, trees = ready, random.Random(1), {}
+    for name in ("Line 1.tmt3", "Line 2.tmt3"):
+        maker.project(name, {f"{name}/{n}": noise(60_000, n) for n in range(50)})
+    plug(panel, folder)
+    for name in ("Line 2.tmt3", "Line 1.tmt3"):
+        choose(panel, name)
+        assert outcome(panel) == DONE
+        trees[panel.shell(TREE)] = name
+    for _ in range(REAL_CUTS):
+        in_force = trees[panel.shell(TREE)]
+        choose(panel, "Line 1.tmt3" if in_force == "Line 2.tmt3" else "Line 2.tmt3")
+        time.sleep(chance.uniform(0, 8))
+        panel.power_cycle()
+        print(in_force, "->", trees[panel.shell(TREE)])
+        assert panel.shell("ls -A /mnt/data | grep '^[.]' || :") == ""
+        panel.open_pages()
+        panel.touch("btn_UpData")
+        plug(panel, folder)
