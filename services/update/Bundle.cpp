@@ -10,7 +10,7 @@
 namespace updates {
 namespace {
 
-constexpr std::size_t LENGTH_SIZE = 8; // of the CMS before it, big-endian, at the file's end
+constexpr std::size_t LENGTH_SIZE = 8;      // of the CMS before it, big-endian, at the file's end
 constexpr std::uint64_t MOST_CMS = 0x10000; // bytes, as RAUC takes them
 
 struct Manifest

@@ -15,7 +15,7 @@ struct Bundle
     std::string model;                    // "compatible"
     std::optional<std::uint64_t> version; // nothing if it has none, or one that is no number
     std::uint64_t imageBytes = 0;         // of all images together, unpacked
-    std::string fault;                    // why nobody vouches for the manifest; "" if somebody does
+    std::string fault; // why nobody vouches for the manifest; "" if somebody does
 };
 
 // Reads the end of a file; its payload is checked by the kernel while RAUC installs it. Nothing if

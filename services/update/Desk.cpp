@@ -96,9 +96,11 @@ void Desk::install(const Checked &checked)
 {
     const bool isFirmware = std::holds_alternative<Bundle>(checked.content);
     // Firmware that is newer than the project comes here only once the operator has agreed.
-    if (checked.error != 0 && !(isFirmware && checked.error == os::UPDATE_UNFIT_VERSION))
+    const bool isAgreed = isFirmware && checked.error == os::UPDATE_UNFIT_VERSION;
+    if (checked.error != 0 && !isAgreed)
         return end(checked.error, checked.why);
-    if (checked.model.empty() || checked.model != (isFirmware ? m_settings.board : m_settings.model))
+    if (checked.model.empty() ||
+        checked.model != (isFirmware ? m_settings.board : m_settings.model))
         return end(isFirmware ? FIRMWARE_OF_ANOTHER_MODEL : PROJECT_OF_ANOTHER_MODEL,
                    "it is for the model " + checked.model);
     struct Result
@@ -108,9 +110,7 @@ void Desk::install(const Checked &checked)
     };
     const auto result = std::make_shared<Result>();
     m_install.start(
-        [this, checked, result] {
-            result->error = installChecked(checked, result->why);
-        },
+        [this, checked, result] { result->error = installChecked(checked, result->why); },
         [this, result] { end(result->error, result->why); });
 }
 

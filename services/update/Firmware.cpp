@@ -16,9 +16,9 @@
 namespace updates {
 namespace {
 
-constexpr std::uint64_t SECTOR = 512;  // of sysfs, whatever the disk has
-constexpr int SECTORS_WRITTEN = 6;     // field of block/stat (kernel, Documentation/block/stat.rst)
-constexpr int WRITTEN = 95;            // percent; the rest is the boot loader's
+constexpr std::uint64_t SECTOR = 512; // of sysfs, whatever the disk has
+constexpr int SECTORS_WRITTEN = 6;    // field of block/stat (kernel, Documentation/block/stat.rst)
+constexpr int WRITTEN = 95;           // percent; the rest is the boot loader's
 
 // What the kernel tells about a block device.
 class BlockDevice

@@ -208,9 +208,9 @@ int installProject(const Checked &checked, const std::function<bool(std::uint64_
     const auto &container = std::get<Container>(checked.content);
     const char *const folder = folderOf(container.kind);
     int error = makeNew(folder);
-    const Outcome outcome =
-        error != 0 ? Outcome::NO_PLACE
-                   : unpack(*checked.file, container, newPlaceOf(folder), goesOn, why);
+    const Outcome outcome = error != 0
+                                ? Outcome::NO_PLACE
+                                : unpack(*checked.file, container, newPlaceOf(folder), goesOn, why);
     if (outcome == Outcome::DONE)
         error = putInForce(folder, container);
     std::error_code none;
@@ -223,8 +223,7 @@ int installProject(const Checked &checked, const std::function<bool(std::uint64_
 std::optional<std::uint64_t> projectVersion()
 {
     constexpr std::string_view KEY = "version=";
-    const std::string note =
-        board::readFile(placeOf(PROJECT) + "/" + NOTE).value_or(std::string());
+    const std::string note = board::readFile(placeOf(PROJECT) + "/" + NOTE).value_or(std::string());
     if (note.compare(0, KEY.size(), KEY) != 0)
         return std::nullopt;
     return wholeNumber(std::string_view(note).substr(KEY.size(), note.find('\n') - KEY.size()));

@@ -177,9 +177,9 @@ bool Rauc::restartBoard()
 {
     BusError error;
     const bool is_called =
-        m_bus && sd_bus_call_method(m_bus.get(), "org.freedesktop.systemd1",
-                                    "/org/freedesktop/systemd1", "org.freedesktop.systemd1.Manager",
-                                    "Reboot", &error, nullptr, "") >= 0;
+        m_bus &&
+        sd_bus_call_method(m_bus.get(), "org.freedesktop.systemd1", "/org/freedesktop/systemd1",
+                           "org.freedesktop.systemd1.Manager", "Reboot", &error, nullptr, "") >= 0;
     if (!is_called)
         service::warn("the board is not started anew: " + error.text());
     return is_called;

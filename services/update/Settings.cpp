@@ -61,8 +61,9 @@ Settings readSettings(const std::string &path)
 std::optional<std::uint64_t> wholeNumber(std::string_view text)
 {
     std::uint64_t number = 0;
-    const char *const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    const char *const begin = text.data();
+    const char *const end = begin + text.size();
+    const auto [stop, error] = std::from_chars(begin, end, number);
     return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
 }
 

@@ -117,9 +117,8 @@ void Trial::tellOutcome() const
     if (running == slots.end() || running->name == note->slot)
         return;
     const std::string name = note->version.empty() ? "Firmware" : "Firmware " + note->version;
-    const char *const outcome = note->state == INSTALLED
-                                    ? "did not start; the one before is back"
-                                    : "was cut short; the one before runs";
+    const char *const outcome = note->state == INSTALLED ? "did not start; the one before is back"
+                                                         : "was cut short; the one before runs";
     service::warn(name + " " + outcome);
     replaceFile(panelPath(TOLD), name + "=" + outcome + "\n");
     forget();

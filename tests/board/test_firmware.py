@@ -28,7 +28,7 @@ CHOICES = ["AB90", "BA93", "BA92", "BA99"]              # in the course of an in
 CUTS = int(os.environ.get("SYSSET_CUTS", 20))
 STARTS = 1                                              # from before and from after the choice has changed
 REAL_CUTS = int(os.environ.get("SYSSET_REAL_CUTS", 0))
-TRIAL = {"/etc/systemd/system/timers.target.wants/sysset-trial.timer":
+TRIAL = {"/etc/systemd/system/sysset-trial.timer":
          b"[Unit]\nConditionPathExists=!/var/lib/sysset/firmware-proved\n[Timer]\nOnBootSec=45s\n"}
 NOTES = ["./rauc", "./sysset/firmware-trial", "./sysset/versions.d"]    # what an install leaves beside all else
 DATA = ("cd /mnt/data && find . " + "".join(f"-path {path} -prune -o " for path in NOTES) +
