@@ -103,6 +103,7 @@ int installFirmware(const Checked &checked, const std::function<bool(int percent
     const Trial trial;
     trial.begin(target->name, bundle.version);
     why = rauc.install(nameOfOpen(*checked.file), [&] {
+        ::sync(); // else the kernel counts nothing for seconds, and writes all of it in the end
         const std::uint64_t bytes = std::min(device.bytesWritten() - before, bundle.imageBytes);
         return goesOn(static_cast<int>(bytes * WRITTEN / bundle.imageBytes));
     });

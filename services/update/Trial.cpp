@@ -21,14 +21,13 @@ namespace fs = std::filesystem;
 constexpr const char *FOLDER = "/mnt/data/sysset";
 constexpr const char *NOTE = "/mnt/data/sysset/firmware-trial";
 constexpr const char *TOLD = "/mnt/data/sysset/versions.d/firmware-update.conf";
-constexpr const char *BOOT_ID = "/proc/sys/kernel/random/boot_id";
+constexpr const char *THIS_START = "/run/sysset-update/firmware"; // gone with the next start
 
 struct Note
 {
     std::string state; // STARTED or INSTALLED
     std::string slot;
     std::string version; // "" if it has none
-    std::string boot;    // in which this was noted
 };
 
 constexpr const char *STARTED = "started";
@@ -41,7 +40,7 @@ std::optional<Note> readNote()
         return std::nullopt;
     std::istringstream lines(*text);
     Note note;
-    for (std::string *field : {&note.state, &note.slot, &note.version, &note.boot})
+    for (std::string *field : {&note.state, &note.slot, &note.version})
         std::getline(lines, *field);
     return lines.fail() ? std::nullopt : std::optional(note);
 }
@@ -73,8 +72,7 @@ void replaceFile(const std::string &path, const std::string &text)
 
 void write(const Note &note)
 {
-    replaceFile(panelPath(NOTE), note.state + "\n" + note.slot + "\n" + note.version + "\n" +
-                                     board::readFact(panelPath(BOOT_ID)) + "\n");
+    replaceFile(panelPath(NOTE), note.state + "\n" + note.slot + "\n" + note.version + "\n");
 }
 
 void remove(const char *path)
@@ -89,7 +87,8 @@ void remove(const char *path)
 void Trial::begin(const std::string &slot, std::optional<std::uint64_t> version) const
 {
     remove(TOLD);
-    write({STARTED, slot, version ? std::to_string(*version) : std::string(), {}});
+    std::ofstream(panelPath(THIS_START)).flush();
+    write({STARTED, slot, version ? std::to_string(*version) : std::string()});
 }
 
 void Trial::installed() const
@@ -109,7 +108,7 @@ void Trial::forget() const
 void Trial::tellOutcome() const
 {
     const auto note = readNote();
-    if (!note || note->boot == board::readFact(panelPath(BOOT_ID)))
+    if (!note || fs::exists(panelPath(THIS_START)))
         return;
     const auto slots = Rauc().slots();
     const auto running =

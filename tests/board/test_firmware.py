@@ -126,6 +126,7 @@ def test_the_one_before_comes_back_if_the_new_one(fault, at_firmware, maker, fol
         panel.hands.wait_restart(300)
     panel.wait_started()
     panel.open_pages()
+    panel.touch("tab_Machine", 1)
     assert "SLOT=A" in panel.shell("cat /run/slot") and panel.shell(CHOICE) == "BA90"
     assert panel.shell(DATA) == before
     rows = wait_for(lambda: [row for row in panel.items("list_Version") if str(NEW) in row], "the operator is told")
@@ -146,6 +147,7 @@ def test_what_is_refused_leaves_the_firmware_as_it_is(at_firmware, maker, folder
                         "cut": lambda data: data[:-5000]}.items():
         path = maker.firmware(f"{name}.osf3", image, version=NEW)
         path.write_bytes(spoil(path.read_bytes()))
+    image.write_bytes(random.Random(2).randbytes(24 << 20))
     maker.firmware("good.osf3", image, version=NEW)
     maker.project("logo.osf2", {"logo.bmp": "a picture"}, kind="logo")
     maker.project("logos.osf2", {"logo.bmp": "a stranger's"}, kind="logo", keys=strangers.keys)
