@@ -21,15 +21,6 @@ int numberAt(const Record &record, std::size_t offset)
     return qFromLittleEndian<qint32>(record.data() + offset);
 }
 
-UpdateStatus parse(const std::string &reply)
-{
-    Record record{};
-    std::copy_n(reply.data(), std::min(reply.size(), RECORD_SIZE), record.data());
-    const auto model = record.begin() + MODEL_AT;
-    return {numberAt(record, 0), numberAt(record, PERCENT_AT), numberAt(record, ERROR_AT),
-            std::string(model, std::find(model, record.end(), '\0'))};
-}
-
 std::string requestOf(UpdateCommand command, const std::string &payload)
 {
     std::string body(sizeof(qint32), '\0');
@@ -39,6 +30,15 @@ std::string requestOf(UpdateCommand command, const std::string &payload)
 
 } // namespace
 
+UpdateStatus parseUpdateStatus(const std::string &reply)
+{
+    Record record{};
+    std::copy_n(reply.data(), std::min(reply.size(), RECORD_SIZE), record.data());
+    const auto model = record.begin() + MODEL_AT;
+    return {numberAt(record, 0), numberAt(record, PERCENT_AT), numberAt(record, ERROR_AT),
+            std::string(model, std::find(model, record.end(), '\0'))};
+}
+
 UpdateResult askUpdateService(UpdateCommand command, const std::string &payload,
                               unsigned int timeoutMs, UpdateStatus &status)
 {
@@ -46,6 +46,6 @@ UpdateResult askUpdateService(UpdateCommand command, const std::string &payload,
     status = {};
     if (CBB::CbbLocalUdp::request("DownLoad", requestOf(command, payload), reply, timeoutMs) < 0)
         return UPDATE_FAILED;
-    status = parse(reply);
+    status = parseUpdateStatus(reply);
     return reply.size() < MODEL_AT ? UPDATE_TOO_SHORT : UPDATE_ANSWERED;
 }

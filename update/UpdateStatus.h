@@ -32,8 +32,11 @@ enum UpdateResult {
     UPDATE_TOO_SHORT = -2, // an answer too short to hold an error number
 };
 
-// Asks the service and waits at most `timeoutMs` for its answer, which goes to `status`. What a
-// short answer lacks stays zero, what a long one has more is left alone, and a model without an end
-// is cut off at its 256 bytes. Returns an UpdateResult. Any thread.
+// What `reply` says, bytes as they came: what a short one lacks is zero, what a long one has more
+// is left alone, and a model without an end is cut off at its 256 bytes. Any thread.
+UpdateStatus parseUpdateStatus(const std::string &reply);
+
+// Asks the service and waits at most `timeoutMs` for its answer, which goes to `status` as
+// parseUpdateStatus() reads it. Returns an UpdateResult. Any thread.
 UpdateResult askUpdateService(UpdateCommand command, const std::string &payload,
                               unsigned int timeoutMs, UpdateStatus &status);
