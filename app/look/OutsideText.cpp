@@ -13,9 +13,9 @@ QString escaped(uint code)
 }
 
 // A character that would break the line, hide, or turn the direction of what follows.
-bool isUnseen(QChar character)
+bool isUnseen(uint code)
 {
-    const QChar::Category category = character.category();
+    const QChar::Category category = QChar::category(code);
     return category == QChar::Other_Control || category == QChar::Other_Format ||
            category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
 }
@@ -23,7 +23,7 @@ bool isUnseen(QChar character)
 QString decoded(const std::string &bytes)
 {
     const auto size = static_cast<int>(bytes.size());
-    QTextCodec::ConverterState state;
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader); // a byte order mark is a character
     const QString text = QTextCodec::codecForMib(UTF8_MIB)->toUnicode(bytes.data(), size, &state);
     return state.invalidChars == 0 && state.remainingChars == 0 ? text : QString();
 }
@@ -41,7 +41,7 @@ QString shownBytes(const std::string &bytes)
         }
         return shown;
     }
-    for (const QChar character : text)
-        shown += isUnseen(character) ? escaped(character.unicode()) : QString(character);
+    for (const uint code : text.toUcs4())
+        shown += isUnseen(code) ? escaped(code) : QString::fromUcs4(&code, 1);
     return shown;
 }
