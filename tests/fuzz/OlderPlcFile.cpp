@@ -53,14 +53,15 @@ std::optional<LegacyProgram> readFile(const QByteArray &file)
     return program;
 }
 
-// A line that can be set up has a rate: how long an answer may take is divided by it.
+// A line whose speed can be set has one: how long an answer may take is divided by it.
 void setUp(const PLATFORM::SerialSettings &line)
 {
     static const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (os::serialNode(line.port, line.mode) != nullptr &&
-        PLATFORM::setSpeed(terminal, line.baud) == 0 &&
-        PLATFORM::setParity(terminal, line.dataBits, line.stopBits, line.parity) == 0)
-        require(line.baud >= 300);
+    if (os::serialNode(line.port, line.mode) == nullptr ||
+        PLATFORM::setSpeed(terminal, line.baud) != 0)
+        return;
+    require(line.baud >= 300);
+    PLATFORM::setParity(terminal, line.dataBits, line.stopBits, line.parity);
 }
 
 void download(const QByteArray &content)
