@@ -150,16 +150,20 @@ bool SystemBus::isLate()
 
 bool SystemBus::isSilent(const std::string &service)
 {
+    std::shared_ptr<Silent> silent;
+    std::shared_ptr<Silent> before; // ended without the mutex
     std::unique_lock lock(m_mutex);
     const auto found = m_silent.find(service);
     if (found == m_silent.end())
         return false;
-    const std::shared_ptr<Silent> silent = found->second;
+    silent = found->second;
     m_changed.wait_until(lock, silent->asked + QUESTION_TIME, [&] { return silent->isOver; });
     if (!silent->isOver)
         return true;
-    if (const auto now = m_silent.find(service); now != m_silent.end() && now->second == silent)
+    if (const auto now = m_silent.find(service); now != m_silent.end() && now->second == silent) {
         m_silent.erase(now);
+        before = std::exchange(m_over[service], silent);
+    }
     return false;
 }
 

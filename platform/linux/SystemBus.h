@@ -101,6 +101,8 @@ private:
     bool m_isConnecting = false;
     bool m_isLate = false; // a call has waited in vain for the connection that is being made
     std::map<std::string, std::shared_ptr<Silent>> m_silent;
+    // The last one that is over: its question's callback may not have returned yet.
+    std::map<std::string, std::shared_ptr<Silent>> m_over;
     std::map<std::string, std::function<void()>> m_answering;
 };
 

@@ -16,7 +16,7 @@ constexpr int WHOLE = 100;
 
 // As the pages are told.
 constexpr int PROJECT_OF_ANOTHER_MODEL = -5;
-constexpr int FIRMWARE_OF_ANOTHER_MODEL = -11;
+constexpr int FIRMWARE_OF_ANOTHER_MODEL = -11; // logos are on that page, too
 
 // A file's name for the journal: one line, whatever it holds.
 std::string plainName(const std::string &path)
@@ -99,9 +99,10 @@ void Desk::install(const Checked &checked)
     const bool isAgreed = isFirmware && checked.error == os::UPDATE_UNFIT_VERSION;
     if (checked.error != 0 && !isAgreed)
         return end(checked.error, checked.why);
-    if (checked.model.empty() ||
-        checked.model != (isFirmware ? m_settings.board : m_settings.model))
-        return end(isFirmware ? FIRMWARE_OF_ANOTHER_MODEL : PROJECT_OF_ANOTHER_MODEL,
+    const auto *const container = std::get_if<Container>(&checked.content);
+    const bool isProject = container != nullptr && container->kind == Kind::PROJECT;
+    if (checked.model.empty() || checked.model != (isProject ? m_settings.model : m_settings.board))
+        return end(isProject ? PROJECT_OF_ANOTHER_MODEL : FIRMWARE_OF_ANOTHER_MODEL,
                    "it is for the model " + checked.model);
     struct Result
     {

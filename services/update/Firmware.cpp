@@ -8,9 +8,11 @@
 #include "services/update/Trial.h"
 
 #include <algorithm>
+#include <chrono>
 #include <sstream>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <thread>
 #include <unistd.h>
 
 namespace updates {
@@ -19,6 +21,10 @@ namespace {
 constexpr std::uint64_t SECTOR = 512; // of sysfs, whatever the disk has
 constexpr int SECTORS_WRITTEN = 6;    // field of block/stat (kernel, Documentation/block/stat.rst)
 constexpr int WRITTEN = 95;           // percent; the rest is the boot loader's
+
+using namespace std::chrono_literals;
+constexpr auto PROOF_TIME = 60s; // in which firmware has proved itself that was just started
+constexpr auto TURN = 200ms;
 
 // What the kernel tells about a block device.
 class BlockDevice
@@ -50,12 +56,50 @@ private:
     std::string m_folder;
 };
 
-// The slot that is written next: of two the one that does not run.
+std::string classOf(const Slot &slot)
+{
+    return slot.name.substr(0, slot.name.find('.'));
+}
+
+// The slot that is written next: of the two of a class the one that does not run.
 std::optional<Slot> otherSlot(const std::vector<Slot> &slots)
 {
-    const auto other =
-        std::find_if(slots.begin(), slots.end(), [](const Slot &slot) { return !slot.isBooted; });
+    const auto running =
+        std::find_if(slots.begin(), slots.end(), [](const Slot &slot) { return slot.isBooted; });
+    if (running == slots.end())
+        return std::nullopt;
+    const auto other = std::find_if(slots.begin(), slots.end(), [&](const Slot &slot) {
+        return !slot.isBooted && classOf(slot) == classOf(*running);
+    });
     return other == slots.end() ? std::nullopt : std::optional(*other);
+}
+
+bool mayBoot(const std::vector<Slot> &slots, const std::string &name)
+{
+    return std::any_of(slots.begin(), slots.end(),
+                       [&](const Slot &slot) { return slot.name == name && slot.mayBoot; });
+}
+
+// Else an install would write over the one that the panel may have to go back to.
+bool waitUntilProved(const std::function<bool(int percent)> &goesOn)
+{
+    const std::string proof = panelPath("/run/sysset-good/done");
+    const auto deadline = std::chrono::steady_clock::now() + PROOF_TIME;
+    while (::access(proof.c_str(), F_OK) != 0) {
+        if (std::chrono::steady_clock::now() > deadline || !goesOn(0))
+            return false;
+        std::this_thread::sleep_for(TURN);
+    }
+    return true;
+}
+
+int errorOf(Outcome outcome, const std::string &why)
+{
+    if (outcome == Outcome::Installed)
+        return os::UPDATE_DONE;
+    // A file that is damaged further on, or has gone; else the slot's disk, or RAUC itself.
+    const bool isFile = outcome == Outcome::Failed && why.find("writing") == std::string::npos;
+    return isFile ? os::UPDATE_BAD_FILE : os::UPDATE_NO_PLACE;
 }
 
 // RAUC opens the file anew: by this name it is the one that was looked at.
@@ -95,25 +139,26 @@ int installFirmware(const Checked &checked, const std::function<bool(int percent
     Rauc rauc;
     const auto target = otherSlot(rauc.slots());
     if (!target)
-        return failed(os::UPDATE_NO_PLACE, "this board has no second slot", why);
+        return failed(os::UPDATE_NO_PLACE, "RAUC tells of no second slot", why);
+    if (!waitUntilProved(goesOn))
+        return failed(os::UPDATE_NO_PLACE, "the firmware that runs has not proved itself", why);
     const BlockDevice device(target->device);
     if (device.size() < bundle.imageBytes)
         return failed(os::UPDATE_NO_PLACE, "it does not fit into " + target->name, why);
     const std::uint64_t before = device.bytesWritten();
-    const Trial trial;
+    Trial trial;
     trial.begin(target->name, bundle.version);
-    why = rauc.install(nameOfOpen(*checked.file), [&] {
+    const auto isWriting = [&] {
         ::sync(); // else the kernel counts nothing for seconds, and writes all of it in the end
         const std::uint64_t bytes = std::min(device.bytesWritten() - before, bundle.imageBytes);
         return goesOn(static_cast<int>(bytes * WRITTEN / bundle.imageBytes));
-    });
-    if (why.empty())
+    };
+    const Outcome outcome = rauc.install(nameOfOpen(*checked.file), isWriting, why);
+    if (outcome == Outcome::Installed)
         trial.installed();
-    else
-        trial.forget();
-    // Else a file that is damaged further on, or has gone.
-    const bool isSlot = why.find("writing") != std::string::npos;
-    return why.empty() ? os::UPDATE_DONE : isSlot ? os::UPDATE_NO_PLACE : os::UPDATE_BAD_FILE;
+    else if (outcome != Outcome::Unknown)
+        trial.undo(mayBoot(rauc.slots(), target->name));
+    return errorOf(outcome, why);
 }
 
 } // namespace updates

@@ -36,6 +36,11 @@ public:
     BusError &operator=(const BusError &) = delete;
 
     std::string text() const { return m_error.message == nullptr ? "no answer" : m_error.message; }
+    bool isTimeout() const
+    {
+        return sd_bus_error_has_name(&m_error, SD_BUS_ERROR_TIMEOUT) != 0 ||
+               sd_bus_error_has_name(&m_error, SD_BUS_ERROR_NO_REPLY) != 0;
+    }
 
 private:
     sd_bus_error m_error = SD_BUS_ERROR_NULL;
@@ -137,29 +142,33 @@ Rauc::Match Rauc::match(const char *rule, sd_bus_message_handler_t handler, void
     return Match(slot);
 }
 
-std::string Rauc::install(const std::string &path, const std::function<bool()> &turn)
+Outcome Rauc::install(const std::string &path, const std::function<bool()> &turn, std::string &why)
 {
+    const auto ended = [&why](Outcome outcome, const std::string &reason) {
+        why = reason;
+        return outcome;
+    };
     if (!m_bus)
-        return "there is no bus";
+        return ended(Outcome::Refused, "there is no bus");
     std::optional<int> result;
     const Match completed = match(COMPLETED, onCompleted, &result);
     const Match owner = match(OWNER_CHANGED, onOwner, &result);
     if (!completed || !owner)
-        return "the bus does not listen";
+        return ended(Outcome::Refused, "the bus does not listen");
     BusError error;
     if (sd_bus_call_method(m_bus.get(), NAME, PATH, INSTALLER, "InstallBundle", &error, nullptr,
                            "sa{sv}", path.c_str(), 0) < 0)
-        return error.text();
+        return ended(error.isTimeout() ? Outcome::Unknown : Outcome::Refused, error.text());
     while (!result) {
         if (!turn())
-            return "this service ends";
+            return ended(Outcome::Unknown, "this service ends");
         const int processed = sd_bus_process(m_bus.get(), nullptr);
         if (processed < 0 || (processed == 0 && sd_bus_wait(m_bus.get(), TURN) < 0))
-            return "the bus has gone";
+            return ended(Outcome::Unknown, "the bus has gone");
     }
     if (*result == GONE)
-        return "RAUC has ended";
-    return *result == 0 ? std::string() : lastError();
+        return ended(Outcome::Unknown, "RAUC has ended");
+    return *result == 0 ? Outcome::Installed : ended(Outcome::Failed, lastError());
 }
 
 std::string Rauc::lastError()
@@ -171,6 +180,16 @@ std::string Rauc::lastError()
     std::string error = text;
     ::free(text); // NOLINT: sd-bus hands it out like this
     return error;
+}
+
+bool Rauc::markBad()
+{
+    BusError error;
+    const bool isMarked = m_bus && sd_bus_call_method(m_bus.get(), NAME, PATH, INSTALLER, "Mark",
+                                                      &error, nullptr, "ss", "bad", "booted") >= 0;
+    if (!isMarked)
+        service::warn("RAUC: " + error.text());
+    return isMarked;
 }
 
 bool Rauc::restartBoard()

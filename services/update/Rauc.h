@@ -14,10 +14,17 @@ namespace updates {
 
 struct Slot
 {
-    std::string name; // "rootfs.0"
+    std::string name; // "rootfs.0", its class before the point
     std::string device;
     bool isBooted = false;
     bool mayBoot = false; // the boot loader takes it
+};
+
+enum class Outcome {
+    Installed,
+    Failed,  // as RAUC says
+    Refused, // RAUC has not begun
+    Unknown  // RAUC has begun, and nothing more was heard of it
 };
 
 struct BusDeleter
@@ -33,9 +40,11 @@ public:
 
     // Empty if RAUC is not there or knows none.
     std::vector<Slot> slots();
-    // Has a bundle installed; returns "" or what RAUC says is wrong. `turn` is called several times
-    // a second; false leaves RAUC alone with it.
-    std::string install(const std::string &path, const std::function<bool()> &turn);
+    // Has a bundle installed; `why` is untouched if it is, else what is wrong. `turn` is called
+    // several times a second; false leaves RAUC alone with it.
+    Outcome install(const std::string &path, const std::function<bool()> &turn, std::string &why);
+    // Has the boot loader leave the running slot out. False if that does not work.
+    bool markBad();
     // Has systemd start the board anew.
     bool restartBoard();
 

@@ -22,6 +22,8 @@ constexpr const char *FOLDER = "/mnt/data/sysset";
 constexpr const char *NOTE = "/mnt/data/sysset/firmware-trial";
 constexpr const char *TOLD = "/mnt/data/sysset/versions.d/firmware-update.conf";
 constexpr const char *THIS_START = "/run/sysset-update/firmware"; // gone with the next start
+constexpr const char *GIVEN_UP = "/var/lib/sysset/given-up";      // in the slot: a stroke each time
+constexpr std::size_t TRIALS = 3;
 
 struct Note
 {
@@ -55,7 +57,7 @@ void syncFolder(const std::string &path)
 }
 
 // Whole or not at all, and on the disk when this returns.
-void replaceFile(const std::string &path, const std::string &text)
+bool replaceFile(const std::string &path, const std::string &text)
 {
     const std::string fresh = path + ".new";
     std::error_code error;
@@ -65,9 +67,11 @@ void replaceFile(const std::string &path, const std::string &text)
     file.close();
     const std::string folder = fs::path(path).parent_path();
     syncFolder(folder);
-    if (!file || std::rename(fresh.c_str(), path.c_str()) != 0)
+    const bool isReplaced = file && std::rename(fresh.c_str(), path.c_str()) == 0;
+    if (!isReplaced)
         service::warn(path + " cannot be written");
     syncFolder(folder);
+    return isReplaced;
 }
 
 void write(const Note &note)
@@ -84,8 +88,9 @@ void remove(const char *path)
 
 } // namespace
 
-void Trial::begin(const std::string &slot, std::optional<std::uint64_t> version) const
+void Trial::begin(const std::string &slot, std::optional<std::uint64_t> version)
 {
+    m_before = board::readFile(panelPath(NOTE)).value_or(std::string());
     remove(TOLD);
     std::ofstream(panelPath(THIS_START)).flush();
     write({STARTED, slot, version ? std::to_string(*version) : std::string()});
@@ -100,9 +105,12 @@ void Trial::installed() const
     write(*note);
 }
 
-void Trial::forget() const
+void Trial::undo(bool hasOneBefore) const
 {
-    remove(NOTE);
+    if (hasOneBefore && !m_before.empty())
+        replaceFile(panelPath(NOTE), m_before);
+    else
+        remove(NOTE);
 }
 
 void Trial::tellOutcome() const
@@ -113,14 +121,15 @@ void Trial::tellOutcome() const
     const auto slots = Rauc().slots();
     const auto running =
         std::find_if(slots.begin(), slots.end(), [](const Slot &slot) { return slot.isBooted; });
-    if (running == slots.end() || running->name == note->slot)
+    const bool isNew = running == slots.end() || running->name == note->slot;
+    if (isNew || fs::exists(panelPath(THIS_START))) // an install has begun meanwhile
         return;
     const std::string name = note->version.empty() ? "Firmware" : "Firmware " + note->version;
     const char *const outcome = note->state == INSTALLED ? "did not start; the one before is back"
                                                          : "was cut short; the one before runs";
     service::warn(name + " " + outcome);
     replaceFile(panelPath(TOLD), name + "=" + outcome + "\n");
-    forget();
+    remove(NOTE);
 }
 
 bool giveUpFirmware()
@@ -134,7 +143,13 @@ bool giveUpFirmware()
         service::warn("the firmware has not proved itself, and there is no other one");
         return false;
     }
+    const std::string count = panelPath(GIVEN_UP);
+    const std::string times = board::readFact(count) + "I";
+    if (!replaceFile(count, times + "\n"))
+        return false;
     service::warn("the firmware has not proved itself in time: the board starts anew");
+    if (times.size() >= TRIALS && !rauc.markBad())
+        return false;
     return rauc.restartBoard();
 }
 

@@ -5,7 +5,8 @@
  *
  * What it chooses by is on a disk of its own, four digits and letters as in "BA29": the order of the
  * slots, then of A and of B how often they may still be tried. 0: not at all. 9: it has proved itself,
- * and is not counted. guest/usr/libexec/board-slots is the system's side of it.
+ * and is not counted. guest/usr/libexec/board-slots is the system's side of it. A disk writes the four of
+ * them whole; a memory that does not needs two copies and a checksum.
  */
 #include <dirent.h>
 #include <fcntl.h>
@@ -77,11 +78,18 @@ static char choose_slot(void)
     return choice[0];
 }
 
-static int mount_root(char slot)
+static int mount_slot(char slot)
 {
     const char *device = slot == 'A' ? "/dev/vda" : "/dev/vdc";
     wait_for(device);
     return mount(device, "/root", "ext4", 0, NULL);
+}
+
+/* The slot that is mounted: the other one if the chosen one is no file system. 0 for none. */
+static char mount_root(char slot)
+{
+    const char other = slot == 'A' ? 'B' : 'A';
+    return mount_slot(slot) == 0 ? slot : mount_slot(other) == 0 ? other : 0;
 }
 
 static void tell_slot(char slot)
@@ -102,8 +110,8 @@ int main(void)
     mount("proc", "/proc", "proc", 0, NULL);
     mount("dev", "/dev", "devtmpfs", 0, NULL);
     load_all();
-    const char slot = choose_slot();
-    if (mount_root(slot) != 0)
+    const char slot = mount_root(choose_slot());
+    if (slot == 0)
         return failed("root file system");
     tell_slot(slot);
     mount("/dev", "/root/dev", NULL, MS_MOVE, NULL);
