@@ -93,12 +93,12 @@ bool waitUntilProved(const std::function<bool(int percent)> &goesOn)
     return true;
 }
 
-int errorOf(Outcome outcome, const std::string &why)
+int errorOf(RaucOutcome outcome, const std::string &why)
 {
-    if (outcome == Outcome::Installed)
+    if (outcome == RaucOutcome::Installed)
         return os::UPDATE_DONE;
     // A file that is damaged further on, or has gone; else the slot's disk, or RAUC itself.
-    const bool isFile = outcome == Outcome::Failed && why.find("writing") == std::string::npos;
+    const bool isFile = outcome == RaucOutcome::Failed && why.find("writing") == std::string::npos;
     return isFile ? os::UPDATE_BAD_FILE : os::UPDATE_NO_PLACE;
 }
 
@@ -153,10 +153,10 @@ int installFirmware(const Checked &checked, const std::function<bool(int percent
         const std::uint64_t bytes = std::min(device.bytesWritten() - before, bundle.imageBytes);
         return goesOn(static_cast<int>(bytes * WRITTEN / bundle.imageBytes));
     };
-    const Outcome outcome = rauc.install(nameOfOpen(*checked.file), isWriting, why);
-    if (outcome == Outcome::Installed)
+    const RaucOutcome outcome = rauc.install(nameOfOpen(*checked.file), isWriting, why);
+    if (outcome == RaucOutcome::Installed)
         trial.installed();
-    else if (outcome != Outcome::Unknown)
+    else if (outcome != RaucOutcome::Unknown)
         trial.undo(mayBoot(rauc.slots(), target->name));
     return errorOf(outcome, why);
 }

@@ -142,33 +142,34 @@ Rauc::Match Rauc::match(const char *rule, sd_bus_message_handler_t handler, void
     return Match(slot);
 }
 
-Outcome Rauc::install(const std::string &path, const std::function<bool()> &turn, std::string &why)
+RaucOutcome Rauc::install(const std::string &path, const std::function<bool()> &turn,
+                          std::string &why)
 {
-    const auto ended = [&why](Outcome outcome, const std::string &reason) {
+    const auto ended = [&why](RaucOutcome outcome, const std::string &reason) {
         why = reason;
         return outcome;
     };
     if (!m_bus)
-        return ended(Outcome::Refused, "there is no bus");
+        return ended(RaucOutcome::Refused, "there is no bus");
     std::optional<int> result;
     const Match completed = match(COMPLETED, onCompleted, &result);
     const Match owner = match(OWNER_CHANGED, onOwner, &result);
     if (!completed || !owner)
-        return ended(Outcome::Refused, "the bus does not listen");
+        return ended(RaucOutcome::Refused, "the bus does not listen");
     BusError error;
     if (sd_bus_call_method(m_bus.get(), NAME, PATH, INSTALLER, "InstallBundle", &error, nullptr,
                            "sa{sv}", path.c_str(), 0) < 0)
-        return ended(error.isTimeout() ? Outcome::Unknown : Outcome::Refused, error.text());
+        return ended(error.isTimeout() ? RaucOutcome::Unknown : RaucOutcome::Refused, error.text());
     while (!result) {
         if (!turn())
-            return ended(Outcome::Unknown, "this service ends");
+            return ended(RaucOutcome::Unknown, "this service ends");
         const int processed = sd_bus_process(m_bus.get(), nullptr);
         if (processed < 0 || (processed == 0 && sd_bus_wait(m_bus.get(), TURN) < 0))
-            return ended(Outcome::Unknown, "the bus has gone");
+            return ended(RaucOutcome::Unknown, "the bus has gone");
     }
     if (*result == GONE)
-        return ended(Outcome::Unknown, "RAUC has ended");
-    return *result == 0 ? Outcome::Installed : ended(Outcome::Failed, lastError());
+        return ended(RaucOutcome::Unknown, "RAUC has ended");
+    return *result == 0 ? RaucOutcome::Installed : ended(RaucOutcome::Failed, lastError());
 }
 
 std::string Rauc::lastError()

@@ -20,7 +20,7 @@ struct Slot
     bool mayBoot = false; // the boot loader takes it
 };
 
-enum class Outcome {
+enum class RaucOutcome {
     Installed,
     Failed,  // as RAUC says
     Refused, // RAUC has not begun
@@ -42,7 +42,8 @@ public:
     std::vector<Slot> slots();
     // Has a bundle installed; `why` is untouched if it is, else what is wrong. `turn` is called
     // several times a second; false leaves RAUC alone with it.
-    Outcome install(const std::string &path, const std::function<bool()> &turn, std::string &why);
+    RaucOutcome install(const std::string &path, const std::function<bool()> &turn,
+                        std::string &why);
     // Has the boot loader leave the running slot out. False if that does not work.
     bool markBad();
     // Has systemd start the board anew.
