@@ -43,7 +43,7 @@ public:
     }
 
 private:
-    sd_bus_error m_error = SD_BUS_ERROR_NULL;
+    sd_bus_error m_error = {};
 };
 
 // One entry of a{sv}; what is no text is passed over.
