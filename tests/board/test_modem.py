@@ -92,7 +92,8 @@ def test_the_own_access_point_and_its_login(networked):
     enter(panel, "line_ApnAuth", "chap")
     wait_for(lambda: any("login right" in line for line in panel.modem.said), "a login by chap", DIALLED_S)
     wait_dialled(panel)
-    assert kept(panel, "gsm.apn", "gsm.username", "gsm.password", "ppp.refuse-pap") == ["factory", USER, RIGHT, "yes"]
+    wait_for(lambda: kept(panel, "gsm.apn", "gsm.username", "gsm.password", "ppp.refuse-pap")
+             == ["factory", USER, RIGHT, "yes"], "the profile, whose password nmcli asks for by itself")
     for word in (RIGHT, WRONG):
         assert panel.shell(f"journalctl -b --no-pager | grep -cw {word} || :") == "0"
 
