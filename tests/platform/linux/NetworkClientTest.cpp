@@ -213,7 +213,7 @@ private slots:
     {
         serve("sound"_s);
         auto &heard = *new Heard;
-        auto &once = *new Heard;
+        static Heard once;
         auto &modem = *new Heard;
         QVERIFY(listen(heard) == 0 && listen(once, false) == 0);
         QCOMPARE(netT::get4gAtInfoCallBackup(hearModem, &modem), 0);
