@@ -11,7 +11,7 @@ import conftest
 import update_page
 from lab import wait_for
 from update_page import FIRMWARE, KEYRING, choose, outcome, percent, plug, trust
-from virtualboard import disks, machine, powercut
+from virtualboard import disks, powercut
 from virtualboard.commands import run
 from virtualboard.jsonlines import Refused
 
@@ -28,7 +28,6 @@ CHOICE = "head -c 4 /dev/disk/by-id/virtio-boot"   # tools/board/init.c tells wh
 BACK_S = 400
 CHOICES = ["AB90", "BA93", "BA92", "BA99"]              # in the course of an install and its first start
 CUTS = int(os.environ.get("SYSSET_CUTS", 20))
-STARTS = 1                                              # from before and from after the choice has changed
 REAL_CUTS = int(os.environ.get("SYSSET_REAL_CUTS", 0))
 TRIAL = {"/etc/systemd/system/sysset-trial.timer":
          b"[Unit]\nConditionPathExists=!/var/lib/sysset/firmware-proved\n[Timer]\nOnBootSec=45s\n"}
@@ -243,19 +242,6 @@ def test_a_power_cut_leaves_the_old_or_the_new_one(logged, maker, folder, built,
     for index in range(CUTS):
         everything.put_in_place(panel.shell, device, index, "/mnt/data")
         assert panel.shell(DATA) == before, index
-    for sizes in spread(moments.noted, 2 * STARTS):
-        start_from(panel, *next(cuts(logs, [sizes])))
-        assert panel.shell(DATA) == before
-
-
-def start_from(panel, boot, slot_b, data):
-    """Starts the board as a cut has left it; the slot that is chosen runs."""
-    panel.hands.cut_power()
-    left = {"boot": boot, "slot-b": slot_b.cut(), "data": data}
-    panel.hands.machine.start(panel.image, others={name: machine.raw_disk(path) for name, path in left.items()})
-    panel.wait_started()
-    runs, version = ("B", NEW) if panel.shell(CHOICE).startswith("BA") else ("A", OLD)
-    assert slot(panel) == f"SLOT={runs}" and f"IMAGE_VERSION={version}" in panel.shell(f"cat {RELEASE}")
 
 
 @pytest.mark.long
