@@ -33,8 +33,8 @@ TRIAL = {"/etc/systemd/system/sysset-trial.timer":
          b"[Unit]\nConditionPathExists=!/var/lib/sysset/firmware-proved\n[Timer]\nOnBootSec=45s\n"}
 NOTES = ["./rauc", "./sysset/firmware-trial", "./sysset/versions.d"]    # what an install leaves beside all else
 PROFILES = "./network/profiles"     # written anew at each start, under other names too: whose they are counts
-DATA = (f"cd /mnt/data && grep -h ^id= {PROFILES}/*.nmconnection | sort -u && find . " + "".join(f"-path {path} -prune -o " for path in (*NOTES, PROFILES)) +
-        "-type f -print | sort | xargs sha256sum")
+DATA = (f"cd /mnt/data && grep -h ^id= {PROFILES}/*.nmconnection | sort -u && find . " +
+        "".join(f"-path {path} -prune -o " for path in (*NOTES, PROFILES)) + "-type f -print | sort | xargs sha256sum")
 
 
 @pytest.fixture
