@@ -10,8 +10,8 @@ import pytest
 import conftest
 import update_page
 from lab import wait_for
-from update_page import FIRMWARE, KEYRING, choose, outcome, percent, plug, trust
-from virtualboard import disks, powercut
+from update_page import FIRMWARE, KEYRING, RELEASE, choose, outcome, percent, plug
+from virtualboard import disks, machine, powercut
 from virtualboard.commands import run
 from virtualboard.jsonlines import Refused
 
@@ -23,11 +23,11 @@ MODEL = "HMI model: KV070T\nModel settings in firmware: {}\nModel does not match
 ASKED = "The firmware is a newer version."
 
 OLD, NEW = 100, 102
-RELEASE = "/usr/lib/os-release"
 CHOICE = "head -c 4 /dev/disk/by-id/virtio-boot"   # tools/board/init.c tells what it says
 BACK_S = 400
 CHOICES = ["AB90", "BA93", "BA92", "BA99"]              # in the course of an install and its first start
 CUTS = int(os.environ.get("SYSSET_CUTS", 20))
+STARTS = CUTS // 10
 REAL_CUTS = int(os.environ.get("SYSSET_REAL_CUTS", 0))
 TRIAL = {"/etc/systemd/system/sysset-trial.timer":
          b"[Unit]\nConditionPathExists=!/var/lib/sysset/firmware-proved\n[Timer]\nOnBootSec=45s\n"}
@@ -42,16 +42,9 @@ def maker(folder, tmp_path):
     return update_page.Maker(tmp_path, folder)
 
 
-def at_page(panel, maker):
-    trust(panel, maker)
-    panel.shell(f"echo IMAGE_VERSION={OLD} >>{RELEASE}")
-    update_page.open_page(panel, FIRMWARE)
-    return panel
-
-
 @pytest.fixture
 def at_firmware(panel, maker):
-    return at_page(panel, maker)
+    return update_page.ready(panel, maker, OLD, FIRMWARE)
 
 
 def root(built, path, files):
@@ -185,7 +178,7 @@ def logged(request, developers, built, tmp_path, maker):
     """The same, and the logs of the disks that an install writes to."""
     logs = {name: powercut.Log(tmp_path, name) for name in ("boot", "slot-b", "data")}
     with conftest.logged(request, developers, built, logs) as panel:
-        yield at_page(panel, maker), logs
+        yield update_page.ready(panel, maker, OLD, FIRMWARE), logs
 
 
 def spread(moments, count):
@@ -242,6 +235,18 @@ def test_a_power_cut_leaves_the_old_or_the_new_one(logged, maker, folder, built,
     for index in range(CUTS):
         everything.put_in_place(panel.shell, device, index, "/mnt/data")
         assert panel.shell(DATA) == before, index
+    for boot, slot_b, data in cuts(logs, spread(moments.noted, STARTS)):
+        start_from(panel, {"boot": boot, "slot-b": slot_b.cut(), "data": data})
+        assert panel.shell(DATA) == before
+
+
+def start_from(panel, left):
+    """Starts the board on what a cut has left of some disks; the slot that is chosen runs."""
+    panel.hands.cut_power()
+    panel.hands.machine.start(panel.image, others={name: machine.raw_disk(path) for name, path in left.items()})
+    panel.wait_started()
+    runs, version = ("B", NEW) if panel.shell(CHOICE).startswith("BA") else ("A", OLD)
+    assert slot(panel) == f"SLOT={runs}" and f"IMAGE_VERSION={version}" in panel.shell(f"cat {RELEASE}")
 
 
 @pytest.mark.long

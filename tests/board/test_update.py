@@ -9,7 +9,7 @@ import pytest
 import conftest
 import update_page
 from lab import wait_for
-from update_page import choose, outcome, percent, plug, trust
+from update_page import choose, outcome, percent, plug
 from virtualboard import powercut
 
 DONE = "Download successfully!\nUpdated, please restart HMI!"
@@ -38,17 +38,9 @@ def maker(folder, tmp_path):
     return update_page.Maker(tmp_path, folder)
 
 
-def at_updates(panel, maker):
-    """The panel knows the maker and its firmware's version, and shows its projects in English."""
-    trust(panel, maker)
-    panel.shell(f"echo IMAGE_VERSION={FIRMWARE} >>/usr/lib/os-release")
-    update_page.open_page(panel)
-    return panel
-
-
 @pytest.fixture
 def ready(panel, maker):
-    return at_updates(panel, maker)
+    return update_page.ready(panel, maker, FIRMWARE)
 
 
 def test_a_project_is_installed_and_in_force_after_a_restart(ready, maker, folder):
@@ -131,7 +123,7 @@ def logged(request, developers, built, tmp_path, maker):
     """The same, and the log of the writes of the data disk."""
     log = powercut.Log(tmp_path)
     with conftest.logged(request, developers, built, {"data": log}) as panel:
-        yield at_updates(panel, maker), log
+        yield update_page.ready(panel, maker, FIRMWARE), log
 
 
 @pytest.mark.long

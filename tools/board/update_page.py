@@ -14,6 +14,7 @@ BARS = {PROJECT: "bar_Project", FIRMWARE: "bar_Image", PLC: "bar_PlcPro"}
 LANGUAGE = 2                    # tab
 MODEL = "KV070T"                # as the virtual board's firmware says
 KEYRING = "/etc/sysset/update-keys.pem"
+RELEASE = "/usr/lib/os-release"
 ENDS_S = 60
 
 
@@ -69,6 +70,14 @@ def open_page(panel, page=PROJECT, language="EN"):
     panel.touch(f"{language}Btn")
     panel.touch("btn_UpData")
     panel.touch("tab_UpData", TABS[page])
+
+
+def ready(panel, maker_, version, page=PROJECT):
+    """The panel knows a maker and its firmware's version, and shows a page in English."""
+    trust(panel, maker_)
+    panel.shell(f"echo IMAGE_VERSION={version} >>{RELEASE}")
+    open_page(panel, page)
+    return panel
 
 
 def plug(panel, folder, page=PROJECT, **how):
