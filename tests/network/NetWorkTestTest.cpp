@@ -296,7 +296,7 @@ private slots:
         auto *bar = m_dialog->findChild<QScrollArea *>("area_rows"_s)->verticalScrollBar();
         button()->click();
         QTRY_VERIFY(m_dialog->findChild<NetWorkTestItem *>("WifiNetDelay"_s) == nullptr); // cleared
-        QTRY_VERIFY(topInSight("WifiHotsGateaway") > 0);
+        QTRY_VERIFY(topInSight("WifiHotsGateaway") > 0 && bar->value() > 0);
         bar->triggerAction(QScrollBar::SliderToMinimum); // the operator reads on from the first row
         QTRY_VERIFY(button()->isEnabled());
         QTest::qWait(0); // until the last rows have found their places

@@ -4,6 +4,7 @@ pymodbus's; the driver's own code has no part in it.
 
     tools/board/plc.py --pty /tmp/panel/dev/THAL/tty/com1-232 FOLDER
     tools/board/plc.py --socket BOARD/com1 FOLDER
+    tools/board/plc.py --node /dev/ttyUSB0 --framing 115200N1 FOLDER
 
 FOLDER has "orders", a JSON object with what the PLC is and does otherwise (DEFAULTS), read before each
 request; a change of it gives "times" anew. There the PLC keeps what it has: program.bin, parameters.bin,
@@ -20,6 +21,7 @@ import random
 import select
 import socket
 import struct
+import termios
 import time
 import tty
 import zlib
@@ -40,6 +42,8 @@ STOPPED, RUNNING = 0, 1
 DONE, BUSY, REFUSED, WRONG_PASSWORD, TOO_LARGE, WRONG_SUM, LOCKED, UNSUPPORTED, NOT_STOPPED = range(9)
 ILLEGAL_FUNCTION, ILLEGAL_ADDRESS, FAILURE = 1, 2, 4
 LOCKED_AFTER_S = 60
+PARITIES = {"N": 0, "E": termios.PARENB, "O": termios.PARENB | termios.PARODD}
+STOP_BITS = {"1": 0, "2": termios.CSTOPB}
 FRAME_PAUSE_S = 0.05                     # what a frame may stop for in the middle
 
 DEFAULTS = {
@@ -262,7 +266,7 @@ FREE = (1, 9)                            # unlock, leave
 
 
 class Line:
-    """The PLC's end of a line: an open file, a pseudo-terminal or a stream socket. With a rate frames take the
+    """The PLC's end of a line: an open file, a terminal or a stream socket. With a rate frames take the
     time that they would on a line of ten bits a byte."""
 
     def __init__(self, plc, file, baud=None):
@@ -320,11 +324,33 @@ def serve_socket(plc, path, baud):
         time.sleep(0.2)
 
 
+def framing(text):
+    """Of RATE, parity N, E or O, and stop bits, as in 9600E1: the terminal's flags and its speed."""
+    rate, parity, stop = text[:-2], text[-2:-1], text[-1:]
+    if parity not in PARITIES or stop not in STOP_BITS or not hasattr(termios, f"B{rate}"):
+        raise argparse.ArgumentTypeError(f"{text} is not as 9600E1")
+    return PARITIES[parity] | STOP_BITS[stop], getattr(termios, f"B{rate}")
+
+
+def serve_node(plc, node, form):
+    """A serial port of this computer, until it is pulled."""
+    flags, speed = form
+    file = os.open(node, os.O_RDWR | os.O_NOCTTY)
+    tty.setraw(file)
+    settings = termios.tcgetattr(file)
+    settings[2] = termios.CS8 | termios.CREAD | termios.CLOCAL | flags
+    settings[4:6] = speed, speed
+    termios.tcsetattr(file, termios.TCSANOW, settings)
+    Line(plc, file).serve()
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     line = parser.add_mutually_exclusive_group(required=True)
     line.add_argument("--pty", type=pathlib.Path, help="makes a pseudo-terminal with this name")
     line.add_argument("--socket", type=pathlib.Path, help="connects with this UNIX stream socket")
+    line.add_argument("--node", type=pathlib.Path, help="takes this serial port")
+    parser.add_argument("--framing", type=framing, default="115200N1", help="of the serial port; default: %(default)s")
     parser.add_argument("--baud", type=int, help="takes the time that a line of this rate would")
     parser.add_argument("folder", type=pathlib.Path)
     options = parser.parse_args()
@@ -334,6 +360,8 @@ def main():
     with contextlib.suppress(HungUp, KeyboardInterrupt):
         if options.pty:
             serve_terminal(plc, options.pty, options.baud)
+        elif options.node:
+            serve_node(plc, options.node, options.framing)
         else:
             serve_socket(plc, options.socket, options.baud)
 
