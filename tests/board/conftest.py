@@ -2,6 +2,7 @@
 
 import contextlib
 import fcntl
+import os
 import shutil
 
 import pytest
@@ -9,6 +10,13 @@ import pytest
 import lab
 from virtualboard import cache, kept, machine
 from virtualboard.commands import run
+
+IS_NIGHT = "SYSSET_NIGHT" in os.environ
+
+
+def by_night(many, few):
+    """How often something is done at night, and how often while somebody waits for the end."""
+    return many if IS_NIGHT else few
 
 
 @pytest.hookimpl(hookwrapper=True)
@@ -21,6 +29,9 @@ def pytest_runtest_makereport(item, call):
 
 def pytest_collection_modifyitems(items):
     """The long ones first: two stories are played at a time, and neither player is to end much later."""
+    for item in items:
+        if item.get_closest_marker("nightly") and not IS_NIGHT:
+            item.add_marker(pytest.mark.skip(reason="for a night: ./test board-long"))
     items.sort(key=lambda item: item.get_closest_marker("long") is None)
 
 

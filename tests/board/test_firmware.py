@@ -1,7 +1,6 @@
 """Firmware from a stick: the panel starts it on trial, keeps it, or goes back to the one before."""
 
 import contextlib
-import os
 import random
 import time
 
@@ -26,11 +25,11 @@ OLD, NEW = 100, 102
 CHOICE = "head -c 4 /dev/disk/by-id/virtio-boot"   # tools/board/init.c tells what it says
 BACK_S = 400
 CHOICES = ["AB90", "BA93", "BA92", "BA99"]              # in the course of an install and its first start
-CUTS = int(os.environ.get("SYSSET_CUTS", 20))
+CUTS = conftest.by_night(200, 20)
 STARTS = CUTS // 10
-REAL_CUTS = int(os.environ.get("SYSSET_REAL_CUTS", 0))
+REAL_CUTS = 20
 TRIAL = {"/etc/systemd/system/sysset-trial.timer":
-         b"[Unit]\nConditionPathExists=!/var/lib/sysset/firmware-proved\n[Timer]\nOnBootSec=45s\n"}
+         b"[Unit]\nConditionPathExists=!/var/lib/sysset/firmware-proved\n[Timer]\nOnBootSec=25s\n"}
 NOTES = ["./rauc", "./sysset/firmware-trial", "./sysset/versions.d"]    # what an install leaves beside all else
 PROFILES = "./network/profiles"     # written anew at each start, under other names too: whose they are counts
 DATA = (f"cd /mnt/data && grep -h ^id= {PROFILES}/*.nmconnection | sort -u && find . " +
@@ -114,18 +113,18 @@ def test_a_firmware_is_asked_about_started_and_kept(at_firmware, maker, folder, 
     assert panel.shell("systemctl --failed --plain --no-legend") == ""
 
 
-BROKEN = {
-    "does not start": ({"/usr/sbin/init": None}, 3),
-    "has a program that crashes": ({"/usr/bin/sysset": b"#!/bin/false\n", **TRIAL}, 1),
-    "does not find its data": ({"/etc/fstab": b"LABEL=none /mnt/data ext4 nofail,x-systemd.device-timeout=2s 0 2\n",
-                                **TRIAL}, 1),
-}
+BROKEN = [
+    pytest.param({"/usr/sbin/init": None}, 3, id="does not start", marks=pytest.mark.nightly),
+    pytest.param({"/usr/bin/sysset": b"#!/bin/false\n", **TRIAL}, 1, id="has a program that crashes"),
+    pytest.param({"/etc/fstab": b"LABEL=none /mnt/data ext4 nofail,x-systemd.device-timeout=2s 0 2\n", **TRIAL}, 1,
+                 id="does not find its data", marks=pytest.mark.nightly),
+]
 
 
 @pytest.mark.long
-@pytest.mark.parametrize("fault", BROKEN)
-def test_the_one_before_comes_back_if_the_new_one(fault, at_firmware, maker, folder, built, tmp_path):
-    panel, (files, tries) = at_firmware, BROKEN[fault]
+@pytest.mark.parametrize("files, tries", BROKEN)
+def test_the_one_before_comes_back_if_the_new_one(files, tries, at_firmware, maker, folder, built, tmp_path):
+    panel = at_firmware
     maker.firmware("panel.osf3", root(built, tmp_path / "root", files), version=NEW)
     plug(panel, folder, FIRMWARE)
     choose(panel, "panel.osf3", FIRMWARE)
@@ -250,7 +249,7 @@ def start_from(panel, left):
 
 
 @pytest.mark.long
-@pytest.mark.skipif(REAL_CUTS == 0, reason="takes an hour: ./test board-long")
+@pytest.mark.nightly
 def test_the_power_is_cut_while_one_is_installed(at_firmware, maker, folder, built, tmp_path):
     panel, chance = at_firmware, random.Random(1)
     maker.firmware("panel.osf3", root(built, tmp_path / "root", {KEYRING: maker.keyring()}), version=NEW)

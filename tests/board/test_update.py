@@ -1,6 +1,5 @@
 """Projects from a stick: one that is installed, those that are not, and what a power cut leaves of them."""
 
-import os
 import random
 import time
 
@@ -25,8 +24,8 @@ TREE = f"cd {PROJECT} && find . -type f -print0 | sort -z | xargs -0 sha256sum"
 HALVES = "ls -A /mnt/data | grep '^[.]' || :"
 FIRMWARE = 100
 PULLS = 10
-CUTS = int(os.environ.get("SYSSET_CUTS", 20))
-REAL_CUTS = int(os.environ.get("SYSSET_REAL_CUTS", 0))
+CUTS = conftest.by_night(200, 20)
+REAL_CUTS = 20
 WHOLE = 3_000_000       # bytes of a project that takes a while
 
 
@@ -158,7 +157,7 @@ def test_a_power_cut_leaves_the_old_or_the_new_one(logged, maker, folder, tmp_pa
 
 
 @pytest.mark.long
-@pytest.mark.skipif(REAL_CUTS == 0, reason="takes half an hour: ./test board-long")
+@pytest.mark.nightly
 def test_the_power_is_cut_while_one_is_installed(ready, maker, folder):
     panel, chance, trees = ready, random.Random(1), {}
     for name in ("Line 1.tmt3", "Line 2.tmt3"):
