@@ -30,10 +30,11 @@ STARTS = CUTS // 10
 REAL_CUTS = 20
 TRIAL = {"/etc/systemd/system/sysset-trial.timer":
          b"[Unit]\nConditionPathExists=!/var/lib/sysset/firmware-proved\n[Timer]\nOnBootSec=25s\n"}
-NOTES = ["./rauc", "./sysset/firmware-trial", "./sysset/versions.d"]    # what an install leaves beside all else
+# What an install leaves beside all else; of a note that was being written the one before, and a part of it.
+NOTES = ["./rauc", "./sysset/firmware-trial*", "./sysset/versions.d*"]
 PROFILES = "./network/profiles"     # written anew at each start, under other names too: whose they are counts
 DATA = (f"cd /mnt/data && grep -h ^id= {PROFILES}/*.nmconnection | sort -u && find . " +
-        "".join(f"-path {path} -prune -o " for path in (*NOTES, PROFILES)) + "-type f -print | sort | xargs sha256sum")
+        "".join(f"-path '{path}' -prune -o " for path in (*NOTES, PROFILES)) + "-type f -print | sort | xargs sha256sum")
 
 
 @pytest.fixture
