@@ -130,7 +130,7 @@ def logged(request, developers, built, tmp_path, maker):
 def test_a_power_cut_leaves_the_old_or_the_new_one(logged, maker, folder, tmp_path):
     panel, log = logged
     maker.project("Line 1.tmt3", {"old/a": noise(200_000), "version": "1"}, version=1)
-    maker.project("Line 2.tmt3", {**{f"new/{n}": noise(40_000, n) for n in range(150)}, "version": "2"}, version=2)
+    maker.project("Line 2.tmt3", {**{f"new/{n}": noise(40_000, n) for n in range(300)}, "version": "2"}, version=2)
     plug(panel, folder)
     trees = []
     for name in ("Line 1.tmt3", "Line 2.tmt3"):
