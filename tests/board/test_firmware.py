@@ -7,10 +7,11 @@ import time
 import pytest
 
 import conftest
+import lab
 import update_page
 from lab import wait_for
 from update_page import FIRMWARE, KEYRING, RELEASE, choose, outcome, percent, plug
-from virtualboard import disks, machine, powercut
+from virtualboard import developer, disks, machine, powercut
 from virtualboard.commands import run
 from virtualboard.jsonlines import Refused
 
@@ -267,4 +268,7 @@ def test_the_power_is_cut_while_one_is_installed(at_firmware, maker, folder, bui
         choice, runs = panel.shell(CHOICE), slot(panel)
         print(choice, runs)
         assert runs == f"SLOT={choice[0]}" and panel.shell(DATA) == before
+        if panel.try_shell("test -e /usr/local/bin/sysset-dev")[0] != 0:    # a firmware as it is delivered
+            developer.lay_over(panel.hands.machine, lab.developers_overlay())
+        panel.open_pages()
         update_page.open_page(panel, FIRMWARE)

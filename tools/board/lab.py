@@ -438,11 +438,14 @@ def packaged_board(system):
     return kept.kept_step("kept", system, SIZE)
 
 
+def developers_overlay():
+    """The developer's program, to be laid over a board."""
+    return developer.overlay_step(os.environ.get("SYSSET_BOARD_PROGRAM") or developer.program_step())
+
+
 def developers_board(system):
     """The same with the developer's program in the place of the packaged one, its pages open."""
-    program = os.environ.get("SYSSET_BOARD_PROGRAM") or developer.program_step()
-    overlay = developer.overlay_step(program)
-
+    overlay = developers_overlay()
     return kept.kept_step("stories", system, SIZE, _with_pages(system, overlay), [overlay])
 
 
@@ -456,8 +459,7 @@ def _with_pages(system, overlay):
 
 def networked_board(system):
     """The developer's board with networks to join: the air is up, and all stations are seen."""
-    program = os.environ.get("SYSSET_BOARD_PROGRAM") or developer.program_step()
-    overlay, networks = developer.overlay_step(program), farends.overlay_step()
+    overlay, networks = developers_overlay(), farends.overlay_step()
 
     def prepare(board):
         _with_pages(system, overlay)(board)
