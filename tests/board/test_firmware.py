@@ -270,5 +270,6 @@ def test_the_power_is_cut_while_one_is_installed(at_firmware, maker, folder, bui
         assert runs == f"SLOT={choice[0]}" and panel.shell(DATA) == before
         if panel.try_shell("test -e /usr/local/bin/sysset-dev")[0] != 0:    # a firmware as it is delivered
             developer.lay_over(panel.hands.machine, lab.developers_overlay())
+        panel.wait_booted()
         panel.open_pages()
         update_page.open_page(panel, FIRMWARE)

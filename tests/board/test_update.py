@@ -173,7 +173,8 @@ def test_the_power_is_cut_while_one_is_installed(ready, maker, folder):
         time.sleep(chance.uniform(0, 8))
         panel.power_cycle()
         print(in_force, "->", trees[panel.shell(TREE)])
-        wait_for(lambda: panel.shell(HALVES) == "", "what was half installed is gone")
+        panel.wait_booted()
+        assert panel.shell(HALVES) == ""
         panel.open_pages()
         panel.touch("btn_UpData")
         plug(panel, folder)

@@ -395,6 +395,10 @@ class Panel:
         self.hands.power_on(self.image)
         self.wait_started()
 
+    def wait_booted(self):
+        """Waits until all services are up, whether or not one has failed."""
+        self.shell("systemctl is-system-running --wait || :", timeout=180)
+
     def wait_started(self, timeout=180):
         """Waits until the program has drawn itself and the board listens to commands."""
         self.hands.wait_started(timeout)
