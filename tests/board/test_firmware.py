@@ -35,7 +35,8 @@ TRIAL = {"/etc/systemd/system/sysset-trial.timer":
 NOTES = ["./rauc", "./sysset/firmware-trial*", "./sysset/versions.d*"]
 PROFILES = "./network/profiles"     # written anew at each start, under other names too: whose they are counts
 DATA = (f"cd /mnt/data && grep -h ^id= {PROFILES}/*.nmconnection | sort -u && find . " +
-        "".join(f"-path '{path}' -prune -o " for path in (*NOTES, PROFILES)) + "-type f -print | sort | xargs sha256sum")
+        "".join(f"-path '{path}' -prune -o " for path in (*NOTES, PROFILES)) +
+        "-type f -print | sort | xargs sha256sum")
 
 
 @pytest.fixture
