@@ -74,7 +74,7 @@ def at_work(request, board, built):
     panel = lab.Panel(lab.VirtualHands(board), built)
     yield panel
     if getattr(request.node, "failed", False):
-        folder = cache.folder() / "failed" / request.node.name
+        folder = cache.folder() / "failed" / f"{request.node.path.stem}-{request.node.name}"
         shutil.rmtree(folder, ignore_errors=True)
         lab.evidence(panel, folder)
         print(f"What it left behind is in {folder}")
